@@ -1,0 +1,51 @@
+# Thin entry points; the work is done by CMake and CTest.
+BUILD   ?= build
+WINBUILD ?= build-windows
+FUZZBUILD ?= build-fuzz
+JOBS    ?= $(shell nproc)
+FUZZ_SECONDS ?= 20
+GENERATOR := $(shell command -v ninja >/dev/null 2>&1 && echo "-G Ninja")
+
+.PHONY: deps configure build run test bench fuzz windows clean
+
+deps:
+	@bash scripts/setup-deps
+
+configure: deps
+	@test -f $(BUILD)/CMakeCache.txt || cmake -S . -B $(BUILD) $(GENERATOR) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+build: configure
+	cmake --build $(BUILD) -j $(JOBS)
+
+# Starts the program; without ARGS it opens the bundled demo library.
+run: build
+	$(BUILD)/app/tessara $(ARGS)
+
+# Every test, including the windowed ones under a private X server and the
+# Windows test executable under wine.
+test: build windows
+	cd $(BUILD) && xvfb-run -a -s "-screen 0 1600x1200x24" ctest --output-on-failure -j $(JOBS) --timeout 900
+
+windows: deps
+	@test -f $(WINBUILD)/CMakeCache.txt || cmake -S . -B $(WINBUILD) $(GENERATOR) \
+	    -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake -DCMAKE_BUILD_TYPE=Release
+	cmake --build $(WINBUILD) -j $(JOBS)
+
+bench: build
+	@set -e; for b in $(BUILD)/bench/bench_*; do echo "== $$b"; $$b; done
+
+fuzz: deps
+	@test -f $(FUZZBUILD)/CMakeCache.txt || CC=clang CXX=clang++ cmake -S . -B $(FUZZBUILD) $(GENERATOR) \
+	    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSARA_FUZZ=ON -DTESSARA_BENCH=OFF \
+	    -DCMAKE_CXX_FLAGS="-fsanitize=fuzzer-no-link,address,undefined"
+	cmake --build $(FUZZBUILD) -j $(JOBS)
+	@set -e; for f in $(FUZZBUILD)/fuzz/fuzz_*; do \
+	    name=$$(basename $$f); corpus=$(FUZZBUILD)/corpus/$$name; mkdir -p $$corpus; \
+	    seeds=fuzz/seeds/$${name#fuzz_}; \
+	    echo "== $$name ($(FUZZ_SECONDS)s)"; \
+	    $$f -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+	        $$corpus $$(test -d $$seeds && echo $$seeds) 2>&1 | tail -n 8; \
+	done
+
+clean:
+	rm -rf $(BUILD) $(WINBUILD) $(FUZZBUILD)

@@ -1,0 +1,29 @@
+#pragma once
+// Subcommands of tessara-cli. Each area defines its subcommands in its own
+// file with a static Subcommand object, which registers itself at start-up:
+//
+//   static cli::Subcommand tables{"tables", "PATH", "list the tables", &runTables};
+//
+// A subcommand prints plain text, returns 0 on success, and on failure prints
+// one line to stderr and returns non-zero.
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+using Args = std::vector<std::string>;  // arguments after the subcommand name
+using Handler = std::function<int(const Args&, std::istream& in, std::ostream& out, std::ostream& err)>;
+
+struct Subcommand {
+    Subcommand(std::string name, std::string usage, std::string summary, Handler run);
+};
+
+struct Entry {
+    std::string name, usage, summary;
+    Handler run;
+};
+const std::vector<Entry>& subcommands();
+
+}  // namespace cli

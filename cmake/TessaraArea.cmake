@@ -1,0 +1,56 @@
+# Helpers shared by every area of the source tree.
+
+set(TESSARA_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wno-unused-parameter)
+
+# tessara_area(<target> [DIRS <subdir>...] [DEPS <target>...] [QT])
+# Builds one static library from the *.cpp files of the current source
+# directory and of the listed subdirectories. An area without sources yet
+# becomes an INTERFACE library so that dependants link either way.
+function(tessara_area target)
+  cmake_parse_arguments(A "QT" "" "DIRS;DEPS" ${ARGN})
+  file(GLOB srcs CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  foreach(d IN LISTS A_DIRS)
+    file(GLOB more CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${d}/*.cpp)
+    list(APPEND srcs ${more})
+  endforeach()
+  if(srcs)
+    add_library(${target} STATIC ${srcs})
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_compile_options(${target} PRIVATE ${TESSARA_WARNINGS})
+    target_link_libraries(${target} PUBLIC ${A_DEPS})
+    if(A_QT)
+      set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    endif()
+  else()
+    add_library(${target} INTERFACE)
+    target_include_directories(${target} INTERFACE ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(${target} INTERFACE ${A_DEPS})
+  endif()
+endfunction()
+
+# tessara_test(<area> [LIBS <target>...] [LABELS <label>...] [EXTRA <file>...])
+# One GoogleTest executable per area from tests/<area>/*.cpp, each test
+# registered with CTest.
+function(tessara_test area)
+  cmake_parse_arguments(A "" "" "LIBS;LABELS;EXTRA" ${ARGN})
+  file(GLOB srcs CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(NOT srcs)
+    return()
+  endif()
+  set(exe test_${area})
+  add_executable(${exe} ${srcs} ${A_EXTRA})
+  target_link_libraries(${exe} PRIVATE ${A_LIBS} GTest::gtest GTest::gmock GTest::gtest_main Threads::Threads)
+  target_compile_options(${exe} PRIVATE ${TESSARA_WARNINGS})
+  target_include_directories(${exe} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
+  target_compile_definitions(${exe} PRIVATE
+    TESSARA_TESTDATA="${PROJECT_SOURCE_DIR}/../shared/testdata"
+    TESSARA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    TESSARA_BINARY_DIR="${PROJECT_BINARY_DIR}"
+    TESSARA_CLI="$<TARGET_FILE:tessara-cli>")
+  add_dependencies(${exe} tessara-cli)
+  set(props)
+  if(A_LABELS)
+    set(props PROPERTIES LABELS "${A_LABELS}")
+  endif()
+  gtest_discover_tests(${exe} DISCOVERY_TIMEOUT 120 ${props})
+endfunction()

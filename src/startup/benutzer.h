@@ -1,0 +1,75 @@
+#pragma once
+// Every question, message, file dialog and progress display of the program
+// goes through this interface: ui/ implements it with Qt windows, tests with
+// scripted answers (SkriptBenutzer). Subsystem logic never opens a window.
+#include <string>
+#include <vector>
+
+namespace tessara {
+
+enum class Symbol { Keins, Information, Ausrufezeichen, Frage, Kritisch };
+enum class Knoepfe { Ok, OkAbbrechen, JaNein, JaNeinAbbrechen };
+enum class Antwort { Ok, Abbrechen, Ja, Nein };
+
+class Benutzer {
+public:
+    virtual ~Benutzer() = default;
+
+    // A message box: text (lines joined with "\r"), title, icon and buttons.
+    virtual Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
+                            Knoepfe knoepfe) = 0;
+    // The folder-selection dialog; empty when cancelled.
+    virtual std::string ordnerWaehlen(const std::string& titel, const std::string& start) = 0;
+    // A file dialog for opening (speichern = false) or saving; empty when cancelled.
+    virtual std::string dateiWaehlen(const std::string& titel, const std::string& start,
+                                     const std::string& filter, bool speichern) = 0;
+    // Progress of long work: done of total steps, with a line of text. total 0 ends it.
+    virtual void fortschritt(long erledigt, long gesamt, const std::string& text) = 0;
+};
+
+// Test double: records what was shown and answers from a queue.
+class SkriptBenutzer : public Benutzer {
+public:
+    struct Gezeigt {
+        std::string text, titel;
+        Symbol symbol;
+        Knoepfe knoepfe;
+    };
+    std::vector<Gezeigt> gezeigt;
+    std::vector<Antwort> antworten;        // taken from the front; default Ok/Ja
+    std::vector<std::string> ordner;       // answers for ordnerWaehlen
+    std::vector<std::string> dateien;      // answers for dateiWaehlen
+    std::vector<std::string> fortschritte;
+
+    Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
+                    Knoepfe knoepfe) override {
+        gezeigt.push_back({text, titel, symbol, knoepfe});
+        if (!antworten.empty()) {
+            Antwort a = antworten.front();
+            antworten.erase(antworten.begin());
+            return a;
+        }
+        return knoepfe == Knoepfe::JaNein || knoepfe == Knoepfe::JaNeinAbbrechen ? Antwort::Ja
+                                                                                 : Antwort::Ok;
+    }
+    std::string ordnerWaehlen(const std::string&, const std::string&) override {
+        return nimm(ordner);
+    }
+    std::string dateiWaehlen(const std::string&, const std::string&, const std::string&,
+                             bool) override {
+        return nimm(dateien);
+    }
+    void fortschritt(long erledigt, long gesamt, const std::string& text) override {
+        fortschritte.push_back(std::to_string(erledigt) + "/" + std::to_string(gesamt) + " " + text);
+    }
+
+private:
+    static std::string nimm(std::vector<std::string>& v) {
+        if (v.empty()) return {};
+        std::string s = v.front();
+        v.erase(v.begin());
+        return s;
+    }
+};
+
+}  // namespace tessara
