@@ -28,11 +28,11 @@ function(tessara_area target)
   endif()
 endfunction()
 
-# tessara_test(<area> [LIBS <target>...] [LABELS <label>...] [EXTRA <file>...])
+# tessara_test(<area> [LIBS <target>...] [LABELS <label>...] [EXTRA <file>...] [NEEDS_CLI])
 # One GoogleTest executable per area from tests/<area>/*.cpp, each test
 # registered with CTest.
 function(tessara_test area)
-  cmake_parse_arguments(A "" "" "LIBS;LABELS;EXTRA" ${ARGN})
+  cmake_parse_arguments(A "NEEDS_CLI" "" "LIBS;LABELS;EXTRA" ${ARGN})
   file(GLOB srcs CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT srcs)
     return()
@@ -47,7 +47,11 @@ function(tessara_test area)
     TESSARA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
     TESSARA_BINARY_DIR="${PROJECT_BINARY_DIR}"
     TESSARA_CLI="$<TARGET_FILE:tessara-cli>")
-  add_dependencies(${exe} tessara-cli)
+  # Only tests that run the batch tool wait for it, so an area's tests build
+  # without every other area.
+  if(A_NEEDS_CLI)
+    add_dependencies(${exe} tessara-cli)
+  endif()
   set(props)
   if(A_LABELS)
     set(props PROPERTIES LABELS "${A_LABELS}")
