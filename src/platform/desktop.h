@@ -30,6 +30,8 @@ public:
     virtual bool activateByTitle(const std::string& title) = 0;
     // SetForegroundWindow followed by BringWindowToTop.
     virtual bool bringToFront(WindowHandle window) = 0;
+    // GetForegroundWindow: the window that has the focus now, 0 when none.
+    virtual WindowHandle foregroundWindow() { return 0; }
     // Types into the foreground window. Brace notation as SendKeys: "{ESC}",
     // "{ENTER}", "~" for Enter, "{(}", "{)}", "{{}", "{}}", "{+}", "{^}",
     // "{%}", "{~}"; a carriage return "\r" is Enter too.

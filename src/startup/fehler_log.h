@@ -28,6 +28,17 @@ namespace tessara {
 void subErrorAllgemein(ProgrammZustand& z, bool booNurLog, const std::string& strBeschreibung,
                        long lngNummer, const std::vector<std::string>& kontext = {});
 
+// Debug mode: reads "strDebug" and "sErrMsgbox" from the section (empty means
+// "AllgemeineDaten") of the Settings file into z.booDebug and
+// z.booFehlerMsgbox, and, unless "sOhneMsgboxDaDll" is "1", asks whether to
+// start in debug mode (Cancel switches it off). Answers z.booDebug.
+bool fctGetCDebug(ProgrammZustand& z, const std::string& strIniDatei,
+                  const std::string& strSektion);
+
+// The log file: z.strErrorDatei, else the temporary directory followed by
+// "txtError", the short registry name and ".txt".
+std::string fctErrorDatei(const ProgrammZustand& z);
+
 // Writes one line to the error log when debug mode is on (step labels,
 // "sCmdLineParameter: ...", ...). Never throws.
 void subDebugLog(ProgrammZustand& z, const std::string& zeile);
@@ -51,6 +62,7 @@ private:
     ProgrammZustand& z_;
     std::string name_;
     std::string vorher_;
+    std::string schrittVorher_;  // the caller's step label, back on exit
     bool fenster_;
 };
 

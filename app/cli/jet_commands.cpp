@@ -1,0 +1,100 @@
+// The database file from the command line: its tables, their definitions,
+// their rows as CSV (comparable with mdb-export) and a structural check.
+#include <istream>
+#include <ostream>
+
+#include "cli/cli.h"
+#include "jet/check.h"
+#include "jet/csv_export.h"
+#include "jet/database.h"
+#include "jet/table.h"
+
+namespace {
+
+int usage(std::ostream& err, const char* text) {
+    err << "usage: tessara-cli " << text << "\n";
+    return 2;
+}
+
+int runTables(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
+    if (args.size() != 1) return usage(err, "tables PATH");
+    auto db = jet::Database::open(args[0]);
+    for (const std::string& n : db->tableNames()) out << n << "\n";
+    return 0;
+}
+
+std::string typeText(const jet::Column& c) {
+    std::string s = jet::columnTypeName(c.type);
+    if (c.type == jet::ColumnType::Text) s += "(" + std::to_string(c.displaySize()) + ")";
+    if (c.type == jet::ColumnType::Binary) s += "(" + std::to_string(c.length) + ")";
+    if (c.type == jet::ColumnType::Numeric)
+        s += "(" + std::to_string(c.precision) + "," + std::to_string(c.scale) + ")";
+    return s;
+}
+
+int runSchema(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
+    if (args.size() != 1) return usage(err, "schema PATH");
+    auto db = jet::Database::open(args[0]);
+    for (const std::string& name : db->tableNames()) {
+        jet::Table t = db->table(name);
+        const jet::TableDef& d = t.def();
+        out << "TABLE " << name << " (" << d.rowCount << " rows)\n";
+        for (const jet::Column& c : d.columns) {
+            out << "  COLUMN " << c.name << " " << typeText(c) << " size " << c.displaySize();
+            if (c.flags & jet::colflag::kAutoLong) out << " AUTOINCREMENT";
+            if (c.flags & jet::colflag::kAutoGuid) out << " AUTOGUID";
+            if (!c.isNullable()) out << " NOT NULL";
+            out << "\n";
+        }
+        for (const jet::Index& ix : d.indexes) {
+            const jet::RealIndex& ri = d.realIndexes[ix.realIndex];
+            out << "  INDEX " << ix.name << " (";
+            for (std::size_t i = 0; i < ri.columns.size(); ++i) {
+                const jet::Column* c = d.columnByNumber(ri.columns[i].columnNumber);
+                out << (i ? ", " : "") << (c ? c->name : "?") << (ri.columns[i].ascending ? " ASC" : " DESC");
+            }
+            out << ")";
+            if (ix.isPrimary()) out << " PRIMARY KEY";
+            if (ix.isForeignKey()) out << " FOREIGN KEY";
+            if (ri.flags & jet::idxflag::kUnique) out << " UNIQUE";
+            if (ri.flags & jet::idxflag::kIgnoreNulls) out << " IGNORE NULLS";
+            if (ri.flags & jet::idxflag::kRequired) out << " REQUIRED";
+            out << "\n";
+        }
+    }
+    for (const jet::Relationship& r : db->relationships()) {
+        out << "RELATIONSHIP " << r.name << " " << r.table << "(";
+        for (std::size_t i = 0; i < r.columns.size(); ++i) out << (i ? ", " : "") << r.columns[i];
+        out << ") REFERENCES " << r.relatedTable << "(";
+        for (std::size_t i = 0; i < r.relatedColumns.size(); ++i) out << (i ? ", " : "") << r.relatedColumns[i];
+        out << ")\n";
+    }
+    return 0;
+}
+
+int runExport(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
+    if (args.size() != 2) return usage(err, "export PATH TABLE");
+    auto db = jet::Database::open(args[0]);
+    jet::writeCsv(db->table(args[1]), out);
+    return 0;
+}
+
+int runCheck(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
+    if (args.size() != 1) return usage(err, "check PATH");
+    auto db = jet::Database::open(args[0]);
+    std::vector<std::string> faults = jet::checkDatabase(*db);
+    for (const std::string& f : faults) out << f << "\n";
+    if (!faults.empty()) {
+        err << "tessara-cli check: " << faults.size() << " fault(s) found\n";
+        return 1;
+    }
+    out << "no faults found\n";
+    return 0;
+}
+
+cli::Subcommand tablesCmd{"tables", "PATH", "list the user tables of a database", &runTables};
+cli::Subcommand schemaCmd{"schema", "PATH", "columns, indexes and relationships of every table", &runSchema};
+cli::Subcommand exportCmd{"export", "PATH TABLE", "a table's rows as CSV (the shape of mdb-export)", &runExport};
+cli::Subcommand checkCmd{"check", "PATH", "verify a database's structure and list each fault", &runCheck};
+
+}  // namespace

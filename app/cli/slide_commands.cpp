@@ -1,0 +1,182 @@
+// Slides and slide libraries from the command line: building a library as
+// the host's slide-library tool does, painting a slide to PNG, describing a
+// slide, and writing the pictures the program ships.
+#include <QImage>
+#include <QString>
+#include <filesystem>
+#include <fstream>
+#include <istream>
+#include <ostream>
+
+#include "authoring/code_tabelle.h"
+#include "authoring/demo_bibliothek.h"
+#include "authoring/dia_zeichner.h"
+#include "authoring/slide_library.h"
+#include "authoring/slidelib_builder.h"
+#include "cli/cli.h"
+#include "platform/environment.h"
+#include "ui/slide_painter.h"
+
+namespace {
+
+using tessara::slide::SlideError;
+
+int runSlidelib(const cli::Args& args, std::istream& in, std::ostream& out, std::ostream& err) {
+    if (args.size() != 1) {
+        err << "usage: tessara-cli slidelib LIBRARY < LIST\n";
+        return 2;
+    }
+    std::string library = platform::nativePath(args[0]);
+    if (library.size() < 4 || library.substr(library.size() - 4) != ".slb") {
+        // The host's tool appends the extension when it is missing.
+        auto dot = library.find_last_of("./\\");
+        if (dot == std::string::npos || library[dot] != '.') library += ".slb";
+    }
+    try {
+        auto list = tessara::slide::readSlideList(in);
+        tessara::slide::buildLibraryFile(library, list);
+        out << list.size() << " slides written to " << library << "\n";
+        return 0;
+    } catch (const SlideError& e) {
+        err << "tessara-cli slidelib: " << e.what() << "\n";
+        return 1;
+    }
+}
+
+int runRenderSlide(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
+    std::string picture, png;
+    int w = 400, h = 300;
+    auto background = tessara::ui::DiaHintergrund::Dunkel;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == "--size" && i + 1 < args.size()) {
+            const std::string& s = args[++i];
+            auto x = s.find_first_of("xX");
+            try {
+                if (x == std::string::npos) throw std::invalid_argument(s);
+                w = std::stoi(s.substr(0, x));
+                h = std::stoi(s.substr(x + 1));
+            } catch (const std::exception&) {
+                err << "tessara-cli render-slide: --size wants WxH, got '" << s << "'\n";
+                return 2;
+            }
+            if (w < 1 || h < 1 || w > 8192 || h > 8192) {
+                err << "tessara-cli render-slide: size out of range 1..8192\n";
+                return 2;
+            }
+        } else if (args[i] == "--light") {
+            background = tessara::ui::DiaHintergrund::Hell;
+        } else if (picture.empty()) {
+            picture = args[i];
+        } else if (png.empty()) {
+            png = args[i];
+        } else {
+            err << "tessara-cli render-slide: unexpected argument '" << args[i] << "'\n";
+            return 2;
+        }
+    }
+    if (picture.empty() || png.empty()) {
+        err << "usage: tessara-cli render-slide FILE[(NAME)] OUT.png [--size WxH] [--light]\n";
+        return 2;
+    }
+    try {
+        auto slide = tessara::slide::fctDiaLaden(picture);
+        QImage image = tessara::ui::fctDiaBild(slide, QSize(w, h), {background, true});
+        std::string target = platform::nativePath(png);
+        if (!image.save(QString::fromStdString(target), "PNG")) {
+            err << "tessara-cli render-slide: cannot write " << target << "\n";
+            return 1;
+        }
+        out << target << " " << w << "x" << h << "\n";
+        return 0;
+    } catch (const SlideError& e) {
+        err << "tessara-cli render-slide: " << e.what() << "\n";
+        return 1;
+    }
+}
+
+int runSlideInfo(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
+    if (args.size() != 1) {
+        err << "usage: tessara-cli slide-info FILE[(NAME)]\n";
+        return 2;
+    }
+    try {
+        auto parts = tessara::slide::fctBildnameZerlegen(args[0]);
+        std::string native = platform::nativePath(parts.datei);
+        if (parts.eintrag.empty() && native.size() > 4 &&
+            native.substr(native.size() - 4) == ".slb") {
+            auto lib = tessara::slide::SlideLibrary::readFile(native);
+            for (const auto& e : lib.entries())
+                out << e.name << " " << e.address << " " << e.size << "\n";
+            return 0;
+        }
+        auto s = tessara::slide::fctDiaLaden(args[0]);
+        const auto& r = s.records;
+        out << "level " << s.level << (s.bigEndian ? " big-endian" : " little-endian") << "\n"
+            << "area " << s.highX + 1 << "x" << s.highY + 1 << " aspect " << s.aspectRatio << "\n"
+            << "records vectors " << r.vectors << " offset " << r.offsetVectors << " common "
+            << r.commonEndpoints << " fills " << r.fills << " colours " << r.colours << " eof "
+            << r.endOfFile << "\n"
+            << "elements " << s.elements.size() << "\n";
+        return 0;
+    } catch (const SlideError& e) {
+        err << "tessara-cli slide-info: " << e.what() << "\n";
+        return 1;
+    }
+}
+
+int runMakeDemoLibrary(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
+    if (args.empty() || args.size() > 2 || (args.size() == 2 && args[1] != "--single-slides")) {
+        err << "usage: tessara-cli make-demo-library DIR [--single-slides]\n";
+        return 2;
+    }
+    try {
+        std::string dir = platform::nativePath(args[0]);
+        auto blocks = tessara::fctDemoBibliothekErzeugen(dir, args.size() == 1);
+        out << "OrdnerNr;Ordnername;Block;BlkName0;SlideLib;Ansichten\n";
+        for (const auto& b : blocks)
+            out << b.ordnerNr << ";" << b.ordnerName << ";" << b.blockNr << ";" << b.blkName << ";"
+                << b.slideLib << ";" << b.ansichten << "\n";
+        return 0;
+    } catch (const std::exception& e) {
+        err << "tessara-cli make-demo-library: " << e.what() << "\n";
+        return 1;
+    }
+}
+
+int runMakeProgramData(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
+    if (args.size() != 1) {
+        err << "usage: tessara-cli make-program-data DIR\n";
+        return 2;
+    }
+    try {
+        std::filesystem::path dir(platform::nativePath(args[0]));
+        auto frei = tessara::slide::writeSlide(tessara::slide::fctLeerfeldDia());
+        tessara::slide::writeFileBytes((dir / "frei2.sld").string(), frei);
+        std::string codes = tessara::fctCodeTabelleText();
+        tessara::slide::writeFileBytes(
+            (dir / "txtPrefix.txt").string(),
+            std::span(reinterpret_cast<const std::uint8_t*>(codes.data()), codes.size()));
+        out << (dir / "frei2.sld").string() << "\n" << (dir / "txtPrefix.txt").string() << "\n";
+        return 0;
+    } catch (const std::exception& e) {
+        err << "tessara-cli make-program-data: " << e.what() << "\n";
+        return 1;
+    }
+}
+
+cli::Subcommand slidelib{"slidelib", "LIBRARY < LIST",
+                         "builds a slide library from slide files listed one a line on stdin",
+                         &runSlidelib};
+cli::Subcommand renderSlide{"render-slide", "FILE[(NAME)] OUT.png [--size WxH] [--light]",
+                            "paints a slide, or a slide of a library, as a PNG", &runRenderSlide};
+cli::Subcommand slideInfo{"slide-info", "FILE[(NAME)]",
+                          "describes a slide, or lists the entries of a slide library",
+                          &runSlideInfo};
+cli::Subcommand makeDemo{"make-demo-library", "DIR [--single-slides]",
+                         "draws the demo symbols as slide libraries below DIR and lists the blocks",
+                         &runMakeDemoLibrary};
+cli::Subcommand makeData{"make-program-data", "DIR",
+                         "writes the empty-slot picture frei2.sld and the code table txtPrefix.txt",
+                         &runMakeProgramData};
+
+}  // namespace

@@ -1,0 +1,1 @@
+SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 1 ORDER BY SeitenName

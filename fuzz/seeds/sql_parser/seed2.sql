@@ -1,0 +1,1 @@
+SELECT * FROM [tblOrdner] WHERE [Ordnername] LIKE 'Öl%' AND NOT (Wert IS NULL OR Nr IN (SELECT NrTblOrdner FROM tblSeiten))

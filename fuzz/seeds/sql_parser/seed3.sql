@@ -1,0 +1,1 @@
+SELECT * INTO tblNeu FROM tblOrdner IN 'x.mdb' WHERE Nr = 1

@@ -1,0 +1,1 @@
+INSERT INTO tblSeiten (SeitenNr, SeitenName, NrTblOrdner) SELECT Nr, Ordnername, Nr FROM tblOrdner

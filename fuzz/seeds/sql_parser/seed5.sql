@@ -1,0 +1,1 @@
+UPDATE tblOrdner SET Wert = Nr * 2 + 1, OrdnerNr = '9' WHERE Ordnername LIKE '[!a-c]%'

@@ -1,0 +1,1 @@
+DELETE FROM tblSeiten WHERE NrTblOrdner BETWEEN 1 AND 2

@@ -1,0 +1,1 @@
+ALTER TABLE tblOrdner ADD COLUMN NrTblOrdnen SHORT

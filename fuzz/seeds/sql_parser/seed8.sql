@@ -1,0 +1,1 @@
+CREATE INDEX OrdnerID ON tblSeiten(NrTblOrdner DESC)

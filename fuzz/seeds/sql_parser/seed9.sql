@@ -1,0 +1,1 @@
+SELECT Nr FROM tblOrdner WHERE Ordnername LIKE '%O'Brien%'

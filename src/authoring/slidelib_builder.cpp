@@ -1,0 +1,142 @@
+#include "authoring/slidelib_builder.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include "authoring/dateien_operationen.h"
+#include "platform/environment.h"
+#include "startup/fehler_log.h"
+
+namespace tessara {
+namespace slide {
+
+std::string entryNameForFile(const std::string& path) {
+    auto sep = path.find_last_of("\\/");
+    std::string base = sep == std::string::npos ? path : path.substr(sep + 1);
+    auto dot = base.rfind('.');
+    if (dot != std::string::npos) base.erase(dot);  // ".sld" has no name at all
+    for (char& c : base)
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    if (base.empty()) throw SlideError("no slide name in \"" + path + "\"");
+    if (base.size() > kMaxEntryName)
+        throw SlideError("slide name \"" + base + "\" longer than 31 characters (" + path + ")");
+    return base;
+}
+
+std::vector<std::string> readSlideList(std::istream& list) {
+    std::vector<std::string> paths;
+    std::string line;
+    while (std::getline(list, line)) {
+        while (!line.empty() && (line.back() == '\r' || line.back() == ' ' || line.back() == '\t'))
+            line.pop_back();
+        std::size_t start = line.find_first_not_of(" \t");
+        if (start == std::string::npos) continue;
+        paths.push_back(platform::nativePath(line.substr(start)));
+    }
+    return paths;
+}
+
+void buildLibraryFile(const std::string& libraryNativePath,
+                      const std::vector<std::string>& slideNativePaths) {
+    if (slideNativePaths.empty()) throw SlideError("no slides listed");
+    std::vector<LibraryInput> inputs;
+    for (const auto& gelistet : slideNativePaths) {
+        // Like the host's tool, a name without extension means the ".sld" file.
+        std::string p = gelistet;
+        auto sep = p.find_last_of("\\/");
+        auto dot = p.rfind('.');
+        if ((dot == std::string::npos || (sep != std::string::npos && dot < sep)) &&
+            !std::filesystem::exists(p))
+            p += ".sld";
+        LibraryInput in;
+        in.name = entryNameForFile(p);
+        for (const auto& earlier : inputs)
+            if (earlier.name == in.name)
+                throw SlideError("slide name \"" + in.name + "\" occurs twice (" + p + ")");
+        in.slideBytes = readFileBytes(p);
+        try {
+            (void)readSlide(in.slideBytes);
+        } catch (const SlideError& e) {
+            throw SlideError(p + ": " + e.what());
+        }
+        inputs.push_back(std::move(in));
+    }
+    writeFileBytes(libraryNativePath, writeSlideLibrary(inputs));
+}
+
+}  // namespace slide
+
+bool fctSlideBibliothekErstellen(ProgrammZustand& z, const std::string& bibliothek,
+                                 const std::vector<std::string>& dias) {
+    Prozedur p(z, "fctSlideBibliothekErstellen ");
+    try {
+        p.step("SlideLib erstellen");
+        std::vector<std::string> nativ;
+        for (const auto& d : dias) nativ.push_back(platform::nativePath(d));
+        slide::buildLibraryFile(platform::nativePath(bibliothek), nativ);
+        return true;
+    } catch (const std::exception& e) {
+        p.fehler(e);
+        return false;
+    }
+}
+
+bool fctSlideBibliothekAusDialiste(ProgrammZustand& z, const std::string& bibliothek,
+                                   const std::string& dialiste) {
+    Prozedur p(z, "fctSlideBibliothekAusDialiste ");
+    try {
+        p.step("Dialiste lesen");
+        std::ifstream in(platform::nativePath(dialiste), std::ios::binary);
+        if (!in) {
+            p.fehler("Dialiste nicht gefunden: " + dialiste, 53);
+            return false;
+        }
+        auto liste = slide::readSlideList(in);
+        p.step("SlideLib erstellen");
+        slide::buildLibraryFile(platform::nativePath(bibliothek), liste);
+        return true;
+    } catch (const std::exception& e) {
+        p.fehler(e);
+        return false;
+    }
+}
+
+bool DialisteSchreiben(ProgrammZustand& z, const std::string& arbeitsVerzeichnis,
+                       const std::vector<std::string>& diaCodes) {
+    Prozedur p(z, "DialisteSchreiben ");
+    try {
+        std::string text;
+        for (const auto& code : diaCodes)
+            text += arbeitsVerzeichnis + "\\" + code + ".sld" + "\r\n";
+        return WriteIntorTxtFile(z, arbeitsVerzeichnis + "\\dialist.txt", text);
+    } catch (const std::exception& e) {
+        p.fehler(e);
+        return false;
+    }
+}
+
+std::string fctSlidelibBefehl(const std::string& arbeitsVerzeichnis,
+                              const std::string& bibliothek) {
+    return arbeitsVerzeichnis + "\\slidelib.exe " + bibliothek + " < " + arbeitsVerzeichnis +
+           "\\dialist.txt";
+}
+
+std::string fctSlidelibBatZeile(const std::string& arbeitsVerzeichnis,
+                                const std::string& bibliothek) {
+    return "\"" + arbeitsVerzeichnis + "\\slidelib.exe\" \"" + bibliothek + "\" < \"" +
+           arbeitsVerzeichnis + "\\dialist.txt\"";
+}
+
+bool fctSlidelibBatSchreiben(ProgrammZustand& z, const std::string& arbeitsVerzeichnis,
+                             const std::string& bibliothek) {
+    Prozedur p(z, "fctSlidelibBatSchreiben ");
+    try {
+        return WriteIntorTxtFile(z, arbeitsVerzeichnis + "\\Slidelib.bat",
+                                 fctSlidelibBatZeile(arbeitsVerzeichnis, bibliothek) + "\r\n");
+    } catch (const std::exception& e) {
+        p.fehler(e);
+        return false;
+    }
+}
+
+}  // namespace tessara

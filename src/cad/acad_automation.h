@@ -1,0 +1,58 @@
+#pragma once
+// The part of AutoCAD's object model that the CAD bridge uses. On Windows a
+// COM implementation over "AutoCAD.Application" fills it; tests use fakes.
+// Every call may fail: implementations throw AcadFehler carrying the error
+// description and number, which the callers trap and read as VB's Err does.
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace tessara {
+
+class AcadFehler : public std::runtime_error {
+  public:
+    AcadFehler(const std::string& beschreibung, long nummer)
+        : std::runtime_error(beschreibung), nummer_(nummer) {}
+    long nummer() const { return nummer_; }
+
+  private:
+    long nummer_;
+};
+
+class AcadDokument {
+  public:
+    virtual ~AcadDokument() = default;
+    virtual std::string GetVariable(const std::string& name) = 0;
+    virtual void SetVariable(const std::string& name, const std::string& wert) = 0;
+    virtual void SendCommand(const std::string& text) = 0;
+    virtual std::string WindowTitle() = 0;
+    virtual std::uintptr_t hwnd() = 0;
+    virtual void Close() = 0;
+};
+
+class AcadAnwendung {
+  public:
+    virtual ~AcadAnwendung() = default;
+    virtual std::string Version() = 0;
+    virtual std::string Caption() = 0;
+    virtual std::string Name() = 0;
+    virtual std::string Path() = 0;
+    virtual long DocumentsCount() = 0;
+    // The active drawing; throws when there is none.
+    virtual std::shared_ptr<AcadDokument> ActiveDocument() = 0;
+    // Preferences.Files.SupportPath
+    virtual std::string SupportPath() = 0;
+};
+
+// GetObject / CreateObject for a program identifier such as "AutoCAD.Application".
+class AcadAutomation {
+  public:
+    virtual ~AcadAutomation() = default;
+    // The running object registered under the identifier; throws when none runs.
+    virtual std::shared_ptr<AcadAnwendung> laufendesObjekt(const std::string& progId) = 0;
+    // A new instance; throws when it cannot be created.
+    virtual std::shared_ptr<AcadAnwendung> neuesObjekt(const std::string& progId) = 0;
+};
+
+}  // namespace tessara

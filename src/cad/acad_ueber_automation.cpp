@@ -1,0 +1,154 @@
+#include "cad/acad_ueber_automation.h"
+
+#include <charconv>
+#include <cstdio>
+
+namespace tessara {
+
+namespace {
+
+using platform::AutomationObject;
+using platform::Variant;
+
+template <typename F>
+auto haltFehler(F&& f) -> decltype(f()) {
+    try {
+        return f();
+    } catch (const platform::AutomationError& e) {
+        throw AcadFehler(e.what(), e.number());
+    }
+}
+
+std::shared_ptr<AutomationObject> objekt(const Variant& v, const char* was) {
+    if (v.type != Variant::Type::Object || !v.object)
+        throw AcadFehler(std::string("Objektvariable nicht festgelegt: ") + was, 91);
+    return v.object;
+}
+
+// Integer system variables want an integer variant; everything else goes as text.
+Variant wertVariant(const std::string& wert) {
+    std::int32_t zahl = 0;
+    const char* ende = wert.data() + wert.size();
+    auto [p, ec] = std::from_chars(wert.data(), ende, zahl);
+    if (!wert.empty() && ec == std::errc() && p == ende) return Variant::fromInt(zahl);
+    return Variant::fromString(wert);
+}
+
+class Dokument : public AcadDokument {
+  public:
+    explicit Dokument(std::shared_ptr<AutomationObject> d) : d_(std::move(d)) {}
+    std::string GetVariable(const std::string& name) override {
+        return haltFehler(
+            [&] { return fctVariantText(d_->call("GetVariable", {Variant::fromString(name)})); });
+    }
+    void SetVariable(const std::string& name, const std::string& wert) override {
+        haltFehler([&] {
+            d_->call("SetVariable", {Variant::fromString(name), wertVariant(wert)});
+            return 0;
+        });
+    }
+    void SendCommand(const std::string& text) override {
+        haltFehler([&] {
+            d_->call("SendCommand", {Variant::fromString(text)});
+            return 0;
+        });
+    }
+    std::string WindowTitle() override {
+        return haltFehler([&] { return fctVariantText(d_->get("WindowTitle")); });
+    }
+    std::uintptr_t hwnd() override {
+        return haltFehler([&] {
+            const Variant v = d_->get("hwnd");
+            return static_cast<std::uintptr_t>(static_cast<std::uint32_t>(v.integer));
+        });
+    }
+    void Close() override {
+        haltFehler([&] {
+            d_->call("Close");
+            return 0;
+        });
+    }
+
+  private:
+    std::shared_ptr<AutomationObject> d_;
+};
+
+class Anwendung : public AcadAnwendung {
+  public:
+    explicit Anwendung(std::shared_ptr<AutomationObject> a) : a_(std::move(a)) {}
+    std::string Version() override { return text("Version"); }
+    std::string Caption() override { return text("Caption"); }
+    std::string Name() override { return text("Name"); }
+    std::string Path() override { return text("Path"); }
+    long DocumentsCount() override {
+        return haltFehler([&] {
+            auto docs = objekt(a_->get("Documents"), "Documents");
+            return static_cast<long>(docs->get("Count").integer);
+        });
+    }
+    std::shared_ptr<AcadDokument> ActiveDocument() override {
+        return haltFehler([&] {
+            return std::shared_ptr<AcadDokument>(
+                std::make_shared<Dokument>(objekt(a_->get("ActiveDocument"), "ActiveDocument")));
+        });
+    }
+    std::string SupportPath() override {
+        return haltFehler([&] {
+            auto pref = objekt(a_->get("Preferences"), "Preferences");
+            auto files = objekt(pref->get("Files"), "Files");
+            return fctVariantText(files->get("SupportPath"));
+        });
+    }
+
+  private:
+    std::string text(const char* eigenschaft) {
+        return haltFehler([&] { return fctVariantText(a_->get(eigenschaft)); });
+    }
+    std::shared_ptr<AutomationObject> a_;
+};
+
+}  // namespace
+
+std::string fctVariantText(const Variant& v) {
+    switch (v.type) {
+        case Variant::Type::Empty:
+            return {};
+        case Variant::Type::Bool:
+            return v.boolean ? "-1" : "0";
+        case Variant::Type::Integer:
+            return std::to_string(v.integer);
+        case Variant::Type::Double: {
+            char puffer[64];
+            std::snprintf(puffer, sizeof puffer, "%.15g", v.number);
+            return puffer;
+        }
+        case Variant::Type::String:
+            return v.text;
+        case Variant::Type::DoubleArray: {
+            std::string s;
+            for (std::size_t i = 0; i < v.doubles.size(); ++i) {
+                if (i) s += ",";
+                s += fctVariantText(Variant::fromDouble(v.doubles[i]));
+            }
+            return s;
+        }
+        case Variant::Type::Object:
+            break;
+    }
+    throw AcadFehler("Typen unverträglich", 13);
+}
+
+std::shared_ptr<AcadAnwendung> fctAcadAnwendung(std::shared_ptr<AutomationObject> app) {
+    if (!app) return nullptr;
+    return std::make_shared<Anwendung>(std::move(app));
+}
+
+std::shared_ptr<AcadAnwendung> AcadUeberAutomation::laufendesObjekt(const std::string& progId) {
+    return haltFehler([&] { return fctAcadAnwendung(host_.getActiveObject(progId)); });
+}
+
+std::shared_ptr<AcadAnwendung> AcadUeberAutomation::neuesObjekt(const std::string& progId) {
+    return haltFehler([&] { return fctAcadAnwendung(host_.createObject(progId)); });
+}
+
+}  // namespace tessara

@@ -1,0 +1,175 @@
+#include "jet/check.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <set>
+
+#include "jet/index_cursor.h"
+#include "jet/table.h"
+
+namespace jet {
+
+namespace {
+
+void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live, std::vector<std::string>& faults) {
+    const TableDef& d = t.def();
+    for (std::size_t ri = 0; ri < d.realIndexes.size(); ++ri) {
+        // Find a logical index naming this tree, for messages and the cursor.
+        std::size_t logical = d.indexes.size();
+        for (std::size_t li = 0; li < d.indexes.size(); ++li)
+            if (d.indexes[li].realIndex == ri) {
+                logical = li;
+                break;
+            }
+        if (logical == d.indexes.size()) continue;
+        const std::string where = "table " + d.name + ", index " + d.indexes[logical].name + ": ";
+        const RealIndex& real = d.realIndexes[ri];
+        std::vector<IndexEntry> entries;
+        try {
+            entries = t.index(logical).all();
+        } catch (const Error& e) {
+            faults.push_back(where + e.what());
+            continue;
+        }
+        std::set<RowId> seen;
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            const IndexEntry& e = entries[i];
+            if (i > 0) {
+                const auto& a = entries[i - 1].key;
+                const auto& b = e.key;
+                if (std::lexicographical_compare(b.begin(), b.end(), a.begin(), a.end()))
+                    faults.push_back(where + "entry for row " + toString(e.row) + " is out of order");
+            }
+            if (!live.count(e.row)) {
+                faults.push_back(where + "entry points at " + toString(e.row) + ", which is not a live row");
+                continue;
+            }
+            if (!seen.insert(e.row).second) faults.push_back(where + "row " + toString(e.row) + " is indexed twice");
+            // Keys of types encoded exactly must match the row's values.
+            if (indexKeyIsExact(d, real, real.columns.size())) {
+                try {
+                    auto row = t.read(e.row);
+                    std::vector<Value> values;
+                    for (const IndexColumn& ic : real.columns) {
+                        const Column* c = d.columnByNumber(ic.columnNumber);
+                        values.push_back(c ? (*row)[std::size_t(d.columnPosition(c->name))] : Value{});
+                    }
+                    if (encodeIndexKey(d, real, values) != e.key)
+                        faults.push_back(where + "key of the entry for row " + toString(e.row) +
+                                         " does not match the row");
+                } catch (const Error&) {
+                    // Types without an exact encoding are not compared.
+                }
+            }
+        }
+        bool ignoreNulls = real.flags & idxflag::kIgnoreNulls;
+        for (const RowId& r : live) {
+            if (seen.count(r)) continue;
+            if (ignoreNulls) {
+                // Rows whose key columns are all null are left out of such an index.
+                auto row = t.read(r);
+                bool allNull = row.has_value();
+                for (const IndexColumn& ic : real.columns) {
+                    const Column* c = d.columnByNumber(ic.columnNumber);
+                    if (row && c && !isNull((*row)[std::size_t(d.columnPosition(c->name))])) allNull = false;
+                }
+                if (allNull) continue;
+            }
+            faults.push_back(where + "row " + toString(r) + " is missing from the index");
+        }
+    }
+}
+
+}  // namespace
+
+std::vector<std::string> checkTable(Database& db, const std::string& name) {
+    std::vector<std::string> faults;
+    std::shared_ptr<const TableDef> def;
+    try {
+        def = db.tableDef(name);
+    } catch (const Error& e) {
+        faults.push_back("table " + name + ": " + e.what());
+        return faults;
+    }
+    Table t = db.table(name);
+    const TableDef& d = *def;
+    // Usage map against the pages that name this table.
+    try {
+        UsageMap m = readUsageMap(db.pages(), d.usedPages);
+        for (std::uint32_t p : m.pages) {
+            PageRef pg = db.pages().page(p);
+            std::uint8_t type = (*pg)[0];
+            if (type == std::uint8_t(PageType::Data) && u32(pg->data() + datapage::kTdefPage) != d.page)
+                faults.push_back("table " + name + ": page " + std::to_string(p) +
+                                 " is in its usage map but belongs to another table");
+        }
+        for (std::uint32_t p = 1; p < db.pages().pageCount(); ++p) {
+            PageRef pg = db.pages().page(p);
+            if ((*pg)[0] == std::uint8_t(PageType::Data) && u32(pg->data() + datapage::kTdefPage) == d.page &&
+                rowCountOf(*pg) > 0 && !m.contains(p))
+                faults.push_back("table " + name + ": data page " + std::to_string(p) + " is missing from its usage map");
+        }
+    } catch (const Error& e) {
+        faults.push_back("table " + name + ": usage map: " + e.what());
+        return faults;
+    }
+    std::set<RowId> live;
+    std::size_t count = 0;
+    try {
+        for (std::uint32_t p : t.dataPages()) {
+            PageRef pg = db.pages().page(p);
+            std::uint16_t n = rowCountOf(*pg);
+            for (std::uint16_t i = 0; i < n; ++i) {
+                RowId id{p, i};
+                try {
+                    if (auto row = t.read(id)) {
+                        live.insert(id);
+                        ++count;
+                    }
+                } catch (const Error& e) {
+                    faults.push_back("table " + name + ": row " + toString(id) + ": " + e.what());
+                }
+            }
+        }
+    } catch (const Error& e) {
+        faults.push_back("table " + name + ": " + e.what());
+    }
+    // Access leaves the count of some system tables (MSysACEs) behind the
+    // rows, so only user tables are held to it.
+    const CatalogEntry* entry = db.findObject(name);
+    bool system = (entry && entry->isSystem()) || name.rfind("MSys", 0) == 0;
+    if (!system && count != d.rowCount)
+        faults.push_back("table " + name + ": definition counts " + std::to_string(d.rowCount) + " rows, found " +
+                         std::to_string(count));
+    checkIndexes(db, t, live, faults);
+    return faults;
+}
+
+std::vector<std::string> checkDatabase(Database& db) {
+    std::vector<std::string> faults;
+    for (const std::string& n : db.tableNames(true)) {
+        auto f = checkTable(db, n);
+        faults.insert(faults.end(), f.begin(), f.end());
+    }
+    return faults;
+}
+
+std::size_t readEverything(Database& db) {
+    std::size_t rows = 0;
+    for (const std::string& n : db.tableNames(true)) {
+        Table t = db.table(n);
+        t.scan([&](RowId, const Row& r) {
+            rows += r.size() > 0 ? 1 : 0;
+            return true;
+        });
+        for (std::size_t i = 0; i < t.indexCount(); ++i) {
+            IndexCursor c = t.index(i);
+            while (c.next()) (void)c.entry();
+        }
+    }
+    db.relationships();
+    return rows;
+}
+
+}  // namespace jet

@@ -1,0 +1,75 @@
+#pragma once
+// Walking an index B-tree in key order and seeking a key.
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "jet/table_def.h"
+#include "jet/page_file.h"
+#include "jet/value.h"
+
+namespace jet {
+
+class Database;
+
+struct IndexEntry {
+    std::vector<std::uint8_t> key;  // the encoded key columns (flag byte + data per column)
+    RowId row;
+    std::uint32_t childPage = 0;  // intermediate pages only
+};
+
+// The entries of one index page with the prefix compression undone.
+struct IndexPage {
+    std::uint32_t number = 0;
+    PageType type = PageType::IndexLeaf;
+    std::uint32_t prevPage = 0, nextPage = 0, tailPage = 0;
+    std::vector<IndexEntry> entries;
+};
+IndexPage readIndexPage(PageCache& pages, std::uint32_t page);
+
+// Encodes key values for an index the way Jet sorts them (ascending or
+// descending per column). Supported: Boolean, Byte, Integer, Long,
+// Currency, Single, Double, Date/Time, Guid, and Text as a prefix of primary
+// sort codes for letters, digits and common punctuation (see textKeyPrefix).
+// Throws jet::Error for other types.
+std::vector<std::uint8_t> encodeIndexKey(const TableDef& def, const RealIndex& index,
+                                         const std::vector<Value>& values);
+// Whether encodeIndexKey gives an exact key (true) or only a prefix that
+// needs re-checking against the row (Text).
+bool indexKeyIsExact(const TableDef& def, const RealIndex& index, std::size_t valueCount);
+
+class IndexCursor {
+public:
+    IndexCursor(std::shared_ptr<Database> db, std::shared_ptr<const TableDef> def, std::size_t logicalIndex);
+    const Index& logical() const { return def_->indexes[logical_]; }
+    const RealIndex& real() const { return def_->realIndexes[logical().realIndex]; }
+
+    // Positions before the first entry; next() then yields entries in index order.
+    void reset();
+    bool next();
+    const IndexEntry& entry() const;
+    // Positions so that next() yields the first entry whose key >= key (bytewise).
+    void seek(const std::vector<std::uint8_t>& key);
+    // Rows whose leading index columns equal values (Jet's comparison; Text
+    // case-insensitive), in index order.
+    std::vector<RowId> find(const std::vector<Value>& values);
+    // Every entry, in order (for checks and tests).
+    std::vector<IndexEntry> all();
+
+private:
+    void descendToLeaf(const std::vector<std::uint8_t>* key);
+    bool loadPage(std::uint32_t page);
+    std::shared_ptr<Database> db_;
+    std::shared_ptr<const TableDef> def_;
+    std::size_t logical_;
+    bool followNext();
+    IndexPage page_;
+    std::size_t pos_ = 0;  // next entry to yield
+    std::size_t cur_ = 0;  // entry last yielded
+    bool started_ = false;
+    bool atEnd_ = false;
+    std::size_t hops_ = 0;  // leaf pages visited since reset (cycle guard)
+};
+
+}  // namespace jet

@@ -1,0 +1,185 @@
+#include "jet/page_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+#include "jet/error.h"
+
+namespace jet {
+
+namespace {
+
+#ifdef _WIN32
+long long readAt(int fd, void* buf, std::size_t n, std::uint64_t off) {
+    if (_lseeki64(fd, static_cast<long long>(off), SEEK_SET) < 0) return -1;
+    return _read(fd, buf, static_cast<unsigned>(n));
+}
+long long writeAt(int fd, const void* buf, std::size_t n, std::uint64_t off) {
+    if (_lseeki64(fd, static_cast<long long>(off), SEEK_SET) < 0) return -1;
+    return _write(fd, buf, static_cast<unsigned>(n));
+}
+#else
+long long readAt(int fd, void* buf, std::size_t n, std::uint64_t off) {
+    return ::pread(fd, buf, n, static_cast<off_t>(off));
+}
+long long writeAt(int fd, const void* buf, std::size_t n, std::uint64_t off) {
+    return ::pwrite(fd, buf, n, static_cast<off_t>(off));
+}
+#endif
+
+}  // namespace
+
+FilePageStore::FilePageStore(const std::string& path, bool writable) : path_(path), writable_(writable) {
+    int flags = writable ? O_RDWR : O_RDONLY;
+#ifdef _WIN32
+    flags |= O_BINARY;
+#endif
+    fd_ = ::open(path.c_str(), flags);
+    if (fd_ < 0) {
+        int e = errno;
+        throw Error("cannot open " + path + ": " + std::strerror(e),
+                    e == ENOENT ? errnum::kFileNotFound : 0);
+    }
+    struct stat st {};
+    if (::fstat(fd_, &st) != 0) {
+        ::close(fd_);
+        throw Error("cannot read " + path);
+    }
+    size_ = static_cast<std::uint64_t>(st.st_size);
+}
+
+FilePageStore::~FilePageStore() {
+    if (fd_ >= 0) ::close(fd_);
+}
+
+std::uint32_t FilePageStore::pageCount() const { return std::uint32_t(size_ / kPageSize); }
+
+void FilePageStore::read(std::uint32_t page, std::uint8_t* out) {
+    if (page >= pageCount()) throwCorrupt(page, "beyond the end of the file");
+    std::size_t done = 0;
+    while (done < kPageSize) {
+        long long n = readAt(fd_, out + done, kPageSize - done, std::uint64_t(page) * kPageSize + done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) throw Error("read error in " + path_ + " at page " + std::to_string(page));
+        done += std::size_t(n);
+    }
+}
+
+void FilePageStore::write(std::uint32_t page, const std::uint8_t* data) {
+    if (!writable_) throw Error("the database is open read-only", errnum::kReadOnly);
+    if (page > pageCount()) throw Error("page " + std::to_string(page) + " is beyond the end of the file");
+    std::size_t done = 0;
+    while (done < kPageSize) {
+        long long n = writeAt(fd_, data + done, kPageSize - done, std::uint64_t(page) * kPageSize + done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) throw Error("write error in " + path_ + " at page " + std::to_string(page));
+        done += std::size_t(n);
+    }
+    std::uint64_t end = (std::uint64_t(page) + 1) * kPageSize;
+    if (end > size_) size_ = end;
+}
+
+void FilePageStore::sync() {
+#ifndef _WIN32
+    if (fd_ >= 0) ::fsync(fd_);
+#endif
+}
+
+void MemoryPageStore::read(std::uint32_t page, std::uint8_t* out) {
+    if (page >= pageCount()) throwCorrupt(page, "beyond the end of the file");
+    std::memcpy(out, bytes_.data() + std::size_t(page) * kPageSize, kPageSize);
+}
+
+void MemoryPageStore::write(std::uint32_t page, const std::uint8_t* data) {
+    if (!writable_) throw Error("the database is open read-only", errnum::kReadOnly);
+    if (page > pageCount()) throw Error("page " + std::to_string(page) + " is beyond the end of the file");
+    std::size_t need = (std::size_t(page) + 1) * kPageSize;
+    if (bytes_.size() < need) bytes_.resize(need);
+    std::memcpy(bytes_.data() + std::size_t(page) * kPageSize, data, kPageSize);
+}
+
+PageCache::PageCache(std::unique_ptr<PageStore> store, std::size_t capacity)
+    : store_(std::move(store)), capacity_(capacity < 8 ? 8 : capacity) {}
+
+void PageCache::code(std::uint32_t n, std::uint8_t* bytes) const {
+    if (dbKey_ == 0 || n == 0) return;
+    std::uint8_t key[4];
+    put32(key, dbKey_ ^ n);
+    rc4Xor(key, 4, bytes, kPageSize);
+}
+
+PageRef PageCache::page(std::uint32_t n) {
+    auto it = slots_.find(n);
+    if (it != slots_.end()) {
+        lru_.splice(lru_.begin(), lru_, it->second.pos);
+        return it->second.bytes;
+    }
+    auto bytes = std::make_shared<PageBytes>(kPageSize);
+    store_->read(n, bytes->data());
+    code(n, bytes->data());
+    if (slots_.size() >= capacity_) {
+        slots_.erase(lru_.back());
+        lru_.pop_back();
+    }
+    lru_.push_front(n);
+    slots_[n] = Slot{bytes, lru_.begin()};
+    return bytes;
+}
+
+static const char* pageTypeName(PageType t) {
+    switch (t) {
+        case PageType::Header: return "the header page";
+        case PageType::Data: return "a data page";
+        case PageType::TableDef: return "a table definition page";
+        case PageType::IndexNode: return "an index node page";
+        case PageType::IndexLeaf: return "an index leaf page";
+        case PageType::UsageMap: return "a usage map page";
+    }
+    return "a page";
+}
+
+PageRef PageCache::page(std::uint32_t n, PageType expected) {
+    PageRef p = page(n);
+    if ((*p)[0] != static_cast<std::uint8_t>(expected))
+        throwCorrupt(n, std::string("expected ") + pageTypeName(expected) + ", found type " +
+                            std::to_string((*p)[0]));
+    return p;
+}
+
+void PageCache::put(std::uint32_t n, const PageBytes& bytes) {
+    if (bytes.size() != kPageSize) throw Error("page " + std::to_string(n) + " has the wrong size");
+    PageBytes out = bytes;
+    code(n, out.data());
+    store_->write(n, out.data());
+    invalidate(n);
+    auto copy = std::make_shared<PageBytes>(bytes);
+    if (slots_.size() >= capacity_) {
+        slots_.erase(lru_.back());
+        lru_.pop_back();
+    }
+    lru_.push_front(n);
+    slots_[n] = Slot{copy, lru_.begin()};
+}
+
+void PageCache::invalidate(std::uint32_t n) {
+    auto it = slots_.find(n);
+    if (it == slots_.end()) return;
+    lru_.erase(it->second.pos);
+    slots_.erase(it);
+}
+
+void PageCache::clear() {
+    slots_.clear();
+    lru_.clear();
+}
+
+}  // namespace jet

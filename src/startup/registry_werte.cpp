@@ -1,0 +1,266 @@
+#include "startup/registry_werte.h"
+
+#include "platform/case_fold.h"
+#include "platform/environment.h"
+#include "platform/platform.h"
+#include "platform/registry.h"
+#include "startup/einstellungen.h"
+#include "startup/fehler_log.h"
+
+namespace tessara {
+
+namespace {
+
+using platform::Hive;
+
+constexpr const char* kMaschinenSchluessel = "Software\\Tessara\\Version_8";
+constexpr const char* kMaschinenSetup = "SOFTWARE\\Tessara\\Version_8\\Setup";
+
+platform::Registry* registry(ProgrammZustand& z) {
+    return z.plattform ? z.plattform->registry : nullptr;
+}
+
+std::string ohneBackslash(std::string s) {
+    while (s.size() > 1 && s.back() == '\\') s.pop_back();
+    return s;
+}
+
+// The directory part of a database path: everything before the last "\".
+std::string verzeichnisVon(const std::string& strDb) {
+    const std::size_t bs = strDb.rfind('\\');
+    return bs == std::string::npos ? std::string() : strDb.substr(0, bs);
+}
+
+}  // namespace
+
+std::string fctDbDatei(const std::string& strVerzeichnis) {
+    std::string d = strVerzeichnis;
+    if (!d.empty() && d.back() == '\\') d.pop_back();
+    return d + "\\dbTessara.mdb";
+}
+
+std::string fctSetupSchluessel(const ProgrammZustand& z) { return z.strRegRoot + "\\Setup"; }
+
+// The CAD host version text is stored under the name "strACadVersion", the
+// name the program gives that text everywhere (typAcadVersionInfo): a value
+// named after the text itself ("AutoCAD LT") could not be found again by a
+// reader that does not yet know which host it will meet.
+const std::vector<typSetupEintrag>& fctSetupEintraege() {
+    using W = typSetupWerte;
+    static const std::vector<typSetupEintrag> eintraege = {
+        {"Eintrag1", &W::Eintrag1},
+        {"lonOrdnerSortieren", &W::lonOrdnerSortieren},
+        {"longUnbesetzt", &W::longUnbesetzt},
+        {"longEinfuegenLayer0", &W::longEinfuegenLayer0},
+        {"longBlockAusBibliothek", &W::longBlockAusBibliothek},
+        {"longUrsprungBeimEinfuegen", &W::longUrsprungBeimEinfuegen},
+        {"longXRef", &W::longXRef},
+        {"longAbfrageXFaktor", &W::longAbfrageXFaktor},
+        {"longAbfrageYFaktor", &W::longAbfrageYFaktor},
+        {"longAbfrageZFaktor", &W::longAbfrageZFaktor},
+        {"longAbfrageEinfuegewinkel", &W::longAbfrageEinfuegewinkel},
+        {"longAbfrageBlocknameBeimErzeugen", &W::longAbfrageBlocknameBeimErzeugen},
+        {"longAbfrageAttributeBeimEinfuegen", &W::longAbfrageAttributeBeimEinfuegen},
+        {"longReihe", &W::longReihe},
+        {"longMehrfacheinfuegen", &W::longMehrfacheinfuegen},
+        {"longMehrfachAktiv", &W::longMehrfachAktiv},
+        {"longMehrereEinfuegepkte", &W::longMehrereEinfuegepkte},
+        {"longVorschaudiaBeimErzeugen", &W::longVorschaudiaBeimErzeugen},
+        {"longMassstabskontrolle", &W::longMassstabskontrolle},
+        {"longRechteverwaltung", &W::longRechteverwaltung},
+        {"longStuecklisteEinfuegen", &W::longStuecklisteEinfuegen},
+        {"longBlockProgrammfrage", &W::longBlockProgrammfrage},
+        {"longVariantenfrage", &W::longVariantenfrage},
+        {"longFensterpositionSpeichern", &W::longFensterpositionSpeichern},
+        {"longBruchFrage", &W::longBruchFrage},
+        {"longSlideUeberpruefen", &W::longSlideUeberpruefen},
+        {"lonPosSeitenWechsel", &W::lonPosSeitenWechsel},
+        {"longBruchOption", &W::longBruchOption},
+        {"longDoppelklick", &W::longDoppelklick},
+        {"strMassstabX", &W::strMassstabX},
+        {"strMassstabY", &W::strMassstabY},
+        {"strMassstabZ", &W::strMassstabZ},
+        {"longAnzahlDerBilder", &W::longAnzahlDerBilder},
+        {"longUeberschreibenDefMenueGlobal", &W::longUeberschreibenDefMenueGlobal},
+        {"strAktuellerOrdnerName", &W::strAktuellerOrdnerName},
+        {"strACadVersion", &W::strACadVersion},
+        {"strVerzeichnisVorgabe", &W::strVerzeichnisVorgabe},
+        {"longCurrentX", &W::longCurrentX},
+        {"longCurrentY", &W::longCurrentY},
+        {"strAktuelleOrdnerNr", &W::strAktuelleOrdnerNr},
+        {"longTessaraAnzeigenNachEinfuegen", &W::longTessaraAnzeigenNachEinfuegen},
+        {"lonOldView", &W::lonOldView},
+        {"lonLispVarUebergeben", &W::lonLispVarUebergeben},
+        {"lonFrmHeight", &W::lonFrmHeight},
+        {"lonFrmWidth", &W::lonFrmWidth},
+    };
+    return eintraege;
+}
+
+bool SetupInRegistrierdatenbankSpeichern(ProgrammZustand& z, const typSetupWerte& w) {
+    Prozedur p(z, "SetupInRegistrierdatenbankSpeichern");
+    auto* reg = registry(z);
+    if (!reg) return false;
+    p.step("Setup-Werte schreiben");
+    const std::string schluessel = fctSetupSchluessel(z);
+    bool alle = true;
+    for (const auto& e : fctSetupEintraege()) {
+        const std::string name = e.name;
+        if ((name == "longCurrentX" || name == "longCurrentY") && !w.longFensterpositionSpeichern)
+            continue;
+        bool ok;
+        if (const auto* zahl = std::get_if<std::int32_t typSetupWerte::*>(&e.feld))
+            ok = reg->writeDword(Hive::CurrentUser, schluessel, name,
+                                 static_cast<std::uint32_t>(w.**zahl));
+        else
+            ok = reg->writeString(Hive::CurrentUser, schluessel, name,
+                                  w.*std::get<std::string typSetupWerte::*>(e.feld));
+        alle = alle && ok;
+    }
+    if (!alle)
+        p.fehler("Die Einstellungen konnten nicht in die Registry geschrieben werden.", 0, true);
+    return alle;
+}
+
+bool SetupEinstellungenZuweisen(ProgrammZustand& z, typSetupWerte& w) {
+    auto* reg = registry(z);
+    if (!reg) return false;
+    const std::string schluessel = fctSetupSchluessel(z);
+    if (!reg->keyExists(Hive::CurrentUser, schluessel)) return false;
+    for (const auto& e : fctSetupEintraege()) {
+        if (const auto* zahl = std::get_if<std::int32_t typSetupWerte::*>(&e.feld)) {
+            if (auto v = reg->readDword(Hive::CurrentUser, schluessel, e.name))
+                w.** zahl = static_cast<std::int32_t>(*v);
+        } else {
+            if (auto v = reg->readString(Hive::CurrentUser, schluessel, e.name))
+                w.*std::get<std::string typSetupWerte::*>(e.feld) = *v;
+        }
+    }
+    return true;
+}
+
+bool subFensterGeometrieSpeichern(ProgrammZustand& z, const typFensterGeometrie& g,
+                                  bool booPositionSpeichern) {
+    auto* reg = registry(z);
+    if (!reg) return false;
+    const std::string s = fctSetupSchluessel(z);
+    bool ok = true;
+    if (booPositionSpeichern) {
+        ok = reg->writeDword(Hive::CurrentUser, s, "longCurrentX",
+                             static_cast<std::uint32_t>(g.longCurrentX)) &&
+             ok;
+        ok = reg->writeDword(Hive::CurrentUser, s, "longCurrentY",
+                             static_cast<std::uint32_t>(g.longCurrentY)) &&
+             ok;
+    }
+    ok = reg->writeDword(Hive::CurrentUser, s, "lonFrmHeight",
+                         static_cast<std::uint32_t>(g.lonFrmHeight)) &&
+         ok;
+    ok = reg->writeDword(Hive::CurrentUser, s, "lonFrmWidth",
+                         static_cast<std::uint32_t>(g.lonFrmWidth)) &&
+         ok;
+    return ok;
+}
+
+typFensterGeometrie fctFensterGeometrieLesen(ProgrammZustand& z) {
+    typFensterGeometrie g;
+    auto* reg = registry(z);
+    if (!reg) return g;
+    const std::string s = fctSetupSchluessel(z);
+    const auto x = reg->readDword(Hive::CurrentUser, s, "longCurrentX");
+    const auto y = reg->readDword(Hive::CurrentUser, s, "longCurrentY");
+    if (x && y) {
+        // Stored as DWORDs; a window left of or above the primary screen
+        // has a negative position.
+        g.longCurrentX = static_cast<std::int32_t>(*x);
+        g.longCurrentY = static_cast<std::int32_t>(*y);
+        g.booPosition = true;
+    }
+    const auto h = reg->readDword(Hive::CurrentUser, s, "lonFrmHeight");
+    const auto b = reg->readDword(Hive::CurrentUser, s, "lonFrmWidth");
+    if (h && b) {
+        g.lonFrmHeight = static_cast<std::int32_t>(*h);
+        g.lonFrmWidth = static_cast<std::int32_t>(*b);
+        g.booGroesse = true;
+    }
+    return g;
+}
+
+bool subRegistryEintraegeSpeichern(ProgrammZustand& z) {
+    auto* reg = registry(z);
+    if (!reg) return false;
+    bool ok = reg->writeString(Hive::CurrentUser, z.strRegRoot, "Eintrag1", z.strAktuelleDb);
+    ok = reg->writeString(Hive::CurrentUser, z.strRegRoot, "strVerzeichnisVorgabe",
+                          z.strVerzeichnisVorgabe) &&
+         ok;
+    return ok;
+}
+
+bool fctEintrag1Speichern(ProgrammZustand& z, const std::string& strDb) {
+    auto* reg = registry(z);
+    return reg && reg->writeString(Hive::CurrentUser, z.strRegRoot, "Eintrag1", strDb);
+}
+
+std::string fctVerzeichnisVorgabeAusRegistry(ProgrammZustand& z) {
+    auto* reg = registry(z);
+    if (!reg) return {};
+    return reg->readString(Hive::CurrentUser, z.strRegRoot, "strVerzeichnisVorgabe")
+        .value_or(std::string());
+}
+
+bool EintraegeInRegistrierdatenbank(ProgrammZustand& z) {
+    Prozedur p(z, "EintraegeInRegistrierdatenbank");
+    auto* reg = registry(z);
+    if (!reg) return false;
+    bool ok = true;
+    if (!reg->keyExists(Hive::LocalMachine, kMaschinenSchluessel)) {
+        p.step("Setup-Schlüssel anlegen");
+        std::string daten;
+        if (z.plattform->environment)
+            daten = z.plattform->environment->commonAppData() + "\\Tessara";
+        ok = reg->createKey(Hive::LocalMachine, kMaschinenSetup) && ok;
+        ok = reg->writeString(Hive::LocalMachine, kMaschinenSetup, "Anwendungsdaten", daten) && ok;
+    }
+    p.step("Datenbanken eintragen");
+    // An entry "0" (or empty) says there is no database; it has no file to
+    // list.
+    for (std::size_t i = 0; i < z.aryDbVerzeichnis.size(); ++i) {
+        if (!fctDbEintragGueltig(z.aryDbVerzeichnis[i])) continue;
+        ok = reg->writeString(Hive::LocalMachine, kMaschinenSchluessel,
+                              "Eintrag" + std::to_string(i + 2),
+                              fctDbDatei(z.aryDbVerzeichnis[i])) &&
+             ok;
+    }
+    ok = reg->writeString(Hive::LocalMachine, kMaschinenSchluessel, "Eintrag1", z.strAktuelleDb) &&
+         ok;
+    // The local machine's hive is often closed to ordinary users; the
+    // program runs on without these entries.
+    return ok;
+}
+
+bool EintraegeAusRegistrierdatenbank(ProgrammZustand& z) {
+    Prozedur p(z, "EintraegeAusRegistrierdatenbank");
+    auto* reg = registry(z);
+    p.step("Eintrag1 lesen");
+    const std::string eintrag1 =
+        reg ? reg->readString(Hive::CurrentUser, z.strRegRoot, "Eintrag1").value_or(std::string())
+            : std::string();
+    const std::string verzeichnis = ohneBackslash(verzeichnisVon(eintrag1));
+    bool inListe = false;
+    if (!verzeichnis.empty()) {
+        for (const auto& d : z.aryDbVerzeichnis)
+            if (fctDbEintragGueltig(d) && platform::equalsIgnoreCase(ohneBackslash(d), verzeichnis))
+                inListe = true;
+    }
+    if (inListe) {
+        z.strAktuelleDb = eintrag1;
+    } else {
+        p.step("erste Datenbank der Liste");
+        z.strAktuelleDb = !z.aryDbVerzeichnis.empty() && fctDbEintragGueltig(z.aryDbVerzeichnis[0])
+                              ? fctDbDatei(z.aryDbVerzeichnis[0])
+                              : std::string();
+    }
+    return !z.strAktuelleDb.empty();
+}
+
+}  // namespace tessara

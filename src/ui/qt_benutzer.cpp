@@ -1,0 +1,82 @@
+#include "ui/qt_benutzer.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QMessageBox>
+
+#include "platform/environment.h"
+
+namespace tessara {
+
+namespace {
+QString q(const std::string& s) {
+    QString t = QString::fromStdString(s);
+    t.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    t.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    return t;
+}
+}  // namespace
+
+Antwort QtBenutzer::meldung(const std::string& text, const std::string& titel, Symbol symbol,
+                            Knoepfe knoepfe) {
+    QMessageBox box(eltern_);
+    box.setWindowTitle(q(titel));
+    box.setText(q(text));
+    switch (symbol) {
+        case Symbol::Information: box.setIcon(QMessageBox::Information); break;
+        case Symbol::Ausrufezeichen: box.setIcon(QMessageBox::Warning); break;
+        case Symbol::Frage: box.setIcon(QMessageBox::Question); break;
+        case Symbol::Kritisch: box.setIcon(QMessageBox::Critical); break;
+        case Symbol::Keins: box.setIcon(QMessageBox::NoIcon); break;
+    }
+    switch (knoepfe) {
+        case Knoepfe::Ok: box.setStandardButtons(QMessageBox::Ok); break;
+        case Knoepfe::OkAbbrechen:
+            box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+            break;
+        case Knoepfe::JaNein: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
+        case Knoepfe::JaNeinAbbrechen:
+            box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+            break;
+    }
+    switch (box.exec()) {
+        case QMessageBox::Yes: return Antwort::Ja;
+        case QMessageBox::No: return Antwort::Nein;
+        case QMessageBox::Cancel: return Antwort::Abbrechen;
+        default: return Antwort::Ok;
+    }
+}
+
+std::string QtBenutzer::ordnerWaehlen(const std::string& titel, const std::string& start) {
+    QString d = QFileDialog::getExistingDirectory(
+        eltern_, q(titel), QString::fromStdString(platform::nativePath(start)));
+    return d.isEmpty() ? std::string() : platform::programPath(d.toStdString());
+}
+
+std::string QtBenutzer::dateiWaehlen(const std::string& titel, const std::string& start,
+                                     const std::string& filter, bool speichern) {
+    const QString s = QString::fromStdString(platform::nativePath(start));
+    QString f = speichern ? QFileDialog::getSaveFileName(eltern_, q(titel), s, q(filter))
+                          : QFileDialog::getOpenFileName(eltern_, q(titel), s, q(filter));
+    return f.isEmpty() ? std::string() : platform::programPath(f.toStdString());
+}
+
+void QtBenutzer::fortschritt(long erledigt, long gesamt, const std::string& text) {
+    if (gesamt <= 0) {
+        if (fortschritt_) fortschritt_->deleteLater();
+        fortschritt_.clear();
+        return;
+    }
+    if (!fortschritt_) {
+        fortschritt_ = new QProgressDialog(eltern_);
+        fortschritt_->setCancelButton(nullptr);
+        fortschritt_->setMinimumDuration(500);
+        fortschritt_->setWindowModality(Qt::WindowModal);
+    }
+    fortschritt_->setMaximum(static_cast<int>(gesamt));
+    fortschritt_->setValue(static_cast<int>(erledigt));
+    fortschritt_->setLabelText(q(text));
+    QApplication::processEvents();
+}
+
+}  // namespace tessara

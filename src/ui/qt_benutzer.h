@@ -1,0 +1,28 @@
+#pragma once
+// Message boxes, folder and file dialogs and progress through Qt windows.
+#include <QPointer>
+#include <QProgressDialog>
+#include <QWidget>
+
+#include "startup/benutzer.h"
+
+namespace tessara {
+
+class QtBenutzer : public Benutzer {
+public:
+    explicit QtBenutzer(QWidget* eltern = nullptr) : eltern_(eltern) {}
+    void setEltern(QWidget* eltern) { eltern_ = eltern; }
+
+    Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
+                    Knoepfe knoepfe) override;
+    std::string ordnerWaehlen(const std::string& titel, const std::string& start) override;
+    std::string dateiWaehlen(const std::string& titel, const std::string& start,
+                             const std::string& filter, bool speichern) override;
+    void fortschritt(long erledigt, long gesamt, const std::string& text) override;
+
+private:
+    QPointer<QWidget> eltern_;
+    QPointer<QProgressDialog> fortschritt_;
+};
+
+}  // namespace tessara

@@ -1,0 +1,151 @@
+// Real processes: a running Tessara window and later starts of the program
+// that hand their command line to it through the instance channel.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fcntl.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+extern char** environ;
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+class ZweiteInstanz : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_NE(std::getenv("DISPLAY"), nullptr) << "runs under xvfb-run (make test)";
+        dir = fs::temp_directory_path() / ("tessara_e2e_" + std::to_string(::getpid()));
+        fs::remove_all(dir);
+        fs::create_directories(dir / "run");
+        fs::permissions(dir / "run", fs::perms::owner_all);
+        // The test's own environment (display, X authority) with private
+        // places for everything the program writes.
+        const std::vector<std::string> eigene = {
+            "HOME=" + dir.string(), "XDG_RUNTIME_DIR=" + (dir / "run").string(),
+            "XDG_CONFIG_HOME=" + (dir / "cfg").string(),
+            "TESSARA_COMMON_APPDATA=" + (dir / "common").string()};
+        for (char** e = environ; *e; ++e) {
+            const std::string v = *e;
+            bool ersetzt = false;
+            for (const auto& x : eigene)
+                if (v.compare(0, x.find('=') + 1, x, 0, x.find('=') + 1) == 0) ersetzt = true;
+            if (!ersetzt) env.push_back(v);
+        }
+        env.insert(env.end(), eigene.begin(), eigene.end());
+    }
+    void TearDown() override {
+        if (erste > 0) {
+            ::kill(erste, SIGTERM);
+            int st = 0;
+            ::waitpid(erste, &st, 0);
+        }
+        fs::remove_all(dir);
+    }
+
+    pid_t starten(const std::vector<std::string>& args, const fs::path& ausgabe) {
+        std::vector<std::string> argv = {std::string(TESSARA_BINARY_DIR) + "/app/tessara"};
+        argv.insert(argv.end(), args.begin(), args.end());
+        std::vector<char*> a, e;
+        for (auto& s : argv) a.push_back(s.data());
+        a.push_back(nullptr);
+        for (auto& s : env) e.push_back(s.data());
+        e.push_back(nullptr);
+        posix_spawn_file_actions_t fa;
+        posix_spawn_file_actions_init(&fa);
+        posix_spawn_file_actions_addopen(&fa, 1, ausgabe.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        posix_spawn_file_actions_adddup2(&fa, 1, 2);
+        pid_t pid = -1;
+        EXPECT_EQ(posix_spawn(&pid, argv[0].c_str(), &fa, nullptr, a.data(), e.data()), 0);
+        posix_spawn_file_actions_destroy(&fa);
+        return pid;
+    }
+
+    // Waits for a process to end by itself; -1 when it did not within the time.
+    static int warten(pid_t pid, std::chrono::milliseconds grenze) {
+        const auto ende = std::chrono::steady_clock::now() + grenze;
+        while (std::chrono::steady_clock::now() < ende) {
+            int st = 0;
+            if (::waitpid(pid, &st, WNOHANG) == pid) return WIFEXITED(st) ? WEXITSTATUS(st) : 128;
+            std::this_thread::sleep_for(20ms);
+        }
+        ::kill(pid, SIGKILL);
+        ::waitpid(pid, nullptr, 0);
+        return -1;
+    }
+
+    static std::string lesen(const fs::path& p) {
+        std::ifstream in(p);
+        std::stringstream ss;
+        ss << in.rdbuf();
+        return ss.str();
+    }
+
+    // Waits until the file holds the text `anzahl` times.
+    static bool erscheint(const fs::path& p, const std::string& text, int anzahl = 1) {
+        const auto ende = std::chrono::steady_clock::now() + 20s;
+        while (std::chrono::steady_clock::now() < ende) {
+            const std::string s = lesen(p);
+            int n = 0;
+            for (auto pos = s.find(text); pos != std::string::npos; pos = s.find(text, pos + 1)) ++n;
+            if (n >= anzahl) return true;
+            std::this_thread::sleep_for(50ms);
+        }
+        return false;
+    }
+
+    fs::path dir;
+    std::vector<std::string> env;
+    pid_t erste = -1;
+};
+
+TEST_F(ZweiteInstanz, ReichtIhreAnfragenAnDasLaufendeProgrammWeiter) {
+    const fs::path log = dir / "erste.txt";
+    erste = starten({}, log);
+    ASSERT_TRUE(erscheint(log, "bereit")) << lesen(log);
+    const std::string bericht = lesen(log);
+    EXPECT_NE(bericht.find("(" + (dir / "common" / "Tessara" / "Tessara9.0.ini").string() + ")"),
+              std::string::npos)
+        << bericht;
+    EXPECT_NE(bericht.find("Sprache: deutsch"), std::string::npos);
+
+    EXPECT_EQ(warten(starten({"/s", "0010017;A"}, dir / "z1.txt"), 20s), 0) << lesen(dir / "z1.txt");
+    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;a")) << lesen(log);
+
+    EXPECT_EQ(warten(starten({"/d", "/bib/dbTessara.mdb"}, dir / "z2.txt"), 20s), 0);
+    EXPECT_TRUE(erscheint(log, "Datenbank: \\bib\\dbTessara.mdb")) << lesen(log);
+
+    // "lblkeinfuegen" inserts the block handed over last once more.
+    EXPECT_EQ(warten(starten({"lblkeinfuegen"}, dir / "z3.txt"), 20s), 0);
+    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;a", 2)) << lesen(log);
+
+    // One or three ";"-pieces: nothing is handed over, the start still ends.
+    EXPECT_EQ(warten(starten({"/s", "a;b;c"}, dir / "z4.txt"), 20s), 0);
+    std::this_thread::sleep_for(300ms);
+    EXPECT_EQ(lesen(log).find("Blockanfrage: a"), std::string::npos);
+}
+
+TEST_F(ZweiteInstanz, EinAbgestuerzterErsterHinterlaesstKeineSperre) {
+    const fs::path log = dir / "erste.txt";
+    erste = starten({}, log);
+    ASSERT_TRUE(erscheint(log, "bereit"));
+    ::kill(erste, SIGKILL);
+    ::waitpid(erste, nullptr, 0);
+    erste = starten({}, dir / "neu.txt");
+    EXPECT_TRUE(erscheint(dir / "neu.txt", "bereit")) << lesen(dir / "neu.txt");
+}
+
+}  // namespace

@@ -1,0 +1,71 @@
+// Names and paths of a block's files and the picture names of its Views.
+#include "authoring/datei_layout.h"
+
+#include <gtest/gtest.h>
+
+using namespace tessara;
+
+TEST(DateiLayout, PathsOfABlock) {
+    struct Fall {
+        std::string ist, soll;
+    };
+    const std::string o = "001", b = "0010017";
+    const Fall faelle[] = {
+        {fctOrdnerVerzeichnis(o), "001\\"},
+        {fctDiaDatei(o, b, 0), "001\\00100170.sld"},
+        {fctDiaDatei(o, b, 3), "001\\00100173.sld"},
+        {fctDiaBibliothek(o, b, 0), "001\\00100170.slb"},
+        {fctDiaBibliothek(o, b, 4), "001\\00100174.slb"},
+        {fctDiaCode(0), "0A"},
+        {fctDiaCode(4), "4A"},
+        {fctBlockVerzeichnis(o), "001\\Block\\"},
+        {fctZeichnungDatei(o, b, 0), "001\\Block\\00100170.dwg"},
+        {fctZeichnungDatei(o, b, 2), "001\\Block\\00100172.dwg"},
+        {fctVariantenVerzeichnis(o), "001\\Block\\Varia\\"},
+        {fctVarianteZeichnung(o, "Flansch DN50", 1), "001\\Block\\Varia\\Flansch DN501.dwg"},
+        {fctVarianteDatDatei(o, "Flansch DN50"), "001\\Block\\Varia\\Flansch DN50.dat"},
+        {fctLeerfeldBild("c:\\Programme\\Tessara"), "c:\\Programme\\Tessara\\frei2.sld"},
+        {fctCodeTabelleDatei("c:\\Programme\\Tessara"), "c:\\Programme\\Tessara\\txtPrefix.txt"},
+        {fctSlideLibEintrag(o, b, true), "001\\00100170.slb"},
+        {fctSlideLibEintrag(o, b, false), "001\\00100170.sld"},
+    };
+    for (const auto& f : faelle) EXPECT_EQ(f.ist, f.soll);
+}
+
+TEST(DateiLayout, PictureOfView0FollowsSlideLib) {
+    struct Fall {
+        const char* slideLib;
+        const char* bild;
+    };
+    const std::string basis = "d:\\Bibliothek\\";
+    for (auto f : {Fall{"001\\00100170.slb", "d:\\Bibliothek\\001\\00100170.slb(0A)"},
+                   Fall{"001\\00100170.sld", "d:\\Bibliothek\\001\\00100170.sld"},
+                   Fall{"001\\00100170.SLD", "d:\\Bibliothek\\001\\00100170.SLD"},
+                   // Anything not ending in "sld" counts as a library.
+                   Fall{"001\\00100170", "d:\\Bibliothek\\001\\00100170(0A)"}}) {
+        SCOPED_TRACE(f.slideLib);
+        EXPECT_EQ(fctBildnameAnsicht0(basis, f.slideLib), f.bild);
+    }
+}
+
+TEST(DateiLayout, PictureOfViews1To4) {
+    const std::string basis = "d:\\Bibliothek\\";
+    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 1, true),
+              "d:\\Bibliothek\\001\\00100171.slb(1A)");
+    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 4, true),
+              "d:\\Bibliothek\\001\\00100174.slb(4A)");
+    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 2, false),
+              "d:\\Bibliothek\\001\\00100172.sld");
+    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 0, true),
+              "d:\\Bibliothek\\001\\00100170.slb(0A)");
+    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 0, false),
+              "d:\\Bibliothek\\001\\00100170.sld");
+}
+
+TEST(DateiLayout, SingleSlideTestLooksAtTheLastThreeCharacters) {
+    EXPECT_TRUE(fctSlideLibIstEinzeldia("000\\00000000.sld"));
+    EXPECT_TRUE(fctSlideLibIstEinzeldia("sld"));
+    EXPECT_FALSE(fctSlideLibIstEinzeldia("000\\00000000.slb"));
+    EXPECT_FALSE(fctSlideLibIstEinzeldia("ld"));
+    EXPECT_FALSE(fctSlideLibIstEinzeldia(""));
+}

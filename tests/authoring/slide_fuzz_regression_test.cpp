@@ -1,0 +1,121 @@
+// The fuzz targets' properties on a fixed set of mutated inputs, so that a
+// plain test run guards what the fuzzers found: every input is read or
+// refused with SlideError, nothing else escapes, and what is read is sound.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+
+#include "authoring/slide_library.h"
+#include "slide_test_daten.h"
+
+using namespace tessara::slide;
+using slidetest::testdaten;
+
+namespace {
+
+std::vector<std::vector<std::uint8_t>> saaten() {
+    std::vector<std::vector<std::uint8_t>> out = {slidetest::beispielDia(),
+                                                  slidetest::beispielDiaHighByteFirst()};
+    for (const char* n : {"slide_up.sld", "slide_kz.sld", "mylib.slb"})
+        out.push_back(readFileBytes(testdaten(n)));
+    for (const char* ordner : {"slide_reader", "slide_library_reader"}) {
+        auto pfad = std::filesystem::path(TESSARA_SOURCE_DIR) / "fuzz/seeds" / ordner;
+        for (const auto& e : std::filesystem::directory_iterator(pfad))
+            out.push_back(readFileBytes(e.path().string()));
+    }
+    return out;
+}
+
+std::vector<std::uint8_t> mutiert(std::vector<std::uint8_t> d, std::mt19937& zufall) {
+    std::uniform_int_distribution<int> art(0, 4), byte(0, 255);
+    int schritte = 1 + static_cast<int>(zufall() % 4);
+    for (int s = 0; s < schritte && !d.empty(); ++s) {
+        std::size_t pos = zufall() % d.size();
+        switch (art(zufall)) {
+            case 0:
+                d[pos] = static_cast<std::uint8_t>(byte(zufall));
+                break;
+            case 1:
+                d.resize(pos);
+                break;
+            case 2:
+                d.insert(d.begin() + static_cast<long>(pos),
+                         static_cast<std::uint8_t>(byte(zufall)));
+                break;
+            case 3:
+                d.erase(d.begin() + static_cast<long>(pos));
+                break;
+            default:
+                d[pos] ^= 0x80;
+                break;
+        }
+    }
+    return d;
+}
+
+void pruefeDia(std::span<const std::uint8_t> d) {
+    Slide s;
+    try {
+        s = readSlide(d);
+    } catch (const SlideError&) {
+        return;
+    }
+    for (const auto& e : s.elements) ASSERT_LE(e.first + e.count, s.points.size());
+    try {
+        Slide wieder = readSlide(writeSlide(s));
+        ASSERT_TRUE(sameDrawing(s, wieder));
+    } catch (const SlideError&) {
+    }
+}
+
+void pruefeBibliothek(const std::vector<std::uint8_t>& d) {
+    try {
+        auto lib = SlideLibrary::read(d);
+        for (const auto& e : lib.entries()) {
+            ASSERT_LE(std::size_t(e.address) + e.size, d.size());
+            ASSERT_NE(lib.find(e.name), nullptr);
+            try {
+                (void)lib.slide(e.name);
+            } catch (const SlideError&) {
+            }
+        }
+    } catch (const SlideError&) {
+    }
+}
+
+}  // namespace
+
+TEST(SlideFuzzRegression, MutatedInputsAreReadOrRefused) {
+    std::mt19937 zufall(20261122);
+    auto basis = saaten();
+    ASSERT_GE(basis.size(), 8u);
+    for (int i = 0; i < 20000; ++i) {
+        auto d = mutiert(basis[static_cast<std::size_t>(i) % basis.size()], zufall);
+        pruefeDia(d);
+        pruefeBibliothek(d);
+        if (HasFatalFailure()) {
+            ADD_FAILURE() << "input " << i;
+            return;
+        }
+    }
+}
+
+TEST(SlideFuzzRegression, CraftedLibraries) {
+    auto dia = slidetest::beispielDia();
+    // Two entries pointing at the same slide, and one pointing at the last byte.
+    auto lib = writeSlideLibrary({{"A", dia}, {"B", dia}});
+    auto zweimal = lib;
+    std::copy(zweimal.begin() + 32 + 32, zweimal.begin() + 32 + 36, zweimal.begin() + 68 + 32);
+    pruefeBibliothek(zweimal);
+    auto amEnde = lib;
+    std::uint32_t letzte = static_cast<std::uint32_t>(amEnde.size() - 1);
+    for (int k = 0; k < 4; ++k) amEnde[32 + 32 + k] = (letzte >> (8 * k)) & 0xFF;
+    auto gelesen = SlideLibrary::read(amEnde);
+    EXPECT_THROW(gelesen.slide("A"), SlideError);
+    // A fill start record claiming 32767 vertices followed by the end of data.
+    auto kopf = dia;
+    kopf.resize(31);
+    kopf.insert(kopf.end(), {0x00, 0xFD, 0xFF, 0x7F, 0xFF, 0xFF});
+    EXPECT_THROW(readSlide(kopf), SlideError);
+}

@@ -1,0 +1,116 @@
+// Slide libraries: the shared test library, our writer, lookups, the
+// picture notation, and broken directories.
+#include "authoring/slide_library.h"
+
+#include <gtest/gtest.h>
+
+#include "slide_test_daten.h"
+
+using namespace tessara::slide;
+using slidetest::beispielDia;
+using slidetest::testdaten;
+
+TEST(SlideLibrary, ReadsTheTestLibrary) {
+    auto lib = SlideLibrary::readFile(testdaten("mylib.slb"));
+    // The directory of this file names two slides (its third directory entry
+    // is the empty closing one).
+    ASSERT_EQ(lib.entries().size(), 2u);
+    EXPECT_EQ(lib.entries()[0].name, "SLIDE1");
+    EXPECT_EQ(lib.entries()[1].name, "SLIDE2");
+    EXPECT_EQ(lib.entries()[0].address, 0x8Cu);
+    // The first slide is the published example, byte for byte.
+    auto bytes = lib.slideBytes("SLIDE1");
+    EXPECT_EQ(std::vector<std::uint8_t>(bytes.begin(), bytes.end()), beispielDia());
+    Slide zwei = lib.slide("SLIDE2");
+    EXPECT_GT(zwei.elements.size(), 5u);
+}
+
+TEST(SlideLibrary, LookupIgnoresCase) {
+    auto lib = SlideLibrary::readFile(testdaten("mylib.slb"));
+    ASSERT_NE(lib.find("slide2"), nullptr);
+    EXPECT_EQ(lib.find("slide2")->name, "SLIDE2");
+    EXPECT_EQ(lib.find("Slide3"), nullptr);
+    EXPECT_THROW(lib.slide("nichtda"), SlideError);
+}
+
+TEST(SlideLibrary, WriterRoundTrip) {
+    auto kss = readFileBytes(testdaten("slide_kss.sld"));
+    auto bytes = writeSlideLibrary({{"0A", beispielDia()}, {"1A", kss}});
+    auto lib = SlideLibrary::read(bytes);
+    ASSERT_EQ(lib.entries().size(), 2u);
+    auto a = lib.slideBytes("0a");
+    EXPECT_EQ(std::vector<std::uint8_t>(a.begin(), a.end()), beispielDia());
+    auto b = lib.slideBytes("1A");
+    EXPECT_EQ(std::vector<std::uint8_t>(b.begin(), b.end()), kss);
+    // Layout: 32-byte header, 3 entries of 36 bytes (two and the closing one).
+    EXPECT_EQ(lib.entries()[0].address, 32u + 3 * 36u);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes.data()), 25),
+              "AutoCAD Slide Library 1.0");
+}
+
+TEST(SlideLibrary, WriterRefusesBadNames) {
+    EXPECT_THROW(writeSlideLibrary({{"0A", beispielDia()}, {"0a", beispielDia()}}), SlideError);
+    EXPECT_THROW(writeSlideLibrary({{std::string(32, 'X'), beispielDia()}}), SlideError);
+    EXPECT_NO_THROW(writeSlideLibrary({{std::string(31, 'X'), beispielDia()}}));
+    EXPECT_THROW(writeSlideLibrary({{"", beispielDia()}}), SlideError);
+    EXPECT_THROW(writeSlideLibrary({{"KAPUTT", {1, 2, 3}}}), SlideError);
+}
+
+TEST(SlideLibrary, BrokenDirectoriesAreRefused) {
+    auto gut = writeSlideLibrary({{"0A", beispielDia()}});
+    auto ohneEnde = gut;
+    ohneEnde.resize(32 + 36 + 10);  // closing entry cut off
+    auto adresseDraussen = gut;
+    adresseDraussen[32 + 32] = 0xFF;
+    adresseDraussen[32 + 35] = 0x7F;
+    auto adresseImVerzeichnis = gut;
+    adresseImVerzeichnis[32 + 32] = 40;
+    adresseImVerzeichnis[32 + 33] = 0;
+    auto nameOhneNul = gut;
+    for (int i = 0; i < 32; ++i) nameOhneNul[32 + i] = 'N';
+    auto kaputterKopf = gut;
+    kaputterKopf[3] = 'x';
+    for (auto* d :
+         {&ohneEnde, &adresseDraussen, &adresseImVerzeichnis, &nameOhneNul, &kaputterKopf})
+        EXPECT_THROW(SlideLibrary::read(*d), SlideError);
+    EXPECT_NO_THROW(SlideLibrary::read(gut));
+}
+
+TEST(SlideLibrary, TruncatedSlideInsideTheLibraryIsAnErrorOnDecoding) {
+    auto gut = writeSlideLibrary({{"0A", beispielDia()}});
+    gut.resize(gut.size() - 4);
+    auto lib = SlideLibrary::read(gut);
+    EXPECT_THROW(lib.slide("0A"), SlideError);
+}
+
+TEST(Bildname, SplitsLibraryAndEntry) {
+    struct Fall {
+        const char* bild;
+        const char* datei;
+        const char* eintrag;
+    };
+    for (auto f : {Fall{"c:\\lib\\000\\00000000.slb(0A)", "c:\\lib\\000\\00000000.slb", "0A"},
+                   Fall{"c:\\lib\\000\\00000000.sld", "c:\\lib\\000\\00000000.sld", ""},
+                   Fall{"\\frei2.sld", "\\frei2.sld", ""}, Fall{"x.slb()", "x.slb", ""},
+                   Fall{"(0A)", "(0A)", ""}}) {
+        SCOPED_TRACE(f.bild);
+        auto b = fctBildnameZerlegen(f.bild);
+        EXPECT_EQ(b.datei, f.datei);
+        EXPECT_EQ(b.eintrag, f.eintrag);
+    }
+    EXPECT_EQ(fctBildnameZusammensetzen("a.slb", "3A"), "a.slb(3A)");
+}
+
+TEST(Bildname, LoadsFromLibraryAndFile) {
+    Slide a = fctDiaLaden(testdaten("mylib.slb") + "(slide1)");
+    EXPECT_EQ(a.highX, 572);
+    Slide b = fctDiaLaden(testdaten("slide_up.sld"));
+    EXPECT_GT(b.elements.size(), 0u);
+    try {
+        fctDiaLaden(testdaten("mylib.slb") + "(FEHLT)");
+        ADD_FAILURE();
+    } catch (const SlideError& e) {
+        EXPECT_NE(std::string(e.what()).find("FEHLT"), std::string::npos);
+    }
+    EXPECT_THROW(fctDiaLaden(testdaten("gibtsnicht.sld")), SlideError);
+}

@@ -1,0 +1,146 @@
+// The slide-library builder: the program's function, "tessara-cli slidelib",
+// and the list and batch files written for hosts that run the tool.
+#include "authoring/slidelib_builder.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <sstream>
+
+#include "authoring/slide_library.h"
+#include "slide_test_daten.h"
+#include "temp_verzeichnis.h"
+
+using namespace tessara;
+namespace fs = std::filesystem;
+using slidetest::testdaten;
+
+namespace {
+
+struct Ergebnis {
+    int code;
+    std::string ausgabe;
+};
+
+// Runs tessara-cli with the arguments (already quoted) and stdin from a file.
+Ergebnis cli(const std::string& argumente, const fs::path& eingabe = {}) {
+    std::string befehl = std::string("'") + TESSARA_CLI + "' " + argumente;
+    if (!eingabe.empty()) befehl += " < '" + eingabe.string() + "'";
+    befehl += " 2>&1";
+    Ergebnis e{-1, {}};
+    FILE* p = popen(befehl.c_str(), "r");
+    if (!p) return e;
+    char puffer[512];
+    while (fgets(puffer, sizeof puffer, p)) e.ausgabe += puffer;
+    int status = pclose(p);
+    e.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return e;
+}
+
+}  // namespace
+
+class SlidelibBuilder : public slidetest::TempVerzeichnis {
+  protected:
+    void kopiere(const char* testdatei, const std::string& ziel) {
+        fs::copy_file(testdaten(testdatei), wurzel / ziel, fs::copy_options::overwrite_existing);
+    }
+};
+
+TEST_F(SlidelibBuilder, EntryNamesAreUpperCasedBaseNames) {
+    EXPECT_EQ(slide::entryNameForFile("c:/temp/0a.sld"), "0A");
+    EXPECT_EQ(slide::entryNameForFile("c:\\temp\\Ventil.Gross.sld"), "VENTIL.GROSS");
+    EXPECT_EQ(slide::entryNameForFile("ohne"), "OHNE");
+    EXPECT_EQ(slide::entryNameForFile(std::string(31, 'a') + ".sld"), std::string(31, 'A'));
+    EXPECT_THROW(slide::entryNameForFile(std::string(32, 'a') + ".sld"), slide::SlideError);
+    EXPECT_THROW(slide::entryNameForFile("c:/temp/.sld"), slide::SlideError);
+}
+
+TEST_F(SlidelibBuilder, CommandLineBuildsALibraryFromAList) {
+    kopiere("slide_up.sld", "0a.sld");
+    kopiere("slide_kz.sld", "1A.sld");
+    // The second name without extension: the ".sld" file is meant.
+    datei("liste.txt",
+          (wurzel / "0a.sld").string() + "\r\n\r\n  " + (wurzel / "1A").string() + "\r\n");
+    auto lib = wurzel / "block.slb";
+    auto e = cli("slidelib '" + lib.string() + "'", wurzel / "liste.txt");
+    ASSERT_EQ(e.code, 0) << e.ausgabe;
+    auto gelesen = slide::SlideLibrary::readFile(lib.string());
+    ASSERT_EQ(gelesen.entries().size(), 2u);
+    EXPECT_EQ(gelesen.entries()[0].name, "0A");
+    EXPECT_EQ(gelesen.entries()[1].name, "1A");
+    auto bytes = gelesen.slideBytes("1a");
+    EXPECT_EQ(std::vector<std::uint8_t>(bytes.begin(), bytes.end()),
+              slide::readFileBytes(testdaten("slide_kz.sld")));
+}
+
+TEST_F(SlidelibBuilder, RefusedListsLeaveTheLibraryAsItWas) {
+    kopiere("slide_up.sld", "0a.sld");
+    fs::create_directories(wurzel / "b");
+    kopiere("slide_dn.sld", "b/0A.sld");
+    datei("kaputt.sld", "AutoCAD Slide\r\n");
+    datei("alt.slb", "vorher");
+    auto lib = (wurzel / "alt.slb").string();
+    struct Fall {
+        const char* name;
+        std::string liste;
+        const char* meldung;
+    };
+    const Fall faelle[] = {
+        {"doppelt", (wurzel / "0a.sld").string() + "\n" + (wurzel / "b/0A.sld").string() + "\n",
+         "twice"},
+        {"kaputt", (wurzel / "kaputt.sld").string() + "\n", "kaputt.sld"},
+        {"fehlt", (wurzel / "fehlt.sld").string() + "\n", "cannot open"},
+        {"zu lang", (wurzel / (std::string(32, 'n') + ".sld")).string() + "\n", "31"},
+        {"leer", "\n\n", "no slides"},
+    };
+    for (const auto& f : faelle) {
+        SCOPED_TRACE(f.name);
+        datei("liste.txt", f.liste);
+        auto e = cli("slidelib '" + lib + "'", wurzel / "liste.txt");
+        EXPECT_NE(e.code, 0);
+        EXPECT_NE(e.ausgabe.find(f.meldung), std::string::npos) << e.ausgabe;
+        EXPECT_EQ(lesen(lib), "vorher");
+    }
+}
+
+TEST_F(SlidelibBuilder, ProgramBuildsFromTheDialistItWrote) {
+    kopiere("slide_up.sld", "0A.sld");
+    kopiere("slide_kss.sld", "1A.sld");
+    std::string arbeit = basis + "arbeit";
+    fs::create_directories(wurzel / "arbeit");
+    fs::rename(wurzel / "0A.sld", wurzel / "arbeit/0A.sld");
+    fs::rename(wurzel / "1A.sld", wurzel / "arbeit/1A.sld");
+    ASSERT_TRUE(DialisteSchreiben(z, arbeit, {"0A", "1A"}));
+    EXPECT_EQ(lesen(wurzel / "arbeit/dialist.txt"),
+              arbeit + "\\0A.sld\r\n" + arbeit + "\\1A.sld\r\n");
+    std::string lib = basis + "001\\00100170.slb";
+    fs::create_directories(wurzel / "001");
+    ASSERT_TRUE(fctSlideBibliothekAusDialiste(z, lib, arbeit + "\\dialist.txt"));
+    auto gelesen = slide::SlideLibrary::readFile((wurzel / "001/00100170.slb").string());
+    EXPECT_EQ(gelesen.entries().size(), 2u);
+    EXPECT_NE(gelesen.find("0a"), nullptr);
+    EXPECT_FALSE(fctSlideBibliothekAusDialiste(z, lib, arbeit + "\\fehlt.txt"));
+    EXPECT_TRUE(fctSlideBibliothekErstellen(z, basis + "zwei.slb", {arbeit + "\\1A.sld"}));
+    EXPECT_EQ(slide::SlideLibrary::readFile((wurzel / "zwei.slb").string()).entries().size(), 1u);
+    EXPECT_FALSE(fctSlideBibliothekErstellen(z, basis + "drei.slb",
+                                             {arbeit + "\\1A.sld", arbeit + "\\1a.sld"}));
+    EXPECT_FALSE(fs::exists(wurzel / "drei.slb"));
+}
+
+TEST_F(SlidelibBuilder, CommandAndBatchFileTexts) {
+    const std::string d = "c:\\temp\\tessara";
+    const std::string lib = "d:\\Bibliothek\\001\\00100170.slb";
+    EXPECT_EQ(fctSlidelibBefehl(d, lib),
+              "c:\\temp\\tessara\\slidelib.exe d:\\Bibliothek\\001\\00100170.slb < "
+              "c:\\temp\\tessara\\dialist.txt");
+    EXPECT_EQ(fctSlidelibBatZeile(d, lib),
+              "\"c:\\temp\\tessara\\slidelib.exe\" \"d:\\Bibliothek\\001\\00100170.slb\" < "
+              "\"c:\\temp\\tessara\\dialist.txt\"");
+    EXPECT_FALSE(fctSlidelibBatSchreiben(z, basis + "arbeit", lib));
+    EXPECT_FALSE(fs::exists(wurzel / "arbeit/Slidelib.bat"));  // the directory is missing
+    fs::create_directories(wurzel / "arbeit");
+    ASSERT_TRUE(fctSlidelibBatSchreiben(z, basis + "arbeit", lib));
+    EXPECT_EQ(lesen(wurzel / "arbeit/Slidelib.bat"),
+              fctSlidelibBatZeile(basis + "arbeit", lib) + "\r\n");
+}

@@ -1,0 +1,52 @@
+#pragma once
+// A fresh directory per test and a program state whose paths point into it.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "platform/environment.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
+
+namespace slidetest {
+
+class TempVerzeichnis : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+        wurzel = std::filesystem::temp_directory_path() /
+                 ("tessara_authoring_" + std::to_string(::getpid()) + "_" + info->name());
+        std::filesystem::remove_all(wurzel);
+        std::filesystem::create_directories(wurzel);
+        basis = platform::programPath(wurzel.string()) + "\\";
+        z.strCTemp = basis;
+        z.strErrorDatei = basis + "fehler.txt";
+        z.benutzer = &benutzer;
+    }
+    void TearDown() override {
+        std::error_code ec;
+        std::filesystem::remove_all(wurzel, ec);
+    }
+
+    // A file below the directory (relative name with "/"), with content.
+    std::filesystem::path datei(const std::string& relativ, const std::string& inhalt = "x") {
+        auto p = wurzel / relativ;
+        std::filesystem::create_directories(p.parent_path());
+        std::ofstream(p, std::ios::binary) << inhalt;
+        return p;
+    }
+    static std::string lesen(const std::filesystem::path& p) {
+        std::ifstream in(p, std::ios::binary);
+        return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    }
+
+    std::filesystem::path wurzel;
+    std::string basis;  // program form, ends in "\"
+    tessara::SkriptBenutzer benutzer;
+    tessara::ProgrammZustand z;
+};
+
+}  // namespace slidetest

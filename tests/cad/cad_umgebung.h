@@ -1,0 +1,71 @@
+#pragma once
+// Everything a CAD-bridge test needs: program state, the scripted desktop
+// and clock, a scripted user, and drive "c:" mapped into a fresh temporary
+// directory so the script and drawing files are real files.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "cad/cad_verbindung.h"
+#include "platform/memory/fake_clock.h"
+#include "platform/memory/memory_desktop.h"
+#include "platform/platform.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
+
+namespace tessara::test {
+
+class CadUmgebung : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        laufwerk = std::filesystem::temp_directory_path() /
+                   ("tessara_cad_" + std::to_string(::getpid()) + "_" +
+                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::remove_all(laufwerk);
+        std::filesystem::create_directories(laufwerk);
+        ::setenv("TESSARA_DRIVE_C", laufwerk.c_str(), 1);
+        plattform.desktop = &desktop;
+        plattform.clock = &uhr;
+        z.plattform = &plattform;
+        z.benutzer = &benutzer;
+        z.strCTemp = "c:\\temp\\";
+        z.strAppPfad = "c:\\Programme\\Tessara";
+        z.strIniDatei = "c:\\Programme\\Tessara\\Tessara9.0.ini";
+    }
+    void TearDown() override {
+        std::error_code ec;
+        std::filesystem::remove_all(laufwerk, ec);
+    }
+
+    // The native file behind a program path on drive c:.
+    std::filesystem::path datei(const std::string& programmPfad) const {
+        std::string rest = programmPfad.substr(2);
+        for (char& c : rest)
+            if (c == '\\') c = '/';
+        return laufwerk / rest.substr(1);
+    }
+    std::string lesen(const std::string& programmPfad) const {
+        std::ifstream f(datei(programmPfad), std::ios::binary);
+        return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
+    }
+    void anlegen(const std::string& programmPfad, const std::string& inhalt = "x") const {
+        auto p = datei(programmPfad);
+        std::filesystem::create_directories(p.parent_path());
+        std::ofstream(p, std::ios::binary) << inhalt;
+    }
+
+    std::filesystem::path laufwerk;
+    platform::FakeClock uhr;
+    platform::MemoryDesktop desktop{&uhr};
+    platform::Platform plattform;
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+    CadVerbindung v;
+};
+
+}  // namespace tessara::test

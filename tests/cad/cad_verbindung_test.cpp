@@ -1,0 +1,334 @@
+// Connection and version detection: the automation route against a fake
+// AutoCAD server, the title route against the scripted desktop.
+#include "cad/cad_verbindung.h"
+
+#include <gtest/gtest.h>
+
+#include "cad_umgebung.h"
+#include "fake_acad.h"
+
+namespace tessara::test {
+namespace {
+
+struct VersionsFall {
+    std::string version;
+    std::string erwartet;  // empty: no row matches
+};
+
+class VersionsTabelle : public ::testing::TestWithParam<VersionsFall> {};
+
+TEST_P(VersionsTabelle, ErsteFuenfZeichenEntscheiden) {
+    EXPECT_EQ(fctAcadVersionZuordnen(GetParam().version), GetParam().erwartet);
+}
+
+INSTANTIATE_TEST_SUITE_P(Alle, VersionsTabelle,
+                         ::testing::Values(VersionsFall{"15.0h (LMS Tech)", "AutoCAD 2000"},
+                                           VersionsFall{"15.05", "AutoCAD 2000i"},
+                                           VersionsFall{"15.06s (LMS Tech)", "AutoCAD 2002"},
+                                           VersionsFall{"16.0s (LMS Tech)", "AutoCAD 2004"},
+                                           VersionsFall{"16.1s (LMS Tech)", "AutoCAD 2005"},
+                                           VersionsFall{"16.2s (LMS Tech)", "AutoCAD 2006"},
+                                           VersionsFall{"17.0s (LMS Tech)", "AutoCAD 2007"},
+                                           VersionsFall{"17.1s (LMS Tech)", "AutoCAD 2008"},
+                                           VersionsFall{"17.2s (LMS Tech)", "AutoCAD 2009"},
+                                           VersionsFall{"18.0s (LMS Tech)", "AutoCAD 2010"},
+                                           VersionsFall{"18.1s (LMS Tech)", "AutoCAD 2011"},
+                                           VersionsFall{"18.2s (LMS Tech)", "AutoCAD 2012"},
+                                           VersionsFall{"19.0s (LMS Tech)", "AutoCAD 2013"},
+                                           VersionsFall{"19.1s (LMS Tech)", "AutoCAD 2014"},
+                                           VersionsFall{"20.0s (LMS Tech)", "AutoCAD 2015"},
+                                           // The first row ends in "h": 15.0s matches nothing.
+                                           VersionsFall{"15.0s (LMS Tech)", ""},
+                                           // Case counts.
+                                           VersionsFall{"16.1S", ""}, VersionsFall{"2008", ""},
+                                           VersionsFall{"", ""}, VersionsFall{"20.1s", ""}));
+
+TEST(VersionsTabelle, ReihenfolgeUndSchluesselWieGefuehrt) {
+    const auto& t = fctAcadVersionsTabelle();
+    ASSERT_EQ(t.size(), 15u);
+    EXPECT_STREQ(t.front().praefix, "15.0h");
+    EXPECT_STREQ(t[1].praefix, "15.05");
+    EXPECT_STREQ(t[2].praefix, "15.06");
+    EXPECT_STREQ(t.back().bezeichnung, "AutoCAD 2015");
+}
+
+TEST(HostTitel, AchtTitelInDieserReihenfolge) {
+    const auto& l = fctHostTitelListe();
+    const std::vector<std::pair<std::string, bool>> erwartet = {
+        {"AutoCAD LT", true},     {"Toolkit", true},     {"Easy Sketch", true},
+        {"MBI-CAD+T OEM", false}, {"!SlingShot", false}, {"CADSTA Elements", false},
+        {"Bricscad Pro", false},  {"ZWCAD", false}};
+    ASSERT_EQ(l.size(), erwartet.size());
+    for (std::size_t i = 0; i < l.size(); ++i) {
+        EXPECT_EQ(l[i].titel, erwartet[i].first) << i;
+        EXPECT_EQ(l[i].setztNurFenster, erwartet[i].second) << i;
+    }
+}
+
+TEST(Titel, VorDemErstenBindestrichMitBlank) {
+    EXPECT_EQ(fctTitelVorBindestrich("AutoCAD 2008 - [Zeichnung1.dwg]"), "AutoCAD 2008 ");
+    EXPECT_EQ(fctTitelVorBindestrich("AutoCAD 2005 - [a-b.dwg]"), "AutoCAD 2005 ");
+    EXPECT_EQ(fctTitelVorBindestrich("AutoCAD"), "AutoCAD");
+}
+
+class Verbindung : public CadUmgebung {
+  protected:
+    void SetUp() override {
+        CadUmgebung::SetUp();
+        v.automation = &automation;
+        v.meldungsText = [](int nr) { return "Meldung " + std::to_string(nr); };
+    }
+    std::shared_ptr<FakeAnwendung> autocadLaeuft(const std::string& version,
+                                                 const std::string& caption) {
+        auto app = std::make_shared<FakeAnwendung>(log);
+        app->version = version;
+        app->caption = caption;
+        automation.laufend = app;
+        return app;
+    }
+    bool verbinden(bool nurAutomation = false, bool ohneMeldung = false, bool lt = false) {
+        booLt = lt;
+        return ACAD_Connect(z, v, nurAutomation, ohneMeldung, booLt);
+    }
+    std::shared_ptr<FakeAcadLog> log = std::make_shared<FakeAcadLog>();
+    FakeAutomation automation;
+    bool booLt = false;
+};
+
+TEST_F(Verbindung, AutomationMitBekannterVersion) {
+    autocadLaeuft("16.1s (LMS Tech)", "AutoCAD 2005 - [Zeichnung1.dwg]");
+    desktop.addWindow("Editor");
+    const auto h = desktop.addWindow("AutoCAD 2005 - [Zeichnung1.dwg]");
+    ASSERT_TRUE(verbinden());
+    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD 2005");
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "AutoCAD 2005 ");
+    EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, h);
+    EXPECT_TRUE(v.acadApp);
+    EXPECT_FALSE(fctIstAutoCadLt(v));
+    EXPECT_EQ(v.bytNurFenster, 0);
+    EXPECT_TRUE(benutzer.gezeigt.empty());
+}
+
+TEST_F(Verbindung, UnbekannteVersionMeldetUndBleibtUnverbunden) {
+    autocadLaeuft("15.0s (LMS Tech)", "AutoCAD 2000 - [a.dwg]");
+    v.typAcadVersionInfo.strACadVersion = "vorher";
+    desktop.addWindow("AutoCAD LT 2000");  // never reached: the message ends it
+    EXPECT_FALSE(verbinden());
+    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
+    EXPECT_EQ(benutzer.gezeigt[0].text,
+              "Tessara findet nur ein AutoCAD mit der VersionsNr: 15.0s (LMS Tech)\r"
+              "Bitte melden Sie sich bei der Firma Vendel");
+    EXPECT_EQ(benutzer.gezeigt[0].titel, "Info");
+    EXPECT_EQ(benutzer.gezeigt[0].symbol, Symbol::Information);
+    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "vorher");
+    EXPECT_TRUE(desktop.activations().empty());
+}
+
+TEST_F(Verbindung, Version2008FaelltZurTitelsucheDurch) {
+    for (std::string version : {"2007", "2008"}) {
+        autocadLaeuft(version, "AutoCAD 2008 - [a.dwg]");
+        platform::MemoryDesktop frisch(&uhr);
+        plattform.desktop = &frisch;
+        const auto h = frisch.addWindow("AutoCAD LT 2008 - [Plan.dwg]");
+        v = CadVerbindung{};
+        v.automation = &automation;
+        ASSERT_TRUE(verbinden()) << version;
+        EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
+        EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "AutoCAD LT");
+        EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, h);
+        EXPECT_EQ(v.bytNurFenster, 1);
+        EXPECT_TRUE(fctIstAutoCadLt(v));
+        EXPECT_TRUE(benutzer.gezeigt.empty());
+        plattform.desktop = &desktop;
+    }
+}
+
+TEST_F(Verbindung, NurAutomationOhneHostGibtFalschOhneTitelsuche) {
+    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    EXPECT_FALSE(verbinden(true));
+    EXPECT_TRUE(desktop.activations().empty());
+    EXPECT_TRUE(benutzer.gezeigt.empty());
+}
+
+TEST_F(Verbindung, LtGewaehltProbiertZuerstAutoCad) {
+    autocadLaeuft("20.0s (LMS Tech)", "AutoCAD 2015 - [a.dwg]");
+    const auto h = desktop.addWindow("AutoCAD 2015 - [a.dwg]");
+    ASSERT_TRUE(verbinden(false, false, true));
+    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD");
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "AutoCAD");
+    EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, h);
+    EXPECT_FALSE(v.acadApp) << "the automation route is not tried when LT was chosen";
+    EXPECT_FALSE(fctIstAutoCadLt(v));
+}
+
+TEST_F(Verbindung, OhneLtWahlKeinePlainAutoCadProbe) {
+    // Automation fails, the title route must not take a plain "AutoCAD ..."
+    // window as full AutoCAD.
+    desktop.addWindow("AutoCAD 2015 - [a.dwg]");
+    v.listenAuswahl = [](auto&&...) { return std::string(); };
+    EXPECT_FALSE(verbinden());
+    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
+    EXPECT_EQ(benutzer.gezeigt[0].text, "Meldung 118");
+    EXPECT_EQ(benutzer.gezeigt[0].titel, "Meldung 117");
+}
+
+struct TitelFall {
+    std::string fenster;
+    std::string strAcadTitel;
+    std::uint8_t bytNurFenster;
+};
+
+class TitelSuche : public Verbindung, public ::testing::WithParamInterface<TitelFall> {};
+
+TEST_P(TitelSuche, TitelUndNurFensterMarke) {
+    desktop.addWindow("Explorer");
+    const auto h = desktop.addWindow(GetParam().fenster);
+    ASSERT_TRUE(verbinden());
+    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, GetParam().strAcadTitel);
+    EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, h);
+    EXPECT_EQ(v.bytNurFenster, GetParam().bytNurFenster);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AchtHostsUndGenauerTitel, TitelSuche,
+    ::testing::Values(TitelFall{"AutoCAD LT 2015 - [Zeichnung1.dwg]", "AutoCAD LT", 1},
+                      TitelFall{"Toolkit 3 - [x.dwg]", "Toolkit", 1},
+                      TitelFall{"Easy Sketch", "Easy Sketch", 1},
+                      TitelFall{"MBI-CAD+T OEM 2", "MBI-CAD+T OEM", 0},
+                      TitelFall{"!SlingShot Pro", "!SlingShot", 0},
+                      TitelFall{"CADSTA Elements 1.0", "CADSTA Elements", 0},
+                      TitelFall{"Bricscad Pro V10 - [Plan.dwg]", "Bricscad Pro", 0},
+                      TitelFall{"ZWCAD 2012", "ZWCAD", 0},
+                      // Titles that carry the product further in: found by the
+                      // exact-title search, activated by the full title.
+                      TitelFall{"Plan.dwg - AutoCAD LT 2015", "Plan.dwg - AutoCAD LT 2015", 1},
+                      TitelFall{"Plan.dwg - !SlingShot", "Plan.dwg - !SlingShot", 0}));
+
+TEST_F(Verbindung, TitelReihenfolgeErsterTrefferDerListeGewinnt) {
+    desktop.addWindow("ZWCAD 2012");
+    desktop.addWindow("Bricscad Pro V10 - [Plan.dwg]");
+    const auto easy = desktop.addWindow("Easy Sketch");
+    ASSERT_TRUE(verbinden());
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "Easy Sketch");
+    EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, easy);
+}
+
+TEST_F(Verbindung, AktivierungsfehlerFuehrtZumNaechstenKandidaten) {
+    const auto lt = desktop.addWindow("AutoCAD LT 2015");
+    desktop.refuseActivation(lt);
+    const auto zw = desktop.addWindow("ZWCAD 2012");
+    ASSERT_TRUE(verbinden());
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "ZWCAD");
+    EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, zw);
+    EXPECT_EQ(v.bytNurFenster, 0);
+}
+
+TEST_F(Verbindung, FensterlisteWaehlen) {
+    desktop.addWindow("Notepad");
+    const auto h = desktop.addWindow("MeinCAD 7 - [Plan.dwg]");
+    std::vector<std::string> angeboten;
+    std::string caption, prompt;
+    v.listenAuswahl = [&](const std::string& c, const std::string& p,
+                          const std::vector<std::string>& e) {
+        caption = c;
+        prompt = p;
+        angeboten = e;
+        return std::string("MeinCAD 7 - [Plan.dwg]");
+    };
+    ASSERT_TRUE(verbinden());
+    EXPECT_EQ(caption, "Übersicht der geöffneten Fenster");
+    EXPECT_EQ(prompt, "Wählen Sie das AutoCAD-Fenster aus.");
+    EXPECT_EQ(angeboten, (std::vector<std::string>{"Notepad", "MeinCAD 7 - [Plan.dwg]"}));
+    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "MeinCAD 7 - [Plan.dwg]");
+    EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, h);
+}
+
+TEST_F(Verbindung, FensterlisteUnterdrueckt) {
+    desktop.addWindow("MeinCAD 7");
+    bool gefragt = false;
+    std::string schluessel;
+    v.fctMsgboxNichtMehrAnzeigen = [&](const std::string& k) {
+        schluessel = k;
+        return false;
+    };
+    v.listenAuswahl = [&](auto&&...) {
+        gefragt = true;
+        return std::string("MeinCAD 7");
+    };
+    EXPECT_FALSE(verbinden());
+    EXPECT_EQ(schluessel, "AutoCadTitel");
+    EXPECT_FALSE(gefragt);
+    EXPECT_EQ(benutzer.gezeigt.size(), 1u);
+}
+
+TEST_F(Verbindung, KeinHostOhneMeldung) {
+    desktop.addWindow("Notepad");
+    EXPECT_FALSE(verbinden(false, true));
+    EXPECT_TRUE(benutzer.gezeigt.empty());
+    EXPECT_FALSE(verbinden(false, false));
+    EXPECT_EQ(benutzer.gezeigt.size(), 1u);
+}
+
+TEST_F(Verbindung, ErfolgloserAufrufLaesstDenSatzStehen) {
+    const auto h = desktop.addWindow("AutoCAD LT 2015");
+    ASSERT_TRUE(verbinden());
+    desktop.removeWindow(h);
+    EXPECT_FALSE(verbinden(false, true));
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "AutoCAD LT");
+    EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, h);
+}
+
+TEST_F(Verbindung, ObjektHolenStartetNurWennErlaubt) {
+    automation.neu = std::make_shared<FakeAnwendung>(log);
+    EXPECT_FALSE(fctAcadObjektHolen(z, v, true));
+    EXPECT_EQ(automation.erzeugt, 0);
+    EXPECT_TRUE(fctAcadObjektHolen(z, v, false));
+    EXPECT_EQ(automation.erzeugt, 1);
+    EXPECT_EQ(v.acadApp, automation.neu);
+    // A running host is attached, not created.
+    automation.laufend = std::make_shared<FakeAnwendung>(log);
+    EXPECT_TRUE(fctAcadObjektHolen(z, v, false));
+    EXPECT_EQ(automation.erzeugt, 1);
+    EXPECT_EQ(v.acadApp, automation.laufend);
+}
+
+TEST_F(Verbindung, AcadStartOhneZeichnungLiestKeinenSuchpfad) {
+    auto app = autocadLaeuft("16.1s", "AutoCAD 2005");
+    app->dokumente = 0;
+    app->supportPfad = "c:\\support";
+    EXPECT_EQ(ACAD_Start(z, v, "break"), "");
+    EXPECT_FALSE(app->supportGelesen);
+}
+
+TEST_F(Verbindung, AcadStartOhneHostLeer) { EXPECT_EQ(ACAD_Start(z, v, "break"), ""); }
+
+TEST_F(Verbindung, AcadStartSuchlisteUndLetzterVersuch) {
+    auto app = autocadLaeuft("16.1s", "AutoCAD 2005");
+    app->dokument->variablen["DWGPREFIX"] = "c:\\zeichnungen\\";
+    app->pfad = "c:\\acad";
+    app->supportPfad = "c:\\sup1;c:\\sup2\\;c:\\sup3";
+    // Nothing exists: the last path tried comes back.
+    EXPECT_EQ(ACAD_Start(z, v, "vorlage.lsp"), "c:\\sup3\\vorlage.lsp");
+    // One separator between entry and file, whichever side brings one.
+    anlegen("c:\\sup2\\vorlage.lsp");
+    EXPECT_EQ(ACAD_Start(z, v, "vorlage.lsp"), "c:\\sup2\\vorlage.lsp");
+    anlegen("c:\\acad\\vorlage.lsp");
+    EXPECT_EQ(ACAD_Start(z, v, "vorlage.lsp"), "c:\\acad\\vorlage.lsp");
+    anlegen("c:\\zeichnungen\\vorlage.lsp");
+    EXPECT_EQ(ACAD_Start(z, v, "\\vorlage.lsp"), "c:\\zeichnungen\\vorlage.lsp");
+}
+
+TEST_F(Verbindung, DokumentSchliessen) {
+    auto app = autocadLaeuft("16.1s", "AutoCAD 2005");
+    EXPECT_FALSE(fctAcadDokumentSchliessen(z, v)) << "no application held yet";
+    v.acadApp = app;
+    EXPECT_TRUE(fctAcadDokumentSchliessen(z, v));
+    EXPECT_TRUE(app->dokument->geschlossen);
+    app->dokument->closeWirft = true;
+    EXPECT_FALSE(fctAcadDokumentSchliessen(z, v));
+}
+
+}  // namespace
+}  // namespace tessara::test

@@ -1,0 +1,269 @@
+// End to end: the CAD bridge against the simulated host (tools/simhost) on a
+// real X server, typing through the real X11 desktop. A helper thread plays
+// the user: it waits until the host asks for a pick and then clicks or
+// presses Escape through XTest, as a hand on the mouse would.
+//
+// Without $DISPLAY the test starts its own Xvfb.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+
+#include "authoring/slide.h"
+#include "cad/cad_verbindung.h"
+#include "cad/lt_skript.h"
+#include "platform/memory/fake_clock.h"
+#include "platform/platform.h"
+#include "platform/system_clock.h"
+#include "platform/x11/x11_desktop.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
+#include "x_hand.h"
+
+namespace tessara::test {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+// A private X server when the run has none.
+class XServer : public ::testing::Environment {
+  public:
+    void SetUp() override {
+        if (!xDisplayOffen()) pid_ = xvfbStarten();
+    }
+    void TearDown() override { prozessBeenden(pid_); }
+
+  private:
+    pid_t pid_ = 0;
+};
+
+const auto* const xserver = ::testing::AddGlobalTestEnvironment(new XServer);
+
+std::string lesen(const fs::path& p) {
+    std::ifstream f(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
+}
+
+// Waits, bounded, until the host's log holds the text.
+bool warteAufLog(const fs::path& log, const std::string& text, std::chrono::seconds grenze = 20s) {
+    const auto ende = std::chrono::steady_clock::now() + grenze;
+    while (std::chrono::steady_clock::now() < ende) {
+        if (lesen(log).find(text) != std::string::npos) return true;
+        std::this_thread::sleep_for(20ms);
+    }
+    return false;
+}
+
+class SimHostE2E : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        verzeichnis = fs::temp_directory_path() /
+                      ("tessara_e2e_" + std::to_string(getpid()) + "_" +
+                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(verzeichnis);
+        fs::create_directories(verzeichnis / "c");
+        setenv("TESSARA_DRIVE_C", (verzeichnis / "c").c_str(), 1);
+        log = verzeichnis / "simhost.log";
+        ASSERT_TRUE(desktop.connected()) << "no X server";
+        ASSERT_TRUE(desktop.canType()) << "no XTest extension";
+        plattform.desktop = &desktop;
+        plattform.clock = &uhr;
+        z.plattform = &plattform;
+        z.benutzer = &benutzer;
+        z.strCTemp = "c:\\temp\\";
+        v.meldungsText = [](int nr) { return "Meldung " + std::to_string(nr); };
+    }
+    void TearDown() override {
+        prozessBeenden(host);
+        std::error_code ec;
+        fs::remove_all(verzeichnis, ec);
+    }
+
+    void hostStarten(const std::string& titel) {
+        host = prozessStarten({TESSARA_SIMHOST, "--title", titel, "--log", log.string()});
+        ASSERT_GT(host, 0);
+        ASSERT_TRUE(warteAufLog(log, "START ")) << lesen(log);
+        // The window is mapped once the desktop lists it.
+        const auto ende = std::chrono::steady_clock::now() + 20s;
+        while (std::chrono::steady_clock::now() < ende) {
+            for (const auto& w : desktop.topLevelWindows())
+                if (w.title == titel) return;
+            std::this_thread::sleep_for(20ms);
+        }
+        FAIL() << "simhost window did not appear";
+    }
+    void verbinden() {
+        bool lt = false;
+        ASSERT_TRUE(ACAD_Connect(z, v, false, true, lt));
+    }
+    void zeichnungAnlegen(const std::string& rel, const std::string& inhalt) {
+        fs::create_directories((verzeichnis / "c" / rel).parent_path());
+        std::ofstream(verzeichnis / "c" / rel, std::ios::binary) << inhalt;
+    }
+
+    fs::path verzeichnis, log;
+    pid_t host = 0;
+    platform::X11Desktop desktop;
+    platform::SystemClock uhr;
+    platform::Platform plattform;
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+    CadVerbindung v;
+    typCadEinstellungen e;
+};
+
+TEST_F(SimHostE2E, FindetLtHostAmTitel) {
+    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    verbinden();
+    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "AutoCAD LT");
+    EXPECT_EQ(v.bytNurFenster, 1);
+    EXPECT_NE(v.typAcadVersionInfo.lngAcadHwnd, 0u);
+    EXPECT_EQ(desktop.foregroundWindow(), v.typAcadVersionInfo.lngAcadHwnd);
+}
+
+TEST_F(SimHostE2E, FindetBricscadOhneNurFenster) {
+    hostStarten("Bricscad Pro V10 - [Plan.dwg]");
+    verbinden();
+    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "Bricscad Pro");
+    EXPECT_EQ(v.bytNurFenster, 0);
+}
+
+TEST_F(SimHostE2E, FindetLtWeiterHintenImTitel) {
+    hostStarten("Plan.dwg - AutoCAD LT 2015");
+    verbinden();
+    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "Plan.dwg - AutoCAD LT 2015");
+    EXPECT_EQ(v.bytNurFenster, 1);
+}
+
+TEST_F(SimHostE2E, ZeichnungOeffnen) {
+    hostStarten("ZWCAD 2012 - [Plan.dwg]");
+    verbinden();
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "ZWCAD");
+    ASSERT_TRUE(fctOpenFileMitLT(z, v, e, "c:\\Bib\\001\\Block\\0010A0.dwg"));
+    ASSERT_TRUE(warteAufLog(log, "OPEN c:\\Bib\\001\\Block\\0010A0.dwg")) << lesen(log);
+    EXPECT_EQ(lesen(log).find("UNDO MARKE"), std::string::npos) << "no UNDO mark when opening";
+}
+
+TEST_F(SimHostE2E, SlideErscheint) {
+    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    verbinden();
+    e.sReplaceBackslash = "/";
+    fs::create_directories(verzeichnis / "c" / "Bib" / "001");
+    // The slide wait has no bound of its own (the user ends it with Escape):
+    // should the host never write, the hand presses Escape so the test ends.
+    std::thread wache([&] {
+        if (!warteAufLog(log, "MSLIDE c:", 30s)) Hand().escape();
+    });
+    const bool ok = fctSlideMitLTErstellen(z, v, e, "c:\\Bib\\001\\0010A0.sld");
+    wache.join();
+    ASSERT_TRUE(ok) << lesen(log);
+    const auto sld = verzeichnis / "c" / "Bib" / "001" / "0010A0.sld";
+    const auto slide = slide::readSlideFile(sld.string());
+    EXPECT_EQ(slide.highX, 639);
+    EXPECT_EQ(slide.elements.size(), 5u);
+    const std::string l = lesen(log);
+    EXPECT_NE(l.find("EINGABE [c:/temp/bv8LT.scr]"), std::string::npos) << l;
+    EXPECT_NE(l.find("UNDO MARKE"), std::string::npos) << l;
+    EXPECT_NE(l.find("SETVAR FILEDIA=0"), std::string::npos) << l;
+    EXPECT_NE(l.find("SKRIPT [._mslide]"), std::string::npos) << l;
+    EXPECT_NE(l.find("SETVAR FILEDIA=1"), std::string::npos) << l;
+}
+
+LtEinfuegung ventil() {
+    LtEinfuegung ein;
+    ein.strBibliothek = "c:\\Bib\\";
+    ein.strKopieVerzeichnis = "c:\\temp\\";
+    ein.auftrag.block.Block = "0010A";
+    ein.auftrag.block.OrdnerNr = "001";
+    ein.auftrag.block.BlkName[0] = "Ventil";
+    ein.auftrag.block.Layer = "Armaturen";
+    ein.optionen.checkBlock = 1;
+    return ein;
+}
+
+TEST_F(SimHostE2E, EinfuegungMitKlick) {
+    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
+    verbinden();
+    std::thread nutzer([&] {
+        if (warteAufLog(log, "INSERT WARTET AUF PUNKT")) Hand().klick(1, 120, 150);
+    });
+    const auto r = ACadLtBlockEinfuegen(z, v, e, ventil());
+    nutzer.join();
+    ASSERT_EQ(r, LtErgebnis::Eingefuegt);
+    ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
+    const std::string l = lesen(log);
+    EXPECT_NE(l.find("SETVAR EXPERT=2"), std::string::npos) << l;
+    // The point is where the host saw the click.
+    const auto p = l.find("\nPUNKT ");
+    ASSERT_NE(p, std::string::npos) << l;
+    const std::string punkt = l.substr(p + 7, l.find('\n', p + 1) - p - 7);
+    EXPECT_NE(l.find("INSERT block=Ventil0 datei=c:\\Bib\\001\\Block\\0010A0.dwg punkt=" + punkt +
+                     " x=1 y=1 winkel=0 layer=Armaturen"),
+              std::string::npos)
+        << l;
+    EXPECT_NE(l.find("SETVAR' FILEDIA=1"), std::string::npos) << l;
+}
+
+TEST_F(SimHostE2E, EinfuegungEscape) {
+    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
+    verbinden();
+    std::thread nutzer([&] {
+        if (warteAufLog(log, "INSERT WARTET AUF PUNKT")) Hand().escape();
+    });
+    const auto r = ACadLtBlockEinfuegen(z, v, e, ventil());
+    nutzer.join();
+    EXPECT_EQ(r, LtErgebnis::Abgebrochen);
+    ASSERT_TRUE(warteAufLog(log, "ABBRUCH INSERT")) << lesen(log);
+    EXPECT_EQ(lesen(log).find("INSERT block="), std::string::npos);
+}
+
+TEST_F(SimHostE2E, NeuerBlockMitRechtsklick) {
+    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    verbinden();
+    std::thread nutzer([&] {
+        if (warteAufLog(log, "WBLOCK WAEHLT OBJEKTE")) Hand().klick(3, 300, 200);
+    });
+    LtBlockNeu neu{"c:\\Bib\\", "001", "0010C", 0, false};
+    const auto r = ACadLtBlockNeu(z, v, e, neu);
+    nutzer.join();
+    EXPECT_TRUE(r.booDateiBesteht);
+    EXPECT_FALSE(r.booZeitAbgelaufen);
+    const auto dwg = verzeichnis / "c" / "Bib" / "001" / "Block" / "0010C0.dwg";
+    EXPECT_EQ(lesen(dwg).rfind("SIMHOST ZEICHNUNG", 0), 0u);
+    EXPECT_TRUE(fs::exists(verzeichnis / "c" / "Bib" / "001" / "Block" / "0010C0.sld"));
+    ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
+    EXPECT_NE(lesen(log).find("SKRIPT [._-wblock ]"), std::string::npos);
+}
+
+TEST_F(SimHostE2E, NeuerBlockZeitAbgelaufen) {
+    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    verbinden();
+    // Nobody picks; the 40-second bound runs on a clock that each message
+    // pump moves by 100 ms, so the real desktop is used without waiting 40 s.
+    platform::FakeClock schnell;
+    plattform.clock = &schnell;
+    desktop.onPump = [&] { schnell.advanceMs(100); };
+    LtBlockNeu neu{"c:\\Bib\\", "001", "0010D", 0, false};
+    const auto r = ACadLtBlockNeu(z, v, e, neu);
+    desktop.onPump = nullptr;
+    EXPECT_TRUE(r.booZeitAbgelaufen);
+    EXPECT_FALSE(r.booDateiBesteht);
+    ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
+    const std::string l = lesen(log);
+    EXPECT_NE(l.find("ABBRUCH WBLOCK"), std::string::npos) << l;
+}
+
+}  // namespace
+}  // namespace tessara::test

@@ -1,0 +1,80 @@
+// Record sets over a real file made by Access, through the Jet engine.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "db/connection.h"
+#include "db/jet_opener.h"
+#include "db/recordset.h"
+#include "jet/sql/error.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string bytesOf(const fs::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+class RealRecords : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir = fs::temp_directory_path() / ("tessara_db_" + std::to_string(::getpid()) + "_" +
+                                           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::create_directories(dir);
+        file = dir / "index.mdb";
+        fs::copy_file(fs::path(TESSARA_TESTDATA) / "mdb" / "indexTestV2000.mdb", file);
+        // The program's paths are in backslash form; the mapper turns them into native ones.
+        con = std::make_unique<db::Connection>(db::jetOpener([](const std::string& p) {
+            std::string n = p;
+            for (auto& c : n)
+                if (c == '\\') c = '/';
+            return n;
+        }));
+        std::string programPath = file.string();
+        for (auto& c : programPath)
+            if (c == '/') c = '\\';
+        con->open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + programPath);
+    }
+    void TearDown() override {
+        std::error_code ec;
+        fs::remove_all(dir, ec);
+    }
+    fs::path dir, file;
+    std::unique_ptr<db::Connection> con;
+};
+
+TEST_F(RealRecords, NavigationFindFilterAndPosition) {
+    db::Recordset rs;
+    rs.open("SELECT id, otherfk1, data FROM Table1 ORDER BY id", *con, db::adOpenKeyset, db::adLockOptimistic);
+    ASSERT_EQ(rs.recordCount(), 4);
+    EXPECT_TRUE(rs.find("data Like 'BAZ11-*'"));
+    EXPECT_EQ(rs.value("id").asInt(), 2);
+    EXPECT_EQ(rs.absolutePosition(), 3);
+    rs.moveFirst();
+    EXPECT_TRUE(rs.find("id = 3"));
+    EXPECT_EQ(rs.text("data"), "baz13");
+    rs.setFilter("otherfk1 = 1");
+    EXPECT_EQ(rs.recordCount(), 2);
+    rs.clearFilter();
+    rs.setAbsolutePosition(1);
+    EXPECT_EQ(rs.text("data"), "baz0");
+}
+
+TEST_F(RealRecords, WritingThroughTheReadOnlyAdapterLeavesTheFileAsItWas) {
+    std::string before = bytesOf(file);
+    db::Recordset rs;
+    rs.open("Table1", *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.addNew();
+    rs.setValue("id", 9);
+    rs.setValue("data", "neu");
+    EXPECT_THROW(rs.update(), jet::Error);
+    rs.cancelUpdate();
+    EXPECT_THROW(con->execute("DELETE FROM Table1"), jet::Error);
+    EXPECT_EQ(bytesOf(file), before);
+}
+
+}  // namespace

@@ -1,0 +1,345 @@
+// Record sets as the navigation model and the Folder and Page management use them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "db/connection.h"
+#include "db/memory_opener.h"
+#include "db/recordset.h"
+#include "jet/sql/error.h"
+#include "jet/sql/memory_storage.h"
+#include "sql/catalogue_fixture.h"
+
+namespace {
+
+const std::string kLib = "C:\\Lib\\dbTessara.mdb";
+
+using db::memoryOpener;
+
+class Records : public ::testing::Test {
+protected:
+    void SetUp() override {
+        files = std::make_shared<sql::MemoryFiles>();
+        lib = files->create(kLib);
+        cat = fixture::fill(*lib);
+        con = std::make_unique<db::Connection>(memoryOpener(files));
+        con->open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + kLib);
+    }
+    std::string blockSql(int ordnerId) {
+        return std::string("SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, ") +
+               "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE FROM tblBlockInfo " +
+               "WHERE OrdnerID = " + std::to_string(ordnerId);
+    }
+    std::shared_ptr<sql::MemoryFiles> files;
+    std::shared_ptr<sql::MemoryStorage> lib;
+    fixture::Catalogue cat;
+    std::unique_ptr<db::Connection> con;
+};
+
+TEST_F(Records, NavigationEofBofAndRecordCount) {
+    db::Recordset rs;
+    EXPECT_EQ(rs.state(), db::adStateClosed);
+    rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
+    EXPECT_EQ(rs.state(), db::adStateOpen);
+    rs.moveLast();
+    EXPECT_EQ(rs.recordCount(), 4);
+    EXPECT_EQ(rs.absolutePosition(), 4);
+    EXPECT_EQ(rs.text("OrdnerNr"), "003");
+    rs.moveFirst();
+    std::vector<std::string> names;
+    while (!rs.eof()) {
+        names.push_back(rs.text("Ordnername"));
+        rs.moveNext();
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"Standard-Ordner", "Armaturen", "Rohrleitungen", "Öl-Anlagen"}));
+    EXPECT_EQ(rs.absolutePosition(), db::adPosEOF);
+    EXPECT_THROW(rs.moveNext(), sql::Error);
+    EXPECT_THROW(rs.value("Nr"), sql::Error);
+    rs.movePrevious();
+    EXPECT_EQ(rs.text("OrdnerNr"), "003");
+    rs.moveFirst();
+    rs.movePrevious();
+    EXPECT_TRUE(rs.bof());
+    EXPECT_FALSE(rs.eof());
+    EXPECT_EQ(rs.absolutePosition(), db::adPosBOF);
+    EXPECT_THROW(rs.value("nichtda"), sql::Error);
+    rs.close();
+    EXPECT_THROW(rs.recordCount(), sql::Error);
+}
+
+TEST_F(Records, EmptyRecordSetIsAtBofAndEof) {
+    db::Recordset rs;
+    rs.open("SELECT * FROM tblBlockInfo WHERE OrdnerID = 1", *con, db::adOpenKeyset, db::adLockOptimistic);
+    EXPECT_TRUE(rs.eof());
+    EXPECT_TRUE(rs.bof());
+    EXPECT_EQ(rs.recordCount(), 0);
+    EXPECT_EQ(rs.absolutePosition(), db::adPosUnknown);
+    EXPECT_THROW(rs.find("Block Like '0000000'"), sql::Error);
+}
+
+TEST_F(Records, FindSearchesForwardFromTheCurrentRow) {
+    db::Recordset rs;
+    rs.open(blockSql(3), *con, db::adOpenKeyset, db::adLockOptimistic);
+    // Every Block of Folder 3 can be found; a free slot cannot.
+    for (const auto& b : cat.blocks) {
+        if (b.ordnerId != 3) continue;
+        rs.moveFirst();
+        ASSERT_TRUE(rs.find("Block Like '" + b.block + "'")) << b.block;
+        EXPECT_EQ(rs.value("Nr").asInt(), b.nr);
+        EXPECT_EQ(rs.text("M0"), b.m0);
+    }
+    rs.moveFirst();
+    EXPECT_FALSE(rs.find("Block Like '0029999'"));
+    EXPECT_TRUE(rs.eof());
+
+    // From the current row on: a match before it is not seen.
+    rs.moveLast();
+    std::string last = rs.text("Block");
+    rs.moveFirst();
+    std::string first = rs.text("Block");
+    rs.moveLast();
+    EXPECT_FALSE(rs.find("Block Like '" + first + "'"));
+    rs.moveLast();
+    EXPECT_TRUE(rs.find("Block Like '" + last + "'"));
+    // Backwards, and skipping the current row.
+    EXPECT_TRUE(rs.find("Block Like '" + first + "'", 0, db::adSearchBackward));
+    EXPECT_EQ(rs.absolutePosition(), 1);
+    EXPECT_FALSE(rs.find("Block Like '" + first + "'", 1));
+    EXPECT_TRUE(rs.eof());
+}
+
+TEST_F(Records, FindCriteriaShapes) {
+    db::Recordset rs;
+    rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
+    struct {
+        const char* criteria;
+        long position;  // 0 = not found
+    } cases[] = {
+        {"OrdnerName Like 'Arm%'", 2}, {"OrdnerName Like 'arm*'", 2}, {"Ordnername Like 'Rohr_eitungen'", 3},
+        {"Ordnername Like 'Rohr?eitungen'", 3}, {"OrdnerName Like '%Anlagen'", 4}, {"Nr = 3", 3},
+        {"Nr > 3", 4}, {"OrdnerNr Like '001'", 2}, {"OrdnerNr = '002'", 3}, {"[Ordnername] = 'öl-anlagen'", 4},
+        {"OrdnerName Like 'Arm'", 0}, {"Nr = 99", 0}, {"NrTblRechte = NULL", 1},
+    };
+    for (const auto& c : cases) {
+        rs.moveFirst();
+        bool found = rs.find(c.criteria);
+        EXPECT_EQ(found, c.position != 0) << c.criteria;
+        if (found) EXPECT_EQ(rs.absolutePosition(), c.position) << c.criteria;
+        else EXPECT_TRUE(rs.eof()) << c.criteria;
+    }
+    rs.moveFirst();
+    EXPECT_THROW(rs.find("Gibts = 1"), sql::Error);
+    EXPECT_THROW(rs.find("Nr = 1 AND Nr = 2"), sql::Error);  // Find takes a single criterion
+    EXPECT_THROW(rs.find("Nr 1"), sql::Error);
+}
+
+TEST_F(Records, FilterAndRemovingIt) {
+    db::Recordset rs;
+    rs.open("SELECT * FROM [tblSeiten]", *con, db::adOpenKeyset, db::adLockOptimistic);
+    long all = rs.recordCount();
+    rs.setFilter("[NrTblOrdner] = 3");
+    EXPECT_EQ(rs.recordCount(), 5);
+    EXPECT_EQ(rs.absolutePosition(), 1);
+    while (!rs.eof()) {
+        EXPECT_EQ(rs.value("NrTblOrdner").asInt(), 3);
+        rs.moveNext();
+    }
+    rs.setFilter("NrTblOrdner = 2 AND (SeitenName = 'a' OR SeitenName Like '1*')");
+    EXPECT_EQ(rs.recordCount(), 3);  // "A", "10", "1"
+    rs.setFilter("SeitenName = 'gibt es nicht'");
+    EXPECT_EQ(rs.recordCount(), 0);
+    EXPECT_TRUE(rs.eof());
+    EXPECT_THROW(rs.setFilter("Gibts = 1"), sql::Error);
+    rs.clearFilter();
+    EXPECT_EQ(rs.recordCount(), all);
+    EXPECT_EQ(rs.filter(), "");
+}
+
+TEST_F(Records, AbsolutePositionIsSettable) {
+    db::Recordset rs;
+    rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.setAbsolutePosition(3);
+    EXPECT_EQ(rs.text("OrdnerNr"), "002");
+    EXPECT_EQ(rs.absolutePosition(), 3);
+    EXPECT_THROW(rs.setAbsolutePosition(0), sql::Error);
+    EXPECT_THROW(rs.setAbsolutePosition(5), sql::Error);
+}
+
+// Moving a Folder: swap NrTblOrdnen with the neighbour, as the Folder management does.
+TEST_F(Records, SwappingSortNumbersWithTheNeighbour) {
+    con->execute("ALTER TABLE tblOrdner ADD COLUMN NrTblOrdnen SHORT");
+    con->execute("UPDATE tblOrdner SET NrTblOrdnen = Nr");
+    db::Recordset rs;
+    rs.open("SELECT * FROM tblOrdner ORDER BY NrTblOrdnen", *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.setAbsolutePosition(2);
+    auto first = rs.value("NrTblOrdnen");
+    rs.moveNext();
+    ASSERT_FALSE(rs.eof());
+    auto neighbour = rs.value("NrTblOrdnen");
+    rs.setValue("NrTblOrdnen", first);
+    rs.update();
+    rs.movePrevious();
+    rs.setValue("NrTblOrdnen", neighbour);
+    rs.update();
+    rs.requery();
+    std::vector<std::string> order;
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) order.push_back(rs.text("OrdnerNr"));
+    EXPECT_EQ(order, (std::vector<std::string>{"000", "002", "001", "003"}));
+}
+
+TEST_F(Records, AddNewWritesThroughAndGetsItsNumber) {
+    db::Recordset rs;
+    rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.addNew();
+    rs.setValue("OrdnerNr", "004");
+    rs.setValue("Ordnername", "Neu");
+    rs.setValue("NrtblDefMenue", 1);
+    rs.update();
+    EXPECT_EQ(rs.value("Nr").asInt(), 5);
+    EXPECT_EQ(rs.recordCount(), 5);
+    EXPECT_EQ(rs.absolutePosition(), 5);
+    // A second write on the same row, as a new Folder gets its sort number.
+    rs.setValue("NrTblRechte", rs.value("Nr"));
+    rs.update();
+
+    db::Recordset check;
+    check.open("SELECT * FROM tblOrdner WHERE Ordnername LIKE 'neu'", *con, db::adOpenStatic, db::adLockReadOnly);
+    ASSERT_EQ(check.recordCount(), 1);
+    EXPECT_EQ(check.text("OrdnerNr"), "004");
+    EXPECT_EQ(check.value("NrTblRechte").asInt(), 5);
+    EXPECT_TRUE(check.value("OrdnerRechte").isNull());
+
+    // A value that does not fit is refused when assigned; nothing is written.
+    rs.addNew();
+    EXPECT_THROW(rs.setValue("OrdnerNr", "12345"), sql::Error);
+    rs.cancelUpdate();
+    rs.requery();
+    EXPECT_EQ(rs.recordCount(), 5);
+}
+
+TEST_F(Records, UpdateFindsTheBaseRowByItsKeyEvenWhenTheKeyIsNotSelected) {
+    db::Recordset rs;
+    rs.open("SELECT Ordnername FROM tblOrdner WHERE OrdnerNr LIKE '002'", *con, db::adOpenKeyset, db::adLockOptimistic);
+    ASSERT_EQ(rs.recordCount(), 1);
+    rs.setValue("Ordnername", "Rohre");
+    rs.update();
+    sql::Executor ex(con->storage());
+    auto check = ex.query("SELECT Nr FROM tblOrdner WHERE Ordnername = 'Rohre'");
+    ASSERT_EQ(check.rows.size(), 1u);
+    EXPECT_EQ(check.rows[0][0].asInt(), 3);
+}
+
+TEST_F(Records, MovingOffAnEditedRowSavesIt) {
+    db::Recordset rs;
+    rs.open("SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 2 ORDER BY SeitenName",
+            *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.setValue("SeitenName", "Eins");
+    rs.moveNext();
+    db::Recordset check;
+    check.open("SELECT * FROM tblSeiten WHERE SeitenName = 'eins'", *con);
+    EXPECT_EQ(check.recordCount(), 1);
+}
+
+TEST_F(Records, DeleteWritesThroughAndNavigationSkipsTheRow) {
+    db::Recordset rs;
+    rs.open("SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 3 ORDER BY SeitenName",
+            *con, db::adOpenKeyset, db::adLockOptimistic);
+    ASSERT_TRUE(rs.find("SeitenNr Like '3'"));  // Page "10"
+    rs.deleteCurrent();
+    EXPECT_THROW(rs.value("SeitenName"), sql::Error);
+    EXPECT_EQ(rs.recordCount(), 4);
+    rs.moveNext();
+    EXPECT_EQ(rs.text("SeitenName"), "2");
+    rs.movePrevious();
+    EXPECT_EQ(rs.text("SeitenName"), "1");
+    EXPECT_EQ(con->storage()->table("tblSeiten")->columns().size(), 4u);
+    db::Recordset check;
+    check.open("SELECT * FROM tblSeiten WHERE NrTblOrdner = 3", *con);
+    EXPECT_EQ(check.recordCount(), 4);
+}
+
+// fctAlleEintraegLoeschen: delete row after row until the end.
+TEST_F(Records, DeletingEveryRow) {
+    db::Recordset rs;
+    rs.open("SELECT * FROM tblVariationBloecke", *con, db::adOpenKeyset, db::adLockOptimistic);
+    ASSERT_GT(rs.recordCount(), 0);
+    rs.moveFirst();
+    while (!rs.eof()) {
+        rs.deleteCurrent();
+        rs.update();
+        rs.moveNext();
+    }
+    EXPECT_EQ(rs.recordCount(), 0);
+    rs.requery();
+    EXPECT_EQ(rs.recordCount(), 0);
+    EXPECT_EQ(con->execute("DELETE FROM tblVariationBloecke"), 0);
+}
+
+TEST_F(Records, RequerySeesChangesMadeThroughTheConnection) {
+    db::Recordset rs;
+    rs.open(blockSql(2), *con, db::adOpenKeyset, db::adLockOptimistic);
+    long before = rs.recordCount();
+    rs.setFilter("M3 = 'Stahl'");
+    con->execute("UPDATE tblBlockInfo SET OrdnerID = 2 WHERE OrdnerID = 3");
+    rs.requery();
+    EXPECT_LT(rs.recordCount(), before);  // the filter stays
+    rs.clearFilter();
+    EXPECT_EQ(rs.recordCount(), static_cast<long>(std::count_if(cat.blocks.begin(), cat.blocks.end(),
+                                                                [](auto& b) { return b.ordnerId == 2 || b.ordnerId == 3; })));
+}
+
+TEST_F(Records, ReadOnlyRecordSetRefusesChanges) {
+    db::Recordset rs;
+    rs.open("SELECT * FROM tblOrdner", *con, db::adOpenForwardOnly, db::adLockReadOnly);
+    EXPECT_THROW(rs.addNew(), sql::Error);
+    EXPECT_THROW(rs.setValue("Ordnername", "x"), sql::Error);
+    EXPECT_THROW(rs.deleteCurrent(), sql::Error);
+    db::Recordset distinct;
+    distinct.open("SELECT DISTINCT OrdnerID FROM tblBlockInfo", *con, db::adOpenKeyset, db::adLockOptimistic);
+    EXPECT_EQ(distinct.recordCount(), 3);
+    EXPECT_THROW(distinct.setValue("OrdnerID", 1), sql::Error);
+}
+
+TEST_F(Records, OpenByTableName) {
+    db::Recordset rs;
+    rs.open("tblDefMenue", *con, db::adOpenKeyset, db::adLockOptimistic);
+    EXPECT_EQ(rs.recordCount(), 1);
+    EXPECT_EQ(rs.fieldCount(), 22);
+    EXPECT_EQ(rs.text("Benennung10"), "*****Frei*****");
+    rs.close();
+    rs.open("[tblOrdner]", *con, db::adOpenKeyset, db::adLockOptimistic);
+    EXPECT_EQ(rs.recordCount(), 4);
+}
+
+TEST(Connection, OpenModes) {
+    auto files = std::make_shared<sql::MemoryFiles>();
+    files->create("C:\\a.mdb");
+    db::Connection con(memoryOpener(files));
+    EXPECT_EQ(con.state(), db::adStateClosed);
+    con.provider = "Microsoft.Jet.OLEDB.4.0";
+    con.setProperty("Jet OLEDB:Engine Type", "5");
+    con.setProperty("Data Source", "C:\\a.mdb");
+    con.cursorLocation = db::adUseClient;
+    con.open();
+    EXPECT_EQ(con.state(), db::adStateOpen);
+    EXPECT_THROW(con.open(), sql::Error);
+    con.close();
+    EXPECT_EQ(con.state(), db::adStateClosed);
+
+    db::Connection server(memoryOpener(files));
+    try {
+        server.open("Provider=SQLOLEDB.1; Integrated Security=SSPI; Persist Security Info=False; Initial Catalog=x; "
+                    "Data Source=srv;User ID=u;Password=p");
+        FAIL();
+    } catch (const sql::Error& e) {
+        EXPECT_EQ(std::string(e.what()), "Provider cannot be found. It may not be properly installed.");
+    }
+    EXPECT_EQ(server.state(), db::adStateClosed);
+
+    db::Connection missing(memoryOpener(files));
+    EXPECT_THROW(missing.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\fehlt.mdb"), sql::Error);
+    EXPECT_EQ(missing.state(), db::adStateClosed);
+    EXPECT_THROW(missing.execute("DELETE FROM x"), sql::Error);
+}
+
+}  // namespace

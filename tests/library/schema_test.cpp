@@ -1,0 +1,168 @@
+#include "library/schema.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "db/recordset.h"
+#include "library/datenbank.h"
+#include "library/katalog_fixture.h"
+#include "platform/environment.h"
+
+namespace tessara {
+namespace {
+
+class Schema : public ::testing::Test {
+protected:
+    void SetUp() override {
+        z.benutzer = &benutzer;
+        z.booDebug = false;
+    }
+    std::shared_ptr<sql::MemoryFiles> files = std::make_shared<sql::MemoryFiles>();
+    db::StorageOpener oeffner = test::speicherOeffner(files);
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+};
+
+TEST_F(Schema, EinfuegepunktSpaltenTragenDieAnsichtZuletzt) {
+    EXPECT_EQ(fctEinfuegepunktSpalte(2, 0, 2), "CX2");
+    EXPECT_EQ(fctEinfuegepunktSpalte(0, 0, 0), "AX0");
+    EXPECT_EQ(fctEinfuegepunktSpalte(5, 2, 4), "FZ4");
+    const auto& t = fctKatalogTabellen().front();
+    ASSERT_EQ(t.name, "tblBlockInfo");
+    // Block, SlideLib, OrdnerID, 5 names, 10 attributes, then 90 doubles.
+    EXPECT_EQ(t.spalten[18].name, "AX0");
+    EXPECT_EQ(t.spalten[18 + 18].name, "AX1");
+    EXPECT_EQ(t.spalten[18 + 2 * 18 + 6].name, "CX2");
+    EXPECT_EQ(t.spalten[107].name, "FZ4");
+    EXPECT_EQ(t.spalten[108].name, "FktRuf0");
+    EXPECT_EQ(t.spalten.back().name, "LyColor");
+    EXPECT_EQ(t.spalten.size() + 1, 118u);  // with Nr
+}
+
+TEST_F(Schema, NeueDatenbankHatTabellenBeziehungenIndexUndStandardzeilen) {
+    ASSERT_TRUE(Mk_Datenbank(z, oeffner, "c:\\lib\\dbTessara.mdb"));
+    auto s = files->find("c:\\lib\\dbTessara.mdb");
+    ASSERT_TRUE(s);
+    EXPECT_EQ(s->tableNames(),
+              (std::vector<std::string>{"tblBlockInfo", "tblDefMenue", "tblOrdner", "tblSeiten",
+                                        "tblMarkierteBloecke", "tblVariationBloecke"}));
+    for (const auto& t : fctKatalogTabellen()) {
+        SCOPED_TRACE(t.name);
+        auto tab = s->table(t.name);
+        ASSERT_TRUE(tab);
+        auto cols = tab->columns();
+        ASSERT_EQ(cols.size(), t.spalten.size() + 1);
+        EXPECT_EQ(cols[0].name, "Nr");
+        EXPECT_TRUE(cols[0].autoIncrement);
+        EXPECT_EQ(cols[0].type, sql::ColumnType::Long);
+        for (std::size_t i = 0; i < t.spalten.size(); ++i) {
+            EXPECT_EQ(cols[i + 1].name, t.spalten[i].name);
+            EXPECT_TRUE(cols[i + 1].nullable);
+            if (t.spalten[i].typ == db::adVarWChar) {
+                EXPECT_EQ(cols[i + 1].type, sql::ColumnType::Text);
+                EXPECT_EQ(cols[i + 1].size, t.spalten[i].groesse);
+            }
+        }
+        bool primaer = false;
+        for (const auto& ix : tab->indexes())
+            if (ix.primary && ix.name == "PrimaryKey" && ix.columns.size() == 1 &&
+                ix.columns[0].name == "Nr")
+                primaer = true;
+        EXPECT_TRUE(primaer);
+    }
+    auto rel = s->relations();
+    ASSERT_EQ(rel.size(), 4u);
+    EXPECT_EQ(rel[0].name, "tblDefMenue_tblOrdner");
+    EXPECT_EQ(rel[1].name, "tblOrdner_tblBlockInfo");
+    EXPECT_EQ(rel[1].table, "tblBlockInfo");
+    EXPECT_EQ(rel[1].columns, std::vector<std::string>{"OrdnerID"});
+    EXPECT_EQ(rel[1].relatedTable, "tblOrdner");
+    EXPECT_EQ(rel[1].relatedColumns, std::vector<std::string>{"Nr"});
+    EXPECT_EQ(rel[3].name, "tblBlockInfo_tblVariationBloecke");
+
+    bool absteigend = false;
+    for (const auto& ix : s->table("tblBlockInfo")->indexes())
+        if (ix.name == "OrdnerID" && ix.columns.size() == 1 && ix.columns[0].descending)
+            absteigend = true;
+    EXPECT_TRUE(absteigend);
+
+    db::Connection con(oeffner);
+    con.open(fctJetVerbindung("c:\\lib\\dbTessara.mdb"));
+    db::Recordset rs;
+    rs.open("SELECT * FROM tblDefMenue", con);
+    ASSERT_EQ(rs.recordCount(), 1);
+    EXPECT_EQ(rs.value("global").asInt(), 1);
+    for (int i = 1; i <= 10; ++i) {
+        EXPECT_EQ(rs.text("Benennung" + std::to_string(i)), kFreiEintrag);
+        EXPECT_EQ(rs.text("Standardwert" + std::to_string(i)), kFreiEintrag);
+    }
+    rs.close();
+    rs.open("SELECT Nr, OrdnerNr, Ordnername, OrdnerRechte, NrTblDefMenue, NrTblRechte FROM tblOrdner",
+            con);
+    ASSERT_EQ(rs.recordCount(), 1);
+    EXPECT_EQ(rs.text("OrdnerNr"), "000");
+    EXPECT_EQ(rs.text("Ordnername"), "Standard-Ordner");
+    EXPECT_EQ(rs.text("OrdnerRechte"), "Alle");
+    EXPECT_EQ(rs.value("NrTblDefMenue").asInt(), 1);
+    EXPECT_TRUE(rs.value("NrTblRechte").isNull());
+    rs.close();
+    rs.open("SELECT * FROM tblSeiten", con);
+    ASSERT_EQ(rs.recordCount(), 1);
+    EXPECT_EQ(rs.value("SeitenNr").asInt(), 1);
+    EXPECT_EQ(rs.text("SeitenName"), "1");
+    EXPECT_EQ(rs.value("NrTblOrdner").asInt(), 1);
+}
+
+TEST_F(Schema, TexteUeberDerSpaltenbreiteWerdenAbgewiesen) {
+    ASSERT_TRUE(Mk_Datenbank(z, oeffner, "db"));
+    db::Connection con(oeffner);
+    con.open(fctJetVerbindung("db"));
+    EXPECT_EQ(con.execute("INSERT INTO tblBlockInfo (Block, BlkName0) VALUES ('" +
+                          std::string(144, '1') + "', '" + std::string(32, 'a') + "')"),
+              1);
+    EXPECT_ANY_THROW(con.execute("INSERT INTO tblBlockInfo (Block) VALUES ('" +
+                                 std::string(145, '1') + "')"));
+    EXPECT_ANY_THROW(con.execute("INSERT INTO tblBlockInfo (BlkName0) VALUES ('" +
+                                 std::string(33, 'a') + "')"));
+}
+
+TEST_F(Schema, DebugModusKuendigtJedeTabelleAn) {
+    namespace fs = std::filesystem;
+    const fs::path dir = fs::temp_directory_path() / ("tessara_schema_" + std::to_string(::getpid()));
+    fs::create_directories(dir);
+    z.booDebug = true;
+    z.strCTemp = platform::programPath(dir.string()) + "\\";
+    z.strErrorDatei = z.strCTemp + "log.txt";
+    ASSERT_TRUE(Mk_Datenbank(z, oeffner, "db2"));
+    std::ifstream in(dir / "log.txt");
+    std::string zeile;
+    std::vector<std::string> angekuendigt;
+    while (std::getline(in, zeile)) {
+        if (!zeile.empty() && zeile.back() == '\r') zeile.pop_back();
+        if (zeile.rfind("Tabelle erstellen : ", 0) == 0) angekuendigt.push_back(zeile.substr(20));
+    }
+    EXPECT_EQ(angekuendigt,
+              (std::vector<std::string>{"tblBlockInfo", "tblDefMenue", "tblOrdner", "tblSeiten",
+                                        "tblMarkierteBloecke", "tblVariationBloecke"}));
+    fs::remove_all(dir);
+}
+
+TEST_F(Schema, MarkierteBloeckeInZehnSpaltigerForm) {
+    files->create("leer");
+    ASSERT_TRUE(subMk_TblMarkierteBloecke(z, oeffner, "leer"));
+    auto cols = files->find("leer")->table("tblMarkierteBloecke")->columns();
+    ASSERT_EQ(cols.size(), 10u);
+    EXPECT_EQ(cols[6].name, "NummerEinfuegepkt");
+    EXPECT_EQ(cols[7].name, "Layer");
+    EXPECT_EQ(cols[9].name, "LyColor");
+    EXPECT_EQ(cols[9].size, 100);
+    // A second time the table exists: the error is logged, the answer false.
+    EXPECT_FALSE(subMk_TblMarkierteBloecke(z, oeffner, "leer"));
+    EXPECT_EQ(z.fehler.intFehlerAnzahl, 1);
+}
+
+}  // namespace
+}  // namespace tessara

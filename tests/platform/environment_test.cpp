@@ -1,0 +1,158 @@
+#include "platform/environment.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <optional>
+
+#include "platform/memory/memory_environment.h"
+#include "platform/posix/posix_environment.h"
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Sets environment variables for one test and puts the old values back.
+class EnvGuard {
+  public:
+    void set(const std::string& name, const std::optional<std::string>& value) {
+        if (!saved_.count(name)) {
+            const char* old = std::getenv(name.c_str());
+            saved_[name] = old ? std::optional<std::string>(old) : std::nullopt;
+        }
+        if (value)
+            setenv(name.c_str(), value->c_str(), 1);
+        else
+            unsetenv(name.c_str());
+    }
+    ~EnvGuard() {
+        for (const auto& [name, value] : saved_) {
+            if (value)
+                setenv(name.c_str(), value->c_str(), 1);
+            else
+                unsetenv(name.c_str());
+        }
+    }
+
+  private:
+    std::map<std::string, std::optional<std::string>> saved_;
+};
+
+class PathTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        base_ = fs::temp_directory_path() / ("tessara-paths-" + std::to_string(getpid()));
+        fs::create_directories(base_);
+        env_.set("HOME", (base_ / "home").string());
+        env_.set("TESSARA_DRIVE_D", (base_ / "laufwerk_d/").string());
+        for (char c : std::string("cefgz"))
+            env_.set(std::string("TESSARA_DRIVE_") + char(c - 32), std::nullopt);
+    }
+    void TearDown() override { fs::remove_all(base_); }
+    fs::path base_;
+    EnvGuard env_;
+};
+
+TEST_F(PathTest, ProgramPathsBecomeNativePaths) {
+    const std::string home = (base_ / "home").string();
+    const std::string d = (base_ / "laufwerk_d").string();
+    const std::pair<std::string, std::string> cases[] = {
+        {"c:\\temp\\", home + "/.tessara/drive_c/temp/"},
+        {"C:\\Temp\\bv8LT.scr", home + "/.tessara/drive_c/Temp/bv8LT.scr"},
+        {"c:", home + "/.tessara/drive_c"},
+        {"c:datei.txt", home + "/.tessara/drive_c/datei.txt"},
+        {"D:\\Bibliothek\\dbTessara.mdb", d + "/Bibliothek/dbTessara.mdb"},
+        {"d:\\", d + "/"},
+        {"001\\Block\\00100170.dwg", "001/Block/00100170.dwg"},
+        {"\\tmp\\x", "/tmp/x"},
+        {"\\\\server\\share\\lib\\", "//server/share/lib/"},
+        {"", ""},
+        {"/schon/nativ", "/schon/nativ"},
+    };
+    for (const auto& [program, native] : cases) EXPECT_EQ(nativePath(program), native) << program;
+    // A drive is a real, writable directory.
+    EXPECT_TRUE(fs::is_directory(home + "/.tessara/drive_c"));
+    EXPECT_TRUE(fs::is_directory(d));
+}
+
+TEST_F(PathTest, NativePathsBecomeProgramPaths) {
+    const std::string home = (base_ / "home").string();
+    const std::string d = (base_ / "laufwerk_d").string();
+    const std::pair<std::string, std::string> cases[] = {
+        {home + "/.tessara/drive_c/temp/", "c:\\temp\\"},
+        {home + "/.tessara/drive_c", "c:\\"},
+        {d + "/Bibliothek/dbTessara.mdb", "d:\\Bibliothek\\dbTessara.mdb"},
+        {d + "x/nicht/d", d + "x/nicht/d"},  // only a whole directory name maps
+        {"/usr/lib/tessara", "\\usr\\lib\\tessara"},
+        {"relativ/pfad", "relativ\\pfad"},
+        {"c:\\bleibt", "c:\\bleibt"},
+    };
+    for (const auto& [native, program] : cases) {
+        std::string expected = program;
+        for (char& ch : expected)
+            if (ch == '/') ch = '\\';
+        EXPECT_EQ(programPath(native), expected) << native;
+    }
+    // And back again.
+    EXPECT_EQ(nativePath(programPath(d + "/a/b.dwg")), d + "/a/b.dwg");
+}
+
+TEST(CommandLine, ArgumentsAreJoinedAsWindowsQuotesThem) {
+    using V = std::vector<std::string>;
+    const std::pair<V, std::string> cases[] = {
+        {{}, ""},
+        {{"lblkeinfuegen"}, "lblkeinfuegen"},
+        {{"/s", "0010017;A"}, "/s 0010017;A"},
+        {{"/d", "C:\\Meine Bib\\dbTessara.mdb"}, "/d \"C:\\Meine Bib\\dbTessara.mdb\""},
+        {{"a\"b"}, "\"a\\\"b\""},
+        {{"C:\\pfad mit\\"}, "\"C:\\pfad mit\\\\\""},
+        {{"x\\\\\"y"}, "\"x\\\\\\\\\\\"y\""},
+        {{""}, "\"\""},
+        {{"c:\\ohne\\blank\\"}, "c:\\ohne\\blank\\"},
+    };
+    for (const auto& [args, line] : cases) {
+        EXPECT_EQ(PosixEnvironment::joinCommandLine(args), line);
+        EXPECT_EQ(PosixEnvironment(args).commandLine(), line);
+    }
+    const char* argv[] = {"/usr/bin/tessara", "/s", "a;b", nullptr};
+    EXPECT_EQ(PosixEnvironment(3, argv).commandLine(), "/s a;b");
+    // The path after "/d" stands in quotes as on Windows, even without a blank.
+    EXPECT_EQ(PosixEnvironment(V{"/d", "/bib/dbTessara.mdb"}).commandLine(),
+              "/d \"/bib/dbTessara.mdb\"");
+    EXPECT_EQ(PosixEnvironment::joinCommandLine({"/d", "/bib/dbTessara.mdb"}),
+              "/d /bib/dbTessara.mdb");
+}
+
+TEST_F(PathTest, EnvironmentDirectories) {
+    env_.set("TMPDIR", (base_ / "tmp/").string());
+    env_.set("TESSARA_COMMON_APPDATA", std::nullopt);
+    env_.set("XDG_DATA_HOME", (base_ / "data").string());
+    PosixEnvironment e;
+    EXPECT_EQ(nativePath(e.temporaryDirectory()), (base_ / "tmp").string() + "/");
+    EXPECT_EQ(e.temporaryDirectory().back(), '\\');
+    EXPECT_EQ(nativePath(e.commonAppData()), (base_ / "data" / "tessara-common").string());
+    EXPECT_TRUE(fs::is_directory(base_ / "data" / "tessara-common"));
+
+    env_.set("TESSARA_COMMON_APPDATA", (base_ / "laufwerk_d" / "ProgramData").string());
+    EXPECT_EQ(e.commonAppData(), "d:\\ProgramData");
+
+    // The test executable's own directory.
+    std::string appDir = nativePath(e.applicationDirectory());
+    EXPECT_TRUE(fs::exists(fs::path(appDir) / "test_platform")) << appDir;
+    EXPECT_NE(e.applicationDirectory().back(), '\\');
+}
+
+TEST(MemoryEnvironment, GivesWhatWasSet) {
+    MemoryEnvironment e("c:\\Prog", "c:\\ProgramData", "c:\\temp\\", "/s a;b");
+    EXPECT_EQ(e.applicationDirectory(), "c:\\Prog");
+    EXPECT_EQ(e.commandLine(), "/s a;b");
+    e.setTemporaryDirectory("d:\\t\\");
+    EXPECT_EQ(e.temporaryDirectory(), "d:\\t\\");
+}
+
+}  // namespace
+}  // namespace platform

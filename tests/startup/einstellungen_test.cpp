@@ -1,0 +1,263 @@
+// The Settings file's readers, named operations, database list, first
+// start, conversion of the 8.x file and the per-database position.
+#include "startup/einstellungen.h"
+
+#include <gtest/gtest.h>
+
+#include "einstellungen_umgebung.h"
+#include "startup/ini_datei.h"
+
+namespace tessara::einstellungentest {
+namespace {
+
+using Einstellungen = EinstellungenUmgebung;
+
+TEST_F(Einstellungen, ByteLeser) {
+    const struct {
+        const char* wert;
+        int erwartet;
+    } faelle[] = {
+        {"0", 0},   {"1", 1},   {"255", 255},   {"256", 0},   {"300", 0},   {"abc", 0},
+        {"-1", 0},  {"+5", 0},  {".5", 0},      {"", 0},      {"12", 12},   {"1e2", 100},
+        {"2.5", 2}, {"3.5", 4}, {"255.4", 255}, {"255.5", 0}, {"12abc", 0}, {"&H10", 0},
+    };
+    for (const auto& f : faelle) {
+        fctIniWertSchreiben(z.strIniDatei, kAllgemeineDaten, "bytEinzelEinlesen", f.wert);
+        EXPECT_EQ(fctIniByteLesen(z, z.strIniDatei, kAllgemeineDaten, "bytEinzelEinlesen"),
+                  f.erwartet)
+            << '"' << f.wert << '"';
+    }
+    EXPECT_EQ(fctIniByteLesen(z, z.strIniDatei, kAllgemeineDaten, "fehlt"), 0);
+    EXPECT_EQ(z.fehler.intFehlerAnzahl, 0);
+}
+
+TEST_F(Einstellungen, GanzzahlLeser) {
+    const struct {
+        const char* wert;
+        int erwartet;
+    } faelle[] = {
+        {"0", 0},       {"32767", 32767}, {"32768", 0},  {"-32768", -32768}, {"-32769", 0},
+        {"abc", 0},     {" 42 ", 42},     {"12.5", 12},  {"13.5", 14},       {"&HFF", 255},
+        {"&HFFFF", -1}, {"&O17", 15},     {"1e3", 1000}, {"--1", 0},         {"", 0},
+    };
+    for (const auto& f : faelle) {
+        fctIniWertSchreiben(z.strIniDatei, "Position", "s1", f.wert);
+        EXPECT_EQ(fctIniIntLesen(z, z.strIniDatei, "Position", "s1"), f.erwartet)
+            << '"' << f.wert << '"';
+    }
+    fctIniWertSchreiben(z.strIniDatei, "Position", "Pos", "2147483647");
+    EXPECT_EQ(fctIniLongLesen(z, z.strIniDatei, "Position", "Pos"), 2147483647);
+    fctIniWertSchreiben(z.strIniDatei, "Position", "Pos", "2147483648");
+    EXPECT_EQ(fctIniLongLesen(z, z.strIniDatei, "Position", "Pos"), 0);
+}
+
+TEST_F(Einstellungen, BoolWert) {
+    EXPECT_TRUE(fctBoolWert("1"));
+    EXPECT_TRUE(fctBoolWert("-1"));
+    EXPECT_TRUE(fctBoolWert("True"));
+    EXPECT_TRUE(fctBoolWert("wahr"));
+    EXPECT_FALSE(fctBoolWert("0"));
+    EXPECT_FALSE(fctBoolWert("False"));
+    EXPECT_FALSE(fctBoolWert("ja"));
+    EXPECT_FALSE(fctBoolWert(""));
+}
+
+TEST_F(Einstellungen, IniGetValueMeldetUnlesbareDateiNurImLog) {
+    fs::create_directories(ini());  // a directory where the file should be
+    EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "Sprache"), "");
+    EXPECT_EQ(z.fehler.intFehlerAnzahl, 1);
+    EXPECT_TRUE(benutzer.gezeigt.empty());
+    const std::string log = lesen(this->log());
+    EXPECT_NE(log.find("\r\nIniGetValue: " + z.strIniDatei + "; AllgemeineDaten; Sprache\r\n"),
+              std::string::npos)
+        << log;
+    // The byte reader goes through it and reports the same way; the integer
+    // reader answers 0 without a word.
+    EXPECT_EQ(fctIniByteLesen(z, z.strIniDatei, "AllgemeineDaten", "bytOhneWithEvent"), 0);
+    EXPECT_EQ(z.fehler.intFehlerAnzahl, 2);
+    EXPECT_EQ(fctIniIntLesen(z, z.strIniDatei, "AllgemeineDaten", "x"), 0);
+    EXPECT_EQ(z.fehler.intFehlerAnzahl, 2);
+}
+
+TEST_F(Einstellungen, FehlendesIstLeerOhneFehler) {
+    EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "Sprache"), "");
+    EXPECT_EQ(z.fehler.intFehlerAnzahl, 0);
+    EXPECT_FALSE(fs::exists(log()));
+}
+
+TEST_F(Einstellungen, WertAllgemeinSpeichern) {
+    EXPECT_TRUE(fctWertAllgInIniSpeichern(z, "sCTemp", "d:\\temp\\"));
+    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nsCTemp=d:\\temp\\\r\n");
+    // Even a write that cannot happen answers true; the failure is ignored.
+    z.strIniDatei = prog(wurzel / "fehlt" / "x.ini");
+    EXPECT_TRUE(fctWertAllgInIniSpeichern(z, "sCTemp", "x"));
+}
+
+TEST_F(Einstellungen, MeldungNichtMehrAnzeigen) {
+    // Never written: mode 1 says show it, any other mode says it is off.
+    EXPECT_TRUE(fctIniDateiNeuAnlegen(z, "AutoCadTitel", 1));
+    EXPECT_FALSE(fctIniDateiNeuAnlegen(z, "AutoCadTitel", 0));
+    EXPECT_FALSE(fctIniDateiNeuAnlegen(z, "AutoCadTitel", 2));
+    EXPECT_TRUE(fctMsgboxNichtMehrAnzeigenSpeichern(z, "AutoCadTitel"));
+    EXPECT_EQ(lesen(ini()), "[MsgboxAnzeigen]\r\nAutoCadTitel=1\r\n");
+    EXPECT_FALSE(fctIniDateiNeuAnlegen(z, "AutoCadTitel", 1));
+    EXPECT_TRUE(fctIniDateiNeuAnlegen(z, "autocadtitel", 0));
+    // Any value other than "1" still shows the message.
+    fctIniWertSchreiben(z.strIniDatei, kMsgboxAnzeigen, "AutoCadTitel", "0");
+    EXPECT_TRUE(fctIniDateiNeuAnlegen(z, "AutoCadTitel", 1));
+}
+
+TEST_F(Einstellungen, SektionLoeschen) {
+    schreiben(ini(), "[AllgemeineDaten]\r\nSprache=deutsch\r\n[LayerStates]\r\nA=1\r\n");
+    EXPECT_TRUE(IniDeleteSection(z, z.strIniDatei, kLayerStates));
+    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nSprache=deutsch\r\n");
+}
+
+TEST_F(Einstellungen, VerzeichnisVorgabeModusEins) {
+    subVerzeichnisVorgabeAktualisieren(z, "c:\\Bibliothek", 1);
+    EXPECT_EQ(z.strVerzeichnisVorgabe, "c:\\Bibliothek\\");
+    EXPECT_EQ(IniGetValue(z, z.strIniDatei, kAllgemeineDaten, "VerzeichnisVorgabe"),
+              "c:\\Bibliothek\\");
+    // The same directory again is no change: nothing is written.
+    fs::remove(ini());
+    subVerzeichnisVorgabeAktualisieren(z, "c:\\Bibliothek\\", 1);
+    EXPECT_FALSE(fs::exists(ini()));
+    EXPECT_EQ(z.strVerzeichnisVorgabe, "c:\\Bibliothek\\");
+}
+
+TEST_F(Einstellungen, VerzeichnisVorgabeAusLaufwerkUndVerzeichnis) {
+    subVerzeichnisVorgabeAktualisieren(z, "d:\\Bib\\Elektro\\dbTessara.mdb", 0);
+    EXPECT_EQ(z.strVerzeichnisVorgabe, "d:\\Bib\\Elektro\\");
+    EXPECT_EQ(IniGetValue(z, z.strIniDatei, kAllgemeineDaten, "VerzeichnisVorgabe"),
+              "d:\\Bib\\Elektro\\");
+    fs::remove(ini());
+    subVerzeichnisVorgabeAktualisieren(z, "d:\\Bib\\Elektro\\anders.mdb", 2);
+    EXPECT_FALSE(fs::exists(ini()));  // unchanged: not written
+}
+
+struct ListenFall {
+    const char* name;
+    std::string inhalt;
+    std::vector<std::string> erwartet;
+};
+
+TEST_F(Einstellungen, DatenbanklisteLesen) {
+    const ListenFall faelle[] = {
+        {"keine Datei", "", {""}},
+        {"erster Start", "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n", {"0"}},
+        {"0 verdeckt die folgenden",
+         "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\nDbVerzeichnis1=c:\\Bib\r\n",
+         {"0"}},
+        {"drei",
+         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=c:\\B\r\nDbVerzeichnis2=d:"
+         "\\C\r\n",
+         {"c:\\A", "c:\\B", "d:\\C"}},
+        {"Luecke beendet",
+         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis2=c:\\C\r\n",
+         {"c:\\A"}},
+        {"0 in der Mitte beendet",
+         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=0\r\nDbVerzeichnis2=c:"
+         "\\C\r\n",
+         {"c:\\A"}},
+        {"leerer Wert beendet",
+         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=\r\nDbVerzeichnis2=c:\\C\r\n",
+         {"c:\\A"}},
+        {"erster gleichnamiger Schluessel gilt",
+         "[AllgemeineDaten]\r\nDbVerzeichnis1=c:\\B\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=\r\n",
+         {"c:\\A", "c:\\B"}},
+        {"leer an Stelle 0",
+         "[AllgemeineDaten]\r\nDbVerzeichnis0=\r\nDbVerzeichnis1=c:\\B\r\n",
+         {""}},
+    };
+    for (const auto& f : faelle) {
+        fs::remove(ini());
+        if (!f.inhalt.empty()) schreiben(ini(), f.inhalt);
+        z.aryDbVerzeichnis = {"alt", "alt", "alt", "alt"};
+        subLesenTessaraIniDatei(z);
+        EXPECT_EQ(z.aryDbVerzeichnis, f.erwartet) << f.name;
+    }
+}
+
+TEST_F(Einstellungen, DatenbanklisteSchreibenLaesstSpaetereSchluessel) {
+    schreiben(ini(),
+              "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=c:\\B\r\n"
+              "DbVerzeichnis2=c:\\C\r\nSprache=deutsch\r\n");
+    z.aryDbVerzeichnis = {"d:\\Neu", "c:\\A"};
+    subSpeichernTessaraIniDatei(z);
+    EXPECT_EQ(lesen(ini()),
+              "[AllgemeineDaten]\r\nDbVerzeichnis0=d:\\Neu\r\nDbVerzeichnis1=c:\\A\r\n"
+              "DbVerzeichnis2=c:\\C\r\nSprache=deutsch\r\n");
+    // The stale third key is read back too: the list is what the file says.
+    subLesenTessaraIniDatei(z);
+    EXPECT_EQ(z.aryDbVerzeichnis, (std::vector<std::string>{"d:\\Neu", "c:\\A", "c:\\C"}));
+}
+
+TEST_F(Einstellungen, ErsterStartBeginntNeueDatei) {
+    EXPECT_FALSE(fctIniDateiErsterStart(z));
+    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n");
+    // A second start finds the file and leaves it alone.
+    EXPECT_FALSE(fctIniDateiErsterStart(z));
+    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n");
+}
+
+TEST_F(Einstellungen, VorhandeneDateiNenntDatenbank) {
+    const std::string inhalt = "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n";
+    schreiben(ini(), inhalt);
+    schreiben(wurzel / "app" / "TessaraV8.ini", "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Alt\r\n");
+    EXPECT_TRUE(fctIniDateiErsterStart(z));
+    EXPECT_EQ(lesen(ini()), inhalt);
+}
+
+TEST_F(Einstellungen, AlteV8DateiWirdUmgeschrieben) {
+    schreiben(wurzel / "app" / "TessaraV8.ini",
+              "[AllgemeineDaten]\r\n"
+              "DbVerzeichnis0=c:\\Alt\r\n"
+              "Sprache=deutsch\r\n"
+              "DbVerzeichnis1=C:\\ALT\\\r\n"  // the same directory again
+              "DbVerzeichnis2=0\r\n"
+              "DbVerzeichnisse=c:\\keine\r\n"  // not a numbered key
+              "[Datenbanken]\r\n"
+              "Eintrag1=c:\\Alt\\dbTessara.mdb\r\n"
+              "Eintrag2=d:\\Bl\xF6"
+              "cke\\dbTessara.mdb\r\n"  // ANSI "ö"
+              "Eintrag3=d:\\Fremd\\andere.mdb\r\n"
+              "Müll ohne Gleichheitszeichen\r\n"
+              "\x01\x02\xFE\r\n");
+    EXPECT_TRUE(fctIniDateiErsterStart(z));
+    EXPECT_EQ(lesen(ini()),
+              "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Alt\r\nDbVerzeichnis1=d:\\Bl\xF6"
+              "cke\r\n");
+    subLesenTessaraIniDatei(z);
+    EXPECT_EQ(z.aryDbVerzeichnis, (std::vector<std::string>{"c:\\Alt", "d:\\Blöcke"}));
+}
+
+TEST_F(Einstellungen, AlteV8DateiOhneDatenbanken) {
+    schreiben(wurzel / "app" / "TessaraV8.ini", "[AllgemeineDaten]\r\nSprache=deutsch\r\n");
+    EXPECT_FALSE(fctIniDateiErsterStart(z));
+    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n");
+}
+
+TEST_F(Einstellungen, DbPositionSchreibenUndLesen) {
+    const std::string bib = prog(wurzel / "bib");
+    fs::create_directories(wurzel / "bib");
+    typDbPosition pos;
+    pos.strAktuelleOrdnerNr = "00A";
+    pos.s1 = -3;
+    pos.Pos = 123456789;
+    EXPECT_TRUE(subDbPositionSpeichern(z, bib + "\\", pos));
+    EXPECT_EQ(fctDbIniDatei(bib + "\\"), bib + "\\dbTessara.ini");
+    EXPECT_EQ(lesen(wurzel / "bib" / "dbTessara.ini"),
+              "[Position]\r\nstrAktuelleOrdnerNr=00A\r\ns1=-3\r\nPos=123456789\r\n");
+    const typDbPosition gelesen = fctDbPositionLesen(z, bib);
+    EXPECT_EQ(gelesen.strAktuelleOrdnerNr, "00A");
+    EXPECT_EQ(gelesen.s1, -3);
+    EXPECT_EQ(gelesen.Pos, 123456789);
+    // A library without the file starts at the beginning.
+    const typDbPosition leer = fctDbPositionLesen(z, prog(wurzel / "andere"));
+    EXPECT_EQ(leer.strAktuelleOrdnerNr, "");
+    EXPECT_EQ(leer.s1, 0);
+    EXPECT_EQ(leer.Pos, 0);
+}
+
+}  // namespace
+}  // namespace tessara::einstellungentest

@@ -1,0 +1,225 @@
+// The common error handler, debug mode and the procedure context, with the
+// log in a real temporary directory.
+#include "startup/fehler_log.h"
+
+#include <gtest/gtest.h>
+
+#include <system_error>
+
+#include "einstellungen_umgebung.h"
+#include "jet/sql/error.h"
+#include "startup/ini_datei.h"
+
+namespace tessara::einstellungentest {
+namespace {
+
+using FehlerLog = EinstellungenUmgebung;
+
+// The fake clock starts at 2015-06-01 10:00:00 UTC; the zone is UTC.
+std::string satz(const std::string& uhrzeit, const std::string& beschreibung,
+                 const std::string& nummerSpalte, const std::vector<std::string>& kontext) {
+    std::string s = "01.06.2015\r\n" + uhrzeit + "\r\nTessara 9.0.0\r\n" + beschreibung + "\r\n" +
+                    nummerSpalte + beschreibung + "\r\n";
+    for (const auto& k : kontext) s += k + "\r\n";
+    return s + "\r\n------------------------\r\n\r\n";
+}
+
+TEST_F(FehlerLog, ZweiFehlerZweiSaetze) {
+    {
+        Prozedur fenster(z, "Form_Load", true);
+        fenster.step("Werte zuordnen");
+        Prozedur modul(z, "fctOrdnerLesen");
+        z.fehler.weitere = {"", "rsOrdner"};
+        subErrorAllgemein(z, true, "Kaputt", 5, {"Zusatz", ""});
+    }
+    uhr.advanceMs(61'000);
+    z.fehler.weitere.clear();
+    subErrorAllgemein(z, true, "Noch einmal", -2147217865L);
+    EXPECT_EQ(lesen(log()), satz("10:00:00", "Kaputt", " 5 " + std::string(11, ' '),
+                                 {"Form_Load", "fctOrdnerLesen", "rsOrdner", "Zusatz"}) +
+                                satz("10:01:01", "Noch einmal", "-2147217865   ", {}));
+    EXPECT_EQ(z.fehler.intFehlerAnzahl, 2);
+    EXPECT_EQ(z.fehler.strLetzterFehler, "Noch einmal");
+    EXPECT_EQ(z.fehler.lngLetzteFehlerNr, -2147217865L);
+    ASSERT_TRUE(z.fehler.ersterFehler);
+    EXPECT_EQ(*z.fehler.ersterFehler,
+              std::chrono::system_clock::time_point(std::chrono::seconds(1433152800)));
+}
+
+TEST_F(FehlerLog, SchrittStehtImSatz) {
+    Prozedur p(z, "fctRsFind");
+    p.step("Suchen");
+    p.fehler("weg", 3021, true);
+    const std::string log = lesen(this->log());
+    EXPECT_NE(log.find("\r\nSuchen\r\nfctRsFind\r\n\r\n---"), std::string::npos) << log;
+}
+
+TEST_F(FehlerLog, MeldungOderNurLog) {
+    subErrorAllgemein(z, false, "Datei fehlt", 53);
+    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
+    EXPECT_EQ(benutzer.gezeigt[0].text, "Fehler: Datei fehlt");
+    EXPECT_EQ(benutzer.gezeigt[0].titel, "subErrorAllgemein");
+    EXPECT_EQ(benutzer.gezeigt[0].symbol, Symbol::Ausrufezeichen);
+    subErrorAllgemein(z, true, "leise", 1);
+    EXPECT_EQ(benutzer.gezeigt.size(), 1u);
+}
+
+TEST_F(FehlerLog, ShowAllErrorMsgboxZeigtAuchNurLog) {
+    schreiben(ini(), "[AllgemeineDaten]\r\nsShowAllErrorMsgbox=1\r\n");
+    subErrorAllgemein(z, true, "leise", 1);
+    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
+    EXPECT_EQ(benutzer.gezeigt[0].text, "Fehler: leise");
+    // Any other value leaves log-only errors in the log.
+    schreiben(ini(), "[AllgemeineDaten]\r\nsShowAllErrorMsgbox=2\r\n");
+    subErrorAllgemein(z, true, "leise", 1);
+    EXPECT_EQ(benutzer.gezeigt.size(), 1u);
+}
+
+TEST_F(FehlerLog, FehlersturmBremstDieMeldungen) {
+    for (int i = 0; i < 8; ++i) subErrorAllgemein(z, false, "Schleife", 1);
+    // Five boxes, then the storm is recognised and the rest only logged.
+    EXPECT_EQ(benutzer.gezeigt.size(), 5u);
+    EXPECT_TRUE(z.fehler.booMeldungenUnterdrueckt);
+    EXPECT_EQ(z.fehler.intFehlerAnzahl, 8);
+    std::size_t saetze = 0;
+    const std::string log = lesen(this->log());
+    for (std::size_t p = log.find("------------------------"); p != std::string::npos;
+         p = log.find("------------------------", p + 1))
+        ++saetze;
+    EXPECT_EQ(saetze, 8u);
+}
+
+TEST_F(FehlerLog, VereinzelteFehlerZeigenJedeMeldung) {
+    for (int i = 0; i < 8; ++i) {
+        subErrorAllgemein(z, false, "selten", 1);
+        uhr.advanceMs(120'000);
+    }
+    EXPECT_EQ(benutzer.gezeigt.size(), 8u);
+    EXPECT_FALSE(z.fehler.booMeldungenUnterdrueckt);
+}
+
+TEST_F(FehlerLog, LogPfadAusTempUndRegistryKurzname) {
+    z.strErrorDatei.clear();
+    subErrorAllgemein(z, true, "x", 1);
+    EXPECT_EQ(fctErrorDatei(z), z.strCTemp + "txtErrorTsa9.0.txt");
+    EXPECT_TRUE(fs::exists(wurzel / "txtErrorTsa9.0.txt"));
+    // "c:\temp" is made before each write.
+    EXPECT_TRUE(fs::is_directory(wurzel / "drive_c" / "temp"));
+}
+
+TEST_F(FehlerLog, UnbeschreibbaresLogWirdUebergangen) {
+    schreiben(wurzel / "datei", "keine Verzeichnis");
+    z.strErrorDatei = prog(wurzel / "datei" / "log.txt");
+    subErrorAllgemein(z, false, "trotzdem", 7);
+    EXPECT_EQ(z.fehler.intFehlerAnzahl, 1);
+    EXPECT_EQ(benutzer.gezeigt.size(), 1u);
+    EXPECT_EQ(lesen(wurzel / "datei"), "keine Verzeichnis");
+    z.booDebug = true;
+    subDebugLog(z, "auch das nicht");
+}
+
+TEST_F(FehlerLog, DebugZeilenNurImDebugModus) {
+    Prozedur p(z, "Form_Load", true);
+    p.step("Werte zuordnen");
+    subDebugLog(z, "sCmdLineParameter: ");
+    EXPECT_FALSE(fs::exists(log()));
+    z.booDebug = true;
+    p.step("ACAD_Connect");
+    subDebugLog(z, "sCmdLineParameter: /d \"x\"");
+    EXPECT_EQ(lesen(log()), "ACAD_Connect\r\nsCmdLineParameter: /d \"x\"\r\n");
+    EXPECT_EQ(z.fehler.strSchritt, "ACAD_Connect");
+}
+
+TEST_F(FehlerLog, ProzedurStelltDenVorgaengerWiederHer) {
+    Prozedur aussen(z, "cmbEinfuegen_Click", true);
+    aussen.step("Block lesen");
+    {
+        Prozedur innen(z, "fctRsFind");
+        EXPECT_EQ(z.fehler.strProzedurModul, "fctRsFind");
+        EXPECT_EQ(z.fehler.strSchritt, "");
+        innen.step("Filter setzen");
+        {
+            Prozedur fenster(z, "Form_Activate", true);
+            EXPECT_EQ(z.fehler.strProzedurFenster, "Form_Activate");
+        }
+        EXPECT_EQ(z.fehler.strProzedurFenster, "cmbEinfuegen_Click");
+        EXPECT_EQ(z.fehler.strSchritt, "Filter setzen");
+    }
+    EXPECT_EQ(z.fehler.strProzedurModul, "");
+    EXPECT_EQ(z.fehler.strSchritt, "Block lesen");
+}
+
+TEST_F(FehlerLog, FehlernummerAusDerAusnahme) {
+    Prozedur p(z, "x");
+    p.fehler(sql::Error("Syntax error in FROM clause.", -2147217900L, 3131), true);
+    EXPECT_EQ(z.fehler.lngLetzteFehlerNr, -2147217900L);
+    EXPECT_EQ(z.fehler.strLetzterFehler, "Syntax error in FROM clause.");
+    p.fehler(jet::Error("Unrecognized database format", 3343), true);
+    EXPECT_EQ(z.fehler.lngLetzteFehlerNr, 3343);
+    p.fehler(std::system_error(std::make_error_code(std::errc::no_such_file_or_directory)), true);
+    EXPECT_EQ(z.fehler.lngLetzteFehlerNr, ENOENT);
+    p.fehler(std::runtime_error("schlicht"), true);
+    EXPECT_EQ(z.fehler.lngLetzteFehlerNr, 0);
+}
+
+struct DebugFall {
+    const char* name;
+    std::string inhalt;
+    std::vector<Antwort> antworten;
+    bool debug;
+    bool frage;
+};
+
+TEST_F(FehlerLog, DebugModusBestimmen) {
+    const DebugFall faelle[] = {
+        {"strDebug leer", "[AllgemeineDaten]\r\nstrDebug=\r\n", {}, false, false},
+        {"strDebug fehlt", "[AllgemeineDaten]\r\nSprache=deutsch\r\n", {}, false, false},
+        {"strDebug 0", "[AllgemeineDaten]\r\nstrDebug=0\r\n", {}, false, false},
+        {"ohne Frage",
+         "[AllgemeineDaten]\r\nstrDebug=1\r\nsOhneMsgboxDaDll=1\r\n",
+         {},
+         true,
+         false},
+        {"Frage mit OK", "[AllgemeineDaten]\r\nstrDebug=1\r\n", {Antwort::Ok}, true, true},
+        {"Frage mit Abbrechen",
+         "[AllgemeineDaten]\r\nstrDebug=True\r\nsOhneMsgboxDaDll=0\r\n",
+         {Antwort::Abbrechen},
+         false,
+         true},
+    };
+    for (const auto& f : faelle) {
+        schreiben(ini(), f.inhalt);
+        benutzer.gezeigt.clear();
+        benutzer.antworten = f.antworten;
+        z.booDebug = !f.debug;
+        EXPECT_EQ(fctGetCDebug(z, z.strIniDatei, ""), f.debug) << f.name;
+        EXPECT_EQ(z.booDebug, f.debug) << f.name;
+        ASSERT_EQ(benutzer.gezeigt.size(), f.frage ? 1u : 0u) << f.name;
+        if (f.frage) {
+            EXPECT_EQ(benutzer.gezeigt[0].text,
+                      "Soll im Debug-Modus gestartet werden?\rAbbrechen= Debug-Modus "
+                      "deaktivieren\rVersion: 9.0.0");
+            EXPECT_EQ(benutzer.gezeigt[0].titel, "Frage");
+            EXPECT_EQ(benutzer.gezeigt[0].knoepfe, Knoepfe::OkAbbrechen);
+        }
+    }
+}
+
+TEST_F(FehlerLog, DebugSchalterWirdAngelegtAberNichtDieDatei) {
+    EXPECT_FALSE(fctGetCDebug(z, z.strIniDatei, ""));
+    EXPECT_FALSE(fs::exists(ini()));  // the first start must still find none
+    schreiben(ini(), "[AllgemeineDaten]\r\nSprache=deutsch\r\n");
+    EXPECT_FALSE(fctGetCDebug(z, z.strIniDatei, ""));
+    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nSprache=deutsch\r\nstrDebug=0\r\n");
+}
+
+TEST_F(FehlerLog, FehlerMeldungsFlagUndEigeneSektion) {
+    schreiben(ini(), "[Test]\r\nstrDebug=-1\r\nsOhneMsgboxDaDll=1\r\nsErrMsgbox=1\r\n");
+    EXPECT_TRUE(fctGetCDebug(z, z.strIniDatei, "Test"));
+    EXPECT_TRUE(z.booFehlerMsgbox);
+    EXPECT_FALSE(fctGetCDebug(z, z.strIniDatei, ""));
+    EXPECT_FALSE(z.booFehlerMsgbox);
+}
+
+}  // namespace
+}  // namespace tessara::einstellungentest

@@ -1,0 +1,272 @@
+// Registry values in the memory registry: the setup values in their order
+// and types, read back; the current database; the machine-wide entries.
+#include "startup/registry_werte.h"
+
+#include <gtest/gtest.h>
+
+#include "einstellungen_umgebung.h"
+
+namespace tessara::einstellungentest {
+namespace {
+
+using platform::Hive;
+
+// Records every write in the order it reaches the registry.
+class AufzeichnendeRegistry : public platform::MemoryRegistry {
+  public:
+    struct Schreiben {
+        Hive hive;
+        std::string schluessel, name;
+        char typ;  // 's' string, 'd' DWORD
+    };
+    std::vector<Schreiben> geschrieben;
+
+    bool writeString(Hive h, const std::string& k, const std::string& n,
+                     const std::string& v) override {
+        geschrieben.push_back({h, k, n, 's'});
+        return MemoryRegistry::writeString(h, k, n, v);
+    }
+    bool writeDword(Hive h, const std::string& k, const std::string& n, std::uint32_t v) override {
+        geschrieben.push_back({h, k, n, 'd'});
+        return MemoryRegistry::writeDword(h, k, n, v);
+    }
+};
+
+// The values in the order the program writes them; the CAD host version
+// text is stored as "strACadVersion".
+const std::vector<std::string> kReihenfolge = {"Eintrag1",
+                                               "lonOrdnerSortieren",
+                                               "longUnbesetzt",
+                                               "longEinfuegenLayer0",
+                                               "longBlockAusBibliothek",
+                                               "longUrsprungBeimEinfuegen",
+                                               "longXRef",
+                                               "longAbfrageXFaktor",
+                                               "longAbfrageYFaktor",
+                                               "longAbfrageZFaktor",
+                                               "longAbfrageEinfuegewinkel",
+                                               "longAbfrageBlocknameBeimErzeugen",
+                                               "longAbfrageAttributeBeimEinfuegen",
+                                               "longReihe",
+                                               "longMehrfacheinfuegen",
+                                               "longMehrfachAktiv",
+                                               "longMehrereEinfuegepkte",
+                                               "longVorschaudiaBeimErzeugen",
+                                               "longMassstabskontrolle",
+                                               "longRechteverwaltung",
+                                               "longStuecklisteEinfuegen",
+                                               "longBlockProgrammfrage",
+                                               "longVariantenfrage",
+                                               "longFensterpositionSpeichern",
+                                               "longBruchFrage",
+                                               "longSlideUeberpruefen",
+                                               "lonPosSeitenWechsel",
+                                               "longBruchOption",
+                                               "longDoppelklick",
+                                               "strMassstabX",
+                                               "strMassstabY",
+                                               "strMassstabZ",
+                                               "longAnzahlDerBilder",
+                                               "longUeberschreibenDefMenueGlobal",
+                                               "strAktuellerOrdnerName",
+                                               "strACadVersion",
+                                               "strVerzeichnisVorgabe",
+                                               "longCurrentX",
+                                               "longCurrentY",
+                                               "strAktuelleOrdnerNr",
+                                               "longTessaraAnzeigenNachEinfuegen",
+                                               "lonOldView",
+                                               "lonLispVarUebergeben",
+                                               "lonFrmHeight",
+                                               "lonFrmWidth"};
+
+char typNachName(const std::string& name) {
+    return name.rfind("lon", 0) == 0 ? 'd' : 's';  // "lon" covers "long" too
+}
+
+class RegistryWerte : public EinstellungenUmgebung {
+  protected:
+    void SetUp() override {
+        EinstellungenUmgebung::SetUp();
+        plattform.registry = &aufz;
+    }
+    const std::string setup = "Software\\Vendel\\Tessara\\9.0\\Setup";
+    AufzeichnendeRegistry aufz;
+};
+
+TEST_F(RegistryWerte, SetupWerteInReihenfolgeUndTyp) {
+    typSetupWerte w;
+    w.Eintrag1 = "c:\\Bib\\dbTessara.mdb";
+    w.strACadVersion = "AutoCAD LT";
+    ASSERT_TRUE(SetupInRegistrierdatenbankSpeichern(z, w));
+    std::vector<std::string> namen;
+    for (const auto& s : aufz.geschrieben) {
+        EXPECT_EQ(s.hive, Hive::CurrentUser);
+        EXPECT_EQ(s.schluessel, setup);
+        EXPECT_EQ(s.typ, typNachName(s.name)) << s.name;
+        namen.push_back(s.name);
+    }
+    EXPECT_EQ(namen, kReihenfolge);
+    // The stored types, as another reader sees them.
+    EXPECT_EQ(aufz.readString(Hive::CurrentUser, setup, "Eintrag1"), "c:\\Bib\\dbTessara.mdb");
+    EXPECT_EQ(aufz.readDword(Hive::CurrentUser, setup, "longAnzahlDerBilder"), 2u);
+    EXPECT_FALSE(aufz.readString(Hive::CurrentUser, setup, "longAnzahlDerBilder"));
+    EXPECT_EQ(aufz.readString(Hive::CurrentUser, setup, "strMassstabX"), "1");
+    EXPECT_FALSE(aufz.readDword(Hive::CurrentUser, setup, "strMassstabX"));
+    EXPECT_EQ(aufz.readString(Hive::CurrentUser, setup, "strACadVersion"), "AutoCAD LT");
+    EXPECT_EQ(aufz.valueNames(Hive::CurrentUser, setup), kReihenfolge);
+}
+
+TEST_F(RegistryWerte, OhnePositionsflagKeinePosition) {
+    typSetupWerte w;
+    w.longFensterpositionSpeichern = 0;
+    ASSERT_TRUE(SetupInRegistrierdatenbankSpeichern(z, w));
+    std::vector<std::string> erwartet;
+    for (const auto& n : kReihenfolge)
+        if (n != "longCurrentX" && n != "longCurrentY") erwartet.push_back(n);
+    EXPECT_EQ(aufz.valueNames(Hive::CurrentUser, setup), erwartet);
+}
+
+TEST_F(RegistryWerte, SetupWerteZurueckgelesen) {
+    typSetupWerte w;
+    int n = 0;
+    for (const auto& e : fctSetupEintraege()) {
+        ++n;
+        if (auto* zahl = std::get_if<std::int32_t typSetupWerte::*>(&e.feld))
+            w.** zahl = n * 7 - 100;  // negative values too (window position)
+        else
+            w.*std::get<std::string typSetupWerte::*>(e.feld) =
+                std::string("Wert ") + e.name + " ä";
+    }
+    ASSERT_TRUE(SetupInRegistrierdatenbankSpeichern(z, w));
+    typSetupWerte r;
+    ASSERT_TRUE(SetupEinstellungenZuweisen(z, r));
+    for (const auto& e : fctSetupEintraege()) {
+        if (auto* zahl = std::get_if<std::int32_t typSetupWerte::*>(&e.feld))
+            EXPECT_EQ(r.**zahl, w.**zahl) << e.name;
+        else
+            EXPECT_EQ(r.*std::get<std::string typSetupWerte::*>(e.feld),
+                      w.*std::get<std::string typSetupWerte::*>(e.feld))
+                << e.name;
+    }
+}
+
+TEST_F(RegistryWerte, OhneSetupSchluesselBleibenDieVorgaben) {
+    typSetupWerte r;
+    r.longDoppelklick = 1;
+    EXPECT_FALSE(SetupEinstellungenZuweisen(z, r));
+    EXPECT_EQ(r.longDoppelklick, 1);
+    EXPECT_EQ(r.longAnzahlDerBilder, 2);
+    // A value of the wrong type keeps the default as well.
+    aufz.writeString(Hive::CurrentUser, setup, "longAnzahlDerBilder", "5");
+    aufz.writeDword(Hive::CurrentUser, setup, "longXRef", 1);
+    typSetupWerte s;
+    EXPECT_TRUE(SetupEinstellungenZuweisen(z, s));
+    EXPECT_EQ(s.longAnzahlDerBilder, 2);
+    EXPECT_EQ(s.longXRef, 1);
+}
+
+TEST_F(RegistryWerte, FenstergeometrieUnterSetup) {
+    typFensterGeometrie g;
+    g.longCurrentX = -1200;
+    g.longCurrentY = 40;
+    g.lonFrmHeight = 700;
+    g.lonFrmWidth = 900;
+    ASSERT_TRUE(subFensterGeometrieSpeichern(z, g, false));
+    typFensterGeometrie r = fctFensterGeometrieLesen(z);
+    EXPECT_FALSE(r.booPosition);
+    EXPECT_TRUE(r.booGroesse);
+    EXPECT_EQ(r.lonFrmHeight, 700);
+    ASSERT_TRUE(subFensterGeometrieSpeichern(z, g, true));
+    r = fctFensterGeometrieLesen(z);
+    EXPECT_TRUE(r.booPosition);
+    EXPECT_EQ(r.longCurrentX, -1200);
+    EXPECT_EQ(r.longCurrentY, 40);
+    EXPECT_EQ(r.lonFrmWidth, 900);
+    EXPECT_EQ(aufz.readDword(Hive::CurrentUser, setup, "longCurrentX"), 0xFFFFFFFFu - 1199u);
+}
+
+TEST_F(RegistryWerte, EintraegeBeimSchliessen) {
+    z.strAktuelleDb = "c:\\Bib\\dbTessara.mdb";
+    z.strVerzeichnisVorgabe = "c:\\Bib\\";
+    ASSERT_TRUE(subRegistryEintraegeSpeichern(z));
+    ASSERT_EQ(aufz.geschrieben.size(), 2u);
+    EXPECT_EQ(aufz.geschrieben[0].name, "Eintrag1");
+    EXPECT_EQ(aufz.geschrieben[1].name, "strVerzeichnisVorgabe");
+    EXPECT_EQ(aufz.readString(Hive::CurrentUser, z.strRegRoot, "Eintrag1"), z.strAktuelleDb);
+    EXPECT_EQ(fctVerzeichnisVorgabeAusRegistry(z), "c:\\Bib\\");
+    EXPECT_TRUE(fctEintrag1Speichern(z, "d:\\X\\dbTessara.mdb"));
+    EXPECT_EQ(aufz.readString(Hive::CurrentUser, z.strRegRoot, "Eintrag1"), "d:\\X\\dbTessara.mdb");
+}
+
+TEST_F(RegistryWerte, AktuelleDatenbankAusEintrag1) {
+    const struct {
+        const char* name;
+        std::optional<std::string> eintrag1;
+        std::vector<std::string> liste;
+        std::string erwartet;
+    } faelle[] = {
+        {"in der Liste", "d:\\B\\dbTessara.mdb", {"c:\\A", "d:\\B"}, "d:\\B\\dbTessara.mdb"},
+        {"Gross/Klein und Backslash",
+         "D:\\b\\dbTessara.mdb",
+         {"c:\\A", "d:\\B\\"},
+         "D:\\b\\dbTessara.mdb"},
+        {"nicht in der Liste",
+         "e:\\Weg\\dbTessara.mdb",
+         {"c:\\A", "d:\\B"},
+         "c:\\A\\dbTessara.mdb"},
+        {"fehlt", std::nullopt, {"c:\\A\\"}, "c:\\A\\dbTessara.mdb"},
+        {"keine Datenbank", "e:\\Weg\\dbTessara.mdb", {"0"}, ""},
+        {"Liste leer", std::nullopt, {}, ""},
+    };
+    for (const auto& f : faelle) {
+        aufz.deleteValue(Hive::CurrentUser, z.strRegRoot, "Eintrag1");
+        if (f.eintrag1) aufz.writeString(Hive::CurrentUser, z.strRegRoot, "Eintrag1", *f.eintrag1);
+        z.aryDbVerzeichnis = f.liste;
+        z.strAktuelleDb = "vorher";
+        EXPECT_EQ(EintraegeAusRegistrierdatenbank(z), !f.erwartet.empty()) << f.name;
+        EXPECT_EQ(z.strAktuelleDb, f.erwartet) << f.name;
+    }
+}
+
+TEST_F(RegistryWerte, MaschinenweiteEintraege) {
+    z.aryDbVerzeichnis = {"c:\\A", "d:\\B\\"};
+    z.strAktuelleDb = "d:\\B\\dbTessara.mdb";
+    ASSERT_TRUE(EintraegeInRegistrierdatenbank(z));
+    const std::string m = "Software\\Tessara\\Version_8";
+    EXPECT_TRUE(aufz.keyExists(Hive::LocalMachine, "SOFTWARE\\Tessara\\Version_8\\Setup"));
+    EXPECT_EQ(aufz.readString(Hive::LocalMachine, m + "\\Setup", "Anwendungsdaten"),
+              env.commonAppData() + "\\Tessara");
+    EXPECT_EQ(aufz.readString(Hive::LocalMachine, m, "Eintrag2"), "c:\\A\\dbTessara.mdb");
+    EXPECT_EQ(aufz.readString(Hive::LocalMachine, m, "Eintrag3"), "d:\\B\\dbTessara.mdb");
+    EXPECT_EQ(aufz.readString(Hive::LocalMachine, m, "Eintrag1"), "d:\\B\\dbTessara.mdb");
+    EXPECT_EQ(aufz.valueNames(Hive::LocalMachine, m),
+              (std::vector<std::string>{"Eintrag2", "Eintrag3", "Eintrag1"}));
+
+    // The key exists now: the setup key is not written again.
+    aufz.geschrieben.clear();
+    ASSERT_TRUE(EintraegeInRegistrierdatenbank(z));
+    for (const auto& s : aufz.geschrieben) EXPECT_NE(s.name, "Anwendungsdaten");
+}
+
+TEST_F(RegistryWerte, GesperrteRegistryOhneAbsturz) {
+    aufz.setReadOnly(true);
+    z.aryDbVerzeichnis = {"c:\\A"};
+    EXPECT_FALSE(EintraegeInRegistrierdatenbank(z));
+    EXPECT_FALSE(SetupInRegistrierdatenbankSpeichern(z, typSetupWerte{}));
+    EXPECT_FALSE(subRegistryEintraegeSpeichern(z));
+    EXPECT_TRUE(EintraegeAusRegistrierdatenbank(z));  // falls back on the list
+    EXPECT_EQ(z.strAktuelleDb, "c:\\A\\dbTessara.mdb");
+}
+
+TEST_F(RegistryWerte, OhneRegistryNurVorgaben) {
+    plattform.registry = nullptr;
+    typSetupWerte w;
+    EXPECT_FALSE(SetupInRegistrierdatenbankSpeichern(z, w));
+    EXPECT_FALSE(SetupEinstellungenZuweisen(z, w));
+    EXPECT_FALSE(EintraegeInRegistrierdatenbank(z));
+    EXPECT_EQ(fctVerzeichnisVorgabeAusRegistry(z), "");
+}
+
+}  // namespace
+}  // namespace tessara::einstellungentest

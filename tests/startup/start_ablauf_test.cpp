@@ -1,0 +1,288 @@
+// Main's three roles over real directories in a temporary folder, with the
+// in-process doubles of the platform layer standing for the desktop and the
+// instance channel (the two-process hand-over runs in start_prozess_test).
+#include "startup/start_ablauf.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "platform/environment.h"
+#include "platform/memory/fake_clock.h"
+#include "platform/memory/memory_desktop.h"
+#include "platform/memory/memory_environment.h"
+#include "platform/memory/memory_instance_channel.h"
+#include "platform/memory/memory_registry.h"
+#include "platform/platform.h"
+#include "startup/benutzer.h"
+#include "startup/einstellungen.h"
+
+namespace tessara {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct TestFenster : Hauptfenster {
+    std::vector<std::string> ereignisse;
+    bool abbrechen = false;
+    bool nurVorne = false;
+    void laden() override { ereignisse.push_back("laden"); }
+    bool startAbbrechen() override { return abbrechen; }
+    bool nurNachVorneHolen() override { return nurVorne; }
+    void zeigen() override { ereignisse.push_back("zeigen"); }
+    platform::WindowHandle handle = 0;
+    platform::WindowHandle fensterHandle() override { return handle; }
+    std::vector<std::string> bloecke;
+    ProgrammZustand* z = nullptr;
+    void blockAnfrageAusfuehren() override {
+        ereignisse.push_back("block");
+        bloecke.push_back(z->strUebergabeBlock + ";" + z->strUebergabeVariante);
+    }
+    void datenbankWechseln(const std::string& p) override { ereignisse.push_back("db " + p); }
+    void timerIntervall(int ms) override { ereignisse.push_back("timer " + std::to_string(ms)); }
+};
+
+// One process of the program: its own state, environment and channel end.
+struct Prozess {
+    platform::MemoryEnvironment env;
+    platform::MemoryRegistry registry;
+    platform::FakeClock clock;
+    platform::MemoryDesktop desktop{&clock};
+    platform::MemoryInstanceChannel kanal;
+    platform::Platform plattform;
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+    TestFenster fenster;
+    clsStart start;
+
+    Prozess(std::shared_ptr<platform::MemoryInstanceBus> bus, const std::string& app,
+            const std::string& common, const std::string& cmd)
+        : kanal(bus) {
+        env.setApplicationDirectory(app);
+        env.setCommonAppData(common);
+        env.setCommandLine(cmd);
+        plattform.registry = &registry;
+        plattform.environment = &env;
+        plattform.desktop = &desktop;
+        plattform.clock = &clock;
+        plattform.instance = &kanal;
+        z.plattform = &plattform;
+        z.benutzer = &benutzer;
+        fenster.z = &z;
+    }
+    MainErgebnis main() { return start.Main(z, fenster); }
+};
+
+class StartAblauf : public ::testing::Test {
+protected:
+    void SetUp() override {
+        root = fs::temp_directory_path() /
+               ("tessara_start_" + std::to_string(::getpid()) + "_" +
+                ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(root);
+        fs::create_directories(root / "app");
+        fs::create_directories(root / "common");
+        fs::create_directories(root / "drive_c");
+        ::setenv("TESSARA_DRIVE_C", (root / "drive_c").c_str(), 1);
+        std::ofstream(root / "app" / "txtBeschriftTessara9.0Frm_deutsch.txt")
+            << "[Allg]\r\nProgName=Tessara $\r\n";
+        bus = std::make_shared<platform::MemoryInstanceBus>();
+    }
+    void TearDown() override {
+        fs::remove_all(root);
+        ::unsetenv("TESSARA_DRIVE_C");
+    }
+    std::unique_ptr<Prozess> prozess(const std::string& cmd) {
+        return std::make_unique<Prozess>(bus, platform::programPath((root / "app").string()),
+                                         platform::programPath((root / "common").string()), cmd);
+    }
+    std::string app() { return platform::programPath((root / "app").string()); }
+    std::string common() { return platform::programPath((root / "common").string()); }
+
+    fs::path root;
+    std::shared_ptr<platform::MemoryInstanceBus> bus;
+};
+
+TEST_F(StartAblauf, ErsterStartOhneIniDateiNimmtDenGemeinsamenOrdner) {
+    auto p = prozess("");
+    EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
+    EXPECT_EQ(p->z.strIniDatei, common() + "\\Tessara\\Tessara9.0.ini");
+    EXPECT_EQ(p->z.strCTemp, common() + "\\Tessara\\");
+    EXPECT_TRUE(fs::is_directory(root / "common" / "Tessara"));
+    EXPECT_EQ(p->z.strErrorDatei, common() + "\\Tessara\\txtErrorTessara9.0.txt");
+    EXPECT_EQ(p->z.strSprache, "deutsch");
+    EXPECT_EQ(p->z.strVersionInfoDatei, app() + "\\InfoVersion.lis");
+    EXPECT_EQ(p->fenster.ereignisse, std::vector<std::string>{"laden"});
+    EXPECT_EQ(p->start.aufrufe(), 1);
+    EXPECT_TRUE(p->benutzer.gezeigt.empty());
+}
+
+TEST_F(StartAblauf, IniDateiImProgrammverzeichnisUndTempAusSCTemp) {
+    std::ofstream(root / "app" / "Tessara9.0.ini") << "[AllgemeineDaten]\r\nSprache=deutsch\r\n";
+    auto p = prozess("");
+    EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
+    EXPECT_EQ(p->z.strIniDatei, app() + "\\Tessara9.0.ini");
+    EXPECT_EQ(p->z.strCTemp, "c:\\temp\\");
+    EXPECT_TRUE(fs::is_directory(root / "drive_c" / "temp"));
+
+    fs::create_directories(root / "eigenTemp");
+    std::ofstream(root / "app" / "Tessara9.0.ini", std::ios::trunc)
+        << "[AllgemeineDaten]\r\nsCTemp=" << platform::programPath((root / "eigenTemp").string())
+        << "\r\n";
+    auto q = prozess("");
+    bus->names.clear();
+    EXPECT_EQ(q->main(), MainErgebnis::Laeuft);
+    EXPECT_EQ(q->z.strCTemp, platform::programPath((root / "eigenTemp").string()) + "\\");
+}
+
+TEST_F(StartAblauf, OhneBeschriftungsdateiEndetDerStart) {
+    fs::remove(root / "app" / "txtBeschriftTessara9.0Frm_deutsch.txt");
+    auto p = prozess("");
+    EXPECT_EQ(p->main(), MainErgebnis::ProzessEnde);
+    ASSERT_EQ(p->benutzer.gezeigt.size(), 1u);
+    EXPECT_EQ(p->benutzer.gezeigt[0].text,
+              "Es konnte keine Beschriftungsdatei gefunden werden.\r\rTessara kann nicht "
+              "gestartet werden.");
+    EXPECT_EQ(p->benutzer.gezeigt[0].titel, "Info");
+    EXPECT_TRUE(p->fenster.ereignisse.empty());
+}
+
+TEST_F(StartAblauf, TempPfadMitLeerzeichen) {
+    fs::create_directories(root / "mit blank");
+    const std::string blank = platform::programPath((root / "mit blank").string());
+    const std::string ohne = platform::programPath((root / "ohne").string());
+    for (bool ja : {true, false}) {
+        SCOPED_TRACE(ja);
+        std::ofstream(root / "app" / "Tessara9.0.ini", std::ios::trunc)
+            << "[AllgemeineDaten]\r\nsCTemp=" << blank << "\r\n";
+        bus->names.clear();
+        auto p = prozess("");
+        p->benutzer.antworten = {ja ? Antwort::Ja : Antwort::Nein};
+        p->benutzer.ordner = {ohne};
+        EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
+        ASSERT_GE(p->benutzer.gezeigt.size(), 1u);
+        EXPECT_EQ(p->benutzer.gezeigt[0].text,
+                  "ist auf Ihrem Computer noch Windows XP installiert?\r(oder schon Vista oder "
+                  "Windows 7)");
+        if (ja) {
+            EXPECT_EQ(p->z.strCTemp, "c:\\temp\\");
+            EXPECT_EQ(p->benutzer.gezeigt.size(), 1u);
+        } else {
+            EXPECT_EQ(p->z.strCTemp, ohne + "\\");
+            ASSERT_EQ(p->benutzer.gezeigt.size(), 2u);
+            EXPECT_EQ(p->benutzer.gezeigt[1].text.rfind(
+                          "Ihr temporärPfad für Tessara beinhaltet Leerzeichen: ", 0),
+                      0u);
+        }
+        EXPECT_EQ(IniGetValue(p->z, app() + "\\Tessara9.0.ini", "AllgemeineDaten", "sCTemp"),
+                  p->z.strCTemp);
+    }
+}
+
+TEST_F(StartAblauf, ZweiteKopieReichtDieAnfrageWeiterUndHoltDasFensterNachVorne) {
+    auto erste = prozess("");
+    ASSERT_EQ(erste->main(), MainErgebnis::Laeuft);
+
+    struct Fall {
+        const char* zeile;
+        std::vector<platform::InstanceMessage> erwartet;
+    };
+    const Fall faelle[] = {
+        {"/s 0010017;A", {{"StartForm2", {"0010017", "a"}}}},
+        {"/s 0010017", {}},
+        {"/s a;b;c", {}},
+        {"lblkeinfuegen", {{"LBlkEinfuegen", {}}}},
+        {"lblock",
+         {{"ClassNameUebergeben", {"Tessara_8_5.clsTessaraStart"}}, {"LBlkEinfuegen", {}}}},
+        {"", {}},
+        {"/d \"c:\\Bibliothek\\dbTessara.mdb\"", {{"ChangeDb", {"c:\\Bibliothek\\dbTessara.mdb"}}}},
+    };
+    for (const auto& f : faelle) {
+        SCOPED_TRACE(f.zeile);
+        bus->sent.clear();
+        auto zweite = prozess(f.zeile);
+        const auto fenster = zweite->desktop.addWindow("Tessara 1.9.0");
+        EXPECT_EQ(zweite->main(), MainErgebnis::ProzessEnde);
+        ASSERT_EQ(bus->sent.size(), f.erwartet.size());
+        for (std::size_t i = 0; i < f.erwartet.size(); ++i) {
+            EXPECT_EQ(bus->sent[i].operation, f.erwartet[i].operation);
+            EXPECT_EQ(bus->sent[i].arguments, f.erwartet[i].arguments);
+        }
+        EXPECT_EQ(zweite->desktop.activations(), std::vector<platform::WindowHandle>{fenster});
+        EXPECT_TRUE(zweite->fenster.ereignisse.empty());
+    }
+    // The first instance takes what was handed over, in order.
+    EXPECT_FALSE(erste->kanal.receive().empty());
+}
+
+TEST_F(StartAblauf, WiedereintrittFuehrtUebergebeneAnfragenAus) {
+    auto p = prozess("");
+    ASSERT_EQ(p->main(), MainErgebnis::Laeuft);
+    p->fenster.ereignisse.clear();
+    p->fenster.handle = p->desktop.addWindow("Tessara 1.9.0");
+
+    p->start.anfrageAusfuehren(p->z, p->fenster, "StartForm2", {"0010017", "a"});
+    EXPECT_EQ(p->fenster.bloecke, std::vector<std::string>{"0010017;a"});
+    EXPECT_TRUE(p->z.strUebergabeBlock.empty());
+    EXPECT_EQ(p->fenster.ereignisse, (std::vector<std::string>{"zeigen", "block", "timer 1000"}));
+    EXPECT_EQ(p->desktop.activations(), std::vector<platform::WindowHandle>{p->fenster.handle});
+
+    p->fenster.ereignisse.clear();
+    p->start.anfrageAusfuehren(p->z, p->fenster, "ChangeDb", {"TestDb"});
+    EXPECT_EQ(p->fenster.ereignisse, std::vector<std::string>{"timer 1000"});
+    p->z.strUebergabeDb.clear();
+
+    p->fenster.ereignisse.clear();
+    p->start.anfrageAusfuehren(p->z, p->fenster, "ChangeDb", {"c:/lib/dbTessara.mdb"});
+    EXPECT_EQ(p->fenster.ereignisse,
+              (std::vector<std::string>{"db c:\\lib\\dbTessara.mdb", "timer 1000"}));
+    EXPECT_TRUE(p->z.strUebergabeDb.empty());
+
+    // LBlkEinfuegen inserts the block handled last once more.
+    p->fenster.ereignisse.clear();
+    p->start.anfrageAusfuehren(p->z, p->fenster, "LBlkEinfuegen", {});
+    EXPECT_EQ(p->fenster.bloecke, (std::vector<std::string>{"0010017;a", "0010017;a"}));
+
+    p->fenster.ereignisse.clear();
+    p->fenster.nurVorne = true;
+    p->z.strUebergabeBlock = "0010018";
+    p->start.anfrageAusfuehren(p->z, p->fenster, "LBlkEinfuegen", {});
+    EXPECT_EQ(p->fenster.ereignisse, std::vector<std::string>{"zeigen"});
+
+    p->start.anfrageAusfuehren(p->z, p->fenster, "ClassNameUebergeben", {"X.Y"});
+    EXPECT_EQ(p->start.klasse(), "X.Y");
+}
+
+TEST_F(StartAblauf, EigeneKommandozeileOhneLaufendeInstanzWirdNachDemLadenAusgefuehrt) {
+    auto p = prozess("/s 0010017;B");
+    EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
+    EXPECT_EQ(p->fenster.ereignisse,
+              (std::vector<std::string>{"laden", "zeigen", "block", "timer 1000"}));
+    EXPECT_EQ(p->fenster.bloecke, std::vector<std::string>{"0010017;b"});
+}
+
+TEST_F(StartAblauf, AufrufzaehlerBleibtAmEndeStehen) {
+    auto p = prozess("");
+    ASSERT_EQ(p->main(), MainErgebnis::Laeuft);
+    for (int i = 0; i < 300; ++i) EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
+    EXPECT_EQ(p->start.aufrufe(), 255);
+    EXPECT_EQ(std::count(p->fenster.ereignisse.begin(), p->fenster.ereignisse.end(), "laden"), 1);
+}
+
+TEST_F(StartAblauf, AbgebrochenerStartEndetDenProzess) {
+    auto p = prozess("");
+    p->fenster.abbrechen = true;
+    EXPECT_EQ(p->main(), MainErgebnis::ProzessEnde);
+}
+
+TEST_F(StartAblauf, TitelDesLaufendenFensters) {
+    ProgrammZustand z;
+    EXPECT_EQ(fctFensterTitel(z, "Tessara $ ($)"), "Tessara 1.9.0 (1.9.0)");
+    EXPECT_EQ(fctFensterTitel(z, "Tessara"), "Tessara");
+}
+
+}  // namespace
+}  // namespace tessara

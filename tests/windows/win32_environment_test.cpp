@@ -1,0 +1,102 @@
+// The Win32 environment and the temporary directory as the program uses it.
+#include "platform/win32/win32_environment.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "platform/environment.h"
+#include "platform/win32/utf16.h"
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path native(const std::string& programPath) {
+    return fs::path(win32::toWide(nativePath(programPath)));
+}
+
+TEST(Win32Environment, DirectoriesAreRealAndInProgramForm) {
+    Win32Environment e;
+    std::string app = e.applicationDirectory();
+    ASSERT_FALSE(app.empty());
+    EXPECT_NE(app.back(), '\\');
+    EXPECT_TRUE(fs::exists(native(app) / "test_windows.exe")) << app;
+
+    std::string common = e.commonAppData();
+    ASSERT_FALSE(common.empty());
+    EXPECT_NE(common.back(), '\\');
+    EXPECT_TRUE(fs::is_directory(native(common))) << common;
+
+    std::string temp = e.temporaryDirectory();
+    ASSERT_FALSE(temp.empty());
+    EXPECT_EQ(temp.back(), '\\');
+    EXPECT_TRUE(fs::is_directory(native(temp))) << temp;
+}
+
+TEST(Win32Environment, CommandLineAfterTheProgramName) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"\"C:\\Programme\\Tessara\\Tessara.exe\" /s 0010017;A", "/s 0010017;A"},
+        {"Tessara.exe lblkeinfuegen", "lblkeinfuegen"},
+        {"Tessara.exe   /d \"C:\\Meine Bib\\dbTessara.mdb\"",
+         "/d \"C:\\Meine Bib\\dbTessara.mdb\""},
+        {"\"C:\\Pfad mit Blank\\Tessara.exe\"", ""},
+        {"Tessara.exe", ""},
+        {"\"offen", ""},
+    };
+    for (const auto& [full, rest] : cases)
+        EXPECT_EQ(Win32Environment::afterProgramName(full), rest) << full;
+    // This process was started without arguments by the test runner, or with
+    // gtest's flags; either way the program name is gone.
+    std::string own = Win32Environment().commandLine();
+    EXPECT_EQ(own.find("test_windows.exe"), std::string::npos) << own;
+}
+
+TEST(Win32Environment, PathsAreTheSystemsOwn) {
+    EXPECT_EQ(nativePath("c:\\temp\\bv8LT.scr"), "c:\\temp\\bv8LT.scr");
+    EXPECT_EQ(nativePath("001\\Block\\00100170.dwg"), "001\\Block\\00100170.dwg");
+    EXPECT_EQ(programPath("C:/Users/x/AppData"), "C:\\Users\\x\\AppData");
+}
+
+TEST(Win32Environment, TemporaryFilesBehaveAsTheProgramExpects) {
+    Win32Environment e;
+    const std::string dir = e.temporaryDirectory() + "TessaraTest Größe\\";
+    const fs::path d = native(dir);
+    fs::remove_all(d);
+    ASSERT_TRUE(fs::create_directories(d));
+
+    // Written, replaced by a rename, found case-insensitively, deleted.
+    const std::string file = dir + "bv8LT.scr";
+    {
+        std::ofstream out(native(file), std::ios::binary);
+        out << "filedia\r\n0\r\n";
+    }
+    {
+        std::ofstream out(native(dir + "neu.tmp"), std::ios::binary);
+        out << "_undo\r\n";
+    }
+    ASSERT_TRUE(MoveFileExW(native(dir + "neu.tmp").c_str(), native(file).c_str(),
+                            MOVEFILE_REPLACE_EXISTING));
+    EXPECT_TRUE(fs::exists(native(dir + "BV8lt.SCR")));
+    std::ifstream in(native(file), std::ios::binary);
+    std::string text((std::istreambuf_iterator<char>(in)), {});
+    in.close();
+    EXPECT_EQ(text, "_undo\r\n");
+    EXPECT_EQ(GetFileAttributesW(native(dir + "neu.tmp").c_str()), INVALID_FILE_ATTRIBUTES);
+    fs::remove_all(d);
+    EXPECT_FALSE(fs::exists(d));
+}
+
+TEST(Utf16, ConvertsBothWaysAndTakesStrayBytesAsWindows1252) {
+    EXPECT_EQ(win32::toWide("Größe €"), L"Gr\u00f6\u00dfe \u20ac");
+    EXPECT_EQ(win32::toUtf8(L"Gr\u00f6\u00dfe \u20ac"), "Größe €");
+    // "Gr\xF6\xDFe" is Windows-1252 text, not UTF-8.
+    EXPECT_EQ(win32::toWide("Gr\xF6\xDF\x80"), L"Gr\u00f6\u00df\u20ac");
+    EXPECT_EQ(win32::toWide(""), L"");
+}
+
+}  // namespace
+}  // namespace platform
