@@ -26,7 +26,7 @@ run: build
 # windows first: the Linux build registers the wine test only when the
 # Windows test executable exists at configure time.
 test: windows build
-	cd $(BUILD) && xvfb-run -a -s "-screen 0 1600x1200x24" ctest --output-on-failure -j $(JOBS) --timeout 900
+	cd $(BUILD) && xvfb-run -a -s "-screen 0 1600x1200x24 -noreset" ctest --output-on-failure -j $(JOBS) --timeout 900
 
 windows: deps
 	@test -f $(WINBUILD)/CMakeCache.txt || cmake -S . -B $(WINBUILD) $(GENERATOR) \
@@ -40,13 +40,16 @@ fuzz: deps
 	@test -f $(FUZZBUILD)/CMakeCache.txt || CC=clang CXX=clang++ cmake -S . -B $(FUZZBUILD) $(GENERATOR) \
 	    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSARA_FUZZ=ON -DTESSARA_BENCH=OFF \
 	    -DCMAKE_CXX_FLAGS="-fsanitize=fuzzer-no-link,address,undefined"
-	cmake --build $(FUZZBUILD) -j $(JOBS)
+	cmake --build $(FUZZBUILD) -j $(JOBS) --target fuzz_all
 	@set -e; for f in $(FUZZBUILD)/fuzz/fuzz_*; do \
-	    name=$$(basename $$f); corpus=$(FUZZBUILD)/corpus/$$name; mkdir -p $$corpus; \
-	    seeds=fuzz/seeds/$${name#fuzz_}; \
+	    name=$$(basename $$f); short=$${name#fuzz_}; corpus=$(FUZZBUILD)/corpus/$$name; mkdir -p $$corpus; \
+	    seeds=""; test -d fuzz/seeds/$$short && seeds="fuzz/seeds/$$short"; \
+	    case $$short in jet_*) seeds="$$seeds ../shared/testdata/mdb";; slide_*) seeds="$$seeds ../shared/testdata/slides";; esac; \
 	    echo "== $$name ($(FUZZ_SECONDS)s)"; \
-	    $$f -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-	        $$corpus $$(test -d $$seeds && echo $$seeds) 2>&1 | tail -n 8; \
+	    $$f -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 -max_len=1048576 \
+	        -print_final_stats=1 $$corpus $$seeds > $(FUZZBUILD)/$$name.log 2>&1 \
+	        || { tail -n 40 $(FUZZBUILD)/$$name.log; exit 1; }; \
+	    grep -E "^(Done|stat::number_of_executed_units)" $(FUZZBUILD)/$$name.log; \
 	done
 
 clean:

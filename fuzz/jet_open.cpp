@@ -15,14 +15,16 @@
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     namespace fs = std::filesystem;
     std::error_code ec;
-    fs::path testdata = fs::path(__FILE__).parent_path().parent_path().parent_path() / "shared" / "testdata" / "mdb";
+    fs::path testdata = fs::path(__FILE__).parent_path().parent_path().parent_path() / "shared" /
+                        "testdata" / "mdb";
     for (int i = 1; i < *argc; ++i) {
         std::string a = (*argv)[i];
         if (a.empty() || a[0] == '-') continue;
         if (!fs::is_directory(a, ec)) continue;
         if (fs::directory_iterator(a, ec) != fs::directory_iterator()) break;
         for (const auto& e : fs::directory_iterator(testdata, ec))
-            if (e.path().extension() == ".mdb") fs::copy_file(e.path(), fs::path(a) / e.path().filename(), ec);
+            if (e.path().extension() == ".mdb")
+                fs::copy_file(e.path(), fs::path(a) / e.path().filename(), ec);
         break;
     }
     return 0;

@@ -51,7 +51,8 @@ int runSchema(const cli::Args& args, std::istream&, std::ostream& out, std::ostr
             out << "  INDEX " << ix.name << " (";
             for (std::size_t i = 0; i < ri.columns.size(); ++i) {
                 const jet::Column* c = d.columnByNumber(ri.columns[i].columnNumber);
-                out << (i ? ", " : "") << (c ? c->name : "?") << (ri.columns[i].ascending ? " ASC" : " DESC");
+                out << (i ? ", " : "") << (c ? c->name : "?")
+                    << (ri.columns[i].ascending ? " ASC" : " DESC");
             }
             out << ")";
             if (ix.isPrimary()) out << " PRIMARY KEY";
@@ -66,7 +67,8 @@ int runSchema(const cli::Args& args, std::istream&, std::ostream& out, std::ostr
         out << "RELATIONSHIP " << r.name << " " << r.table << "(";
         for (std::size_t i = 0; i < r.columns.size(); ++i) out << (i ? ", " : "") << r.columns[i];
         out << ") REFERENCES " << r.relatedTable << "(";
-        for (std::size_t i = 0; i < r.relatedColumns.size(); ++i) out << (i ? ", " : "") << r.relatedColumns[i];
+        for (std::size_t i = 0; i < r.relatedColumns.size(); ++i)
+            out << (i ? ", " : "") << r.relatedColumns[i];
         out << ")\n";
     }
     return 0;
@@ -93,8 +95,11 @@ int runCheck(const cli::Args& args, std::istream&, std::ostream& out, std::ostre
 }
 
 cli::Subcommand tablesCmd{"tables", "PATH", "list the user tables of a database", &runTables};
-cli::Subcommand schemaCmd{"schema", "PATH", "columns, indexes and relationships of every table", &runSchema};
-cli::Subcommand exportCmd{"export", "PATH TABLE", "a table's rows as CSV (the shape of mdb-export)", &runExport};
-cli::Subcommand checkCmd{"check", "PATH", "verify a database's structure and list each fault", &runCheck};
+cli::Subcommand schemaCmd{"schema", "PATH", "columns, indexes and relationships of every table",
+                          &runSchema};
+cli::Subcommand exportCmd{"export", "PATH TABLE", "a table's rows as CSV (the shape of mdb-export)",
+                          &runExport};
+cli::Subcommand checkCmd{"check", "PATH", "verify a database's structure and list each fault",
+                         &runCheck};
 
 }  // namespace

@@ -12,7 +12,45 @@ namespace jet {
 
 namespace {
 
-void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live, std::vector<std::string>& faults) {
+// Every page of an index tree: an index page of this table, marked in the
+// index's usage map. Walks children and leaf links once each.
+void checkIndexPages(Database& db, const TableDef& d, const RealIndex& real,
+                     const std::string& where, std::vector<std::string>& faults) {
+    if (real.rootPage == 0) return;
+    UsageMap map;
+    try {
+        map = readUsageMap(db.pages(), real.usedPages);
+    } catch (const Error& e) {
+        faults.push_back(where + "usage map: " + e.what());
+        return;
+    }
+    std::set<std::uint32_t> seen;
+    std::vector<std::uint32_t> todo{real.rootPage};
+    while (!todo.empty()) {
+        std::uint32_t p = todo.back();
+        todo.pop_back();
+        if (p == 0 || !seen.insert(p).second) continue;
+        try {
+            IndexPage ip = readIndexPage(db.pages(), p);
+            PageRef raw = db.pages().page(p);
+            if (u32(raw->data() + indexpage::kTdefPage) != d.page)
+                faults.push_back(where + "index page " + std::to_string(p) +
+                                 " names another table");
+            if (!map.contains(p))
+                faults.push_back(where + "index page " + std::to_string(p) +
+                                 " is missing from the index's usage map");
+            if (ip.type == PageType::IndexNode)
+                for (const IndexEntry& e : ip.entries) todo.push_back(e.childPage);
+            todo.push_back(ip.nextPage);
+            todo.push_back(ip.tailPage);
+        } catch (const Error& e) {
+            faults.push_back(where + e.what());
+        }
+    }
+}
+
+void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live,
+                  std::vector<std::string>& faults) {
     const TableDef& d = t.def();
     for (std::size_t ri = 0; ri < d.realIndexes.size(); ++ri) {
         // Find a logical index naming this tree, for messages and the cursor.
@@ -25,6 +63,7 @@ void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live, std
         if (logical == d.indexes.size()) continue;
         const std::string where = "table " + d.name + ", index " + d.indexes[logical].name + ": ";
         const RealIndex& real = d.realIndexes[ri];
+        checkIndexPages(db, d, real, where, faults);
         std::vector<IndexEntry> entries;
         try {
             entries = t.index(logical).all();
@@ -39,13 +78,16 @@ void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live, std
                 const auto& a = entries[i - 1].key;
                 const auto& b = e.key;
                 if (std::lexicographical_compare(b.begin(), b.end(), a.begin(), a.end()))
-                    faults.push_back(where + "entry for row " + toString(e.row) + " is out of order");
+                    faults.push_back(where + "entry for row " + toString(e.row) +
+                                     " is out of order");
             }
             if (!live.count(e.row)) {
-                faults.push_back(where + "entry points at " + toString(e.row) + ", which is not a live row");
+                faults.push_back(where + "entry points at " + toString(e.row) +
+                                 ", which is not a live row");
                 continue;
             }
-            if (!seen.insert(e.row).second) faults.push_back(where + "row " + toString(e.row) + " is indexed twice");
+            if (!seen.insert(e.row).second)
+                faults.push_back(where + "row " + toString(e.row) + " is indexed twice");
             // Keys of types encoded exactly must match the row's values.
             if (indexKeyIsExact(d, real, real.columns.size())) {
                 try {
@@ -53,7 +95,8 @@ void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live, std
                     std::vector<Value> values;
                     for (const IndexColumn& ic : real.columns) {
                         const Column* c = d.columnByNumber(ic.columnNumber);
-                        values.push_back(c ? (*row)[std::size_t(d.columnPosition(c->name))] : Value{});
+                        values.push_back(c ? (*row)[std::size_t(d.columnPosition(c->name))]
+                                           : Value{});
                     }
                     if (encodeIndexKey(d, real, values) != e.key)
                         faults.push_back(where + "key of the entry for row " + toString(e.row) +
@@ -72,7 +115,8 @@ void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live, std
                 bool allNull = row.has_value();
                 for (const IndexColumn& ic : real.columns) {
                     const Column* c = d.columnByNumber(ic.columnNumber);
-                    if (row && c && !isNull((*row)[std::size_t(d.columnPosition(c->name))])) allNull = false;
+                    if (row && c && !isNull((*row)[std::size_t(d.columnPosition(c->name))]))
+                        allNull = false;
                 }
                 if (allNull) continue;
             }
@@ -100,15 +144,18 @@ std::vector<std::string> checkTable(Database& db, const std::string& name) {
         for (std::uint32_t p : m.pages) {
             PageRef pg = db.pages().page(p);
             std::uint8_t type = (*pg)[0];
-            if (type == std::uint8_t(PageType::Data) && u32(pg->data() + datapage::kTdefPage) != d.page)
+            if (type == std::uint8_t(PageType::Data) &&
+                u32(pg->data() + datapage::kTdefPage) != d.page)
                 faults.push_back("table " + name + ": page " + std::to_string(p) +
                                  " is in its usage map but belongs to another table");
         }
         for (std::uint32_t p = 1; p < db.pages().pageCount(); ++p) {
             PageRef pg = db.pages().page(p);
-            if ((*pg)[0] == std::uint8_t(PageType::Data) && u32(pg->data() + datapage::kTdefPage) == d.page &&
-                rowCountOf(*pg) > 0 && !m.contains(p))
-                faults.push_back("table " + name + ": data page " + std::to_string(p) + " is missing from its usage map");
+            if ((*pg)[0] == std::uint8_t(PageType::Data) &&
+                u32(pg->data() + datapage::kTdefPage) == d.page && rowCountOf(*pg) > 0 &&
+                !m.contains(p))
+                faults.push_back("table " + name + ": data page " + std::to_string(p) +
+                                 " is missing from its usage map");
         }
     } catch (const Error& e) {
         faults.push_back("table " + name + ": usage map: " + e.what());
@@ -140,8 +187,8 @@ std::vector<std::string> checkTable(Database& db, const std::string& name) {
     const CatalogEntry* entry = db.findObject(name);
     bool system = (entry && entry->isSystem()) || name.rfind("MSys", 0) == 0;
     if (!system && count != d.rowCount)
-        faults.push_back("table " + name + ": definition counts " + std::to_string(d.rowCount) + " rows, found " +
-                         std::to_string(count));
+        faults.push_back("table " + name + ": definition counts " + std::to_string(d.rowCount) +
+                         " rows, found " + std::to_string(count));
     checkIndexes(db, t, live, faults);
     return faults;
 }

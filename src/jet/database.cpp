@@ -9,14 +9,17 @@
 namespace jet {
 
 std::shared_ptr<Database> Database::open(const std::string& path, OpenOptions options) {
-    return fromStore(std::make_unique<FilePageStore>(path, options.writable), options);
+    auto db = fromStore(std::make_unique<FilePageStore>(path, options.writable), options);
+    db->path_ = path;
+    return db;
 }
 
 std::shared_ptr<Database> Database::fromMemory(std::vector<std::uint8_t> bytes) {
     return fromStore(std::make_unique<MemoryPageStore>(std::move(bytes)), {});
 }
 
-std::shared_ptr<Database> Database::fromStore(std::unique_ptr<PageStore> store, OpenOptions options) {
+std::shared_ptr<Database> Database::fromStore(std::unique_ptr<PageStore> store,
+                                              OpenOptions options) {
     std::shared_ptr<Database> db(new Database());
     db->init(std::move(store), options);
     return db;
@@ -26,7 +29,8 @@ void Database::init(std::unique_ptr<PageStore> store, const OpenOptions& options
     if (store->pageCount() < 1) throw Error("not a Jet database", errnum::kNotDatabase);
     pages_ = std::make_unique<PageCache>(std::move(store), options.cachePages);
     header_ = parseHeader(*pages_->page(0));
-    if (pages_->pageCount() <= kCatalogueTdefPage) throwCorrupt(kCatalogueTdefPage, "beyond the end of the file");
+    if (pages_->pageCount() <= kCatalogueTdefPage)
+        throwCorrupt(kCatalogueTdefPage, "beyond the end of the file");
     pages_->setDatabaseKey(header_.databaseKey);
     catalogue();  // a file whose catalogue cannot be read is refused at once
 }
@@ -38,7 +42,8 @@ const std::vector<CatalogEntry>& Database::catalogue() {
     int cId = def->columnPosition("Id"), cParent = def->columnPosition("ParentId"),
         cName = def->columnPosition("Name"), cType = def->columnPosition("Type"),
         cFlags = def->columnPosition("Flags");
-    if (cId < 0 || cName < 0 || cType < 0) throwCorrupt(kCatalogueTdefPage, "MSysObjects lacks its key columns");
+    if (cId < 0 || cName < 0 || cType < 0)
+        throwCorrupt(kCatalogueTdefPage, "MSysObjects lacks its key columns");
     std::vector<CatalogEntry> out;
     auto asInt = [](const Value& v) -> std::int64_t {
         if (auto p = std::get_if<std::int32_t>(&v)) return *p;
@@ -106,8 +111,10 @@ std::vector<Relationship> Database::relationships() {
     Table t = table("MSysRelationships");
     const TableDef& d = t.def();
     int cCol = d.columnPosition("szColumn"), cObj = d.columnPosition("szObject"),
-        cRefCol = d.columnPosition("szReferencedColumn"), cRefObj = d.columnPosition("szReferencedObject"),
-        cName = d.columnPosition("szRelationship"), cIdx = d.columnPosition("icolumn"), cFlags = d.columnPosition("grbit");
+        cRefCol = d.columnPosition("szReferencedColumn"),
+        cRefObj = d.columnPosition("szReferencedObject"),
+        cName = d.columnPosition("szRelationship"), cIdx = d.columnPosition("icolumn"),
+        cFlags = d.columnPosition("grbit");
     if (cCol < 0 || cObj < 0 || cRefCol < 0 || cRefObj < 0 || cName < 0) return out;
     struct Part {
         std::int32_t index;
@@ -117,7 +124,8 @@ std::vector<Relationship> Database::relationships() {
     auto text = [](const Value& v) { return toText(v); };
     t.scan([&](RowId, const Row& r) {
         std::string name = text(r[std::size_t(cName)]);
-        auto it = std::find_if(rels.begin(), rels.end(), [&](const auto& x) { return x.first.name == name; });
+        auto it = std::find_if(rels.begin(), rels.end(),
+                               [&](const auto& x) { return x.first.name == name; });
         if (it == rels.end()) {
             Relationship rel;
             rel.name = name;
@@ -135,7 +143,8 @@ std::vector<Relationship> Database::relationships() {
         return true;
     });
     for (auto& [rel, parts] : rels) {
-        std::stable_sort(parts.begin(), parts.end(), [](const Part& a, const Part& b) { return a.index < b.index; });
+        std::stable_sort(parts.begin(), parts.end(),
+                         [](const Part& a, const Part& b) { return a.index < b.index; });
         for (const Part& p : parts) {
             rel.columns.push_back(p.col);
             rel.relatedColumns.push_back(p.refCol);

@@ -57,12 +57,13 @@ struct OpenOptions {
 };
 
 class Database : public std::enable_shared_from_this<Database> {
-public:
+  public:
     // Throws jet::Error: file missing, "not a Jet database", "unsupported Jet version N",
     // "corrupt page N: ...".
     static std::shared_ptr<Database> open(const std::string& path, OpenOptions options = {});
     static std::shared_ptr<Database> fromMemory(std::vector<std::uint8_t> bytes);
-    static std::shared_ptr<Database> fromStore(std::unique_ptr<PageStore> store, OpenOptions options = {});
+    static std::shared_ptr<Database> fromStore(std::unique_ptr<PageStore> store,
+                                               OpenOptions options = {});
 
     const DatabaseHeader& header() const { return header_; }
     PageCache& pages() { return *pages_; }
@@ -74,7 +75,8 @@ public:
     std::vector<std::string> tableNames(bool includeSystem = false);
     // Case-insensitive. Throws "no such table: NAME" (errnum::kNoSuchTable).
     std::shared_ptr<const TableDef> tableDef(const std::string& name);
-    std::shared_ptr<const TableDef> tableDefAt(std::uint32_t tdefPage, const std::string& name = {});
+    std::shared_ptr<const TableDef> tableDefAt(std::uint32_t tdefPage,
+                                               const std::string& name = {});
     Table table(const std::string& name);
     bool hasTable(const std::string& name);
     // Rows of MSysRelationships grouped by relationship name, columns in icolumn order.
@@ -82,7 +84,24 @@ public:
     // Drops the cached catalogue and definitions (after the file was written).
     void reload();
 
-private:
+    // Writing (a database opened writable). A unit of work: the pages
+    // written between begin() and commit() reach the file all or nothing,
+    // through a rollback journal beside the file ("<file>-journal") that the
+    // next open rolls back when the process died in between. begin() takes
+    // an exclusive operating-system lock on the file (waiting for another
+    // writer) and drops cached pages another process may have changed;
+    // commit() and rollback() release it. Nested begin() calls count; only
+    // the outermost commit() ends the unit.
+    void begin();
+    void commit();
+    void rollback();
+    bool inTransaction() const { return txDepth_ > 0; }
+    bool writable() const;
+    // A new zeroed page of the given type at the end of the file; its
+    // number. Only inside a unit of work.
+    std::uint32_t allocatePage(PageType type);
+
+  private:
     Database() = default;
     void init(std::unique_ptr<PageStore> store, const OpenOptions& options);
     DatabaseHeader header_;
@@ -90,6 +109,9 @@ private:
     bool catalogueRead_ = false;
     std::vector<CatalogEntry> catalogue_;
     std::map<std::uint32_t, std::shared_ptr<const TableDef>> defs_;
+    int txDepth_ = 0;
+    std::string path_;  // empty for memory images
+    std::shared_ptr<void> tx_;  // the journal and lock of the open unit (database_tx.cpp)
 };
 
 }  // namespace jet

@@ -9,12 +9,12 @@
 namespace jet {
 
 class Error : public std::runtime_error {
-public:
+  public:
     explicit Error(const std::string& message, long number = 0)
         : std::runtime_error(message), number_(number) {}
     long number() const { return number_; }
 
-private:
+  private:
     long number_;
 };
 

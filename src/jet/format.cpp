@@ -6,7 +6,8 @@
 
 namespace jet {
 
-void rc4Xor(const std::uint8_t* key, std::size_t keyLength, std::uint8_t* data, std::size_t length) {
+void rc4Xor(const std::uint8_t* key, std::size_t keyLength, std::uint8_t* data,
+            std::size_t length) {
     std::uint8_t s[256];
     for (int i = 0; i < 256; ++i) s[i] = std::uint8_t(i);
     std::uint8_t j = 0;

@@ -22,10 +22,10 @@ constexpr std::uint32_t kCatalogueTdefPage = 2;
 
 // Data page layout.
 namespace datapage {
-constexpr std::size_t kFreeSpace = 2;   // u16
-constexpr std::size_t kTdefPage = 4;    // u32, or "LVAL" on long-value pages
-constexpr std::size_t kRowCount = 12;   // u16
-constexpr std::size_t kRowTable = 14;   // u16 per row
+constexpr std::size_t kFreeSpace = 2;  // u16
+constexpr std::size_t kTdefPage = 4;   // u32, or "LVAL" on long-value pages
+constexpr std::size_t kRowCount = 12;  // u16
+constexpr std::size_t kRowTable = 14;  // u16 per row
 constexpr std::uint16_t kOffsetMask = 0x1FFF;
 constexpr std::uint16_t kDeletedFlag = 0x8000;
 constexpr std::uint16_t kOverflowFlag = 0x4000;  // row holds a 4-byte pointer to the real row
@@ -78,26 +78,40 @@ constexpr std::size_t kVersion = 0x14;
 constexpr std::size_t kMaskStart = 0x18;
 constexpr std::size_t kMaskLength = 128;
 constexpr std::uint32_t kMaskKey = 0x6B39DAC7;
-constexpr std::size_t kCodePage = 0x3C;     // u16
-constexpr std::size_t kDatabaseKey = 0x3E;  // u32; non-zero: pages are RC4-encoded
-constexpr std::size_t kPassword = 0x42;     // 40 bytes
-constexpr std::size_t kSortOrder = 0x6E;    // u16 sort order, then version
-constexpr std::size_t kCreationDate = 0x72; // double
+constexpr std::size_t kCodePage = 0x3C;      // u16
+constexpr std::size_t kDatabaseKey = 0x3E;   // u32; non-zero: pages are RC4-encoded
+constexpr std::size_t kPassword = 0x42;      // 40 bytes
+constexpr std::size_t kSortOrder = 0x6E;     // u16 sort order, then version
+constexpr std::size_t kCreationDate = 0x72;  // double
 }  // namespace header
 
 inline std::uint16_t u16(const std::uint8_t* p) { return std::uint16_t(p[0] | (p[1] << 8)); }
-inline std::uint32_t u24(const std::uint8_t* p) { return p[0] | (p[1] << 8) | (std::uint32_t(p[2]) << 16); }
+inline std::uint32_t u24(const std::uint8_t* p) {
+    return p[0] | (p[1] << 8) | (std::uint32_t(p[2]) << 16);
+}
 inline std::uint32_t u32(const std::uint8_t* p) {
     return p[0] | (p[1] << 8) | (std::uint32_t(p[2]) << 16) | (std::uint32_t(p[3]) << 24);
 }
-inline std::uint32_t u24be(const std::uint8_t* p) { return (std::uint32_t(p[0]) << 16) | (p[1] << 8) | p[2]; }
+inline std::uint32_t u24be(const std::uint8_t* p) {
+    return (std::uint32_t(p[0]) << 16) | (p[1] << 8) | p[2];
+}
 inline std::uint32_t u32be(const std::uint8_t* p) {
     return (std::uint32_t(p[0]) << 24) | (std::uint32_t(p[1]) << 16) | (p[2] << 8) | p[3];
 }
-inline void put16(std::uint8_t* p, std::uint16_t v) { p[0] = v & 0xFF; p[1] = v >> 8; }
-inline void put24(std::uint8_t* p, std::uint32_t v) { p[0] = v & 0xFF; p[1] = (v >> 8) & 0xFF; p[2] = (v >> 16) & 0xFF; }
+inline void put16(std::uint8_t* p, std::uint16_t v) {
+    p[0] = v & 0xFF;
+    p[1] = v >> 8;
+}
+inline void put24(std::uint8_t* p, std::uint32_t v) {
+    p[0] = v & 0xFF;
+    p[1] = (v >> 8) & 0xFF;
+    p[2] = (v >> 16) & 0xFF;
+}
 inline void put32(std::uint8_t* p, std::uint32_t v) {
-    p[0] = v & 0xFF; p[1] = (v >> 8) & 0xFF; p[2] = (v >> 16) & 0xFF; p[3] = v >> 24;
+    p[0] = v & 0xFF;
+    p[1] = (v >> 8) & 0xFF;
+    p[2] = (v >> 16) & 0xFF;
+    p[3] = v >> 24;
 }
 
 // RC4 stream XOR, used for the header mask and for encoded pages.

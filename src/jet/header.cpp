@@ -23,7 +23,8 @@ DatabaseHeader parseHeader(const PageBytes& page0) {
     h.version = u32(page0.data() + header::kVersion);
     if (h.version != 1) {
         // 0 is Jet 3 (Access 97); 2 and above are the ACE formats (Jet 5 onwards).
-        throw Error("unsupported Jet version " + std::to_string(h.version + 3), errnum::kNotDatabase);
+        throw Error("unsupported Jet version " + std::to_string(h.version + 3),
+                    errnum::kNotDatabase);
     }
     h.unmasked = page0;
     maskHeader(h.unmasked.data());

@@ -15,7 +15,7 @@ struct DatabaseHeader {
     std::uint16_t sortVersion = 0;  // the two bytes after the sort order
     double creationDate = 0;
     std::array<std::uint8_t, 40> password{};  // still masked by the creation date
-    PageBytes unmasked;  // the whole page 0 with the masked region decoded
+    PageBytes unmasked;                       // the whole page 0 with the masked region decoded
 };
 
 // Checks magic and version and decodes the masked region. Throws

@@ -10,8 +10,8 @@
 
 namespace jet {
 
-IndexPage readIndexPage(PageCache& pages, std::uint32_t n) {
-    PageRef ref = pages.page(n);
+namespace {
+IndexPage parseIndexPage(const PageRef& ref, std::uint32_t n) {
     const std::uint8_t* p = ref->data();
     if (p[0] != std::uint8_t(PageType::IndexNode) && p[0] != std::uint8_t(PageType::IndexLeaf))
         throwCorrupt(n, "expected an index page, found type " + std::to_string(p[0]));
@@ -36,7 +36,8 @@ IndexPage readIndexPage(PageCache& pages, std::uint32_t n) {
             std::vector<std::uint8_t> bytes;
             if (ip.entries.empty()) {
                 bytes.assign(p + start, p + end);
-                if (prefix > bytes.size()) throwCorrupt(n, "index prefix longer than the first entry");
+                if (prefix > bytes.size())
+                    throwCorrupt(n, "index prefix longer than the first entry");
                 first = bytes;
             } else {
                 bytes.reserve(prefix + end - start);
@@ -56,6 +57,11 @@ IndexPage readIndexPage(PageCache& pages, std::uint32_t n) {
         }
     }
     return ip;
+}
+}  // namespace
+
+IndexPage readIndexPage(PageCache& pages, std::uint32_t n) {
+    return parseIndexPage(pages.page(n), n);
 }
 
 namespace {
@@ -92,14 +98,14 @@ std::int64_t asInteger(const Value& v) {
     throw Error("index key value has the wrong type");
 }
 
-// Primary sort codes of Jet's General order (Access 2000-2003) as Access
-// writes them for letters and digits; letters fold case. Only codes seen
-// in Access-made indexes are listed; other characters end the prefix.
+// Primary sort codes of Jet's General order (Access 2000-2003) for letters
+// and digits, as Access writes them; letters fold case and plain ASCII
+// letters add no extra bytes. Other characters end the prefix.
 std::uint8_t generalCode(char16_t c) {
-    static const std::uint8_t letters[26] = {0x4A, 0x4C, 0x4D, 0x4F, 0x51, 0x53, 0x55, 0x57, 0x59,
-                                             0x5B, 0x5C, 0x5E, 0x60, 0x62, 0x64, 0x66, 0x68, 0x69,
-                                             0x6B, 0x6D, 0x6F, 0x71, 0x00 /* w */, 0x75, 0x76, 0x00 /* z */};
-    if (c >= '1' && c <= '4') return std::uint8_t(0x36 + 2 * (c - '0'));
+    static const std::uint8_t letters[26] = {
+        0x4A, 0x4C, 0x4D, 0x4F, 0x51, 0x53, 0x55, 0x57, 0x59,         0x5B, 0x5C, 0x5E, 0x60, 0x62,
+        0x64, 0x66, 0x68, 0x69, 0x6B, 0x6D, 0x6F, 0x71, 0x73, 0x75, 0x76, 0x78};
+    if (c >= '0' && c <= '9') return std::uint8_t(0x36 + 2 * (c - '0'));
     if (c >= 'A' && c <= 'Z') return letters[c - 'A'];
     if (c >= 'a' && c <= 'z') return letters[c - 'a'];
     return 0;
@@ -120,7 +126,8 @@ void textPrefix(const std::string& s, bool ascending, std::vector<std::uint8_t>&
 
 }  // namespace
 
-static void encodeOne(const Column& col, bool asc, const Value& v, std::vector<std::uint8_t>& out, bool& exact) {
+static void encodeOne(const Column& col, bool asc, const Value& v, std::vector<std::uint8_t>& out,
+                      bool& exact) {
     if (isNull(v)) {
         out.push_back(asc ? 0x00 : 0xFF);
         return;
@@ -176,13 +183,15 @@ static void encodeOne(const Column& col, bool asc, const Value& v, std::vector<s
             break;
         }
         default:
-            throw Error(std::string("index keys of type ") + columnTypeName(col.type) + " are not supported");
+            throw Error(std::string("index keys of type ") + columnTypeName(col.type) +
+                        " are not supported");
     }
     if (!asc) flip(bytes, 0);
     out.insert(out.end(), bytes.begin(), bytes.end());
 }
 
-std::vector<std::uint8_t> encodeIndexKey(const TableDef& def, const RealIndex& index, const std::vector<Value>& values) {
+std::vector<std::uint8_t> encodeIndexKey(const TableDef& def, const RealIndex& index,
+                                         const std::vector<Value>& values) {
     if (values.size() > index.columns.size()) throw Error("more key values than index columns");
     std::vector<std::uint8_t> out;
     bool exact = true;
@@ -203,7 +212,8 @@ bool indexKeyIsExact(const TableDef& def, const RealIndex& index, std::size_t va
     return true;
 }
 
-IndexCursor::IndexCursor(std::shared_ptr<Database> db, std::shared_ptr<const TableDef> def, std::size_t logicalIndex)
+IndexCursor::IndexCursor(std::shared_ptr<Database> db, std::shared_ptr<const TableDef> def,
+                         std::size_t logicalIndex)
     : db_(std::move(db)), def_(std::move(def)), logical_(logicalIndex) {
     if (logical_ >= def_->indexes.size()) throw Error("no such index");
 }
@@ -213,7 +223,7 @@ void IndexCursor::reset() {
     atEnd_ = false;
     pos_ = cur_ = 0;
     hops_ = 0;
-    page_ = IndexPage{};
+    page_ = std::make_shared<IndexPage>();
 }
 
 namespace {
@@ -227,7 +237,15 @@ int compareKey(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_
 
 bool IndexCursor::loadPage(std::uint32_t page) {
     if (++hops_ > db_->pages().pageCount() + 1) throwCorrupt(page, "index pages form a cycle");
-    page_ = readIndexPage(db_->pages(), page);
+    PageRef ref = db_->pages().page(page);
+    auto it = parsed_.find(page);
+    if (it != parsed_.end() && it->second.first == ref) {
+        page_ = it->second.second;
+    } else {
+        if (parsed_.size() >= 256) parsed_.clear();
+        page_ = std::make_shared<const IndexPage>(parseIndexPage(ref, page));
+        parsed_[page] = {ref, page_};
+    }
     pos_ = 0;
     return true;
 }
@@ -243,39 +261,41 @@ void IndexCursor::descendToLeaf(const std::vector<std::uint8_t>* key) {
     for (int depth = 0;; ++depth) {
         if (depth > 32) throwCorrupt(page, "index tree too deep (cycle?)");
         loadPage(page);
-        if (page_.type == PageType::IndexLeaf) break;
-        if (page_.entries.empty()) {
+        if (page_->type == PageType::IndexLeaf) break;
+        if (page_->entries.empty()) {
             // An empty node: its tail page, if any, holds the entries.
-            if (page_.tailPage == 0) {
+            if (page_->tailPage == 0) {
                 atEnd_ = true;
                 return;
             }
-            page = page_.tailPage;
+            page = page_->tailPage;
             continue;
         }
         std::size_t i = 0;
         if (key) {
-            auto it = std::find_if(page_.entries.begin(), page_.entries.end(),
-                                   [&](const IndexEntry& e) { return compareKey(e.key, *key) >= 0; });
-            i = std::size_t(it - page_.entries.begin());
+            auto it =
+                std::find_if(page_->entries.begin(), page_->entries.end(),
+                             [&](const IndexEntry& e) { return compareKey(e.key, *key) >= 0; });
+            i = std::size_t(it - page_->entries.begin());
             // Entry keys bound their subtrees; starting one subtree early is
             // always safe because leaves are chained forwards.
             if (i > 0) --i;
         }
-        page = page_.entries[i].childPage;
-        if (page == 0) throwCorrupt(page_.number, "index node entry without a child page");
+        page = page_->entries[i].childPage;
+        if (page == 0) throwCorrupt(page_->number, "index node entry without a child page");
     }
 }
 
 bool IndexCursor::followNext() {
-    while (pos_ >= page_.entries.size()) {
-        if (page_.nextPage == 0) {
+    while (pos_ >= page_->entries.size()) {
+        if (page_->nextPage == 0) {
             atEnd_ = true;
             return false;
         }
-        std::uint32_t next = page_.nextPage;
+        std::uint32_t next = page_->nextPage;
         loadPage(next);
-        if (page_.type != PageType::IndexLeaf) throwCorrupt(next, "leaf chain reaches a non-leaf page");
+        if (page_->type != PageType::IndexLeaf)
+            throwCorrupt(next, "leaf chain reaches a non-leaf page");
     }
     return true;
 }
@@ -289,8 +309,8 @@ bool IndexCursor::next() {
 }
 
 const IndexEntry& IndexCursor::entry() const {
-    if (cur_ >= page_.entries.size()) throw Error("index cursor is not on an entry");
-    return page_.entries[cur_];
+    if (cur_ >= page_->entries.size()) throw Error("index cursor is not on an entry");
+    return page_->entries[cur_];
 }
 
 void IndexCursor::seek(const std::vector<std::uint8_t>& key) {
@@ -299,8 +319,9 @@ void IndexCursor::seek(const std::vector<std::uint8_t>& key) {
     if (atEnd_) return;
     for (;;) {
         if (!followNext()) return;
-        while (pos_ < page_.entries.size() && compareKey(page_.entries[pos_].key, key) < 0) ++pos_;
-        if (pos_ < page_.entries.size()) return;
+        while (pos_ < page_->entries.size() && compareKey(page_->entries[pos_].key, key) < 0)
+            ++pos_;
+        if (pos_ < page_->entries.size()) return;
     }
 }
 
@@ -319,9 +340,11 @@ std::vector<RowId> IndexCursor::find(const std::vector<Value>& values) {
     Table table(db_, def_);
     while (next()) {
         const IndexEntry& e = entry();
-        if (e.key.size() < key.size() || std::memcmp(e.key.data(), key.data(), key.size()) != 0) break;
+        if (e.key.size() < key.size() || std::memcmp(e.key.data(), key.data(), key.size()) != 0)
+            break;
         if (exact) {
-            if (e.key.size() == key.size() || values.size() < real().columns.size()) out.push_back(e.row);
+            if (e.key.size() == key.size() || values.size() < real().columns.size())
+                out.push_back(e.row);
             continue;
         }
         // A prefix match: compare the row's own values.

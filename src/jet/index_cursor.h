@@ -1,12 +1,13 @@
 #pragma once
 // Walking an index B-tree in key order and seeking a key.
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
 
-#include "jet/table_def.h"
 #include "jet/page_file.h"
+#include "jet/table_def.h"
 #include "jet/value.h"
 
 namespace jet {
@@ -40,8 +41,9 @@ std::vector<std::uint8_t> encodeIndexKey(const TableDef& def, const RealIndex& i
 bool indexKeyIsExact(const TableDef& def, const RealIndex& index, std::size_t valueCount);
 
 class IndexCursor {
-public:
-    IndexCursor(std::shared_ptr<Database> db, std::shared_ptr<const TableDef> def, std::size_t logicalIndex);
+  public:
+    IndexCursor(std::shared_ptr<Database> db, std::shared_ptr<const TableDef> def,
+                std::size_t logicalIndex);
     const Index& logical() const { return def_->indexes[logical_]; }
     const RealIndex& real() const { return def_->realIndexes[logical().realIndex]; }
 
@@ -57,14 +59,17 @@ public:
     // Every entry, in order (for checks and tests).
     std::vector<IndexEntry> all();
 
-private:
+  private:
     void descendToLeaf(const std::vector<std::uint8_t>* key);
     bool loadPage(std::uint32_t page);
     std::shared_ptr<Database> db_;
     std::shared_ptr<const TableDef> def_;
     std::size_t logical_;
     bool followNext();
-    IndexPage page_;
+    // Parsed pages, reused while the page cache still hands out the same
+    // bytes (a page written since is parsed again).
+    std::map<std::uint32_t, std::pair<PageRef, std::shared_ptr<const IndexPage>>> parsed_;
+    std::shared_ptr<const IndexPage> page_ = std::make_shared<IndexPage>();
     std::size_t pos_ = 0;  // next entry to yield
     std::size_t cur_ = 0;  // entry last yielded
     bool started_ = false;

@@ -38,7 +38,8 @@ long long writeAt(int fd, const void* buf, std::size_t n, std::uint64_t off) {
 
 }  // namespace
 
-FilePageStore::FilePageStore(const std::string& path, bool writable) : path_(path), writable_(writable) {
+FilePageStore::FilePageStore(const std::string& path, bool writable)
+    : path_(path), writable_(writable) {
     int flags = writable ? O_RDWR : O_RDONLY;
 #ifdef _WIN32
     flags |= O_BINARY;
@@ -67,7 +68,8 @@ void FilePageStore::read(std::uint32_t page, std::uint8_t* out) {
     if (page >= pageCount()) throwCorrupt(page, "beyond the end of the file");
     std::size_t done = 0;
     while (done < kPageSize) {
-        long long n = readAt(fd_, out + done, kPageSize - done, std::uint64_t(page) * kPageSize + done);
+        long long n =
+            readAt(fd_, out + done, kPageSize - done, std::uint64_t(page) * kPageSize + done);
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) throw Error("read error in " + path_ + " at page " + std::to_string(page));
         done += std::size_t(n);
@@ -76,10 +78,12 @@ void FilePageStore::read(std::uint32_t page, std::uint8_t* out) {
 
 void FilePageStore::write(std::uint32_t page, const std::uint8_t* data) {
     if (!writable_) throw Error("the database is open read-only", errnum::kReadOnly);
-    if (page > pageCount()) throw Error("page " + std::to_string(page) + " is beyond the end of the file");
+    if (page > pageCount())
+        throw Error("page " + std::to_string(page) + " is beyond the end of the file");
     std::size_t done = 0;
     while (done < kPageSize) {
-        long long n = writeAt(fd_, data + done, kPageSize - done, std::uint64_t(page) * kPageSize + done);
+        long long n =
+            writeAt(fd_, data + done, kPageSize - done, std::uint64_t(page) * kPageSize + done);
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) throw Error("write error in " + path_ + " at page " + std::to_string(page));
         done += std::size_t(n);
@@ -101,7 +105,8 @@ void MemoryPageStore::read(std::uint32_t page, std::uint8_t* out) {
 
 void MemoryPageStore::write(std::uint32_t page, const std::uint8_t* data) {
     if (!writable_) throw Error("the database is open read-only", errnum::kReadOnly);
-    if (page > pageCount()) throw Error("page " + std::to_string(page) + " is beyond the end of the file");
+    if (page > pageCount())
+        throw Error("page " + std::to_string(page) + " is beyond the end of the file");
     std::size_t need = (std::size_t(page) + 1) * kPageSize;
     if (bytes_.size() < need) bytes_.resize(need);
     std::memcpy(bytes_.data() + std::size_t(page) * kPageSize, data, kPageSize);
@@ -137,12 +142,18 @@ PageRef PageCache::page(std::uint32_t n) {
 
 static const char* pageTypeName(PageType t) {
     switch (t) {
-        case PageType::Header: return "the header page";
-        case PageType::Data: return "a data page";
-        case PageType::TableDef: return "a table definition page";
-        case PageType::IndexNode: return "an index node page";
-        case PageType::IndexLeaf: return "an index leaf page";
-        case PageType::UsageMap: return "a usage map page";
+        case PageType::Header:
+            return "the header page";
+        case PageType::Data:
+            return "a data page";
+        case PageType::TableDef:
+            return "a table definition page";
+        case PageType::IndexNode:
+            return "an index node page";
+        case PageType::IndexLeaf:
+            return "an index leaf page";
+        case PageType::UsageMap:
+            return "a usage map page";
     }
     return "a page";
 }

@@ -18,7 +18,7 @@ using PageRef = std::shared_ptr<const PageBytes>;
 
 // Raw storage of pages. read() fills exactly kPageSize bytes or throws.
 class PageStore {
-public:
+  public:
     virtual ~PageStore() = default;
     virtual std::uint32_t pageCount() const = 0;  // whole pages in the store
     virtual void read(std::uint32_t page, std::uint8_t* out) = 0;
@@ -30,7 +30,7 @@ public:
 // A file opened read-only (writable=false) or read-write. Uses positioned
 // reads; nothing is read before it is asked for.
 class FilePageStore : public PageStore {
-public:
+  public:
     FilePageStore(const std::string& path, bool writable);
     ~FilePageStore() override;
     FilePageStore(const FilePageStore&) = delete;
@@ -43,7 +43,7 @@ public:
     int fd() const { return fd_; }
     const std::string& path() const { return path_; }
 
-private:
+  private:
     std::string path_;
     int fd_ = -1;
     bool writable_;
@@ -52,7 +52,7 @@ private:
 
 // A database image in memory (fuzzing, tests). A trailing partial page is ignored.
 class MemoryPageStore : public PageStore {
-public:
+  public:
     explicit MemoryPageStore(std::vector<std::uint8_t> bytes, bool writable = false)
         : bytes_(std::move(bytes)), writable_(writable) {}
     std::uint32_t pageCount() const override { return std::uint32_t(bytes_.size() / kPageSize); }
@@ -61,7 +61,7 @@ public:
     bool writable() const override { return writable_; }
     const std::vector<std::uint8_t>& bytes() const { return bytes_; }
 
-private:
+  private:
     std::vector<std::uint8_t> bytes_;
     bool writable_;
 };
@@ -69,7 +69,7 @@ private:
 // Pages as the engine sees them: unmasked (encoded databases are decoded
 // with the database key) and cached.
 class PageCache {
-public:
+  public:
     explicit PageCache(std::unique_ptr<PageStore> store, std::size_t capacity = 1024);
     PageStore& store() { return *store_; }
     std::uint32_t pageCount() const { return store_->pageCount(); }
@@ -84,7 +84,7 @@ public:
     void setDatabaseKey(std::uint32_t key) { dbKey_ = key; }
     std::uint32_t databaseKey() const { return dbKey_; }
 
-private:
+  private:
     void code(std::uint32_t n, std::uint8_t* bytes) const;
     std::unique_ptr<PageStore> store_;
     std::size_t capacity_;

@@ -10,21 +10,13 @@
 
 namespace jet {
 
-struct RowDecoder::Layout {
-    std::uint16_t numCols = 0;
-    std::size_t size = 0;
-    std::size_t nullMask = 0;  // offset of the null mask
-    std::uint16_t varLen = 0;
-    std::size_t eod = 0;       // end of the variable data
-    std::size_t dataEnd = 0;   // where fixed data must end
-};
-
 RowDecoder::Layout RowDecoder::layout(const RowBytes& row) const {
     Layout l;
     const std::uint8_t* d = row.data();
     l.size = row.size();
     auto bad = [&](const char* what) {
-        throwCorrupt(row.pageNumber, "row " + std::to_string(row.row) + " of " + def_.name + ": " + what);
+        throwCorrupt(row.pageNumber,
+                     "row " + std::to_string(row.row) + " of " + def_.name + ": " + what);
     };
     if (l.size < 3) bad("shorter than its header");
     l.numCols = u16(d);
@@ -65,30 +57,52 @@ Value RowDecoder::column(const RowBytes& row, const Layout& l, const Column& c) 
     if (c.isFixed()) {
         n = c.length ? c.length : fixedSizeOf(c.type);
         std::size_t start = 2 + std::size_t(c.fixedOffset);
-        if (start + n > l.dataEnd) throwCorrupt(row.pageNumber, "row " + std::to_string(row.row) + " of " + def_.name + ": column " + c.name + " outside the row");
+        if (start + n > l.dataEnd)
+            throwCorrupt(row.pageNumber, "row " + std::to_string(row.row) + " of " + def_.name +
+                                             ": column " + c.name + " outside the row");
         p = d + start;
     } else {
         if (c.varIndex >= l.varLen) return Value{};
         std::size_t base = l.nullMask - 4;
         std::size_t start = u16(d + base - 2 * std::size_t(c.varIndex));
-        std::size_t end = std::size_t(c.varIndex) + 1 < l.varLen ? u16(d + base - 2 * (std::size_t(c.varIndex) + 1)) : l.eod;
+        std::size_t end = std::size_t(c.varIndex) + 1 < l.varLen
+                              ? u16(d + base - 2 * (std::size_t(c.varIndex) + 1))
+                              : l.eod;
         if (start > end || end > l.eod || start < 2)
-            throwCorrupt(row.pageNumber, "row " + std::to_string(row.row) + " of " + def_.name + ": column " + c.name + " has impossible bounds");
+            throwCorrupt(row.pageNumber, "row " + std::to_string(row.row) + " of " + def_.name +
+                                             ": column " + c.name + " has impossible bounds");
         p = d + start;
         n = end - start;
     }
     auto need = [&](std::size_t k) {
-        if (n < k) throwCorrupt(row.pageNumber, "row " + std::to_string(row.row) + " of " + def_.name + ": column " + c.name + " is too short");
+        if (n < k)
+            throwCorrupt(row.pageNumber, "row " + std::to_string(row.row) + " of " + def_.name +
+                                             ": column " + c.name + " is too short");
     };
     switch (c.type) {
-        case ColumnType::Boolean: return Value{present};
-        case ColumnType::Byte: need(1); return Value{std::uint8_t(p[0])};
-        case ColumnType::Integer: need(2); return Value{std::int16_t(u16(p))};
-        case ColumnType::Long: need(4); return Value{std::int32_t(u32(p))};
-        case ColumnType::Currency: need(8); return Value{Currency{load<std::int64_t>(p)}};
-        case ColumnType::Single: need(4); return Value{load<float>(p)};
-        case ColumnType::Double: need(8); return Value{load<double>(p)};
-        case ColumnType::DateTime: need(8); return Value{DateTime{load<double>(p)}};
+        case ColumnType::Boolean:
+            return Value{present};
+        case ColumnType::Byte:
+            need(1);
+            return Value{std::uint8_t(p[0])};
+        case ColumnType::Integer:
+            need(2);
+            return Value{std::int16_t(u16(p))};
+        case ColumnType::Long:
+            need(4);
+            return Value{std::int32_t(u32(p))};
+        case ColumnType::Currency:
+            need(8);
+            return Value{Currency{load<std::int64_t>(p)}};
+        case ColumnType::Single:
+            need(4);
+            return Value{load<float>(p)};
+        case ColumnType::Double:
+            need(8);
+            return Value{load<double>(p)};
+        case ColumnType::DateTime:
+            need(8);
+            return Value{DateTime{load<double>(p)}};
         case ColumnType::Guid: {
             need(16);
             Guid g;
@@ -104,8 +118,10 @@ Value RowDecoder::column(const RowBytes& row, const Layout& l, const Column& c) 
             for (int k = 0; k < 4; ++k) dec.magnitude = (dec.magnitude << 32) | u32(p + 1 + 4 * k);
             return Value{dec};
         }
-        case ColumnType::Text: return Value{decodeText(p, n)};
-        case ColumnType::Binary: return Value{Binary(p, p + n)};
+        case ColumnType::Text:
+            return Value{decodeText(p, n)};
+        case ColumnType::Binary:
+            return Value{Binary(p, p + n)};
         case ColumnType::Memo: {
             if (n == 0) return Value{std::string()};
             Binary b = readLongValue(pages_, p, n);
@@ -132,7 +148,8 @@ Value RowDecoder::decodeColumn(const RowBytes& row, std::size_t pos) const {
     return column(row, l, def_.columns.at(pos));
 }
 
-Table::Table(std::shared_ptr<Database> db, std::shared_ptr<const TableDef> def) : db_(std::move(db)), def_(std::move(def)) {}
+Table::Table(std::shared_ptr<Database> db, std::shared_ptr<const TableDef> def)
+    : db_(std::move(db)), def_(std::move(def)) {}
 
 std::vector<std::uint32_t> Table::dataPages() const {
     UsageMap m = readUsageMap(db_->pages(), def_->usedPages);
@@ -140,7 +157,8 @@ std::vector<std::uint32_t> Table::dataPages() const {
     for (std::uint32_t p : m.pages) {
         if (p == 0) continue;
         PageRef pg = db_->pages().page(p);
-        if ((*pg)[0] == std::uint8_t(PageType::Data) && u32(pg->data() + datapage::kTdefPage) == def_->page)
+        if ((*pg)[0] == std::uint8_t(PageType::Data) &&
+            u32(pg->data() + datapage::kTdefPage) == def_->page)
             out.push_back(p);
     }
     return out;
@@ -167,7 +185,8 @@ bool Table::liveRow(std::uint32_t page, std::uint16_t row, RowBytes& out) const 
             continue;
         }
         target.flags = 0;
-        if (target.start == 0 && target.end == 0) throwCorrupt(next.page, "overflow row target is empty");
+        if (target.start == 0 && target.end == 0)
+            throwCorrupt(next.page, "overflow row target is empty");
         r = target;
         break;
     }
@@ -183,12 +202,32 @@ void Table::scan(const std::function<bool(RowId, const Row&)>& visit) const {
     for (std::uint32_t p : m.pages) {
         if (p == 0) continue;
         PageRef pg = db_->pages().page(p);
-        if ((*pg)[0] != std::uint8_t(PageType::Data) || u32(pg->data() + datapage::kTdefPage) != def_->page) continue;
+        if ((*pg)[0] != std::uint8_t(PageType::Data) ||
+            u32(pg->data() + datapage::kTdefPage) != def_->page)
+            continue;
         std::uint16_t count = rowCountOf(*pg);
         for (std::uint16_t i = 0; i < count; ++i) {
             RowBytes r;
             if (!liveRow(p, i, r)) continue;
             if (!visit(RowId{p, i}, dec.decode(r))) return;
+        }
+    }
+}
+
+void Table::scanLazy(const std::function<bool(const RowView&)>& visit) const {
+    RowDecoder dec(db_->pages(), *def_);
+    UsageMap m = readUsageMap(db_->pages(), def_->usedPages);
+    for (std::uint32_t p : m.pages) {
+        if (p == 0) continue;
+        PageRef pg = db_->pages().page(p);
+        if ((*pg)[0] != std::uint8_t(PageType::Data) ||
+            u32(pg->data() + datapage::kTdefPage) != def_->page)
+            continue;
+        std::uint16_t count = rowCountOf(*pg);
+        for (std::uint16_t i = 0; i < count; ++i) {
+            RowBytes r;
+            if (!liveRow(p, i, r)) continue;
+            if (!visit(RowView(dec, *def_, std::move(r), RowId{p, i}))) return;
         }
     }
 }
@@ -208,7 +247,8 @@ std::vector<RowId> Table::rowIds() const {
 
 std::optional<Row> Table::read(RowId id) const {
     PageRef pg = db_->pages().page(id.page);
-    if ((*pg)[0] != std::uint8_t(PageType::Data) || u32(pg->data() + datapage::kTdefPage) != def_->page)
+    if ((*pg)[0] != std::uint8_t(PageType::Data) ||
+        u32(pg->data() + datapage::kTdefPage) != def_->page)
         return std::nullopt;
     if (id.row >= rowCountOf(*pg)) return std::nullopt;
     RowBytes r;

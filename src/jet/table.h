@@ -19,22 +19,55 @@ class IndexCursor;
 // Decodes the values of one stored row. Columns beyond the row's own column
 // count (added after the row was written) read as Null.
 class RowDecoder {
-public:
+  public:
+    // Where the parts of one stored row lie.
+    struct Layout {
+        std::uint16_t numCols = 0;
+        std::size_t size = 0;
+        std::size_t nullMask = 0;  // offset of the null mask
+        std::uint16_t varLen = 0;
+        std::size_t eod = 0;      // end of the variable data
+        std::size_t dataEnd = 0;  // where fixed data must end
+    };
+
     RowDecoder(PageCache& pages, const TableDef& def) : pages_(pages), def_(def) {}
     // Throws "corrupt page N: ..." for a row whose layout does not fit.
     Row decode(const RowBytes& row) const;
     Value decodeColumn(const RowBytes& row, std::size_t columnPosition) const;
-
-private:
-    struct Layout;
     Layout layout(const RowBytes& row) const;
     Value column(const RowBytes& row, const Layout& l, const Column& c) const;
+
+  private:
     PageCache& pages_;
     const TableDef& def_;
 };
 
+// One live row, decoded column by column on demand (for scans that need a
+// few columns of wide rows).
+class RowView {
+  public:
+    RowView(const RowDecoder& decoder, const TableDef& def, RowBytes bytes, RowId id)
+        : dec_(&decoder),
+          def_(&def),
+          bytes_(std::move(bytes)),
+          id_(id),
+          layout_(decoder.layout(bytes_)) {}
+    RowId id() const { return id_; }
+    Value value(std::size_t columnPosition) const {
+        return dec_->column(bytes_, layout_, def_->columns.at(columnPosition));
+    }
+    Row all() const { return dec_->decode(bytes_); }
+
+  private:
+    const RowDecoder* dec_;
+    const TableDef* def_;
+    RowBytes bytes_;
+    RowId id_;
+    RowDecoder::Layout layout_;
+};
+
 class Table {
-public:
+  public:
     Table(std::shared_ptr<Database> db, std::shared_ptr<const TableDef> def);
     const TableDef& def() const { return *def_; }
     std::shared_ptr<const TableDef> defPtr() const { return def_; }
@@ -50,6 +83,8 @@ public:
     // answers false to stop.
     void scan(const std::function<bool(RowId, const Row&)>& visit) const;
     std::vector<RowId> rowIds() const;
+    // The same rows as scan(), each decoded only as far as the visitor asks.
+    void scanLazy(const std::function<bool(const RowView&)>& visit) const;
     // The row at id, following an overflow pointer; nullopt for a deleted
     // row or a row of another table.
     std::optional<Row> read(RowId id) const;
@@ -60,7 +95,7 @@ public:
     IndexCursor index(std::size_t logicalIndex) const;
     IndexCursor index(const std::string& name) const;  // throws when missing
 
-private:
+  private:
     bool liveRow(std::uint32_t page, std::uint16_t row, RowBytes& out) const;
     std::shared_ptr<Database> db_;
     std::shared_ptr<const TableDef> def_;

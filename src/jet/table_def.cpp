@@ -35,21 +35,32 @@ const Column* TableDef::columnByNumber(std::uint16_t number) const {
 }
 
 std::uint16_t TableDef::fixedColumnCount() const {
-    return std::uint16_t(std::count_if(columns.begin(), columns.end(), [](const Column& c) { return c.isFixed(); }));
+    return std::uint16_t(
+        std::count_if(columns.begin(), columns.end(), [](const Column& c) { return c.isFixed(); }));
 }
 
 namespace {
 
 // Bounds-checked reading of the concatenated definition.
 class Cursor {
-public:
+  public:
     Cursor(const PageBytes& b, std::uint32_t page) : b_(b), page_(page) {}
     void need(std::size_t at, std::size_t n) const {
-        if (at > b_.size() || n > b_.size() - at) throwCorrupt(page_, "table definition is truncated");
+        if (at > b_.size() || n > b_.size() - at)
+            throwCorrupt(page_, "table definition is truncated");
     }
-    std::uint8_t u8(std::size_t at) const { need(at, 1); return b_[at]; }
-    std::uint16_t r16(std::size_t at) const { need(at, 2); return u16(b_.data() + at); }
-    std::uint32_t r32(std::size_t at) const { need(at, 4); return u32(b_.data() + at); }
+    std::uint8_t u8(std::size_t at) const {
+        need(at, 1);
+        return b_[at];
+    }
+    std::uint16_t r16(std::size_t at) const {
+        need(at, 2);
+        return u16(b_.data() + at);
+    }
+    std::uint32_t r32(std::size_t at) const {
+        need(at, 4);
+        return u32(b_.data() + at);
+    }
     std::string name(std::size_t& at) const {
         std::uint16_t len = r16(at);
         need(at + 2, len);
@@ -58,7 +69,7 @@ public:
         return s;
     }
 
-private:
+  private:
     const PageBytes& b_;
     std::uint32_t page_;
 };
@@ -70,7 +81,8 @@ std::shared_ptr<TableDef> parseTableDef(const PageBytes& raw, std::uint32_t page
     auto d = std::make_shared<TableDef>();
     d->page = page;
     d->raw = raw;
-    if (c.u8(0) != std::uint8_t(PageType::TableDef)) throwCorrupt(page, "not a table definition page");
+    if (c.u8(0) != std::uint8_t(PageType::TableDef))
+        throwCorrupt(page, "not a table definition page");
     d->rowCount = c.r32(tdef::kRowCount);
     d->nextAutoNumber = c.r32(tdef::kAutoNumber);
     d->autoNumberFlag = c.u8(tdef::kAutoNumberFlag);
@@ -85,7 +97,8 @@ std::shared_ptr<TableDef> parseTableDef(const PageBytes& raw, std::uint32_t page
     d->freePages = c.r32(tdef::kFreePages);
     // A definition is at most a few pages; counts beyond what could fit are corruption.
     if (realCount > 1000 || logicalCount > 1000 || realCount > raw.size() / tdef::kRealIndexEntry ||
-        logicalCount > raw.size() / tdef::kLogicalIndexEntry || d->columnCount > raw.size() / tdef::kColumnEntry)
+        logicalCount > raw.size() / tdef::kLogicalIndexEntry ||
+        d->columnCount > raw.size() / tdef::kColumnEntry)
         throwCorrupt(page, "impossible counts in the table definition");
 
     std::size_t at = tdef::kBlockEnd;

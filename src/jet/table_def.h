@@ -38,17 +38,17 @@ constexpr std::uint8_t kCompressedUnicode = 0x01;
 struct Column {
     std::string name;
     ColumnType type = ColumnType::Text;
-    std::uint32_t tableId = 0;   // the 4 bytes after the type (unknown meaning; kept for writing)
-    std::uint16_t number = 0;    // position in the null mask; counts deleted columns
-    std::uint16_t varIndex = 0;  // slot in the variable-offset table (variable columns)
-    std::uint16_t index = 0;     // second column number of the descriptor
-    std::uint16_t sortOrder = 0; // text columns: 0x409 General (bytes 11-12)
-    std::uint8_t precision = 0;  // Numeric (byte 11)
-    std::uint8_t scale = 0;      // Numeric (byte 12)
-    std::uint16_t miscExt = 0;   // bytes 13-14 (sort order version in the second byte)
-    std::uint8_t flags = 0;      // colflag::
-    std::uint8_t miscFlags = 0;  // colmisc::
-    std::uint32_t unknown17 = 0; // bytes 17-20
+    std::uint32_t tableId = 0;    // the 4 bytes after the type (unknown meaning; kept for writing)
+    std::uint16_t number = 0;     // position in the null mask; counts deleted columns
+    std::uint16_t varIndex = 0;   // slot in the variable-offset table (variable columns)
+    std::uint16_t index = 0;      // second column number of the descriptor
+    std::uint16_t sortOrder = 0;  // text columns: 0x409 General (bytes 11-12)
+    std::uint8_t precision = 0;   // Numeric (byte 11)
+    std::uint8_t scale = 0;       // Numeric (byte 12)
+    std::uint16_t miscExt = 0;    // bytes 13-14 (sort order version in the second byte)
+    std::uint8_t flags = 0;       // colflag::
+    std::uint8_t miscFlags = 0;   // colmisc::
+    std::uint32_t unknown17 = 0;  // bytes 17-20
     std::uint16_t fixedOffset = 0;  // offset in the fixed part of a row (after the column count)
     std::uint16_t length = 0;       // bytes (Text: 2 per character); 0 for Memo/OLE
 
@@ -73,12 +73,12 @@ constexpr std::uint8_t kRequired = 0x08;
 
 // A physical index: one B-tree.
 struct RealIndex {
-    std::uint32_t unknownA = 0;  // first 4 bytes of the 52-byte entry
-    std::uint32_t rowCount = 0;  // from the 12-byte count block
+    std::uint32_t unknownA = 0;        // first 4 bytes of the 52-byte entry
+    std::uint32_t rowCount = 0;        // from the 12-byte count block
     std::vector<IndexColumn> columns;  // up to 10
-    std::uint32_t usedPages = 0;  // data pointer to its usage map
-    std::uint32_t rootPage = 0;   // first_dp
-    std::uint8_t flags = 0;       // idxflag::
+    std::uint32_t usedPages = 0;       // data pointer to its usage map
+    std::uint32_t rootPage = 0;        // first_dp
+    std::uint8_t flags = 0;            // idxflag::
 };
 
 // A logical index (what users see by name); several may share a RealIndex.
@@ -121,7 +121,8 @@ struct TableDef {
     std::vector<RealIndex> realIndexes;
     std::vector<Index> indexes;
     std::vector<VarColumnMaps> varColumnMaps;
-    PageBytes raw;  // the concatenated definition (first page whole, later pages after their 8-byte header)
+    PageBytes raw;  // the concatenated definition (first page whole, later pages after their 8-byte
+                    // header)
 
     const Column* column(const std::string& name) const;  // case-insensitive; nullptr if none
     int columnPosition(const std::string& name) const;    // index into columns, -1 if none

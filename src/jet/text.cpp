@@ -161,7 +161,8 @@ std::vector<std::uint8_t> encodeText(const std::string& utf8, bool allowCompress
     if (allowCompression) {
         // Characters whose low byte is zero cannot appear in the two-byte
         // runs (a zero byte switches modes), so such text stays plain.
-        bool possible = std::none_of(u.begin(), u.end(), [](char16_t c) { return (c & 0xFF) == 0; });
+        bool possible =
+            std::none_of(u.begin(), u.end(), [](char16_t c) { return (c & 0xFF) == 0; });
         if (possible) {
             std::vector<std::uint8_t> out{0xFF, 0xFE};
             bool compressed = true;
@@ -204,6 +205,8 @@ int compareTextNoCase(const std::string& a, const std::string& b) {
     return x.size() == y.size() ? 0 : (x.size() < y.size() ? -1 : 1);
 }
 
-bool equalsNoCase(const std::string& a, const std::string& b) { return compareTextNoCase(a, b) == 0; }
+bool equalsNoCase(const std::string& a, const std::string& b) {
+    return compareTextNoCase(a, b) == 0;
+}
 
 }  // namespace jet

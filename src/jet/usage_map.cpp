@@ -25,7 +25,8 @@ RowBytes rowBytes(const PageRef& page, std::uint32_t pageNumber, std::uint16_t r
     r.flags = raw & (datapage::kDeletedFlag | datapage::kOverflowFlag);
     r.start = raw & datapage::kOffsetMask;
     r.end = row == 0 ? std::uint16_t(kPageSize)
-                     : std::uint16_t(u16(p.data() + datapage::kRowTable + 2 * (row - 1)) & datapage::kOffsetMask);
+                     : std::uint16_t(u16(p.data() + datapage::kRowTable + 2 * (row - 1)) &
+                                     datapage::kOffsetMask);
     if (r.flags & datapage::kDeletedFlag) {
         // A deleted row's bounds are not relied on; clamp them.
         if (r.start < tableEnd || r.start > r.end) r.start = r.end = 0;
@@ -36,9 +37,13 @@ RowBytes rowBytes(const PageRef& page, std::uint32_t pageNumber, std::uint16_t r
     return r;
 }
 
-RowBytes rowBytes(PageCache& pages, RowId id) { return rowBytes(pages.page(id.page), id.page, id.row); }
+RowBytes rowBytes(PageCache& pages, RowId id) {
+    return rowBytes(pages.page(id.page), id.page, id.row);
+}
 
-bool UsageMap::contains(std::uint32_t page) const { return std::binary_search(pages.begin(), pages.end(), page); }
+bool UsageMap::contains(std::uint32_t page) const {
+    return std::binary_search(pages.begin(), pages.end(), page);
+}
 
 namespace {
 void collectBits(const std::uint8_t* bits, std::size_t n, std::uint32_t first, std::uint32_t limit,
@@ -76,7 +81,8 @@ UsageMap readUsageMap(PageCache& pages, std::uint32_t dataPointer) {
             m.mapPages.push_back(mp);
             if (mp == 0) continue;
             PageRef page = pages.page(mp, PageType::UsageMap);
-            collectBits(page->data() + 4, kPageSize - 4, std::uint32_t(i * kPagesPerMapPage), limit, m.pages);
+            collectBits(page->data() + 4, kPageSize - 4, std::uint32_t(i * kPagesPerMapPage), limit,
+                        m.pages);
         }
     } else {
         throwCorrupt(m.where.page, "unknown usage map type " + std::to_string(m.type));

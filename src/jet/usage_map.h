@@ -13,9 +13,9 @@ namespace jet {
 constexpr std::uint32_t kPagesPerMapPage = (kPageSize - 4) * 8;
 
 struct UsageMap {
-    RowId where;              // the row holding the map
-    std::uint8_t type = 0;    // 0 inline, 1 reference
-    std::uint32_t startPage = 0;        // type 0
+    RowId where;                          // the row holding the map
+    std::uint8_t type = 0;                // 0 inline, 1 reference
+    std::uint32_t startPage = 0;          // type 0
     std::vector<std::uint32_t> mapPages;  // type 1: page of each 0x05 page (0 = none)
     std::vector<std::uint32_t> pages;     // every page marked, ascending
     bool contains(std::uint32_t page) const;

@@ -8,20 +8,34 @@ namespace jet {
 
 const char* columnTypeName(ColumnType t) {
     switch (t) {
-        case ColumnType::Boolean: return "Boolean";
-        case ColumnType::Byte: return "Byte";
-        case ColumnType::Integer: return "Integer";
-        case ColumnType::Long: return "Long Integer";
-        case ColumnType::Currency: return "Currency";
-        case ColumnType::Single: return "Single";
-        case ColumnType::Double: return "Double";
-        case ColumnType::DateTime: return "DateTime";
-        case ColumnType::Binary: return "Binary";
-        case ColumnType::Text: return "Text";
-        case ColumnType::OLE: return "OLE";
-        case ColumnType::Memo: return "Memo";
-        case ColumnType::Guid: return "Replication ID";
-        case ColumnType::Numeric: return "Numeric";
+        case ColumnType::Boolean:
+            return "Boolean";
+        case ColumnType::Byte:
+            return "Byte";
+        case ColumnType::Integer:
+            return "Integer";
+        case ColumnType::Long:
+            return "Long Integer";
+        case ColumnType::Currency:
+            return "Currency";
+        case ColumnType::Single:
+            return "Single";
+        case ColumnType::Double:
+            return "Double";
+        case ColumnType::DateTime:
+            return "DateTime";
+        case ColumnType::Binary:
+            return "Binary";
+        case ColumnType::Text:
+            return "Text";
+        case ColumnType::OLE:
+            return "OLE";
+        case ColumnType::Memo:
+            return "Memo";
+        case ColumnType::Guid:
+            return "Replication ID";
+        case ColumnType::Numeric:
+            return "Numeric";
     }
     return "Unknown";
 }
@@ -32,17 +46,28 @@ bool isKnownColumnType(std::uint8_t c) {
 
 std::uint16_t fixedSizeOf(ColumnType t) {
     switch (t) {
-        case ColumnType::Boolean: return 0;  // lives in the null mask
-        case ColumnType::Byte: return 1;
-        case ColumnType::Integer: return 2;
-        case ColumnType::Long: return 4;
-        case ColumnType::Currency: return 8;
-        case ColumnType::Single: return 4;
-        case ColumnType::Double: return 8;
-        case ColumnType::DateTime: return 8;
-        case ColumnType::Guid: return 16;
-        case ColumnType::Numeric: return 17;
-        default: return 0;
+        case ColumnType::Boolean:
+            return 0;  // lives in the null mask
+        case ColumnType::Byte:
+            return 1;
+        case ColumnType::Integer:
+            return 2;
+        case ColumnType::Long:
+            return 4;
+        case ColumnType::Currency:
+            return 8;
+        case ColumnType::Single:
+            return 4;
+        case ColumnType::Double:
+            return 8;
+        case ColumnType::DateTime:
+            return 8;
+        case ColumnType::Guid:
+            return 16;
+        case ColumnType::Numeric:
+            return 17;
+        default:
+            return 0;
     }
 }
 
@@ -102,16 +127,18 @@ double fromCivil(const CivilTime& t) {
 std::string formatDate(double days) {
     CivilTime t = toCivil(days);
     char buf[64];
-    std::snprintf(buf, sizeof buf, "%02d/%02d/%02d %02d:%02d:%02d", t.month, t.day, ((t.year % 100) + 100) % 100,
-                  t.hour, t.minute, t.second);
+    std::snprintf(buf, sizeof buf, "%02d/%02d/%02d %02d:%02d:%02d", t.month, t.day,
+                  ((t.year % 100) + 100) % 100, t.hour, t.minute, t.second);
     return buf;
 }
 
 std::string formatGuid(const Guid& g) {
     const auto& b = g.bytes;
     char buf[64];
-    std::snprintf(buf, sizeof buf, "{%02X%02X%02X%02X-%02X%02X-%02X%02X-%02X%02X-%02X%02X%02X%02X%02X%02X}", b[3],
-                  b[2], b[1], b[0], b[5], b[4], b[7], b[6], b[8], b[9], b[10], b[11], b[12], b[13], b[14], b[15]);
+    std::snprintf(buf, sizeof buf,
+                  "{%02X%02X%02X%02X-%02X%02X-%02X%02X-%02X%02X-%02X%02X%02X%02X%02X%02X}", b[3],
+                  b[2], b[1], b[0], b[5], b[4], b[7], b[6], b[8], b[9], b[10], b[11], b[12], b[13],
+                  b[14], b[15]);
     return buf;
 }
 
@@ -148,7 +175,8 @@ std::string toText(const Value& v) {
             unsigned long long a = c.scaled < 0 ? 0ULL - static_cast<unsigned long long>(c.scaled)
                                                 : static_cast<unsigned long long>(c.scaled);
             char buf[48];
-            std::snprintf(buf, sizeof buf, "%s%llu.%04llu", c.scaled < 0 ? "-" : "", a / 10000, a % 10000);
+            std::snprintf(buf, sizeof buf, "%s%llu.%04llu", c.scaled < 0 ? "-" : "", a / 10000,
+                          a % 10000);
             return buf;
         }
         std::string operator()(float f) const {

@@ -308,6 +308,9 @@ bool LikePattern::matchItem(const Item& it, char32_t c) const {
 }
 
 bool LikePattern::matches(std::string_view text) const {
+    // An ASCII literal found among the bytes is a match whatever else the text
+    // holds; only text with other characters (ß folds to "ss") needs the full way.
+    if (asciiLiteral_ && matchesAscii(text)) return true;
     if (asciiLiteral_) {
         bool ascii = true;
         for (char c : text)
@@ -315,7 +318,7 @@ bool LikePattern::matches(std::string_view text) const {
                 ascii = false;
                 break;
             }
-        if (ascii) return matchesAscii(text);
+        if (ascii) return false;
     }
     return matchesFolded(foldCase(text));
 }

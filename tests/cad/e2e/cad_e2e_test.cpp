@@ -3,7 +3,8 @@
 // the user: it waits until the host asks for a pick and then clicks or
 // presses Escape through XTest, as a hand on the mouse would.
 //
-// Without $DISPLAY the test starts its own Xvfb.
+// Each test process starts its own Xvfb: windowed tests running beside it
+// on a shared display would take the keyboard focus the typing relies on.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -32,12 +33,10 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-// A private X server when the run has none.
+// A private X server for this process.
 class XServer : public ::testing::Environment {
   public:
-    void SetUp() override {
-        if (!xDisplayOffen()) pid_ = xvfbStarten();
-    }
+    void SetUp() override { pid_ = xvfbStarten(); }
     void TearDown() override { prozessBeenden(pid_); }
 
   private:

@@ -77,25 +77,37 @@ void prozessBeenden(pid_t pid) {
 }
 
 pid_t xvfbStarten() {
-    namespace fs = std::filesystem;
-    for (int n = 91; n < 120; ++n) {
-        if (fs::exists("/tmp/.X11-unix/X" + std::to_string(n)) ||
-            fs::exists("/tmp/.X" + std::to_string(n) + "-lock"))
-            continue;
-        const std::string name = ":" + std::to_string(n);
-        pid_t pid = prozessStarten(
-            {"/usr/bin/Xvfb", name, "-screen", "0", "1024x768x24", "-nolisten", "tcp"});
-        if (!pid) return 0;
-        for (int i = 0; i < 100; ++i) {
-            std::this_thread::sleep_for(50ms);
-            if (Display* d = XOpenDisplay(name.c_str())) {
-                XCloseDisplay(d);
-                setenv("DISPLAY", name.c_str(), 1);
-                return pid;
-            }
-        }
-        prozessBeenden(pid);
+    // Xvfb picks a free display itself and names it on the pipe, so test
+    // processes started side by side never meet on one server.
+    int fds[2];
+    if (pipe(fds) != 0) return 0;
+    const std::string fd = std::to_string(fds[1]);
+    pid_t pid = prozessStarten(
+        {"/usr/bin/Xvfb", "-displayfd", fd, "-screen", "0", "1024x768x24", "-nolisten", "tcp",
+         "-noreset"});
+    close(fds[1]);
+    if (!pid) {
+        close(fds[0]);
+        return 0;
     }
+    std::string nummer;
+    char c;
+    while (read(fds[0], &c, 1) == 1 && c != '\n') nummer += c;
+    close(fds[0]);
+    if (nummer.empty()) {
+        prozessBeenden(pid);
+        return 0;
+    }
+    const std::string name = ":" + nummer;
+    for (int i = 0; i < 100; ++i) {
+        if (Display* d = XOpenDisplay(name.c_str())) {
+            XCloseDisplay(d);
+            setenv("DISPLAY", name.c_str(), 1);
+            return pid;
+        }
+        std::this_thread::sleep_for(50ms);
+    }
+    prozessBeenden(pid);
     return 0;
 }
 

@@ -107,7 +107,7 @@ class X11DesktopTest : public ::testing::Test {
   protected:
     void SetUp() override {
         if (!desktop_.connected())
-            GTEST_SKIP() << "no X display (DISPLAY unset); run under xvfb-run as `make test` does";
+            GTEST_FAIL() << "no X display (DISPLAY unset); run under xvfb-run as `make test` does";
         ASSERT_TRUE(desktop_.canType()) << "the X server lacks the XTEST extension";
     }
     platform::X11Desktop desktop_;
@@ -203,7 +203,7 @@ class ManagedDisplay {
         if (pipe(fds) != 0) return;
         fcntl(fds[0], F_SETFD, FD_CLOEXEC);
         std::string fd = std::to_string(fds[1]);
-        xvfb_ = spawn({"Xvfb", "-displayfd", fd, "-screen", "0", "1024x768x24", "-nolisten", "tcp"},
+        xvfb_ = spawn({"Xvfb", "-displayfd", fd, "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset"},
                       {});
         close(fds[1]);
         std::string number;

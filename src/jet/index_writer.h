@@ -1,0 +1,37 @@
+#pragma once
+// Keeping index B-trees in step with the rows of their table. Only inside a
+// unit of work (Database::begin). Every function that changes a tree keeps
+// the TDEF fields of the index (root page, usage map) correct itself.
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "jet/table_def.h"
+#include "jet/value.h"
+
+namespace jet {
+
+class Database;
+
+// Empty when this engine can keep the index consistent (key columns of the
+// types it encodes exactly); otherwise a sentence naming the index and why.
+std::string indexUnmaintainableReason(const TableDef& def, const RealIndex& index);
+// The encoded key of row (one value per TableDef::columns entry) for index.
+std::vector<std::uint8_t> indexKeyOf(const TableDef& def, const RealIndex& index, const Row& row);
+// Whether another row than except already holds key in the index (for
+// unique and primary keys; checked before anything is written).
+bool indexHoldsKey(Database& db, const TableDef& def, std::size_t realIndex,
+                   const std::vector<std::uint8_t>& key, RowId except);
+// Adds or removes the entry (key, row), splitting or merging pages as needed.
+void indexInsert(Database& db, const TableDef& def, std::size_t realIndex,
+                 const std::vector<std::uint8_t>& key, RowId row);
+void indexRemove(Database& db, const TableDef& def, std::size_t realIndex,
+                 const std::vector<std::uint8_t>& key, RowId row);
+// Writes a whole tree for entries (sorted by key, then row) on new pages
+// owned by the index's usage map at usageMapPointer; answers the root page
+// (an empty leaf when there are no entries). For new tables and indexes.
+std::uint32_t indexBuild(Database& db, std::uint32_t tdefPage, std::uint32_t usageMapPointer,
+                         const std::vector<std::pair<std::vector<std::uint8_t>, RowId>>& entries);
+
+}  // namespace jet

@@ -1,0 +1,284 @@
+// SELECT: reading rows through an index or a scan, joins, projection,
+// ORDER BY in Jet's General order, DISTINCT and TOP.
+#include <algorithm>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "jet/sql/binding.h"
+
+namespace sql::detail {
+
+namespace {
+
+// Finds "column = constant" among the top-level AND terms of a WHERE, so
+// that an index on the column can answer it.
+const Expr* indexableTerm(const Expr* e, const Source& s, Value& key, std::string& column) {
+    if (!e) return nullptr;
+    if (e->kind == Expr::Kind::Binary && e->op == "AND") {
+        if (auto* t = indexableTerm(e->left.get(), s, key, column)) return t;
+        return indexableTerm(e->right.get(), s, key, column);
+    }
+    if (e->kind != Expr::Kind::Binary || e->op != "=") return nullptr;
+    const Expr* col = e->left.get();
+    const Expr* lit = e->right.get();
+    if (col->kind != Expr::Kind::Column) std::swap(col, lit);
+    if (col->kind != Expr::Kind::Column || lit->kind != Expr::Kind::Literal || lit->literal.isNull()) return nullptr;
+    int idx = s.find(col->qualifier, col->name);
+    if (idx < 0) return nullptr;
+    // A text constant against a number column is Jet's type mismatch, which the scan reports.
+    if (isNumericType(s.columns[idx].type) != lit->literal.isNumber()) return nullptr;
+    key = lit->literal;
+    column = s.columns[idx].name;
+    return e;
+}
+
+void joinRows(const std::shared_ptr<Storage>& db, const Source& src, const Expr* where,
+              const std::function<void(RowId, const Row&)>& visit);
+
+}  // namespace
+
+void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const Expr* where,
+                  const std::function<void(RowId, const Row&)>& visit, std::vector<bool>* needed) {
+    if (src.joined()) return joinRows(db, src, where, visit);
+    Binder c(db, &src, needed);
+    Eval pred;
+    if (where) pred = c.compile(*where);
+    Value key;
+    std::string column;
+    std::optional<std::vector<RowId>> hits;
+    if (indexableTerm(where, src, key, column)) hits = src.table->seek(column, key);
+    auto consider = [&](RowId id, const Row& row) {
+        if (!pred || isTrue(pred(row))) visit(id, row);
+        return true;
+    };
+    if (hits) {
+        std::sort(hits->begin(), hits->end());
+        for (RowId id : *hits) consider(id, src.table->read(id));
+    } else if (needed) {
+        src.table->scan(consider, *needed);
+    } else {
+        src.table->scan(consider);
+    }
+}
+
+namespace {
+
+// Joins left to right. An ON that equates a column of the new table with a
+// column before it is answered through a hash of the new table's rows;
+// any other ON is tried row against row.
+void joinRows(const std::shared_ptr<Storage>& db, const Source& src, const Expr* where,
+              const std::function<void(RowId, const Row&)>& visit) {
+    const std::size_t width = src.columns.size();
+    std::vector<Row> current;
+    src.parts[0].table->scan([&](RowId, const Row& r) {
+        Row full(width);
+        std::copy(r.begin(), r.end(), full.begin());
+        current.push_back(std::move(full));
+        return true;
+    });
+    Binder c(db, &src);
+    for (std::size_t j = 0; j < src.joins.size(); ++j) {
+        const Part& part = src.parts[j + 1];
+        const JoinClause& jc = *src.joins[j];
+        // Names in ON may refer to this table and those before it only.
+        Source visible = src;
+        visible.parts.resize(j + 2);
+        Binder onCompiler(db, &visible);
+        Eval on = onCompiler.compile(*jc.on);
+        std::vector<Row> right;
+        part.table->scan([&](RowId, const Row& r) {
+            right.push_back(r);
+            return true;
+        });
+        int newCol = -1, oldCol = -1;
+        if (jc.on->kind == Expr::Kind::Binary && jc.on->op == "=" && jc.on->left->kind == Expr::Kind::Column &&
+            jc.on->right->kind == Expr::Kind::Column) {
+            int a = visible.find(jc.on->left->qualifier, jc.on->left->name);
+            int b = visible.find(jc.on->right->qualifier, jc.on->right->name);
+            auto inNew = [&](int x) { return x >= static_cast<int>(part.offset); };
+            if (inNew(a) != inNew(b)) {
+                newCol = inNew(a) ? a : b;
+                oldCol = inNew(a) ? b : a;
+            }
+        }
+        std::unordered_map<std::string, std::vector<std::size_t>> hash;
+        if (newCol >= 0)
+            for (std::size_t i = 0; i < right.size(); ++i) {
+                const Value& v = right[i][newCol - part.offset];
+                if (!v.isNull()) hash[equalityKey(v)].push_back(i);
+            }
+        std::vector<Row> next;
+        for (auto& left : current) {
+            bool matched = false;
+            auto tryRow = [&](const Row& r) {
+                Row full = left;
+                std::copy(r.begin(), r.end(), full.begin() + part.offset);
+                if (isTrue(on(full))) {
+                    next.push_back(std::move(full));
+                    matched = true;
+                }
+            };
+            if (newCol >= 0) {
+                const Value& k = left[oldCol];
+                if (!k.isNull()) {
+                    auto it = hash.find(equalityKey(k));
+                    if (it != hash.end())
+                        for (std::size_t i : it->second) tryRow(right[i]);
+                }
+            } else {
+                for (const auto& r : right) tryRow(r);
+            }
+            if (!matched && jc.kind == JoinClause::Kind::Left) next.push_back(left);
+        }
+        current = std::move(next);
+    }
+    Eval pred;
+    if (where) pred = c.compile(*where);
+    for (const auto& row : current)
+        if (!pred || isTrue(pred(row))) visit(-1, row);
+}
+
+}  // namespace
+
+Selected selectRows(const std::shared_ptr<Storage>& db, const TableRef& from, const Expr* where) {
+    Selected out;
+    out.source = openSource(db, from);
+    forEachMatch(db, out.source, where, [&](RowId id, const Row& row) {
+        out.ids.push_back(id);
+        out.rows.push_back(row);
+    });
+    return out;
+}
+
+ResultSet runSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s) {
+    ResultSet rs;
+    Source source;
+    bool haveTable = s.from.has_value();
+    if (haveTable) source = openSelectSource(db, s);
+    const Source* src = haveTable ? &source : nullptr;
+    // The columns the statement reads, so a store may leave the others unconverted.
+    std::vector<bool> needed(source.columns.size(), false);
+    Binder c(db, src, &needed);
+
+    // Projection.
+    std::vector<Eval> evals;
+    int exprNo = 1000;
+    for (const auto& item : s.items) {
+        if (!item.expr) {
+            if (!haveTable) throw errors::selectReservedWord();
+            bool any = false;
+            for (const Part& part : source.parts) {
+                if (!item.starQualifier.empty() && !part.named(item.starQualifier)) continue;
+                any = true;
+                for (std::size_t i = 0; i < part.columns.size(); ++i) {
+                    const auto& cd = part.columns[i];
+                    int idx = static_cast<int>(part.offset + i);
+                    std::string name = cd.name;
+                    // A name two joined tables share is qualified, as Jet names such fields.
+                    if (source.joined()) {
+                        int owners = 0;
+                        for (const Part& other : source.parts)
+                            for (const auto& oc : other.columns)
+                                if (textEquals(oc.name, cd.name)) ++owners;
+                        if (owners > 1) name = part.name + "." + cd.name;
+                    }
+                    rs.columns.push_back({name, cd.type, cd.size, cd.nullable, cd.autoIncrement, idx});
+                    needed[idx] = true;
+                    evals.push_back([idx](const Row& r) { return r[idx]; });
+                }
+            }
+            if (!any) throw errors::noValueGiven();
+            continue;
+        }
+        ResultColumn rc;
+        if (item.expr->kind == Expr::Kind::Column) {
+            int idx = src ? src->find(item.expr->qualifier, item.expr->name) : -1;
+            if (idx < 0) throw errors::noValueGiven();
+            const auto& cd = source.columns[idx];
+            rc = {cd.name, cd.type, cd.size, cd.nullable, cd.autoIncrement, idx};
+            needed[idx] = true;
+        } else {
+            rc.name = "Expr" + std::to_string(exprNo++);
+        }
+        if (!item.alias.empty()) rc.name = item.alias;
+        rs.columns.push_back(rc);
+        evals.push_back(c.compile(*item.expr));
+    }
+    // ORDER BY may name any column of the table, selected or not.
+    std::vector<Eval> orderEvals;
+    std::vector<bool> desc;
+    for (const auto& o : s.orderBy) {
+        orderEvals.push_back(c.compile(*o.expr));
+        desc.push_back(o.descending);
+    }
+    std::vector<int> keyColumns;
+    if (haveTable && !s.distinct && !source.joined())
+        for (const auto& ix : source.table->indexes())
+            if (ix.primary)
+                for (const auto& kc : ix.columns) keyColumns.push_back(source.find("", kc.name));
+    for (int k : keyColumns)
+        if (k >= 0) needed[k] = true;
+
+    // One pass over the rows: each match is projected at once, so only the
+    // selected values are copied.
+    struct Match {
+        Row out;
+        std::vector<Value> order;
+        Row key;
+        RowId id;
+    };
+    std::vector<Match> matches;
+    auto take = [&](RowId id, const Row& row) {
+        Match m;
+        m.id = id;
+        m.out.reserve(evals.size());
+        for (const auto& ev : evals) m.out.push_back(ev(row));
+        for (const auto& ev : orderEvals) m.order.push_back(ev(row));
+        for (int k : keyColumns) m.key.push_back(row[k]);
+        matches.push_back(std::move(m));
+    };
+    if (haveTable) forEachMatch(db, source, s.where.get(), take, &needed);
+    else take(-1, Row{});
+
+    std::vector<std::size_t> order(matches.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    if (!orderEvals.empty()) {
+        std::vector<std::vector<SortKey>> text(matches.size());
+        for (std::size_t i = 0; i < matches.size(); ++i)
+            for (const auto& v : matches[i].order) text[i].push_back(v.isText() ? generalSortKey(v.textRef()) : SortKey{});
+        std::stable_sort(order.begin(), order.end(), [&](std::size_t x, std::size_t y) {
+            for (std::size_t k = 0; k < orderEvals.size(); ++k) {
+                const Value& a = matches[x].order[k];
+                const Value& b = matches[y].order[k];
+                int cmp = (a.isText() && b.isText()) ? compareSortKeys(text[x][k], text[y][k]) : orderCompare(a, b);
+                if (cmp != 0) return desc[k] ? cmp > 0 : cmp < 0;
+            }
+            return false;
+        });
+    }
+
+    std::unordered_set<std::string> seen;
+    bool writable = haveTable && !s.distinct && !source.joined();
+    rs.rows.reserve(order.size());
+    for (std::size_t oi : order) {
+        Match& m = matches[oi];
+        if (s.distinct) {
+            std::string k;
+            for (const auto& v : m.out) k += (v.isNull() ? std::string("\x01") : equalityKey(v)) + '\x1f';
+            if (!seen.insert(k).second) continue;
+        }
+        rs.rows.push_back(std::move(m.out));
+        rs.rowIds.push_back(m.id);
+        if (writable) rs.keys.push_back(std::move(m.key));
+        if (s.top && static_cast<long>(rs.rows.size()) >= *s.top) break;
+    }
+    if (writable) {
+        rs.baseStorage = source.storage;
+        rs.baseTable = source.name;
+        rs.keyColumns = keyColumns;
+    }
+    return rs;
+}
+
+}  // namespace sql::detail

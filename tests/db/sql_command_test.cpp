@@ -1,0 +1,86 @@
+// tessara-cli sql PATH STATEMENT over a copy of a file made by Access.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <sys/wait.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Output {
+    std::string text;
+    int status = -1;
+};
+
+Output run(const std::string& cmd) {
+    Output o;
+    FILE* p = popen(cmd.c_str(), "r");
+    if (!p) return o;
+    std::array<char, 4096> buf;
+    while (std::size_t n = fread(buf.data(), 1, buf.size(), p)) o.text.append(buf.data(), n);
+    int rc = pclose(p);
+    o.status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
+    return o;
+}
+
+std::string bytesOf(const fs::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+class SqlCommand : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir = fs::temp_directory_path() / ("tessara_sqlcli_" + std::to_string(::getpid()) + "_" +
+                                           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::create_directories(dir);
+        file = dir / "test.mdb";
+        fs::copy_file(fs::path(TESSARA_TESTDATA) / "mdb" / "testV2000.mdb", file);
+    }
+    void TearDown() override {
+        std::error_code ec;
+        fs::remove_all(dir, ec);
+    }
+    std::string cli(const std::string& statement) {
+        return std::string("'") + TESSARA_CLI + "' sql '" + file.string() + "' \"" + statement + "\"";
+    }
+    fs::path dir, file;
+};
+
+TEST_F(SqlCommand, SelectPrintsWhatMdbExportPrints) {
+    Output ours = run(cli("SELECT * FROM Table1"));
+    Output peer = run("mdb-export -D '%m/%d/%y %H:%M:%S' '" + file.string() + "' Table1");
+    EXPECT_EQ(ours.status, 0);
+    EXPECT_FALSE(peer.text.empty());
+    EXPECT_EQ(ours.text, peer.text);
+}
+
+TEST_F(SqlCommand, WhereAndOrderBy) {
+    Output o = run(cli("SELECT A, D FROM Table1 WHERE A LIKE 'ABC%' ORDER BY D DESC"));
+    EXPECT_EQ(o.status, 0);
+    EXPECT_EQ(o.text, "A,D\n\"abcdefg\",222\n");
+}
+
+TEST_F(SqlCommand, ErrorsPrintJetsMessageAndExitNonZero) {
+    Output o = run(cli("SELECT * FROM Fehlt") + " 2>&1");
+    EXPECT_NE(o.status, 0);
+    EXPECT_NE(o.text.find("cannot find the input table or query 'Fehlt'"), std::string::npos) << o.text;
+    o = run(cli("SELECT * FROM Table1 WHERE A = 'x' y") + " 2>&1");
+    EXPECT_NE(o.status, 0);
+    EXPECT_NE(o.text.find("Syntax error (missing operator) in query expression"), std::string::npos) << o.text;
+}
+
+TEST_F(SqlCommand, AStatementThatCannotWriteLeavesTheFileAsItWas) {
+    std::string before = bytesOf(file);
+    Output o = run(cli("DELETE FROM Table1") + " 2>&1");
+    EXPECT_NE(o.status, 0);
+    EXPECT_EQ(bytesOf(file), before);
+}
+
+}  // namespace

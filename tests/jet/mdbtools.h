@@ -1,0 +1,26 @@
+#pragma once
+// Running mdbtools (mdb-export, mdb-tables) and the batch tool from tests,
+// and parsing the CSV they print.
+#include <string>
+#include <vector>
+
+namespace jettest {
+
+std::string testFile(const std::string& name);  // a file of the shared test data
+std::vector<std::string> testFiles();           // every .mdb of the shared test data
+
+// Runs a shell command, returns its standard output; exit status in *status.
+std::string run(const std::string& command, int* status = nullptr);
+std::string quote(const std::string& arg);  // for the shell
+bool haveMdbTools();
+
+// CSV as mdb-export prints it: quoted fields may hold commas, newlines and
+// doubled quotes. Each cell remembers whether it was quoted.
+struct Cell {
+    std::string text;
+    bool quoted = false;
+};
+using CsvRow = std::vector<Cell>;
+std::vector<CsvRow> parseCsv(const std::string& text);
+
+}  // namespace jettest
