@@ -17,9 +17,13 @@ configure: deps
 build: configure
 	cmake --build $(BUILD) -j $(JOBS)
 
-# Starts the program; without ARGS it opens the bundled demo library.
+# Starts the program; without ARGS it opens the bundled demo library, drawn
+# and catalogued into $(DEMO) on first use.
+DEMO ?= $(BUILD)/demo
 run: build
-	$(BUILD)/app/tessara $(ARGS)
+	@if [ -n "$(ARGS)" ]; then exec $(BUILD)/app/tessara $(ARGS); fi; \
+	test -f $(DEMO)/dbTessara.mdb || $(BUILD)/app/tessara-cli make-demo-library $(DEMO) >/dev/null; \
+	exec $(BUILD)/app/tessara /d "$(abspath $(DEMO))/dbTessara.mdb"
 
 # Every test, including the windowed ones under a private X server and the
 # Windows test executable under wine.

@@ -27,3 +27,8 @@ struct Entry {
 const std::vector<Entry>& subcommands();
 
 }  // namespace cli
+
+// A new catalogue database at path with the full catalogue schema (create-db
+// without --empty); 0 on success, otherwise one line on err and non-zero.
+// Defined in catalogue_create.cpp.
+int createCatalogueDatabase(const std::string& path, std::ostream& err);

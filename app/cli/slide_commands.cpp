@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <istream>
+#include <map>
 #include <ostream>
 
 #include "authoring/code_tabelle.h"
@@ -14,7 +15,13 @@
 #include "authoring/slide_library.h"
 #include "authoring/slidelib_builder.h"
 #include "cli/cli.h"
+#include "db/jet_opener.h"
+#include "db/recordset.h"
+#include "library/datenbank.h"
+#include "library/schema.h"
 #include "platform/environment.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
 #include "ui/slide_painter.h"
 
 namespace {
@@ -124,6 +131,53 @@ int runSlideInfo(const cli::Args& args, std::istream&, std::ostream& out, std::o
     }
 }
 
+// The demo catalogue "dbTessara.mdb" in the library directory: the Folders,
+// one Page each and a Block record per symbol, as the program would have
+// written them when the blocks were made.
+void demoKatalogSchreiben(const std::string& dir, const std::vector<tessara::DemoBlock>& blocks) {
+    namespace fs = std::filesystem;
+    const std::string datei = (fs::path(dir) / "dbTessara.mdb").string();
+    std::error_code ec;
+    fs::remove(datei, ec);
+    tessara::SkriptBenutzer benutzer;
+    tessara::ProgrammZustand z;
+    z.benutzer = &benutzer;
+    const auto oeffner = db::jetOpener();
+    if (!tessara::Mk_Datenbank(z, oeffner, datei))
+        throw std::runtime_error("the demo catalogue could not be created" +
+                                 (benutzer.gezeigt.empty() ? std::string() : ": " + benutzer.gezeigt.front().text));
+    db::Connection con(oeffner);
+    con.open(tessara::fctJetVerbindung(datei));
+    db::Recordset ordner, seiten, bloecke;
+    ordner.open("SELECT * FROM tblOrdner", con, db::adOpenKeyset, db::adLockOptimistic);
+    seiten.open("SELECT * FROM tblSeiten", con, db::adOpenKeyset, db::adLockOptimistic);
+    bloecke.open("SELECT * FROM tblBlockInfo", con, db::adOpenKeyset, db::adLockOptimistic);
+    std::map<std::string, long long> ordnerId{{"000", 1}};
+    for (const auto& b : blocks) {
+        if (!ordnerId.count(b.ordnerNr)) {
+            ordner.addNew();
+            ordner.setValue("OrdnerNr", b.ordnerNr);
+            ordner.setValue("Ordnername", b.ordnerName);
+            ordner.setValue("OrdnerRechte", "Alle");
+            ordner.setValue("NrTblDefMenue", 1);
+            ordner.update();
+            ordnerId[b.ordnerNr] = ordner.value("Nr").asInt();
+            seiten.addNew();
+            seiten.setValue("SeitenNr", 1);
+            seiten.setValue("SeitenName", "1");
+            seiten.setValue("NrTblOrdner", ordnerId[b.ordnerNr]);
+            seiten.update();
+        }
+        bloecke.addNew();
+        bloecke.setValue("Block", b.blockNr);
+        bloecke.setValue("SlideLib", b.slideLib);
+        bloecke.setValue("OrdnerID", ordnerId[b.ordnerNr]);
+        bloecke.setValue("BlkName0", b.blkName);
+        bloecke.setValue("M0", b.blkName);
+        bloecke.update();
+    }
+}
+
 int runMakeDemoLibrary(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     if (args.empty() || args.size() > 2 || (args.size() == 2 && args[1] != "--single-slides")) {
         err << "usage: tessara-cli make-demo-library DIR [--single-slides]\n";
@@ -132,6 +186,7 @@ int runMakeDemoLibrary(const cli::Args& args, std::istream&, std::ostream& out, 
     try {
         std::string dir = platform::nativePath(args[0]);
         auto blocks = tessara::fctDemoBibliothekErzeugen(dir, args.size() == 1);
+        demoKatalogSchreiben(dir, blocks);
         out << "OrdnerNr;Ordnername;Block;BlkName0;SlideLib;Ansichten\n";
         for (const auto& b : blocks)
             out << b.ordnerNr << ";" << b.ordnerName << ";" << b.blockNr << ";" << b.blkName << ";"
@@ -173,7 +228,7 @@ cli::Subcommand slideInfo{"slide-info", "FILE[(NAME)]",
                           "describes a slide, or lists the entries of a slide library",
                           &runSlideInfo};
 cli::Subcommand makeDemo{"make-demo-library", "DIR [--single-slides]",
-                         "draws the demo symbols as slide libraries below DIR and lists the blocks",
+                         "draws the demo symbols below DIR, writes their catalogue DIR/dbTessara.mdb and lists the blocks",
                          &runMakeDemoLibrary};
 cli::Subcommand makeData{"make-program-data", "DIR",
                          "writes the empty-slot picture frei2.sld and the code table txtPrefix.txt",

@@ -45,6 +45,7 @@ struct typEinfuegeOptionen {
     long longEinfuegenLayer0 = 0;
     long longXRef = 0;
     long lonLispVarUebergeben = 0;
+    long longVariantenfrage = 0;
     // An explicit block name chosen by the user (LT route); empty when none.
     std::string strExpliziterBlockName;
 };
@@ -57,11 +58,20 @@ struct typCadEinstellungen {
     std::string OrthoNichtDeaktivieren;
 };
 
+// A Variant of a Block record (tblVariationBloecke).
+struct typVariante {
+    std::string BlockName;       // the Variant's name: the inserted block is named after it
+    std::string BlockDateiName;  // its drawing file name below "\Block\Varia\"
+};
+
 // One pending insertion: the selected slot, or one row of the marked blocks.
 struct typEinfuegeAuftrag {
     typBlockDaten block;
     int ansicht = 0;            // View 0 .. 4
     int nummerEinfuegepkt = 1;  // 1: the drawing's base point; 2 ..: stored points A ..
+    std::vector<typVariante> varianten;  // the Block's Variants, empty when it has none
+    // The Variant chosen before insertion; empty BlockDateiName: the Block itself.
+    typVariante variante;
 };
 
 }  // namespace tessara

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "cad/cad_einstellungen.h"
 #include "cad/einfuege_texte.h"
 #include "cad/lt_skript.h"
 #include "platform/desktop.h"
@@ -46,6 +47,44 @@ bool WriteInsertLsp(ProgrammZustand& z, const std::string& strDatei) {
     }
 }
 
+void fctLispVariablenZuordnen(AcadDokument& dok, const typBlockDaten& b) {
+    for (const auto& befehl : fctLispVariablenBefehle(b)) dok.SendCommand(befehl);
+}
+
+namespace {
+
+// Escape seen, before and after the pending window messages were processed.
+bool escapeAbfragen(Prozedur& p, platform::Desktop& d) {
+    p.step("Abfrage Escape:");
+    bool abbruch = d.isKeyDown(platform::Key::Escape);
+    d.pumpMessages();
+    p.step("Abfrage Escape nach doEvents:");
+    return abbruch || d.isKeyDown(platform::Key::Escape);
+}
+
+// Multiple insertion on the command route: the next insertion may only be
+// sent once the host has finished the last one (and its follow-ups); an
+// Escape meanwhile ends the series.
+bool naechsteEinfuegungAbwarten(Prozedur& p, platform::Desktop& d, AcadDokument& dok) {
+    p.step("Mehrfacheinfuegen: warten auf AutoCAD");
+    while (true) {
+        d.pumpMessages();
+        if (d.isKeyDown(platform::Key::Escape)) return false;
+        const std::string aktiv = dok.GetVariable("CMDACTIVE");
+        if (aktiv.empty() || aktiv == "0") return !escapeAbfragen(p, d);
+        d.sleepMs(50);
+    }
+}
+
+}  // namespace
+
+EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v, const EinfuegeAnfrage& a) {
+    Prozedur p(z, "cmbEinfuegen_Click");
+    p.step("AllgemeineDaten lesen");
+    const typCadEinstellungen e = fctCadEinstellungenLesen(z);
+    return fctBlockEinfuegen(z, v, e, a);
+}
+
 EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
                                    const typCadEinstellungen& e, const EinfuegeAnfrage& a) {
     Prozedur p(z, "cmbEinfuegen_Click", true);
@@ -56,13 +95,34 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
         p.step("BlockSuche in rsBlockInfo0");
         if (a.booMarkiert) p.step("markieren von Blöcken");
 
-        for (const auto& auftrag : a.auftraege) {
+        for (typEinfuegeAuftrag auftrag : a.auftraege) {
+            if (!auftrag.varianten.empty() && o.longVariantenfrage == 1 && a.variantenAuswahl) {
+                p.step("Variantenauswahl");
+                const auto wahl = a.variantenAuswahl(auftrag);
+                if (!wahl) {
+                    r.booAbgebrochen = true;
+                    break;
+                }
+                auftrag.variante = *wahl;
+            }
             const auto& b = auftrag.block;
+            const bool booVariante = !auftrag.variante.BlockDateiName.empty();
+
             if (fctIstAutoCadLt(v)) {
                 LtEinfuegung lt{a.strBibliothek, a.strKopieVerzeichnis, auftrag, o};
-                const auto ergebnis = ACadLtBlockEinfuegen(z, v, e, lt);
-                if (ergebnis == LtErgebnis::Eingefuegt) {
-                    ++r.eingefuegt;
+                int anzahl = 0;
+                LtErgebnis ergebnis;
+                // Multiple insertion: the same block again until the user
+                // answers a pick with Escape.
+                do {
+                    ergebnis = ACadLtBlockEinfuegen(z, v, e, lt);
+                    if (ergebnis == LtErgebnis::Eingefuegt) ++anzahl;
+                } while (o.checkMehr == 1 && ergebnis == LtErgebnis::Eingefuegt);
+                r.eingefuegt += anzahl;
+                // The Escape that ends a series of insertions is no cancel:
+                // the next marked block follows.
+                if (anzahl > 0 && (ergebnis == LtErgebnis::Eingefuegt ||
+                                   ergebnis == LtErgebnis::Abgebrochen)) {
                     r.erledigteBloecke.push_back(b.Block);
                     continue;
                 }
@@ -77,8 +137,13 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
                                  : "NummerEinfuegepkt bei normalem Einfuegen");
             const int nr = auftrag.nummerEinfuegepkt;
             const std::string pfad =
-                fctZeichnungsPfad(a.strBibliothek, b.OrdnerNr, b.Block, auftrag.ansicht);
-            const std::string name = fctBlockNameBereinigen(ansichtsName(b, auftrag.ansicht));
+                booVariante ? fctVariantenZeichnungsPfad(a.strBibliothek, b.OrdnerNr,
+                                                         auftrag.variante.BlockDateiName,
+                                                         auftrag.ansicht)
+                            : fctZeichnungsPfad(a.strBibliothek, b.OrdnerNr, b.Block,
+                                                auftrag.ansicht);
+            const std::string name = fctBlockNameBereinigen(
+                booVariante ? auftrag.variante.BlockName : ansichtsName(b, auftrag.ansicht));
             const std::string angabe = fctBlockAngabe(name, pfad, o.checkBlock == 1);
 
             typPunkt versatz;
@@ -124,19 +189,15 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
             if (!gesetzt(e.OrthoNichtDeaktivieren)) dok->SetVariable("orthomode", "0");
             dok->SetVariable("CMDECHO", "0");
 
-            bool abbruch = false;
-            try {
+            // One insertion with its follow-up commands; true when Escape ended it.
+            auto einfuegen = [&]() {
                 if (nr <= 1) {
                     p.step(o.checkBlock == 1
                                ? "Einfügepkt = 1: Einfügebefehl aus Bibliothek abschicken"
                                : "Einfügepkt = 1:Einfügebefehl abschicken");
                     const std::string ausdruck = fctInsertAusdruck(angabe, o);
                     if (!ausdruck.empty()) dok->SendCommand(ausdruck + "\r");
-                    p.step("Abfrage Escape:");
-                    abbruch = d->isKeyDown(platform::Key::Escape);
-                    d->pumpMessages();
-                    p.step("Abfrage Escape nach doEvents:");
-                    abbruch = abbruch || d->isKeyDown(platform::Key::Escape);
+                    if (escapeAbfragen(p, *d)) return true;
                 } else {
                     p.step(o.checkBlock == 1
                                ? "Einfügepkt > 1:Einfügebefehl aus Bibliothek abschicken"
@@ -152,34 +213,48 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
                         dok->SendCommand(fctRotationsBefehl());
                     }
                 }
+                if (o.checkBruch) {
+                    p.step("Break-Befehl abschicken");
+                    dok->SendCommand(fctBreakLadenBefehl(z.strAppPfad));
+                }
+                if (!b.Layer.empty()) {
+                    p.step("Layer-Befehl abschicken");
+                    dok->SendCommand(fctLayerBefehl(b.Layer));
+                    d->sendKeys("{ESC}");
+                }
+                if (o.longEinfuegenLayer0 == 1) {
+                    p.step("Layer0-Befehl abschicken");
+                    dok->SendCommand(fctLayer0Befehl());
+                    d->sendKeys("{ESC}");
+                }
+                if (o.checkAttribute) {
+                    p.step("Attribut-Befehl abschicken");
+                    dok->SendCommand(fctAtteditBefehl());
+                }
+                if (o.checkUrsprung) {
+                    p.step("Explode-Befehl abschicken");
+                    dok->SendCommand(fctExplodeBefehl());
+                }
+                if (o.checkReihe) {
+                    p.step("Reihen-Befehl abschicken");
+                    dok->SendCommand(fctArrayBefehl());
+                }
+                if (o.lonLispVarUebergeben == 1) {
+                    p.step("fctLispVariablenZuordnen");
+                    fctLispVariablenZuordnen(*dok, b);
+                }
+                return false;
+            };
 
-                if (!abbruch) {
-                    if (o.checkBruch) {
-                        p.step("Break-Befehl abschicken");
-                        dok->SendCommand(fctBreakLadenBefehl(z.strAppPfad));
-                    }
-                    if (!b.Layer.empty()) {
-                        p.step("Layer-Befehl abschicken");
-                        dok->SendCommand(fctLayerBefehl(b.Layer));
-                        d->sendKeys("{ESC}");
-                    }
-                    if (o.longEinfuegenLayer0 == 1) {
-                        p.step("Layer0-Befehl abschicken");
-                        dok->SendCommand(fctLayer0Befehl());
-                        d->sendKeys("{ESC}");
-                    }
-                    if (o.checkAttribute) {
-                        p.step("Attribut-Befehl abschicken");
-                        dok->SendCommand(fctAtteditBefehl());
-                    }
-                    if (o.checkUrsprung) {
-                        p.step("Explode-Befehl abschicken");
-                        dok->SendCommand(fctExplodeBefehl());
-                    }
-                    if (o.checkReihe) {
-                        p.step("Reihen-Befehl abschicken");
-                        dok->SendCommand(fctArrayBefehl());
-                    }
+            int anzahl = 0;
+            bool abbruch = false;
+            try {
+                abbruch = einfuegen();
+                if (!abbruch) ++anzahl;
+                while (!abbruch && o.checkMehr == 1) {
+                    if (!naechsteEinfuegungAbwarten(p, *d, *dok)) break;
+                    if (einfuegen()) break;
+                    ++anzahl;
                 }
             } catch (...) {
                 p.step("Variable 'Attreq' setzen");
@@ -192,11 +267,11 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
             dok->SetVariable("attreq", alt.attreq);
             dok->SetVariable("orthomode", alt.orthomode);
             dok->SetVariable("CMDECHO", alt.cmdecho);
+            r.eingefuegt += anzahl;
             if (abbruch) {
                 r.booAbgebrochen = true;
                 break;
             }
-            ++r.eingefuegt;
             r.erledigteBloecke.push_back(b.Block);
         }
 

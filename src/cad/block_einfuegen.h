@@ -3,6 +3,8 @@
 // or the marked blocks) into the drawing open in the CAD host. Full AutoCAD
 // gets commands and AutoLISP through its command line; AutoCAD LT goes
 // through the script channel.
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,10 @@ struct EinfuegeAnfrage {
     typEinfuegeOptionen optionen;
     bool booMarkiert = false;  // the pending insertions are the marked blocks
     bool booDragDrop = false;  // started by dragging the slot into the host
+    // The Variant choice (its window belongs to the Variant management): the
+    // chosen Variant, a Variant without file name for the Block itself, or
+    // nothing when the user cancelled. Unset: the Block itself.
+    std::function<std::optional<typVariante>(const typEinfuegeAuftrag&)> variantenAuswahl;
 };
 
 struct EinfuegeErgebnis {
@@ -36,5 +42,10 @@ bool WriteInsertLsp(ProgrammZustand& z, const std::string& strDatei);
 
 EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
                                    const typCadEinstellungen& e, const EinfuegeAnfrage& a);
+// The same, reading "AllgemeineDaten" of the Settings file first.
+EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v, const EinfuegeAnfrage& a);
+
+// Hands the Block record's values to AutoLISP variables of the host.
+void fctLispVariablenZuordnen(AcadDokument& dok, const typBlockDaten& b);
 
 }  // namespace tessara

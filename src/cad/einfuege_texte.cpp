@@ -1,5 +1,7 @@
 #include "cad/einfuege_texte.h"
 
+#include <utility>
+
 #include "authoring/datei_layout.h"
 
 namespace tessara {
@@ -215,5 +217,25 @@ std::string fctAtteditBefehl() { return "._attedit (entlast)"; }
 std::string fctExplodeBefehl() { return "._explode (entlast)\r"; }
 
 std::string fctArrayBefehl() { return "._array (entlast)\r"; }
+
+std::vector<std::string> fctLispVariablenBefehle(const typBlockDaten& b) {
+    // AutoLISP reads "\\" and "\"" inside a string as escapes.
+    auto literal = [](const std::string& wert) {
+        std::string r = Q;
+        for (char c : wert) {
+            if (c == '\\' || c == '"') r += '\\';
+            r += c;
+        }
+        return r + Q;
+    };
+    std::vector<std::pair<std::string, std::string>> werte = {{"Block", b.Block}};
+    for (std::size_t i = 0; i < b.M.size(); ++i) werte.emplace_back("M" + std::to_string(i), b.M[i]);
+    werte.insert(werte.end(), {{"LAYER", b.Layer}, {"LYCOLOR", b.LyColor}, {"LYLINE", b.LyLine}});
+    std::vector<std::string> r;
+    for (const auto& [name, wert] : werte) {
+        r.push_back("(setq tessara_" + name + " " + literal(wert) + ")\r");
+    }
+    return r;
+}
 
 }  // namespace tessara

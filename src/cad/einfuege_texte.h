@@ -65,4 +65,8 @@ std::string fctAtteditBefehl();
 std::string fctExplodeBefehl();
 std::string fctArrayBefehl();
 
+// One "(setq tessara_<column> "<value>")" per value of the Block record
+// (Block, M0 .. M9, LAYER, LYCOLOR, LYLINE), as AutoLISP string literals.
+std::vector<std::string> fctLispVariablenBefehle(const typBlockDaten& b);
+
 }  // namespace tessara

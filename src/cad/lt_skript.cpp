@@ -208,6 +208,8 @@ bool subScriptSchreibenFuerLT(ProgrammZustand& z, const typCadEinstellungen& e,
     const auto& b = ein.auftrag.block;
     const int v = ein.auftrag.ansicht;
     std::string name = (v >= 0 && v < 5 && !b.BlkName[v].empty()) ? b.BlkName[v] : b.BlkName[0];
+    // A chosen Variant is inserted under its own name.
+    if (!ein.auftrag.variante.BlockDateiName.empty()) name = ein.auftrag.variante.BlockName;
     const auto zeilen = fctSkriptEinfuegen(
         b.Layer, e.sOhneLayersteuerung, ein.optionen.longXRef, ein.optionen.checkBlock, name, v,
         fctExplizitenNamenBereinigen(ein.optionen.strExpliziterBlockName), strZeichnung);
@@ -221,7 +223,10 @@ LtErgebnis ACadLtBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v, const typC
         const auto& a = ein.auftrag;
         p.step("Zeichnungspfad");
         std::string zeichnung =
-            fctZeichnungsPfad(ein.strBibliothek, a.block.OrdnerNr, a.block.Block, a.ansicht);
+            a.variante.BlockDateiName.empty()
+                ? fctZeichnungsPfad(ein.strBibliothek, a.block.OrdnerNr, a.block.Block, a.ansicht)
+                : fctVariantenZeichnungsPfad(ein.strBibliothek, a.block.OrdnerNr,
+                                             a.variante.BlockDateiName, a.ansicht);
         const std::string expliziterName =
             fctExplizitenNamenBereinigen(ein.optionen.strExpliziterBlockName);
         if (!expliziterName.empty()) {

@@ -125,6 +125,33 @@ void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live,
     }
 }
 
+// The free-space figure of every data page (rows and long values) against
+// its offset table: the bytes between the table's end and the lowest row.
+void checkFreeSpace(Database& db, std::vector<std::string>& faults) {
+    for (std::uint32_t p = 1; p < db.pages().pageCount(); ++p) {
+        try {
+            PageRef pg = db.pages().page(p);
+            if ((*pg)[0] != std::uint8_t(PageType::Data)) continue;
+            const std::size_t count = rowCountOf(*pg);
+            const std::size_t tableEnd = datapage::kRowTable + 2 * count;
+            if (tableEnd > kPageSize) continue;  // reported with the rows of its table
+            std::size_t lowest = kPageSize;
+            for (std::size_t i = 0; i < count; ++i) {
+                std::size_t offset =
+                    u16(pg->data() + datapage::kRowTable + 2 * i) & datapage::kOffsetMask;
+                if (offset >= tableEnd && offset < lowest) lowest = offset;
+            }
+            const std::size_t stated = u16(pg->data() + datapage::kFreeSpace);
+            if (stated != lowest - tableEnd)
+                faults.push_back("data page " + std::to_string(p) + ": header states " +
+                                 std::to_string(stated) + " bytes free, the page has " +
+                                 std::to_string(lowest - tableEnd));
+        } catch (const Error& e) {
+            faults.push_back(e.what());
+        }
+    }
+}
+
 }  // namespace
 
 std::vector<std::string> checkTable(Database& db, const std::string& name) {
@@ -199,6 +226,7 @@ std::vector<std::string> checkDatabase(Database& db) {
         auto f = checkTable(db, n);
         faults.insert(faults.end(), f.begin(), f.end());
     }
+    checkFreeSpace(db, faults);
     return faults;
 }
 

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <fstream>
 
+#include "jet/journal.h"
 #include "jet/table.h"
 #include "jet/text.h"
 
 namespace jet {
 
 std::shared_ptr<Database> Database::open(const std::string& path, OpenOptions options) {
+    // A writer that died inside its commit left the file half written.
+    recoverHotJournal(path);
     auto db = fromStore(std::make_unique<FilePageStore>(path, options.writable), options);
     db->path_ = path;
     return db;
@@ -97,6 +100,9 @@ std::shared_ptr<const TableDef> Database::tableDefAt(std::uint32_t page, const s
 
 std::shared_ptr<const TableDef> Database::tableDef(const std::string& name) {
     const CatalogEntry* e = findObject(name);
+    // MSysObjects lies on page 2 even before it holds its own row (a new file).
+    if (!e && equalsNoCase(name, "MSysObjects"))
+        return tableDefAt(kCatalogueTdefPage, "MSysObjects");
     if (!e) throw Error("no such table: " + name, errnum::kNoSuchTable);
     if (e->tdefPage() == 0 || e->tdefPage() >= pages_->pageCount())
         throwCorrupt(e->tdefPage(), "table " + name + " has no definition page");
@@ -159,6 +165,7 @@ void Database::reload() {
     catalogue_.clear();
     defs_.clear();
     pages_->clear();
+    pages_->store().refresh();
 }
 
 }  // namespace jet

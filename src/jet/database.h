@@ -83,6 +83,8 @@ class Database : public std::enable_shared_from_this<Database> {
     std::vector<Relationship> relationships();
     // Drops the cached catalogue and definitions (after the file was written).
     void reload();
+    // Drops the cached definition read from tdefPage (after its TDEF was written).
+    void forgetTableDef(std::uint32_t tdefPage) { defs_.erase(tdefPage); }
 
     // Writing (a database opened writable). A unit of work: the pages
     // written between begin() and commit() reach the file all or nothing,
@@ -91,7 +93,11 @@ class Database : public std::enable_shared_from_this<Database> {
     // an exclusive operating-system lock on the file (waiting for another
     // writer) and drops cached pages another process may have changed;
     // commit() and rollback() release it. Nested begin() calls count; only
-    // the outermost commit() ends the unit.
+    // the outermost commit() ends the unit; a rollback() at any depth ends
+    // it. Until commit() the unit's pages live in memory, seen by this
+    // Database only. Page reads from the file wait while another process's
+    // commit writes, so no page is seen half written; a Database that only
+    // reads keeps its cached pages until reload().
     void begin();
     void commit();
     void rollback();

@@ -35,10 +35,12 @@ constexpr std::uint16_t kOverflowFlag = 0x4000;  // row holds a 4-byte pointer t
 namespace indexpage {
 constexpr std::size_t kFreeSpace = 2;
 constexpr std::size_t kTdefPage = 4;
-constexpr std::size_t kPrevPage = 8;
-constexpr std::size_t kNextPage = 12;
-constexpr std::size_t kTailPage = 16;
-constexpr std::size_t kPrefixLength = 20;  // u16
+// Jet 4 has four unknown bytes after the TDEF pointer (as on data pages),
+// so the links sit four bytes later than in Jet 3.
+constexpr std::size_t kPrevPage = 12;
+constexpr std::size_t kNextPage = 16;
+constexpr std::size_t kTailPage = 20;
+constexpr std::size_t kPrefixLength = 24;  // u16
 constexpr std::size_t kEntryMask = 0x1B;   // bit i set: an entry ends at kFirstEntry + i
 constexpr std::size_t kFirstEntry = 0x1E0;
 constexpr std::size_t kEntryMaskLength = kFirstEntry - kEntryMask;

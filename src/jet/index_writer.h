@@ -18,12 +18,17 @@ class Database;
 // types it encodes exactly); otherwise a sentence naming the index and why.
 std::string indexUnmaintainableReason(const TableDef& def, const RealIndex& index);
 // The encoded key of row (one value per TableDef::columns entry) for index.
+// Text is encoded only from characters whose General sort codes are known
+// exactly; any other value throws jet::Error "cannot encode index key for
+// ..." (call it before writing anything).
 std::vector<std::uint8_t> indexKeyOf(const TableDef& def, const RealIndex& index, const Row& row);
 // Whether another row than except already holds key in the index (for
 // unique and primary keys; checked before anything is written).
 bool indexHoldsKey(Database& db, const TableDef& def, std::size_t realIndex,
                    const std::vector<std::uint8_t>& key, RowId except);
-// Adds or removes the entry (key, row), splitting or merging pages as needed.
+// Adds or removes the entry (key, row), splitting pages as needed and
+// unlinking pages that become empty. The root page keeps its number (a full
+// root hands its entries to a new child), so the TDEF never changes.
 void indexInsert(Database& db, const TableDef& def, std::size_t realIndex,
                  const std::vector<std::uint8_t>& key, RowId row);
 void indexRemove(Database& db, const TableDef& def, std::size_t realIndex,

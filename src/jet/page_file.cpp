@@ -13,6 +13,8 @@
 #endif
 
 #include "jet/error.h"
+#include "jet/file_lock.h"
+#include "jet/journal.h"
 
 namespace jet {
 
@@ -43,6 +45,10 @@ FilePageStore::FilePageStore(const std::string& path, bool writable)
     int flags = writable ? O_RDWR : O_RDONLY;
 #ifdef _WIN32
     flags |= O_BINARY;
+#else
+    // The file's locks belong to the open file: a program started from here
+    // must not inherit it and keep them after this process is gone.
+    flags |= O_CLOEXEC;
 #endif
     fd_ = ::open(path.c_str(), flags);
     if (fd_ < 0) {
@@ -65,6 +71,28 @@ FilePageStore::~FilePageStore() {
 std::uint32_t FilePageStore::pageCount() const { return std::uint32_t(size_ / kPageSize); }
 
 void FilePageStore::read(std::uint32_t page, std::uint8_t* out) {
+    if (commitHeld_) return readUnlocked(page, out);
+    filelock::lock(fd_, filelock::kCommitByte, filelock::Mode::Shared);
+    try {
+        // Under the shared commit byte no commit is writing; a journal seen
+        // now was left by a writer that died (a writer holding the writer
+        // byte, as this store may, has rolled back any such journal).
+        if (!writerHeld_ && journalExists(path_)) {
+            filelock::unlock(fd_, filelock::kCommitByte);
+            recoverHotJournal(path_);
+            refresh();
+            filelock::lock(fd_, filelock::kCommitByte, filelock::Mode::Shared);
+        }
+        readUnlocked(page, out);
+    } catch (...) {
+        filelock::unlock(fd_, filelock::kCommitByte);
+        throw;
+    }
+    filelock::unlock(fd_, filelock::kCommitByte);
+}
+
+void FilePageStore::readUnlocked(std::uint32_t page, std::uint8_t* out) {
+    if (page >= pageCount()) refresh();  // another process may have appended
     if (page >= pageCount()) throwCorrupt(page, "beyond the end of the file");
     std::size_t done = 0;
     while (done < kPageSize) {
@@ -93,9 +121,36 @@ void FilePageStore::write(std::uint32_t page, const std::uint8_t* data) {
 }
 
 void FilePageStore::sync() {
-#ifndef _WIN32
-    if (fd_ >= 0) ::fsync(fd_);
-#endif
+    if (fd_ >= 0) syncFile(fd_);
+}
+
+void FilePageStore::refresh() {
+    struct stat st {};
+    if (::fstat(fd_, &st) == 0) size_ = static_cast<std::uint64_t>(st.st_size);
+}
+
+void FilePageStore::lockWriter() {
+    if (writerHeld_) return;
+    filelock::lock(fd_, filelock::kWriterByte, filelock::Mode::Exclusive);
+    writerHeld_ = true;
+}
+
+void FilePageStore::unlockWriter() {
+    if (!writerHeld_) return;
+    filelock::unlock(fd_, filelock::kWriterByte);
+    writerHeld_ = false;
+}
+
+void FilePageStore::lockCommit() {
+    if (commitHeld_) return;
+    filelock::lock(fd_, filelock::kCommitByte, filelock::Mode::Exclusive);
+    commitHeld_ = true;
+}
+
+void FilePageStore::unlockCommit() {
+    if (!commitHeld_) return;
+    filelock::unlock(fd_, filelock::kCommitByte);
+    commitHeld_ = false;
 }
 
 void MemoryPageStore::read(std::uint32_t page, std::uint8_t* out) {
@@ -122,7 +177,26 @@ void PageCache::code(std::uint32_t n, std::uint8_t* bytes) const {
     rc4Xor(key, 4, bytes, kPageSize);
 }
 
+std::uint32_t PageCache::pageCount() const {
+    std::uint32_t n = store_->pageCount();
+    if (!dirty_.empty() && dirty_.rbegin()->first >= n) n = dirty_.rbegin()->first + 1;
+    return n;
+}
+
+void PageCache::cache(std::uint32_t n, PageRef bytes) {
+    if (slots_.size() >= capacity_) {
+        slots_.erase(lru_.back());
+        lru_.pop_back();
+    }
+    lru_.push_front(n);
+    slots_[n] = Slot{std::move(bytes), lru_.begin()};
+}
+
 PageRef PageCache::page(std::uint32_t n) {
+    if (!dirty_.empty()) {
+        auto d = dirty_.find(n);
+        if (d != dirty_.end()) return d->second;
+    }
     auto it = slots_.find(n);
     if (it != slots_.end()) {
         lru_.splice(lru_.begin(), lru_, it->second.pos);
@@ -131,12 +205,7 @@ PageRef PageCache::page(std::uint32_t n) {
     auto bytes = std::make_shared<PageBytes>(kPageSize);
     store_->read(n, bytes->data());
     code(n, bytes->data());
-    if (slots_.size() >= capacity_) {
-        slots_.erase(lru_.back());
-        lru_.pop_back();
-    }
-    lru_.push_front(n);
-    slots_[n] = Slot{bytes, lru_.begin()};
+    cache(n, bytes);
     return bytes;
 }
 
@@ -168,17 +237,23 @@ PageRef PageCache::page(std::uint32_t n, PageType expected) {
 
 void PageCache::put(std::uint32_t n, const PageBytes& bytes) {
     if (bytes.size() != kPageSize) throw Error("page " + std::to_string(n) + " has the wrong size");
-    PageBytes out = bytes;
-    code(n, out.data());
+    if (inUnit_) {
+        if (n > pageCount())
+            throw Error("page " + std::to_string(n) + " is beyond the end of the file");
+        invalidate(n);
+        dirty_[n] = std::make_shared<const PageBytes>(bytes);
+        return;
+    }
+    PageBytes out = encoded(n, bytes);
     store_->write(n, out.data());
     invalidate(n);
-    auto copy = std::make_shared<PageBytes>(bytes);
-    if (slots_.size() >= capacity_) {
-        slots_.erase(lru_.back());
-        lru_.pop_back();
-    }
-    lru_.push_front(n);
-    slots_[n] = Slot{copy, lru_.begin()};
+    cache(n, std::make_shared<PageBytes>(bytes));
+}
+
+PageBytes PageCache::encoded(std::uint32_t n, const PageBytes& bytes) const {
+    PageBytes out = bytes;
+    code(n, out.data());
+    return out;
 }
 
 void PageCache::invalidate(std::uint32_t n) {
@@ -191,6 +266,20 @@ void PageCache::invalidate(std::uint32_t n) {
 void PageCache::clear() {
     slots_.clear();
     lru_.clear();
+}
+
+void PageCache::beginUnit() { inUnit_ = true; }
+
+std::vector<std::pair<std::uint32_t, PageRef>> PageCache::dirtyPages() const {
+    return {dirty_.begin(), dirty_.end()};
+}
+
+void PageCache::endUnit(bool keep) {
+    inUnit_ = false;
+    auto pages = std::move(dirty_);
+    dirty_.clear();
+    if (!keep) return;
+    for (auto& [n, bytes] : pages) cache(n, std::move(bytes));
 }
 
 }  // namespace jet

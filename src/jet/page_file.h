@@ -4,6 +4,7 @@
 // caller holds its PageRef, even when the cache drops it.
 #include <cstdint>
 #include <list>
+#include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -25,6 +26,7 @@ class PageStore {
     virtual void write(std::uint32_t page, const std::uint8_t* data) = 0;  // may extend by one page
     virtual bool writable() const = 0;
     virtual void sync() {}
+    virtual void refresh() {}  // another process may have changed the length
 };
 
 // A file opened read-only (writable=false) or read-write. Uses positioned
@@ -40,14 +42,28 @@ class FilePageStore : public PageStore {
     void write(std::uint32_t page, const std::uint8_t* data) override;
     bool writable() const override { return writable_; }
     void sync() override;
+    void refresh() override;
     int fd() const { return fd_; }
     const std::string& path() const { return path_; }
+    std::uint64_t sizeBytes() const { return size_; }
+
+    // The locks of a unit of work (file_lock.h). Every read takes the commit
+    // byte shared unless this store holds it itself, and rolls back a hot
+    // journal it finds (left by a writer that died in its commit) first.
+    void lockWriter();
+    void unlockWriter();
+    void lockCommit();
+    void unlockCommit();
+    bool holdsWriter() const { return writerHeld_; }
 
   private:
+    void readUnlocked(std::uint32_t page, std::uint8_t* out);
     std::string path_;
     int fd_ = -1;
     bool writable_;
     std::uint64_t size_ = 0;
+    bool writerHeld_ = false;
+    bool commitHeld_ = false;
 };
 
 // A database image in memory (fuzzing, tests). A trailing partial page is ignored.
@@ -67,20 +83,34 @@ class MemoryPageStore : public PageStore {
 };
 
 // Pages as the engine sees them: unmasked (encoded databases are decoded
-// with the database key) and cached.
+// with the database key) and cached. Between beginUnit() and endUnit() the
+// pages put() are held in memory (dirty, never evicted) and seen by page();
+// the unit's commit writes them to the store.
 class PageCache {
   public:
     explicit PageCache(std::unique_ptr<PageStore> store, std::size_t capacity = 1024);
     PageStore& store() { return *store_; }
-    std::uint32_t pageCount() const { return store_->pageCount(); }
+    // Counts pages appended by the open unit.
+    std::uint32_t pageCount() const;
     // Throws "corrupt page N: beyond the end of the file" for a page that does not exist.
     PageRef page(std::uint32_t n);
     // The page's type byte, checked: throws "corrupt page N: expected ..." otherwise.
     PageRef page(std::uint32_t n, PageType expected);
-    // Writes a page through to the store (encoding it if needed) and caches it.
+    // Writes a page through to the store (encoding it if needed) and caches
+    // it; inside a unit keeps it dirty instead. n may be one past the end.
     void put(std::uint32_t n, const PageBytes& bytes);
     void invalidate(std::uint32_t n);
-    void clear();
+    void clear();  // drops cached pages, never the unit's dirty ones
+
+    void beginUnit();
+    bool inUnit() const { return inUnit_; }
+    // The unit's pages, ascending, unmasked.
+    std::vector<std::pair<std::uint32_t, PageRef>> dirtyPages() const;
+    // The page as the store holds it (encoded with the database key).
+    PageBytes encoded(std::uint32_t n, const PageBytes& bytes) const;
+    // keep: the dirty pages reached the store and stay cached; otherwise they
+    // are dropped.
+    void endUnit(bool keep);
     void setDatabaseKey(std::uint32_t key) { dbKey_ = key; }
     std::uint32_t databaseKey() const { return dbKey_; }
 
@@ -95,6 +125,9 @@ class PageCache {
         std::list<std::uint32_t>::iterator pos;
     };
     std::unordered_map<std::uint32_t, Slot> slots_;
+    void cache(std::uint32_t n, PageRef bytes);
+    bool inUnit_ = false;
+    std::map<std::uint32_t, PageRef> dirty_;
 };
 
 }  // namespace jet

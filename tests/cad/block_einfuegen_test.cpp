@@ -211,5 +211,175 @@ TEST_F(FakeEinfuegen, UnbekannterEinfuegepunktFehler) {
     EXPECT_TRUE(gesendet().empty());
 }
 
+TEST_F(FakeEinfuegen, VarianteWirdUnterIhremNamenEingefuegt) {
+    a.optionen.checkBlock = 1;
+    a.optionen.longVariantenfrage = 1;
+    a.auftraege[0].varianten = {{"Ventil DN80", "V0010A_1"}, {"Ventil/DN100", "V0010A_2"}};
+    std::vector<std::string> gefragt;
+    a.variantenAuswahl = [&](const typEinfuegeAuftrag& auftrag) -> std::optional<typVariante> {
+        gefragt.push_back(auftrag.block.Block);
+        return auftrag.varianten[1];
+    };
+    const auto r = fctBlockEinfuegen(z, v, e, a);
+    EXPECT_EQ(r.eingefuegt, 1);
+    EXPECT_EQ(gefragt, std::vector<std::string>{"0010A"});
+    ASSERT_FALSE(gesendet().empty());
+    EXPECT_EQ(gesendet()[0],
+              "(command \"._-insert\" \"Ventil_DN100=c:/Bib/001/Block/Varia/V0010A_20.dwg\" pause "
+              "1 1 0)\r");
+}
+
+TEST_F(FakeEinfuegen, VariantenfrageAusOderOhneVariantenNimmtDenBlock) {
+    a.auftraege[0].varianten = {{"Ventil DN80", "V0010A_1"}};
+    int gefragt = 0;
+    a.variantenAuswahl = [&](const typEinfuegeAuftrag&) -> std::optional<typVariante> {
+        ++gefragt;
+        return typVariante{"Ventil DN80", "V0010A_1"};
+    };
+    for (long frage : {0L, 1L}) {
+        a.optionen.longVariantenfrage = frage;
+        if (frage == 1) a.auftraege[0].varianten.clear();
+        log->eintraege.clear();
+        fctBlockEinfuegen(z, v, e, a);
+        ASSERT_FALSE(gesendet().empty());
+        EXPECT_EQ(gesendet()[0],
+                  "(command \"._-insert\" \"c:/Bib/001/Block/0010A0.dwg\" pause 1 1 0)\r");
+    }
+    EXPECT_EQ(gefragt, 0);
+}
+
+TEST_F(FakeEinfuegen, VariantenauswahlAbgebrochenFuegtNichtsEin) {
+    a.optionen.longVariantenfrage = 1;
+    a.auftraege[0].varianten = {{"Ventil DN80", "V0010A_1"}};
+    a.variantenAuswahl = [](const typEinfuegeAuftrag&) -> std::optional<typVariante> {
+        return std::nullopt;
+    };
+    const auto r = fctBlockEinfuegen(z, v, e, a);
+    EXPECT_TRUE(r.booAbgebrochen);
+    EXPECT_EQ(r.eingefuegt, 0);
+    EXPECT_TRUE(log->eintraege.empty());
+}
+
+TEST_F(FakeEinfuegen, VarianteImSkriptkanal) {
+    v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
+    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    desktop.setKeyDown(platform::Key::LeftButton, true);
+    a.optionen.checkBlock = 1;
+    a.optionen.longVariantenfrage = 1;
+    a.auftraege[0].varianten = {{"Ventil DN80", "V0010A_1"}};
+    a.variantenAuswahl = [](const typEinfuegeAuftrag& au) -> std::optional<typVariante> {
+        return au.varianten[0];
+    };
+    EXPECT_EQ(fctBlockEinfuegen(z, v, e, a).eingefuegt, 1);
+    EXPECT_EQ(lesen("c:\\temp\\bv8LT.scr"),
+              "._-insert\r\n\"Ventil DN800=c:\\Bib\\001\\Block\\Varia\\V0010A_10.dwg\"\r\n"
+              "'setvar\r\nfiledia\r\n1\r\n");
+}
+
+TEST_F(FakeEinfuegen, MehrfachEinfuegenBisEscape) {
+    a.optionen.checkMehr = 1;
+    a.optionen.checkAttribute = 1;
+    app->dokument->variablen["CMDACTIVE"] = "0";
+    // Escape polls: 1, 2 after the first insertion; 3 (waiting), 4, 5 before
+    // the second; 6, 7 after it; the 8th, while waiting again, ends the series.
+    desktop.pressAfterQueries(platform::Key::Escape, 8);
+    const auto r = fctBlockEinfuegen(z, v, e, a);
+    EXPECT_EQ(r.eingefuegt, 2);
+    EXPECT_FALSE(r.booAbgebrochen);
+    EXPECT_EQ(r.erledigteBloecke, std::vector<std::string>{"0010A"});
+    const std::string insert =
+        "SendCommand:(command \"._-insert\" \"c:/Bib/001/Block/0010A0.dwg\" pause 1 1 0)\r";
+    const std::vector<std::string> erwartet = {
+        "GetVariable:filedia",   "GetVariable:attreq",        "GetVariable:orthomode",
+        "GetVariable:CMDECHO",   "SetVariable:attreq=0",      "SetVariable:orthomode=0",
+        "SetVariable:CMDECHO=0", insert,                      "SendCommand:._attedit (entlast)",
+        "GetVariable:CMDACTIVE", insert,                      "SendCommand:._attedit (entlast)",
+        "SetVariable:attreq=1",  "SetVariable:orthomode=1",   "SetVariable:CMDECHO=1",
+    };
+    EXPECT_EQ(log->eintraege, erwartet);
+}
+
+TEST_F(FakeEinfuegen, OhneMehrfachKeinWartenAufDenHost) {
+    desktop.pressAfterQueries(platform::Key::Escape, 3);
+    const auto r = fctBlockEinfuegen(z, v, e, a);
+    EXPECT_EQ(r.eingefuegt, 1);
+    for (const auto& s : log->eintraege) EXPECT_NE(s, "GetVariable:CMDACTIVE");
+}
+
+TEST_F(FakeEinfuegen, LispVariablenNachDenFolgebefehlen) {
+    a.optionen.lonLispVarUebergeben = 1;
+    a.optionen.checkReihe = 1;
+    a.auftraege[0].block.M[0] = "DN50";
+    fctBlockEinfuegen(z, v, e, a);
+    const auto g = gesendet();
+    ASSERT_EQ(g.size(), 16u);
+    EXPECT_EQ(g[1], "._array (entlast)\r");
+    EXPECT_EQ(g[2], "(setq tessara_Block \"0010A\")\r");
+    EXPECT_EQ(g[3], "(setq tessara_M0 \"DN50\")\r");
+    EXPECT_EQ(g[15], "(setq tessara_LYLINE \"\")\r");
+    a.optionen.lonLispVarUebergeben = 0;
+    log->eintraege.clear();
+    fctBlockEinfuegen(z, v, e, a);
+    EXPECT_EQ(gesendet().size(), 2u);
+}
+
+TEST_F(FakeEinfuegen, EinstellungenAusDerDateiSteuernDenWeg) {
+    // The overload without settings reads "AllgemeineDaten" itself.
+    anlegen(z.strIniDatei, "[AllgemeineDaten]\r\nNewInsertRoutine=1\r\n");
+    const auto r = fctBlockEinfuegen(z, v, a);
+    EXPECT_EQ(r.eingefuegt, 1);
+    EXPECT_TRUE(gesendet().empty()) << "AutoLISP route, no ._-insert";
+    ASSERT_EQ(getippt().size(), 2u);
+    EXPECT_EQ(getippt()[0], "{(}load \"c:/temp/insert.lsp\"{)}\r");
+
+    v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
+    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    desktop.setKeyDown(platform::Key::LeftButton, true);
+    a.auftraege[0].block.Layer = "Armaturen";
+    anlegen(z.strIniDatei, "[AllgemeineDaten]\r\nsOhneLayersteuerung=1\r\nsReplaceBackslash=/\r\n");
+    EXPECT_EQ(fctBlockEinfuegen(z, v, a).eingefuegt, 1);
+    EXPECT_EQ(lesen("c:\\temp\\bv8LT.scr").rfind("._-insert\r\n", 0), 0u);
+    EXPECT_NE(desktop.allTypedKeys().find("script\rc:/temp/bv8LT.scr\r"), std::string::npos)
+        << desktop.allTypedKeys();
+}
+
+TEST_F(FakeEinfuegen, MehrfachImSkriptkanalJeMarkiertemBlockBisEscape) {
+    v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
+    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    typEinfuegeAuftrag zweiter = a.auftraege[0];
+    zweiter.block.Block = "0010B";
+    a.auftraege.push_back(zweiter);
+    a.booMarkiert = true;
+    a.optionen.checkMehr = 1;
+    // The user's answer to each run of the script: a pick or Escape.
+    const std::vector<platform::Key> antworten = {
+        platform::Key::LeftButton, platform::Key::LeftButton, platform::Key::Escape,
+        platform::Key::LeftButton, platform::Key::Escape};
+    std::size_t laeufe = 0;
+    desktop.onKeys = [&](const platform::MemoryDesktop::TypedKeys& t) {
+        desktop.setKeyDown(platform::Key::LeftButton, false);
+        desktop.setKeyDown(platform::Key::Escape, false);
+        if (t.keys.find("script\r") == std::string::npos) return;
+        ASSERT_LT(laeufe, antworten.size()) << "more runs than the user answered";
+        desktop.setKeyDown(antworten[laeufe++], true);
+    };
+    const auto r = fctBlockEinfuegen(z, v, e, a);
+    EXPECT_EQ(laeufe, antworten.size());
+    EXPECT_EQ(r.eingefuegt, 3);
+    EXPECT_FALSE(r.booAbgebrochen);
+    EXPECT_EQ(r.erledigteBloecke, (std::vector<std::string>{"0010A", "0010B"}));
+    EXPECT_TRUE(r.booMarkierenAus);
+}
+
+TEST_F(FakeEinfuegen, EscapeOhneMehrfachBrichtImSkriptkanalAb) {
+    v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
+    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    desktop.setKeyDown(platform::Key::Escape, true);
+    const auto r = fctBlockEinfuegen(z, v, e, a);
+    EXPECT_TRUE(r.booAbgebrochen);
+    EXPECT_EQ(r.eingefuegt, 0);
+    EXPECT_TRUE(r.erledigteBloecke.empty());
+}
+
 }  // namespace
 }  // namespace tessara::test

@@ -78,8 +78,12 @@ TEST_F(SqlCommand, ErrorsPrintJetsMessageAndExitNonZero) {
 
 TEST_F(SqlCommand, AStatementThatCannotWriteLeavesTheFileAsItWas) {
     std::string before = bytesOf(file);
-    Output o = run(cli("DELETE FROM Table1") + " 2>&1");
+    // The first row takes the change; the second would duplicate the
+    // primary key of the first, so the statement fails half way and the
+    // first row's change must go too.
+    Output o = run(cli("UPDATE Table1 SET C = 7, A = 'abcdefg'") + " 2>&1");
     EXPECT_NE(o.status, 0);
+    EXPECT_NE(o.text.find("duplicate"), std::string::npos) << o.text;
     EXPECT_EQ(bytesOf(file), before);
 }
 

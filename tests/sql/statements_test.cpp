@@ -2,9 +2,13 @@
 // Blocks; expected rows come from the generator's own lists.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 
+#include "jet/sql/engine_storage.h"
 #include "jet/sql/error.h"
 #include "jet/sql/executor.h"
 #include "jet/sql/memory_storage.h"
@@ -22,13 +26,37 @@ bool contains(const std::string& hay, const std::string& needle) {
     return lowerAscii(hay).find(lowerAscii(needle)) != std::string::npos;
 }
 
-class Statements : public ::testing::Test {
+// Each case runs over the in-memory store and over a real .mdb file made
+// and filled by the Jet engine, so both give the same answers.
+class Statements : public ::testing::TestWithParam<const char*> {
 protected:
     void SetUp() override {
-        files = std::make_shared<sql::MemoryFiles>();
-        lib = files->create("C:\\Lib\\dbTessara.mdb");
+        if (std::string(GetParam()) == "memory") {
+            files = std::make_shared<sql::MemoryFiles>();
+            lib = files->create("C:\\Lib\\dbTessara.mdb");
+        } else {
+            dir = std::filesystem::temp_directory_path() /
+                  ("tessara_sql_" + std::to_string(::getpid()) + "_" +
+                   std::to_string(reinterpret_cast<std::uintptr_t>(this)));
+            std::filesystem::create_directories(dir);
+            lib = sql::openEngineStorage((dir / "dbTessara.mdb").string(), true);
+        }
         cat = fixture::fill(*lib);
         ex = std::make_unique<sql::Executor>(lib);
+    }
+    // Only the in-memory store counts how a statement reached its rows.
+    void resetCounters() {
+        if (auto* m = dynamic_cast<sql::MemoryStorage*>(lib.get())) m->counters().scans = m->counters().seeks = 0;
+    }
+    template <class M>
+    void expectCount(M member, int n) {
+        if (auto* m = dynamic_cast<sql::MemoryStorage*>(lib.get())) EXPECT_EQ(m->counters().*member, n);
+    }
+    void TearDown() override {
+        ex.reset();
+        lib.reset();
+        std::error_code ec;
+        if (!dir.empty()) std::filesystem::remove_all(dir, ec);
     }
     std::vector<std::string> column(const sql::ResultSet& rs, const std::string& name) {
         int i = rs.columnIndex(name);
@@ -44,13 +72,14 @@ protected:
         return out;
     }
     std::shared_ptr<sql::MemoryFiles> files;
-    std::shared_ptr<sql::MemoryStorage> lib;
+    std::filesystem::path dir;
+    std::shared_ptr<sql::Storage> lib;
     fixture::Catalogue cat;
     std::unique_ptr<sql::Executor> ex;
 };
 
 // The record sets of the navigation model.
-TEST_F(Statements, PagesOfAFolderSortedByNameInGeneralOrder) {
+TEST_P(Statements, PagesOfAFolderSortedByNameInGeneralOrder) {
     auto rs = ex->query("SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 3 ORDER BY SeitenName");
     EXPECT_EQ(column(rs, "SeitenName"), (std::vector<std::string>{"1", "10", "2", "A", "b"}));
     EXPECT_EQ(column(rs, "SeitenNr"), (std::vector<std::string>{"5", "3", "1", "4", "2"}));
@@ -58,7 +87,7 @@ TEST_F(Statements, PagesOfAFolderSortedByNameInGeneralOrder) {
     EXPECT_EQ(rs.columns[1].name, "SeitenNr");
 }
 
-TEST_F(Statements, BlockRecordsOfAFolderWithTheFixedColumnList) {
+TEST_P(Statements, BlockRecordsOfAFolderWithTheFixedColumnList) {
     std::string sqlText =
         std::string("SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, ") +
         "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE FROM tblBlockInfo " +
@@ -72,7 +101,7 @@ TEST_F(Statements, BlockRecordsOfAFolderWithTheFixedColumnList) {
     EXPECT_EQ(rs.rows[0][15].toString(), rs.rows[0][15].isNull() ? "" : rs.rows[0][15].toString());
 }
 
-TEST_F(Statements, SingleBlockByLike) {
+TEST_P(Statements, SingleBlockByLike) {
     const BlockSpec& b = cat.blocks[17];
     auto rs = ex->query("SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, "
                         "AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE FROM tblBlockInfo WHERE Block LIKE '" + b.block + "'");
@@ -88,7 +117,7 @@ struct Shape {
     std::function<std::size_t(const fixture::Catalogue&)> expectedRows;
 };
 
-TEST_F(Statements, HelperShapesReturnTheExpectedNumberOfRows) {
+TEST_P(Statements, HelperShapesReturnTheExpectedNumberOfRows) {
     const Shape shapes[] = {
         {"SELECT * FROM [tblOrdner] ORDER BY OrdnerName", [](auto& c) { return c.folders.size(); }},
         {"SELECT * FROM [tblOrdner]", [](auto& c) { return c.folders.size(); }},
@@ -118,7 +147,7 @@ TEST_F(Statements, HelperShapesReturnTheExpectedNumberOfRows) {
     }
 }
 
-TEST_F(Statements, SchemaUpgradeAddsColumnAndStartValue) {
+TEST_P(Statements, SchemaUpgradeAddsColumnAndStartValue) {
     EXPECT_EQ(ex->execute("ALTER TABLE tblOrdner ADD COLUMN NrTblOrdnen SHORT").rowsAffected, 0);
     EXPECT_EQ(ex->execute("UPDATE tblOrdner SET NrTblOrdnen = 0").rowsAffected, 4);
     EXPECT_EQ(ex->execute("UPDATE tblOrdner SET NrTblOrdnen = Nr").rowsAffected, 4);
@@ -134,7 +163,7 @@ TEST_F(Statements, SchemaUpgradeAddsColumnAndStartValue) {
     EXPECT_THROW(ex->execute("ALTER TABLE tblOrdner ADD COLUMN Farbe TEXT (100)"), sql::Error);
 }
 
-TEST_F(Statements, TypeWordsOfAlterTable) {
+TEST_P(Statements, TypeWordsOfAlterTable) {
     struct {
         const char* word;
         sql::ColumnType type;
@@ -146,7 +175,7 @@ TEST_F(Statements, TypeWordsOfAlterTable) {
                  {"BIT", sql::ColumnType::Boolean, 0},      {"YESNO", sql::ColumnType::Boolean, 0},
                  {"DATETIME", sql::ColumnType::DateTime, 0}, {"CURRENCY", sql::ColumnType::Currency, 0},
                  {"MEMO", sql::ColumnType::Memo, 0},        {"VARCHAR(20)", sql::ColumnType::Text, 20},
-                 {"SMALLINT", sql::ColumnType::Integer, 0}, {"COUNTER", sql::ColumnType::Long, 0}};
+                 {"SMALLINT", sql::ColumnType::Integer, 0}};
     int n = 0;
     for (const auto& c : cases) {
         std::string col = "Neu" + std::to_string(n++);
@@ -156,46 +185,54 @@ TEST_F(Statements, TypeWordsOfAlterTable) {
         EXPECT_EQ(d.type, c.type) << c.word;
         EXPECT_EQ(d.size, c.size) << c.word;
     }
-    EXPECT_TRUE(lib->table("tblSeiten")->columns().back().autoIncrement);
+    // A table has one autonumber at most; a copy without Nr takes one, and
+    // the rows already there are numbered.
+    ex->execute("SELECT SeitenName INTO tblZaehler FROM tblSeiten");
+    ex->execute("ALTER TABLE tblZaehler ADD COLUMN Zaehler COUNTER");
+    auto zaehler = lib->table("tblZaehler")->columns().back();
+    EXPECT_EQ(zaehler.type, sql::ColumnType::Long);
+    EXPECT_TRUE(zaehler.autoIncrement);
+    auto rs = ex->query("SELECT Zaehler FROM tblZaehler WHERE Zaehler IS NULL");
+    EXPECT_EQ(rs.rows.size(), 0u);
 }
 
-TEST_F(Statements, CreateIndexDescendingAndItsUse) {
+TEST_P(Statements, CreateIndexDescendingAndItsUse) {
     ex->execute("CREATE INDEX OrdnerID ON tblBlockInfo(OrdnerID DESC)");
     auto ixs = lib->table("tblBlockInfo")->indexes();
     ASSERT_EQ(ixs.size(), 2u);
     EXPECT_EQ(ixs[1].name, "OrdnerID");
     EXPECT_TRUE(ixs[1].columns[0].descending);
 
-    lib->counters().scans = lib->counters().seeks = 0;
+    resetCounters();
     auto rs = ex->query("SELECT Block FROM tblBlockInfo WHERE OrdnerID = 3 AND M0 LIKE '%DN1%'");
-    EXPECT_EQ(lib->counters().seeks, 1);
-    EXPECT_EQ(lib->counters().scans, 0);
+    expectCount(&sql::AccessCounters::seeks, 1);
+    expectCount(&sql::AccessCounters::scans, 0);
     EXPECT_EQ(column(rs, "Block"), blocksWhere([](auto& b) { return b.ordnerId == 3 && contains(b.m0, "DN1"); }));
 
     // Without an index on the column the table is scanned.
-    lib->counters().scans = lib->counters().seeks = 0;
+    resetCounters();
     ex->query("SELECT Block FROM tblBlockInfo WHERE M3 = 'Stahl'");
-    EXPECT_EQ(lib->counters().seeks, 0);
-    EXPECT_EQ(lib->counters().scans, 1);
+    expectCount(&sql::AccessCounters::seeks, 0);
+    expectCount(&sql::AccessCounters::scans, 1);
     // An OR cannot be answered by the index alone.
-    lib->counters().scans = lib->counters().seeks = 0;
+    resetCounters();
     ex->query("SELECT Block FROM tblBlockInfo WHERE OrdnerID = 3 OR OrdnerID = 2");
-    EXPECT_EQ(lib->counters().scans, 1);
+    expectCount(&sql::AccessCounters::scans, 1);
 
     EXPECT_THROW(ex->execute("CREATE INDEX OrdnerID ON tblBlockInfo(OrdnerID DESC)"), sql::Error);
 }
 
-TEST_F(Statements, PrimaryKeyLookupUsesTheIndex) {
-    lib->counters().scans = lib->counters().seeks = 0;
+TEST_P(Statements, PrimaryKeyLookupUsesTheIndex) {
+    resetCounters();
     auto rs = ex->query("SELECT * FROM [tblBlockInfo] WHERE [Nr] = 42");
     ASSERT_EQ(rs.rows.size(), 1u);
     EXPECT_EQ(rs.rows[0][1].toString(), cat.blocks[41].block);
-    EXPECT_EQ(lib->counters().seeks, 1);
-    EXPECT_EQ(lib->counters().scans, 0);
+    expectCount(&sql::AccessCounters::seeks, 1);
+    expectCount(&sql::AccessCounters::scans, 0);
 }
 
 // Folder and Page management.
-TEST_F(Statements, DeletingTheOnlyPageRemovesAllPagesOfTheFolder) {
+TEST_P(Statements, DeletingTheOnlyPageRemovesAllPagesOfTheFolder) {
     EXPECT_EQ(ex->execute("DELETE FROM tblSeiten WHERE NrTblOrdner = 2").rowsAffected, 5);
     EXPECT_EQ(ex->query("SELECT * FROM tblSeiten WHERE NrTblOrdner = 2").rows.size(), 0u);
     EXPECT_EQ(ex->query("SELECT * FROM tblSeiten").rows.size(), cat.pages.size() - 5);
@@ -203,7 +240,7 @@ TEST_F(Statements, DeletingTheOnlyPageRemovesAllPagesOfTheFolder) {
 }
 
 // The search dialog's statements.
-TEST_F(Statements, SearchShapes) {
+TEST_P(Statements, SearchShapes) {
     const std::string head = "SELECT Nr, Block, OrdnerID, SlideLib, BlkName0, BlkName1, BlkName2, BlkName3, "
                              "BlkName4, M0, AX1, AX2, AX3, AX4 From tblBlockInfo WHERE ";
     struct Case {
@@ -248,7 +285,7 @@ TEST_F(Statements, SearchShapes) {
     }
 }
 
-TEST_F(Statements, SearchWithBlockNameRunTogetherWithWhereIsASyntaxError) {
+TEST_P(Statements, SearchWithBlockNameRunTogetherWithWhereIsASyntaxError) {
     std::string sqlText = "SELECT Nr, Block, OrdnerID, SlideLib, BlkName0, BlkName1, BlkName2, BlkName3, BlkName4, M0, "
                           "AX1, AX2, AX3, AX4 From tblBlockInfo WHERE (tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr FROM "
                           "tblBlockInfoWHERE BlkName0 LIKE '%x%'))";
@@ -263,7 +300,7 @@ TEST_F(Statements, SearchWithBlockNameRunTogetherWithWhereIsASyntaxError) {
     }
 }
 
-TEST_F(Statements, SearchInALibraryWithoutTheInventorTable) {
+TEST_P(Statements, SearchInALibraryWithoutTheInventorTable) {
     try {
         ex->query("SELECT * From tblBlockInfoInventor WHERE M0 LIKE '%a%' ");
         FAIL();
@@ -273,7 +310,7 @@ TEST_F(Statements, SearchInALibraryWithoutTheInventorTable) {
     }
 }
 
-TEST_F(Statements, QuoteInSearchTextBreaksTheStatementAndChangesNothing) {
+TEST_P(Statements, QuoteInSearchTextBreaksTheStatementAndChangesNothing) {
     std::string where = "M0 LIKE '%O'Brien%' ";
     try {
         ex->query("SELECT Nr, Block From tblBlockInfo WHERE " + where);
@@ -285,5 +322,8 @@ TEST_F(Statements, QuoteInSearchTextBreaksTheStatementAndChangesNothing) {
     EXPECT_THROW(ex->execute("UPDATE tblOrdner SET Ordnername = 'O'Brien' WHERE Nr = 2"), sql::Error);
     EXPECT_EQ(ex->query("SELECT * FROM tblOrdner WHERE Ordnername LIKE 'Armaturen'").rows.size(), 1u);
 }
+
+INSTANTIATE_TEST_SUITE_P(Stores, Statements, ::testing::Values("memory", "mdb"),
+                         [](const auto& info) { return std::string(info.param); });
 
 }  // namespace

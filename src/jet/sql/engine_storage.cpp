@@ -9,6 +9,7 @@
 #include "jet/sql/error.h"
 #include "jet/sql/text_rules.h"
 #include "jet/table.h"
+#include "jet/writer.h"
 
 namespace sql {
 
@@ -17,6 +18,18 @@ namespace {
 // Row ids of the SQL layer carry the engine's page and row number.
 RowId toSql(jet::RowId id) { return (static_cast<RowId>(id.page) << 16) | id.row; }
 jet::RowId toJetId(RowId id) { return jet::RowId{static_cast<std::uint32_t>(id >> 16), static_cast<std::uint16_t>(id & 0xFFFF)}; }
+
+// Engine errors become the SQL layer's, keeping Jet's number.
+template <class F>
+void guarded(F&& f) {
+    try {
+        f();
+    } catch (const Error&) {
+        throw;
+    } catch (const jet::Error& e) {
+        throw Error(e.what(), errors::kIntegrity, e.number() ? e.number() : 3000);
+    }
+}
 
 class EngineTable : public Table {
 public:
@@ -100,15 +113,35 @@ public:
         return engine::fromJet(*r);
     }
 
-    RowId insert(Row&) override { throw notWritable(); }
-    void update(RowId, const Row&) override { throw notWritable(); }
-    void remove(RowId) override { throw notWritable(); }
+    RowId insert(Row& row) override {
+        auto d = def();
+        jet::Row r = toJetRow(*d, row);
+        jet::RowId id;
+        guarded([&] { id = jet::Writer(db_).insert(d->name, r); });
+        // The engine wrote the autonumbers it assigned back into r.
+        for (std::size_t i = 0; i < row.size() && i < r.size(); ++i)
+            if (row[i].isNull() && !jet::isNull(r[i])) row[i] = engine::fromJet(r[i]);
+        return toSql(id);
+    }
+    void update(RowId id, const Row& row) override {
+        auto d = def();
+        jet::Row r = toJetRow(*d, row);
+        guarded([&] { jet::Writer(db_).update(d->name, toJetId(id), r); });
+    }
+    void remove(RowId id) override {
+        auto d = def();
+        guarded([&] { jet::Writer(db_).remove(d->name, toJetId(id)); });
+    }
 
 private:
-    static Error notWritable() {
-        return Error("Cannot update.  Database or object is read-only.", errors::kIntegrity, 3027);
-    }
     std::shared_ptr<const jet::TableDef> def() const { return db_->tableDef(name_); }
+    static jet::Row toJetRow(const jet::TableDef& d, const Row& row) {
+        jet::Row r;
+        r.reserve(d.columns.size());
+        for (std::size_t i = 0; i < d.columns.size(); ++i)
+            r.push_back(i < row.size() ? engine::toJet(row[i], d.columns[i].type) : jet::Value{});
+        return r;
+    }
 
     std::shared_ptr<jet::Database> db_;
     std::string name_;
@@ -126,13 +159,37 @@ public:
         return nullptr;
     }
 
-    std::shared_ptr<Table> createTable(const std::string&, const std::vector<ColumnDef>&,
-                                       const std::vector<IndexDef>&) override {
-        throw notWritable();
+    std::shared_ptr<Table> createTable(const std::string& name, const std::vector<ColumnDef>& columns,
+                                       const std::vector<IndexDef>& indexes) override {
+        jet::TableSpec spec;
+        spec.name = name;
+        for (const auto& c : columns) spec.columns.push_back(columnSpec(c));
+        for (const auto& ix : indexes) spec.indexes.push_back(indexSpec(ix));
+        guarded([&] { jet::Writer(db_).createTable(spec); });
+        return std::make_shared<EngineTable>(db_, name);
     }
-    void addColumn(const std::string&, const ColumnDef&) override { throw notWritable(); }
-    void createIndex(const std::string&, const IndexDef&) override { throw notWritable(); }
-    void createRelation(const RelationDef&) override { throw notWritable(); }
+    void addColumn(const std::string& table, const ColumnDef& column) override {
+        guarded([&] { jet::Writer(db_).addColumn(table, columnSpec(column)); });
+    }
+    void createIndex(const std::string& table, const IndexDef& index) override {
+        guarded([&] { jet::Writer(db_).createIndex(table, indexSpec(index)); });
+    }
+    void createRelation(const RelationDef& r) override {
+        jet::RelationshipSpec spec{r.name, r.table, r.columns, r.relatedTable, r.relatedColumns, false};
+        guarded([&] { jet::Writer(db_).createRelationship(spec); });
+    }
+
+    // A statement is one unit of work of the engine: all of it reaches the
+    // file or none of it.
+    void begin() override {
+        if (db_->writable()) guarded([&] { db_->begin(); });
+    }
+    void commit() override {
+        if (db_->inTransaction()) guarded([&] { db_->commit(); });
+    }
+    void rollback() override {
+        if (db_->inTransaction()) db_->rollback();
+    }
 
     std::vector<RelationDef> relations() override {
         std::vector<RelationDef> out;
@@ -152,8 +209,22 @@ public:
     }
 
 private:
-    static Error notWritable() {
-        return Error("Cannot update.  Database or object is read-only.", errors::kIntegrity, 3027);
+    static jet::ColumnSpec columnSpec(const ColumnDef& c) {
+        jet::ColumnSpec s;
+        s.name = c.name;
+        s.type = static_cast<jet::ColumnType>(static_cast<int>(c.type));
+        s.length = static_cast<std::uint16_t>(c.type == ColumnType::Text ? (c.size > 0 ? c.size : 255) : 0);
+        s.autoNumber = c.autoIncrement;
+        s.nullable = c.nullable;
+        return s;
+    }
+    static jet::IndexSpec indexSpec(const IndexDef& ix) {
+        jet::IndexSpec s;
+        s.name = ix.name;
+        s.primary = ix.primary;
+        s.unique = ix.unique || ix.primary;
+        for (const auto& c : ix.columns) s.columns.push_back({c.name, !c.descending});
+        return s;
     }
     std::shared_ptr<jet::Database> db_;
     PathMapper mapper_;
@@ -165,9 +236,21 @@ private:
 std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create, PathMapper mapper) {
     std::string native = mapper ? mapper(path) : path;
     std::error_code ec;
-    if (create) throw Error("Creating a database is not available in this build.", errors::kIntegrity, 3027);
-    if (!std::filesystem::exists(native, ec)) throw errors::fileNotFound(path);
-    auto db = jet::Database::open(native, jet::OpenOptions{false, 1024});
+    if (create) {
+        if (std::filesystem::exists(native, ec)) throw Error("Database already exists.", errors::kIntegrity, 3204);
+        guarded([&] { jet::createDatabase(native); });
+    } else if (!std::filesystem::exists(native, ec)) {
+        throw errors::fileNotFound(path);
+    }
+    // Read-only files (a library on a write-protected share) still open, for reading.
+    std::shared_ptr<jet::Database> db;
+    guarded([&] {
+        try {
+            db = jet::Database::open(native, jet::OpenOptions{true, 1024});
+        } catch (const jet::Error&) {
+            db = jet::Database::open(native, jet::OpenOptions{false, 1024});
+        }
+    });
     return std::make_shared<EngineStorage>(std::move(db), std::move(mapper));
 }
 

@@ -91,9 +91,16 @@ public:
     // Schema changes, called by the store.
     void addColumn(const ColumnDef& c) {
         if (columnIndex(c.name) >= 0) throw errors::fieldExists(c.name, name_);
+        if (c.autoIncrement)
+            for (const auto& o : columns_)
+                if (o.autoIncrement)
+                    throw Error("Table '" + name_ + "' has an AutoNumber field already.",
+                                errors::kIntegrity, 3190);
         columns_.push_back(c);
+        const std::size_t at = columns_.size() - 1;
+        // As Jet does, an added autonumber numbers the rows already there.
         for (auto& r : rows_)
-            if (r) r->push_back(Value());
+            if (r) r->push_back(c.autoIncrement ? Value::integer(++autoNumber_[at]) : Value());
     }
     void addIndex(const IndexDef& ix) {
         for (const auto& e : indexes_)

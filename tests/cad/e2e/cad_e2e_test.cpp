@@ -17,6 +17,7 @@
 #include <thread>
 
 #include "authoring/slide.h"
+#include "cad/block_einfuegen.h"
 #include "cad/cad_verbindung.h"
 #include "cad/lt_skript.h"
 #include "platform/memory/fake_clock.h"
@@ -55,6 +56,22 @@ bool warteAufLog(const fs::path& log, const std::string& text, std::chrono::seco
     const auto ende = std::chrono::steady_clock::now() + grenze;
     while (std::chrono::steady_clock::now() < ende) {
         if (lesen(log).find(text) != std::string::npos) return true;
+        std::this_thread::sleep_for(20ms);
+    }
+    return false;
+}
+
+std::size_t anzahl(const std::string& text, const std::string& teil) {
+    std::size_t n = 0;
+    for (auto p = text.find(teil); p != std::string::npos; p = text.find(teil, p + 1)) ++n;
+    return n;
+}
+
+// Waits, bounded, until the host's log holds the text n times.
+bool warteAufLogAnzahl(const fs::path& log, const std::string& text, std::size_t n) {
+    const auto ende = std::chrono::steady_clock::now() + 20s;
+    while (std::chrono::steady_clock::now() < ende) {
+        if (anzahl(lesen(log), text) >= n) return true;
         std::this_thread::sleep_for(20ms);
     }
     return false;
@@ -226,6 +243,73 @@ TEST_F(SimHostE2E, EinfuegungEscape) {
     EXPECT_EQ(r, LtErgebnis::Abgebrochen);
     ASSERT_TRUE(warteAufLog(log, "ABBRUCH INSERT")) << lesen(log);
     EXPECT_EQ(lesen(log).find("INSERT block="), std::string::npos);
+}
+
+TEST_F(SimHostE2E, MehrfachEinfuegenBisEscape) {
+    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
+    verbinden();
+    // Two picks, then Escape at the third prompt for a point.
+    std::thread nutzer([&] {
+        if (!warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 1)) return;
+        Hand().klick(1, 120, 150);
+        if (!warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 2)) return;
+        Hand().klick(1, 220, 180);
+        if (warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 3)) Hand().escape();
+    });
+    const LtEinfuegung ventilLt = ventil();
+    EinfuegeAnfrage a;
+    a.strBibliothek = ventilLt.strBibliothek;
+    a.strKopieVerzeichnis = ventilLt.strKopieVerzeichnis;
+    a.auftraege = {ventilLt.auftrag};
+    a.optionen = ventilLt.optionen;
+    a.optionen.checkMehr = 1;
+    const auto r = fctBlockEinfuegen(z, v, e, a);
+    nutzer.join();
+    EXPECT_EQ(r.eingefuegt, 2);
+    EXPECT_FALSE(r.booAbgebrochen);
+    EXPECT_FALSE(r.booFehler);
+    ASSERT_TRUE(warteAufLog(log, "ABBRUCH INSERT")) << lesen(log);
+    const std::string l = lesen(log);
+    EXPECT_EQ(anzahl(l, "INSERT block=Ventil0 datei=c:\\Bib\\001\\Block\\0010A0.dwg punkt="), 2u)
+        << l;
+    // Two different points: each insertion took its own pick.
+    const auto p1 = l.find("\nPUNKT ");
+    const auto p2 = l.find("\nPUNKT ", p1 + 1);
+    ASSERT_NE(p2, std::string::npos) << l;
+    EXPECT_NE(l.substr(p1, l.find('\n', p1 + 1) - p1), l.substr(p2, l.find('\n', p2 + 1) - p2));
+}
+
+TEST_F(SimHostE2E, XrefOhneLayersteuerungAusDerEinstellungsdatei) {
+    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
+    zeichnungAnlegen("Programme/Tessara9.0.ini",
+                     "[AllgemeineDaten]\r\nsOhneLayersteuerung=1\r\nsReplaceBackslash=/\r\n");
+    z.strIniDatei = "c:\\Programme\\Tessara9.0.ini";
+    verbinden();
+    std::thread nutzer([&] {
+        if (warteAufLog(log, "XREF WARTET AUF PUNKT")) Hand().klick(1, 140, 160);
+    });
+    const LtEinfuegung ventilLt = ventil();
+    EinfuegeAnfrage a;
+    a.strBibliothek = ventilLt.strBibliothek;
+    a.strKopieVerzeichnis = ventilLt.strKopieVerzeichnis;
+    a.auftraege = {ventilLt.auftrag};
+    a.optionen.longXRef = 1;
+    const auto r = fctBlockEinfuegen(z, v, a);
+    nutzer.join();
+    EXPECT_EQ(r.eingefuegt, 1);
+    ASSERT_TRUE(warteAufLog(log, "XREF block=")) << lesen(log);
+    const std::string l = lesen(log);
+    // The typed script path went in with "/", the host still found the script.
+    EXPECT_NE(l.find("EINGABE [c:/temp/bv8LT.scr]"), std::string::npos) << l;
+    EXPECT_NE(l.find("SKRIPT [._-xref]\nBEFEHL XREF"), std::string::npos) << l;
+    EXPECT_NE(l.find("SKRIPT [z]"), std::string::npos) << l;
+    EXPECT_EQ(l.find("LAYER AKTUELL"), std::string::npos) << l;
+    EXPECT_NE(l.find("XREF block=0010A0 datei=c:\\Bib\\001\\Block\\0010A0.dwg punkt="),
+              std::string::npos)
+        << l;
+    EXPECT_EQ(l.find("INSERT block="), std::string::npos) << l;
 }
 
 TEST_F(SimHostE2E, NeuerBlockMitRechtsklick) {

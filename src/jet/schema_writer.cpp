@@ -1,0 +1,305 @@
+// Schema changes: table definitions rewritten through the TDEF writer.
+#include <algorithm>
+#include <ctime>
+
+#include "jet/data_writer.h"
+#include "jet/database.h"
+#include "jet/error.h"
+#include "jet/index_writer.h"
+#include "jet/table.h"
+#include "jet/tdef_writer.h"
+#include "jet/text.h"
+#include "jet/writer.h"
+
+namespace jet {
+
+namespace {
+
+// Jet's "field already exists" and "invalid argument".
+constexpr long kDuplicateField = 3191;
+constexpr long kInvalidArgument = 3001;
+
+bool isVariable(ColumnType t) {
+    return t == ColumnType::Text || t == ColumnType::Memo || t == ColumnType::OLE ||
+           t == ColumnType::Binary;
+}
+
+// Writes def over its TDEF chain, adding pages when it grew.
+void storeTableDef(Database& db, const TableDef& def) {
+    std::vector<std::uint32_t> numbers = def.pages.empty() ? std::vector{def.page} : def.pages;
+    std::size_t need = tableDefPageCount(def);
+    while (numbers.size() < need) numbers.push_back(db.allocatePage(PageType::TableDef));
+    // Schema changes only add to a definition, so the chain never has to give pages back.
+    numbers.resize(need);
+    std::vector<PageBytes> pages = tableDefPages(def, numbers);
+    for (std::size_t i = 0; i < pages.size(); ++i) db.pages().put(numbers[i], pages[i]);
+    db.forgetTableDef(def.page);
+}
+
+Column makeColumn(TableDef& d, const ColumnSpec& spec) {
+    if (spec.name.empty() || spec.name.size() > 64)
+        throw Error("invalid column name '" + spec.name + "'", kInvalidArgument);
+    if (d.column(spec.name))
+        throw Error("field '" + spec.name + "' defined more than once", kDuplicateField);
+    if (spec.autoNumber && spec.type != ColumnType::Long)
+        throw Error("only Long columns can be autonumbers", kInvalidArgument);
+    if (!isKnownColumnType(std::uint8_t(spec.type)) || spec.type == ColumnType::Numeric)
+        throw Error("column type not supported for new columns", kInvalidArgument);
+    Column c;
+    c.name = spec.name;
+    c.type = spec.type;
+    std::uint16_t number = d.maxColumns;
+    for (const Column& o : d.columns) number = std::max<std::uint16_t>(number, o.number + 1);
+    c.number = number;
+    c.index = number;
+    c.flags = spec.nullable ? colflag::kNullable : 0;
+    if (!d.columns.empty()) c.tableId = d.columns.front().tableId;
+    if (isVariable(spec.type)) {
+        std::uint16_t slot = 0;
+        for (const Column& o : d.columns)
+            if (!o.isFixed()) slot = std::max<std::uint16_t>(slot, o.varIndex + 1);
+        c.varIndex = slot;
+        if (spec.type == ColumnType::Text) {
+            if (spec.length == 0 || spec.length > 255)
+                throw Error("text columns hold 1 to 255 characters", kInvalidArgument);
+            c.length = std::uint16_t(spec.length * 2);
+            c.sortOrder = 0x409;
+            c.miscFlags = colmisc::kCompressedUnicode;
+            for (const Column& o : d.columns)
+                if (o.type == ColumnType::Text) c.miscExt = o.miscExt;  // sort version
+        } else if (spec.type == ColumnType::Binary) {
+            c.length = std::uint16_t(std::min<int>(spec.length ? spec.length : 255, 255));
+        }
+        ++d.varColumnCount;
+    } else {
+        c.flags |= colflag::kFixed;
+        c.length = fixedSizeOf(spec.type);
+        if (spec.type != ColumnType::Boolean) {
+            std::uint16_t at = 0;
+            for (const Column& o : d.columns)
+                if (o.isFixed() && o.type != ColumnType::Boolean)
+                    at = std::max<std::uint16_t>(
+                        at, o.fixedOffset + (o.length ? o.length : fixedSizeOf(o.type)));
+            c.fixedOffset = at;
+        }
+    }
+    if (spec.autoNumber) c.flags |= colflag::kAutoLong;
+    d.maxColumns = std::uint16_t(number + 1);
+    return c;
+}
+
+template <class F>
+void asUnit(Database& db, F&& f) {
+    db.begin();
+    try {
+        f();
+    } catch (...) {
+        db.rollback();
+        throw;
+    }
+    db.commit();
+}
+
+}  // namespace
+
+void Writer::addColumn(const std::string& table, const ColumnSpec& spec) {
+    asUnit(*db_, [&] {
+        TableDef d = *db_->tableDef(table);
+        if (spec.autoNumber)
+            for (const Column& o : d.columns)
+                if (o.flags & colflag::kAutoLong)
+                    throw Error("table '" + d.name + "' has an autonumber column already", 3190);
+        if (!spec.nullable && !spec.autoNumber && d.rowCount > 0)
+            throw Error("a required column cannot be added to a table holding rows",
+                        kInvalidArgument);
+        if (d.columns.size() >= 255) throw Error("too many fields defined", 3190);
+        ColumnSpec plain = spec;
+        plain.autoNumber = false;
+        Column c = makeColumn(d, plain);
+        d.columns.push_back(c);
+        d.columnCount = std::uint16_t(d.columns.size());
+        storeTableDef(*db_, d);
+        if (!spec.autoNumber) return;
+        // Jet numbers the rows already there, in the order they are stored,
+        // then hands out numbers after them.
+        std::vector<std::pair<RowId, Row>> rows;
+        Table(db_, db_->tableDef(table)).scan([&](RowId id, const Row& row) {
+            rows.emplace_back(id, row);
+            return true;
+        });
+        std::int32_t next = 0;
+        for (auto& [id, row] : rows) {
+            row.back() = ++next;
+            update(table, id, row);
+        }
+        TableDef numbered = *db_->tableDef(table);
+        numbered.columns.back().flags |= colflag::kAutoLong;
+        numbered.nextAutoNumber = std::uint32_t(next);
+        storeTableDef(*db_, numbered);
+    });
+}
+
+void Writer::createTable(const TableSpec& spec) {
+    if (spec.name.empty() || spec.name.size() > 64)
+        throw Error("invalid table name '" + spec.name + "'", kInvalidArgument);
+    if (db_->hasTable(spec.name)) throw Error("table '" + spec.name + "' already exists", 3010);
+    if (spec.columns.empty() || spec.columns.size() > 255)
+        throw Error("a table needs 1 to 255 columns", kInvalidArgument);
+    const CatalogEntry* tables = db_->findObject("Tables", objtype::kContainer);
+    if (!tables) throw Error("the catalogue has no Tables container", errnum::kCorrupt);
+    const std::int32_t parentId = tables->id;
+    const RowId containerRow = tables->row;
+    asUnit(*db_, [&] {
+        TableDef d;
+        d.name = spec.name;
+        d.page = db_->allocatePage(PageType::TableDef);
+        d.pages = {d.page};
+        d.tableType = 0x4E;
+        for (const ColumnSpec& cs : spec.columns) d.columns.push_back(makeColumn(d, cs));
+        d.columnCount = std::uint16_t(d.columns.size());
+        for (Column& c : d.columns) c.tableId = 0;
+        // Usage maps live as rows on pages no table owns: an inline map
+        // (type 0, first page 0, 64 bytes of bits), as Access writes them.
+        const PagePool mapPool{};
+        auto newMap = [&] { return placeRow(*db_, mapPool, Binary(69, 0)).pointer(); };
+        d.usedPages = newMap();
+        d.freePages = newMap();
+        for (const IndexSpec& is : spec.indexes) {
+            if (is.columns.empty() || is.columns.size() > tdef::kIndexColumnSlots)
+                throw Error("an index holds 1 to 10 columns", kInvalidArgument);
+            RealIndex ri;
+            for (const auto& [name, ascending] : is.columns) {
+                const Column* c = d.column(name);
+                if (!c) throw Error("no such column: " + name, errnum::kNoSuchColumn);
+                ri.columns.push_back({c->number, ascending});
+            }
+            if (is.primary || is.unique) ri.flags |= idxflag::kUnique;
+            if (is.primary) ri.flags |= idxflag::kRequired;
+            ri.usedPages = newMap();
+            Index li;
+            li.name = is.name;
+            li.number = std::uint32_t(d.indexes.size());
+            li.realIndex = std::uint32_t(d.realIndexes.size());
+            li.type = is.primary ? 1 : 0;
+            d.realIndexes.push_back(ri);
+            d.indexes.push_back(li);
+        }
+        storeTableDef(*db_, d);
+        for (RealIndex& ri : d.realIndexes)
+            ri.rootPage = indexBuild(*db_, d.page, ri.usedPages, {});
+        if (!d.realIndexes.empty()) storeTableDef(*db_, d);
+
+        auto sys = db_->tableDef("MSysObjects");
+        auto container = Table(db_, sys).read(containerRow);
+        Row row(sys->columns.size());
+        auto set = [&](const char* name, Value v) {
+            int at = sys->columnPosition(name);
+            if (at >= 0) row[std::size_t(at)] = std::move(v);
+        };
+        const double now = double(std::time(nullptr)) / 86400.0 + 25569.0;  // days since 1899-12-30
+        set("Id", std::int32_t(d.page));
+        set("ParentId", parentId);
+        set("Name", spec.name);
+        set("Type", std::int16_t(objtype::kTable));
+        set("DateCreate", DateTime{now});
+        set("DateUpdate", DateTime{now});
+        set("Flags", std::int32_t(0));
+        int owner = sys->columnPosition("Owner");
+        if (container && owner >= 0) row[std::size_t(owner)] = (*container)[std::size_t(owner)];
+        insert("MSysObjects", row);
+        db_->reload();
+    });
+}
+void Writer::createIndex(const std::string& table, const IndexSpec& is) {
+    TableDef d = *db_->tableDef(table);
+    if (is.name.empty() || is.columns.empty() || is.columns.size() > tdef::kIndexColumnSlots)
+        throw Error("an index needs a name and 1 to 10 columns", kInvalidArgument);
+    for (const Index& li : d.indexes)
+        if (equalsNoCase(li.name, is.name))
+            throw Error("index '" + is.name + "' already exists", 3375);
+    if (is.primary)
+        for (const Index& li : d.indexes)
+            if (li.isPrimary())
+                throw Error("table '" + d.name + "' has a primary key already", 3283);
+    RealIndex ri;
+    for (const auto& [name, ascending] : is.columns) {
+        const Column* c = d.column(name);
+        if (!c) throw Error("no such column: " + name, errnum::kNoSuchColumn);
+        ri.columns.push_back({c->number, ascending});
+    }
+    if (is.primary || is.unique) ri.flags |= idxflag::kUnique;
+    if (is.primary) ri.flags |= idxflag::kRequired;
+    std::string reason = indexUnmaintainableReason(d, ri);
+    if (!reason.empty()) throw Error(reason);
+    asUnit(*db_, [&] {
+        auto current = db_->tableDef(table);
+        std::vector<std::pair<std::vector<std::uint8_t>, RowId>> entries;
+        Table(db_, current).scan([&](RowId id, const Row& row) {
+            entries.emplace_back(indexKeyOf(d, ri, row), id);
+            return true;
+        });
+        std::sort(entries.begin(), entries.end());
+        if (ri.flags & idxflag::kUnique)
+            for (std::size_t i = 1; i < entries.size(); ++i)
+                if (entries[i].first == entries[i - 1].first)
+                    throw Error(
+                        "the rows hold duplicate values for the unique index '" + is.name + "'",
+                        3022);
+        ri.usedPages = placeRow(*db_, PagePool{}, Binary(69, 0)).pointer();
+        Index li;
+        li.name = is.name;
+        li.number = std::uint32_t(d.indexes.size());
+        li.realIndex = std::uint32_t(d.realIndexes.size());
+        li.type = is.primary ? 1 : 0;
+        d.realIndexes.push_back(ri);
+        d.indexes.push_back(li);
+        storeTableDef(*db_, d);
+        d.realIndexes.back().rootPage = indexBuild(*db_, d.page, ri.usedPages, entries);
+        storeTableDef(*db_, d);
+    });
+}
+void Writer::createRelationship(const RelationshipSpec& rel) {
+    // Enforcing needs a foreign-key index on the referring columns; only
+    // documented relations are written so far.
+    if (rel.enforce)
+        throw Error(
+            "relationships with referential integrity are not supported; "
+            "create it with enforce = false");
+    if (rel.name.empty() || rel.columns.empty() || rel.columns.size() != rel.relatedColumns.size())
+        throw Error("a relationship needs a name and as many columns on either side",
+                    kInvalidArgument);
+    auto from = db_->tableDef(rel.table);
+    auto to = db_->tableDef(rel.relatedTable);
+    for (std::size_t i = 0; i < rel.columns.size(); ++i) {
+        if (!from->column(rel.columns[i]))
+            throw Error("no such column: " + rel.table + "." + rel.columns[i],
+                        errnum::kNoSuchColumn);
+        if (!to->column(rel.relatedColumns[i]))
+            throw Error("no such column: " + rel.relatedTable + "." + rel.relatedColumns[i],
+                        errnum::kNoSuchColumn);
+    }
+    for (const Relationship& r : db_->relationships())
+        if (equalsNoCase(r.name, rel.name))
+            throw Error("relationship '" + rel.name + "' already exists", kDuplicateField);
+    auto sys = db_->tableDef("MSysRelationships");
+    asUnit(*db_, [&] {
+        for (std::size_t i = 0; i < rel.columns.size(); ++i) {
+            Row row(sys->columns.size());
+            auto set = [&](const char* name, Value v) {
+                int at = sys->columnPosition(name);
+                if (at < 0) throw Error(std::string("MSysRelationships has no column ") + name);
+                row[std::size_t(at)] = std::move(v);
+            };
+            set("ccolumn", std::int32_t(rel.columns.size()));
+            set("grbit", std::int32_t(0x00000002));  // no referential integrity
+            set("icolumn", std::int32_t(i));
+            set("szColumn", from->column(rel.columns[i])->name);
+            set("szObject", from->name);
+            set("szReferencedColumn", to->column(rel.relatedColumns[i])->name);
+            set("szReferencedObject", to->name);
+            set("szRelationship", rel.name);
+            insert("MSysRelationships", row);
+        }
+    });
+}
+}  // namespace jet

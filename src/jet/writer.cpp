@@ -1,0 +1,432 @@
+// Row writes. Every check that can refuse a row (types, lengths, required
+// columns, indexes this engine cannot keep, duplicate keys) runs before the
+// first page is written; whatever fails later is undone by the unit's
+// rollback.
+#include "jet/writer.h"
+
+#include <optional>
+#include <random>
+
+#include "jet/data_writer.h"
+#include "jet/database.h"
+#include "jet/error.h"
+#include "jet/index_writer.h"
+#include "jet/long_value.h"
+#include "jet/long_value_writer.h"
+#include "jet/row_encoder.h"
+#include "jet/table.h"
+
+namespace jet {
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+const char* const kDuplicateMessage =
+    "The changes you requested to the table were not successful because they would create "
+    "duplicate values in the index, primary key, or relationship. Change the data in the field "
+    "or fields that contain duplicate data, remove the index, or redefine the index to permit "
+    "duplicate entries and try again.";
+
+// begin() now; rollback() unless commit() was reached.
+class Unit {
+  public:
+    explicit Unit(Database& db) : db_(db) { db_.begin(); }
+    ~Unit() {
+        if (!done_) {
+            try {
+                db_.rollback();
+            } catch (...) {
+            }
+        }
+    }
+    Unit(const Unit&) = delete;
+    Unit& operator=(const Unit&) = delete;
+    void commit() {
+        db_.commit();
+        done_ = true;
+    }
+
+  private:
+    Database& db_;
+    bool done_ = false;
+};
+
+[[noreturn]] void noSuchRow(const TableDef& def, RowId id) {
+    throw Error("Record is deleted. (" + def.name + " has no row " + toString(id) + ")",
+                rowerr::kRecordDeleted);
+}
+
+// A row and the overflow rows its slot leads to (the last holds the data).
+struct Where {
+    RowId home;
+    std::vector<RowId> hops;
+    RowId data() const { return hops.empty() ? home : hops.back(); }
+};
+
+RowBytes tableRow(PageCache& pages, const TableDef& def, RowId id, bool mayBeMoved) {
+    if (id.page == 0 || id.page >= pages.pageCount()) noSuchRow(def, id);
+    PageRef pg = pages.page(id.page);
+    if ((*pg)[0] != std::uint8_t(PageType::Data) ||
+        u32(pg->data() + datapage::kTdefPage) != def.page || id.row >= rowCountOf(*pg)) {
+        if (mayBeMoved) throwCorrupt(id.page, "overflow pointer leads outside " + def.name);
+        noSuchRow(def, id);
+    }
+    return rowBytes(pg, id.page, id.row);
+}
+
+Where locate(PageCache& pages, const TableDef& def, RowId id) {
+    Where w{id, {}};
+    RowBytes r = tableRow(pages, def, id, false);
+    if (r.flags & datapage::kDeletedFlag) noSuchRow(def, id);
+    while (r.flags & datapage::kOverflowFlag) {
+        if (w.hops.size() >= 8)
+            throwCorrupt(id.page, "overflow row pointers form a chain too long");
+        if (r.size() < 4) throwCorrupt(r.pageNumber, "overflow row pointer truncated");
+        RowId next = RowId::fromPointer(u32(r.data()));
+        r = tableRow(pages, def, next, true);
+        w.hops.push_back(next);
+    }
+    return w;
+}
+
+// The stored bytes of a variable column (empty when Null or absent).
+Bytes storedVar(const RowDecoder& dec, const RowBytes& r, const Column& c) {
+    const RowDecoder::Layout l = dec.layout(r);
+    const std::uint8_t* d = r.data();
+    if (c.isFixed() || c.number >= l.numCols || c.varIndex >= l.varLen) return {};
+    if (!((d[l.nullMask + c.number / 8] >> (c.number % 8)) & 1)) return {};
+    const std::size_t base = l.nullMask - 4;
+    const std::size_t start = u16(d + base - 2 * std::size_t(c.varIndex));
+    const std::size_t end = std::size_t(c.varIndex) + 1 < l.varLen
+                                ? u16(d + base - 2 * (std::size_t(c.varIndex) + 1))
+                                : l.eod;
+    if (start > end || end > l.eod || start < 2) return {};
+    return Bytes(d + start, d + end);
+}
+
+// What the writes of one row must do to each index.
+struct IndexPlan {
+    std::size_t real = 0;
+    bool unique = false;
+    bool noNulls = false;      // primary keys and required indexes
+    bool ignoreNulls = false;  // rows whose key is all Null stay out
+};
+
+// A relationship with referential integrity lives in the foreign-key index
+// of either table. Jet checks it on every write; this engine does not, so
+// it leaves such tables alone rather than break the rule Access relies on.
+std::string enforcedRelationReason(const TableDef& def) {
+    for (const Index& li : def.indexes)
+        if (li.isForeignKey() || li.relatedIndex >= 0)
+            return "table " + def.name + " takes part in a relationship with referential "
+                   "integrity (index " + li.name + "), which this engine does not check";
+    return {};
+}
+
+std::vector<IndexPlan> indexPlans(const TableDef& def) {
+    if (std::string reason = enforcedRelationReason(def); !reason.empty()) throw Error(reason);
+    std::vector<IndexPlan> out;
+    for (std::size_t ri = 0; ri < def.realIndexes.size(); ++ri) {
+        const RealIndex& real = def.realIndexes[ri];
+        std::string reason = indexUnmaintainableReason(def, real);
+        if (!reason.empty()) throw Error(reason);
+        IndexPlan p;
+        p.real = ri;
+        bool primary = false;
+        for (const Index& li : def.indexes)
+            if (li.realIndex == ri && li.isPrimary()) primary = true;
+        p.unique = primary || (real.flags & idxflag::kUnique);
+        p.noNulls = primary || (real.flags & idxflag::kRequired);
+        p.ignoreNulls = real.flags & idxflag::kIgnoreNulls;
+        out.push_back(p);
+    }
+    return out;
+}
+
+// The key of row in the index, or nullopt when the row stays out of it.
+// Also answers whether every key column is Null.
+std::optional<Bytes> keyOf(const TableDef& def, const IndexPlan& plan, const Row& row,
+                           bool* allNull) {
+    const RealIndex& real = def.realIndexes[plan.real];
+    std::size_t nulls = 0;
+    for (const IndexColumn& ic : real.columns) {
+        const Column* c = def.columnByNumber(ic.columnNumber);
+        int pos = c ? def.columnPosition(c->name) : -1;
+        if (pos >= 0 && std::size_t(pos) < row.size() && isNull(row[std::size_t(pos)])) {
+            if (plan.noNulls)
+                throw Error("Index or primary key cannot contain a Null value. (column " + c->name +
+                                " of " + def.name + ")",
+                            rowerr::kNullKey);
+            ++nulls;
+        }
+    }
+    *allNull = nulls == real.columns.size();
+    if (*allNull && plan.ignoreNulls) return std::nullopt;
+    return indexKeyOf(def, real, row);
+}
+
+void refuseDuplicate(Database& db, const TableDef& def, const IndexPlan& plan,
+                     const std::optional<Bytes>& key, bool allNull, RowId except) {
+    // Jet lets any number of rows hold Null in a unique index.
+    if (!plan.unique || !key || allNull) return;
+    if (indexHoldsKey(db, def, plan.real, *key, except))
+        throw Error(kDuplicateMessage, rowerr::kDuplicate);
+}
+
+// The row's bytes, its long values written. keep holds fields of the old
+// row that can stay as they are (update).
+Bytes buildRow(Database& db, const TableDef& def, const RowEncoder& enc, const Row& row,
+               const std::vector<Bytes>& keep) {
+    std::vector<Bytes> fields(def.columns.size());
+    std::vector<Bytes> data(def.columns.size());
+    std::vector<bool> out(def.columns.size(), false);
+    for (std::size_t i = 0; i < def.columns.size(); ++i) {
+        const Column& c = def.columns[i];
+        if (!isLongValueType(c.type) || isNull(row[i])) continue;
+        if (i < keep.size() && !keep[i].empty()) {
+            fields[i] = keep[i];
+            continue;
+        }
+        data[i] = enc.longValueData(c, row[i]);
+        if (data[i].size() > lval::kMaxInline) {
+            out[i] = true;
+            fields[i] = Bytes(lval::kFieldSize, 0);  // stands in for the field until written
+        }
+    }
+    // Small values stay inline unless the row would grow too large for a page.
+    if (enc.encode(row, &fields).size() > kMaxRowSize) {
+        for (std::size_t i = 0; i < def.columns.size(); ++i) {
+            if (!isLongValueType(def.columns[i].type) || isNull(row[i]) || !fields[i].empty() ||
+                data[i].empty())
+                continue;
+            out[i] = true;
+            fields[i] = Bytes(lval::kFieldSize, 0);
+        }
+        if (enc.encode(row, &fields).size() > kMaxRowSize)
+            throw Error("Record is too large. (" + def.name + ")", rowerr::kRecordTooLarge);
+    }
+    for (std::size_t i = 0; i < def.columns.size(); ++i)
+        if (out[i]) fields[i] = writeLongValue(db, def, def.columns[i], data[i], false);
+    return enc.encode(row, &fields);
+}
+
+// Slot edits, each on a freshly loaded page (two of them may share one).
+bool trySetSlot(Database& db, const PagePool& pool, RowId at, const Bytes& bytes,
+                std::uint16_t flags) {
+    DataPage page = DataPage::load(db.pages(), at.page);
+    if (!page.fitsReplacing(at.row, bytes.size())) return false;
+    page.replace(at.row, bytes, flags);
+    storePage(db, pool, page);
+    return true;
+}
+
+void removeSlot(Database& db, const PagePool& pool, RowId at) {
+    DataPage page = DataPage::load(db.pages(), at.page);
+    page.remove(at.row);
+    storePage(db, pool, page);
+}
+
+Bytes pointerTo(RowId id) {
+    Bytes b(4);
+    put32(b.data(), id.pointer());
+    return b;
+}
+
+// Later reads must see what the write changed: the table's definition and,
+// for rows of MSysObjects, the catalogue.
+void forgetDefinition(Database& db, const TableDef& def) {
+    if (def.page == kCatalogueTdefPage)
+        db.reload();
+    else
+        db.forgetTableDef(def.page);
+}
+
+void writeCounts(Database& db, const TableDef& def, std::uint32_t rows, std::uint32_t autoNumber) {
+    PageBytes page = *db.pages().page(def.page, PageType::TableDef);
+    put32(page.data() + tdef::kRowCount, rows);
+    put32(page.data() + tdef::kAutoNumber, autoNumber);
+    db.pages().put(def.page, page);
+    forgetDefinition(db, def);
+}
+
+Guid randomGuid() {
+    static std::random_device rd;
+    static std::mt19937_64 gen(rd());
+    Guid g;
+    for (std::size_t i = 0; i < 16; i += 8) {
+        std::uint64_t v = gen();
+        for (std::size_t k = 0; k < 8; ++k) g.bytes[i + k] = std::uint8_t(v >> (8 * k));
+    }
+    g.bytes[7] = std::uint8_t((g.bytes[7] & 0x0F) | 0x40);  // version 4, as stored (Data3 LE)
+    g.bytes[8] = std::uint8_t((g.bytes[8] & 0x3F) | 0x80);
+    return g;
+}
+
+// Long-value fields of a stored row, by column position.
+std::vector<Bytes> longFields(PageCache& pages, const TableDef& def, const RowBytes& r) {
+    RowDecoder dec(pages, def);
+    std::vector<Bytes> out(def.columns.size());
+    for (std::size_t i = 0; i < def.columns.size(); ++i)
+        if (isLongValueType(def.columns[i].type)) out[i] = storedVar(dec, r, def.columns[i]);
+    return out;
+}
+
+void freeFields(Database& db, const TableDef& def, const std::vector<Bytes>& fields,
+                const std::vector<Bytes>& kept) {
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (fields[i].empty() || (i < kept.size() && !kept[i].empty())) continue;
+        freeLongValue(db, def, def.columns[i], fields[i].data(), fields[i].size());
+    }
+}
+
+}  // namespace
+
+Writer::Writer(std::shared_ptr<Database> db) : db_(std::move(db)) {
+    if (!db_) throw Error("no database to write");
+}
+
+std::string Writer::unwritableReason(const std::string& table) {
+    auto def = db_->tableDef(table);
+    if (std::string reason = enforcedRelationReason(*def); !reason.empty()) return reason;
+    for (const RealIndex& real : def->realIndexes) {
+        std::string reason = indexUnmaintainableReason(*def, real);
+        if (!reason.empty()) return reason;
+    }
+    return {};
+}
+
+RowId Writer::insert(const std::string& table, Row& row) {
+    Unit unit(*db_);
+    auto def = db_->tableDef(table);
+    Row r = row;
+    if (r.size() != def->columns.size()) RowEncoder(*def).check(r);  // throws the count error
+    std::uint32_t autoNumber = def->nextAutoNumber;
+    for (std::size_t i = 0; i < def->columns.size(); ++i) {
+        const Column& c = def->columns[i];
+        if ((c.flags & colflag::kAutoLong) && c.type == ColumnType::Long) {
+            if (isNull(r[i])) {
+                if (autoNumber >= 0x7FFFFFFFu)
+                    throw Error("the autonumber of " + def->name + " is exhausted");
+                r[i] = std::int32_t(++autoNumber);
+            } else if (const auto* v = std::get_if<std::int32_t>(&r[i]);
+                       v && *v > 0 && std::uint32_t(*v) > autoNumber) {
+                autoNumber = std::uint32_t(*v);
+            }
+        } else if ((c.flags & colflag::kAutoGuid) && c.type == ColumnType::Guid && isNull(r[i])) {
+            r[i] = randomGuid();
+        }
+    }
+    RowEncoder enc(*def);
+    enc.check(r);
+    const std::vector<IndexPlan> plans = indexPlans(*def);
+    std::vector<std::optional<Bytes>> keys;
+    for (const IndexPlan& p : plans) {
+        bool allNull = false;
+        keys.push_back(keyOf(*def, p, r, &allNull));
+        refuseDuplicate(*db_, *def, p, keys.back(), allNull, RowId{});
+    }
+
+    Bytes bytes = buildRow(*db_, *def, enc, r, {});
+    const RowId id = placeRow(*db_, tablePool(*def), std::move(bytes));
+    for (std::size_t k = 0; k < plans.size(); ++k)
+        if (keys[k]) indexInsert(*db_, *def, plans[k].real, *keys[k], id);
+    writeCounts(*db_, *def, def->rowCount + 1, autoNumber);
+    unit.commit();
+    row = std::move(r);
+    return id;
+}
+
+void Writer::update(const std::string& table, RowId id, const Row& row) {
+    Unit unit(*db_);
+    auto def = db_->tableDef(table);
+    PageCache& pages = db_->pages();
+    const Where where = locate(pages, *def, id);
+    const RowBytes oldBytes = rowBytes(pages, where.data());
+    const Row old = RowDecoder(pages, *def).decode(oldBytes);
+    Row r = row;
+    RowEncoder enc(*def);
+    if (r.size() != def->columns.size()) enc.check(r);
+    for (std::size_t i = 0; i < def->columns.size(); ++i) {
+        const Column& c = def->columns[i];
+        if (!c.isAutoNumber()) continue;
+        if (isNull(r[i])) {
+            r[i] = old[i];
+        } else if (r[i] != old[i]) {
+            throw Error("Field '" + c.name + "' cannot be updated.", 3164);
+        }
+    }
+    enc.check(r);
+
+    const std::vector<IndexPlan> plans = indexPlans(*def);
+    std::vector<std::optional<Bytes>> oldKeys, newKeys;
+    for (const IndexPlan& p : plans) {
+        bool allNull = false;
+        IndexPlan lenient = p;
+        lenient.noNulls = false;  // the stored row is what it is
+        oldKeys.push_back(keyOf(*def, lenient, old, &allNull));
+        newKeys.push_back(keyOf(*def, p, r, &allNull));
+        if (newKeys.back() != oldKeys.back())
+            refuseDuplicate(*db_, *def, p, newKeys.back(), allNull, id);
+    }
+
+    const std::vector<Bytes> oldFields = longFields(pages, *def, oldBytes);
+    std::vector<Bytes> keep(def->columns.size());
+    for (std::size_t i = 0; i < def->columns.size(); ++i)
+        if (!oldFields[i].empty() && r[i] == old[i]) keep[i] = oldFields[i];
+    const Bytes bytes = buildRow(*db_, *def, enc, r, keep);
+
+    const PagePool pool = tablePool(*def);
+    if (where.hops.empty()) {
+        if (!trySetSlot(*db_, pool, id, bytes, 0)) {
+            // The row keeps its id: its slot points to where it moved.
+            const RowId moved = placeRow(*db_, pool, bytes, datapage::kDeletedFlag, id.page);
+            if (!trySetSlot(*db_, pool, id, pointerTo(moved), datapage::kOverflowFlag))
+                throw Error("no room for an overflow pointer on page " + std::to_string(id.page));
+        }
+    } else if (trySetSlot(*db_, pool, id, bytes, 0)) {
+        for (RowId hop : where.hops) removeSlot(*db_, pool, hop);
+    } else if (!trySetSlot(*db_, pool, where.data(), bytes, datapage::kDeletedFlag)) {
+        const RowId moved = placeRow(*db_, pool, bytes, datapage::kDeletedFlag, where.data().page);
+        for (RowId hop : where.hops) removeSlot(*db_, pool, hop);
+        if (!trySetSlot(*db_, pool, id, pointerTo(moved), datapage::kOverflowFlag))
+            throw Error("no room for an overflow pointer on page " + std::to_string(id.page));
+    }
+
+    for (std::size_t k = 0; k < plans.size(); ++k) {
+        if (oldKeys[k] == newKeys[k]) continue;
+        if (oldKeys[k]) indexRemove(*db_, *def, plans[k].real, *oldKeys[k], id);
+        if (newKeys[k]) indexInsert(*db_, *def, plans[k].real, *newKeys[k], id);
+    }
+    freeFields(*db_, *def, oldFields, keep);
+    forgetDefinition(*db_, *def);
+    unit.commit();
+}
+
+void Writer::remove(const std::string& table, RowId id) {
+    Unit unit(*db_);
+    auto def = db_->tableDef(table);
+    PageCache& pages = db_->pages();
+    const Where where = locate(pages, *def, id);
+    const RowBytes oldBytes = rowBytes(pages, where.data());
+    const Row old = RowDecoder(pages, *def).decode(oldBytes);
+    const std::vector<IndexPlan> plans = indexPlans(*def);
+    std::vector<std::optional<Bytes>> keys;
+    for (IndexPlan p : plans) {
+        bool allNull = false;
+        p.noNulls = false;
+        keys.push_back(keyOf(*def, p, old, &allNull));
+    }
+    const std::vector<Bytes> fields = longFields(pages, *def, oldBytes);
+
+    for (std::size_t k = 0; k < plans.size(); ++k)
+        if (keys[k]) indexRemove(*db_, *def, plans[k].real, *keys[k], id);
+    freeFields(*db_, *def, fields, {});
+    const PagePool pool = tablePool(*def);
+    for (RowId hop : where.hops) removeSlot(*db_, pool, hop);
+    removeSlot(*db_, pool, id);
+    writeCounts(*db_, *def, def->rowCount > 0 ? def->rowCount - 1 : 0, def->nextAutoNumber);
+    unit.commit();
+}
+
+}  // namespace jet
