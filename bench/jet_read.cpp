@@ -1,8 +1,8 @@
 // Reading a table to CSV: the Jet reader against mdb-export on the same file
 // and table, in the same run.
 //
-// The file is TESSARA_JET_BENCH_MDB / TESSARA_JET_BENCH_TABLE when set (the
-// 100 000-row tblBlockInfo file made by the writer's benchmark). Otherwise a
+// The file is TESSARA_JET_BENCH_MDB / TESSARA_JET_BENCH_TABLE when set, else
+// the 100 000-row tblBlockInfo file bench_jet_insert leaves behind. Otherwise a
 // large table is grown from an Access-made file: Table1 of
 // indexTestV2000.mdb (five columns: four Long, one Text) copied onto 25 000
 // data pages behind a reference usage map, 100 004 rows, written to a
@@ -65,8 +65,17 @@ std::string grownFile(std::uint32_t copies) {
     return out.string();
 }
 
-const bool kOwnFile = std::getenv("TESSARA_JET_BENCH_MDB") != nullptr;
-const std::string kFile = kOwnFile ? env("TESSARA_JET_BENCH_MDB", "") : grownFile(25000);
+// bench_jet_insert (run before this one by `make bench`) leaves its file here.
+std::string insertBenchFile() {
+    auto p = std::filesystem::temp_directory_path() / "tessara_bench_blockinfo.mdb";
+    std::error_code ec;
+    return std::filesystem::exists(p, ec) ? p.string() : std::string();
+}
+const bool kOwnFile =
+    std::getenv("TESSARA_JET_BENCH_MDB") != nullptr || !insertBenchFile().empty();
+const std::string kFile = std::getenv("TESSARA_JET_BENCH_MDB") ? env("TESSARA_JET_BENCH_MDB", "")
+                          : kOwnFile                           ? insertBenchFile()
+                                                               : grownFile(25000);
 const std::string kTable = env("TESSARA_JET_BENCH_TABLE", kOwnFile ? "tblBlockInfo" : "Table1");
 const std::string kEmptyTable = env("TESSARA_JET_BENCH_EMPTY", "MSysQueries");
 

@@ -70,25 +70,39 @@ FilePageStore::~FilePageStore() {
 
 std::uint32_t FilePageStore::pageCount() const { return std::uint32_t(size_ / kPageSize); }
 
-void FilePageStore::read(std::uint32_t page, std::uint8_t* out) {
-    if (commitHeld_) return readUnlocked(page, out);
+void FilePageStore::lockForReading() {
     filelock::lock(fd_, filelock::kCommitByte, filelock::Mode::Shared);
+    // Under the shared commit byte no commit is writing; a journal seen now
+    // was left by a writer that died (a writer holding the writer byte, as
+    // this store may, has rolled back any such journal).
+    if (!writerHeld_ && journalExists(path_)) {
+        filelock::unlock(fd_, filelock::kCommitByte);
+        recoverHotJournal(path_);
+        refresh();
+        filelock::lock(fd_, filelock::kCommitByte, filelock::Mode::Shared);
+    }
+}
+
+void FilePageStore::read(std::uint32_t page, std::uint8_t* out) {
+    if (commitHeld_ || readsHeld_ > 0) return readUnlocked(page, out);
+    lockForReading();
     try {
-        // Under the shared commit byte no commit is writing; a journal seen
-        // now was left by a writer that died (a writer holding the writer
-        // byte, as this store may, has rolled back any such journal).
-        if (!writerHeld_ && journalExists(path_)) {
-            filelock::unlock(fd_, filelock::kCommitByte);
-            recoverHotJournal(path_);
-            refresh();
-            filelock::lock(fd_, filelock::kCommitByte, filelock::Mode::Shared);
-        }
         readUnlocked(page, out);
     } catch (...) {
         filelock::unlock(fd_, filelock::kCommitByte);
         throw;
     }
     filelock::unlock(fd_, filelock::kCommitByte);
+}
+
+void FilePageStore::beginReads() {
+    if (readsHeld_ == 0 && !commitHeld_) lockForReading();
+    ++readsHeld_;
+}
+
+void FilePageStore::endReads() {
+    if (readsHeld_ == 0) return;
+    if (--readsHeld_ == 0 && !commitHeld_) filelock::unlock(fd_, filelock::kCommitByte);
 }
 
 void FilePageStore::readUnlocked(std::uint32_t page, std::uint8_t* out) {
@@ -149,7 +163,11 @@ void FilePageStore::lockCommit() {
 
 void FilePageStore::unlockCommit() {
     if (!commitHeld_) return;
-    filelock::unlock(fd_, filelock::kCommitByte);
+    // A run of reads still under way keeps the byte, shared again.
+    if (readsHeld_ > 0)
+        filelock::lock(fd_, filelock::kCommitByte, filelock::Mode::Shared);
+    else
+        filelock::unlock(fd_, filelock::kCommitByte);
     commitHeld_ = false;
 }
 

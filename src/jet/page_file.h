@@ -27,6 +27,21 @@ class PageStore {
     virtual bool writable() const = 0;
     virtual void sync() {}
     virtual void refresh() {}  // another process may have changed the length
+    // Around a run of reads (a table scan): the store may take its read
+    // lock once for the run instead of once a page. Calls nest.
+    virtual void beginReads() {}
+    virtual void endReads() {}
+};
+
+class ReadSection {
+  public:
+    explicit ReadSection(PageStore& store) : store_(store) { store_.beginReads(); }
+    ~ReadSection() { store_.endReads(); }
+    ReadSection(const ReadSection&) = delete;
+    ReadSection& operator=(const ReadSection&) = delete;
+
+  private:
+    PageStore& store_;
 };
 
 // A file opened read-only (writable=false) or read-write. Uses positioned
@@ -43,6 +58,8 @@ class FilePageStore : public PageStore {
     bool writable() const override { return writable_; }
     void sync() override;
     void refresh() override;
+    void beginReads() override;
+    void endReads() override;
     int fd() const { return fd_; }
     const std::string& path() const { return path_; }
     std::uint64_t sizeBytes() const { return size_; }
@@ -58,12 +75,14 @@ class FilePageStore : public PageStore {
 
   private:
     void readUnlocked(std::uint32_t page, std::uint8_t* out);
+    void lockForReading();  // the commit byte shared, after any hot journal is rolled back
     std::string path_;
     int fd_ = -1;
     bool writable_;
     std::uint64_t size_ = 0;
     bool writerHeld_ = false;
     bool commitHeld_ = false;
+    int readsHeld_ = 0;
 };
 
 // A database image in memory (fuzzing, tests). A trailing partial page is ignored.

@@ -195,6 +195,7 @@ bool Table::liveRow(std::uint32_t page, std::uint16_t row, RowBytes& out) const 
 }
 
 void Table::scan(const std::function<bool(RowId, const Row&)>& visit) const {
+    ReadSection reading(db_->pages().store());
     RowDecoder dec(db_->pages(), *def_);
     // One pass over the usage map's pages: each page is read once, checked
     // and decoded while it is in hand.
@@ -215,6 +216,7 @@ void Table::scan(const std::function<bool(RowId, const Row&)>& visit) const {
 }
 
 void Table::scanLazy(const std::function<bool(const RowView&)>& visit) const {
+    ReadSection reading(db_->pages().store());
     RowDecoder dec(db_->pages(), *def_);
     UsageMap m = readUsageMap(db_->pages(), def_->usedPages);
     for (std::uint32_t p : m.pages) {
@@ -233,6 +235,7 @@ void Table::scanLazy(const std::function<bool(const RowView&)>& visit) const {
 }
 
 std::vector<RowId> Table::rowIds() const {
+    ReadSection reading(db_->pages().store());
     std::vector<RowId> out;
     for (std::uint32_t p : dataPages()) {
         PageRef pg = db_->pages().page(p);

@@ -69,12 +69,32 @@ public:
 
     void scan(const std::function<bool(RowId, const Row&)>& visit, const std::vector<bool>& needed) override {
         jet::Table t = db_->table(name_);
+        const std::size_t n = t.def().columns.size();
         Row row;
-        t.scan([&](jet::RowId id, const jet::Row& r) {
-            row.assign(r.size(), Value());
-            for (std::size_t i = 0; i < r.size() && i < needed.size(); ++i)
-                if (needed[i]) row[i] = engine::fromJet(r[i]);
-            return visit(toSql(id), row);
+        // Columns nobody asked for are not even decoded: a search reads a
+        // handful of tblBlockInfo's 130 columns.
+        t.scanLazy([&](const jet::RowView& v) {
+            row.assign(n, Value());
+            for (std::size_t i = 0; i < n && i < needed.size(); ++i)
+                if (needed[i]) row[i] = engine::fromJet(v.value(i));
+            return visit(toSql(v.id()), row);
+        });
+    }
+
+    void scan(const std::function<bool(RowId, const Row&)>& visit, const std::vector<bool>& needed,
+              const std::vector<bool>& forKeep, const std::function<bool(const Row&)>& keep) override {
+        jet::Table t = db_->table(name_);
+        const std::size_t n = t.def().columns.size();
+        // Columns never asked for stay Null; the others are overwritten for
+        // every row before anybody looks at them.
+        Row row(n);
+        t.scanLazy([&](const jet::RowView& v) {
+            for (std::size_t i = 0; i < n && i < forKeep.size(); ++i)
+                if (forKeep[i]) row[i] = engine::fromJet(v.value(i));
+            if (!keep(row)) return true;
+            for (std::size_t i = 0; i < n && i < needed.size(); ++i)
+                if (needed[i] && !(i < forKeep.size() && forKeep[i])) row[i] = engine::fromJet(v.value(i));
+            return visit(toSql(v.id()), row);
         });
     }
 
@@ -246,9 +266,9 @@ std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create,
     std::shared_ptr<jet::Database> db;
     guarded([&] {
         try {
-            db = jet::Database::open(native, jet::OpenOptions{true, 1024});
+            db = jet::Database::open(native, jet::OpenOptions{true, 8192});
         } catch (const jet::Error&) {
-            db = jet::Database::open(native, jet::OpenOptions{false, 1024});
+            db = jet::Database::open(native, jet::OpenOptions{false, 8192});
         }
     });
     return std::make_shared<EngineStorage>(std::move(db), std::move(mapper));

@@ -28,6 +28,11 @@ Value fromJet(const jet::Value& v) {
     return std::visit(Visitor{}, v);
 }
 
+Value fromJet(jet::Value&& v) {
+    if (auto* s = std::get_if<std::string>(&v)) return Value::text(std::move(*s));
+    return fromJet(static_cast<const jet::Value&>(v));
+}
+
 Row fromJet(const jet::Row& r) {
     Row out;
     out.reserve(r.size());

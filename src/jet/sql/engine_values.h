@@ -7,6 +7,7 @@
 namespace sql::engine {
 
 Value fromJet(const jet::Value& v);
+Value fromJet(jet::Value&& v);  // takes text over without a copy
 Row fromJet(const jet::Row& r);
 // v is already coerced to the column's type by the SQL layer.
 jet::Value toJet(const Value& v, jet::ColumnType type);

@@ -41,9 +41,14 @@ void joinRows(const std::shared_ptr<Storage>& db, const Source& src, const Expr*
 void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const Expr* where,
                   const std::function<void(RowId, const Row&)>& visit, std::vector<bool>* needed) {
     if (src.joined()) return joinRows(db, src, where, visit);
-    Binder c(db, &src, needed);
+    // The WHERE's own columns, so a scan can decide before reading the rest.
+    std::vector<bool> forWhere(src.columns.size(), false);
+    Binder c(db, &src, needed ? &forWhere : nullptr);
     Eval pred;
     if (where) pred = c.compile(*where);
+    if (needed)
+        for (std::size_t i = 0; i < forWhere.size() && i < needed->size(); ++i)
+            if (forWhere[i]) (*needed)[i] = true;
     Value key;
     std::string column;
     std::optional<std::vector<RowId>> hits;
@@ -55,6 +60,9 @@ void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const E
     if (hits) {
         std::sort(hits->begin(), hits->end());
         for (RowId id : *hits) consider(id, src.table->read(id));
+    } else if (needed && pred) {
+        src.table->scan([&](RowId id, const Row& row) { visit(id, row); return true; }, *needed, forWhere,
+                        [&](const Row& row) { return isTrue(pred(row)); });
     } else if (needed) {
         src.table->scan(consider, *needed);
     } else {

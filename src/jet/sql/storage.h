@@ -59,6 +59,14 @@ public:
         (void)needed;
         scan(visit);
     }
+    // The same in two steps: the columns marked in forKeep are read first
+    // and keep decides on them; only kept rows get the rest of needed. A
+    // store that reads columns lazily saves the columns of rejected rows.
+    virtual void scan(const std::function<bool(RowId, const Row&)>& visit, const std::vector<bool>& needed,
+                      const std::vector<bool>& forKeep, const std::function<bool(const Row&)>& keep) {
+        (void)forKeep;
+        scan([&](RowId id, const Row& r) { return !keep(r) || visit(id, r); }, needed);
+    }
     // Rows whose column equals key by Jet's comparison, found through an
     // index whose first column is that column; nullopt when there is none.
     virtual std::optional<std::vector<RowId>> seek(const std::string& column, const Value& key) = 0;
