@@ -88,6 +88,30 @@ Column makeColumn(TableDef& d, const ColumnSpec& spec) {
     return c;
 }
 
+// The physical index an IndexSpec asks for, its columns found by name.
+RealIndex realIndexOf(const TableDef& d, const IndexSpec& is) {
+    RealIndex ri;
+    for (const auto& [name, ascending] : is.columns) {
+        const Column* c = d.column(name);
+        if (!c) throw Error("no such column: " + name, errnum::kNoSuchColumn);
+        ri.columns.push_back({c->number, ascending});
+    }
+    if (is.primary || is.unique) ri.flags |= idxflag::kUnique;
+    if (is.primary) ri.flags |= idxflag::kRequired;
+    return ri;
+}
+
+// Adds ri (its usage map already placed) and the logical index naming it.
+void appendIndex(TableDef& d, const IndexSpec& is, const RealIndex& ri) {
+    Index li;
+    li.name = is.name;
+    li.number = std::uint32_t(d.indexes.size());
+    li.realIndex = std::uint32_t(d.realIndexes.size());
+    li.type = is.primary ? 1 : 0;
+    d.realIndexes.push_back(ri);
+    d.indexes.push_back(li);
+}
+
 template <class F>
 void asUnit(Database& db, F&& f) {
     db.begin();
@@ -167,22 +191,9 @@ void Writer::createTable(const TableSpec& spec) {
         for (const IndexSpec& is : spec.indexes) {
             if (is.columns.empty() || is.columns.size() > tdef::kIndexColumnSlots)
                 throw Error("an index holds 1 to 10 columns", kInvalidArgument);
-            RealIndex ri;
-            for (const auto& [name, ascending] : is.columns) {
-                const Column* c = d.column(name);
-                if (!c) throw Error("no such column: " + name, errnum::kNoSuchColumn);
-                ri.columns.push_back({c->number, ascending});
-            }
-            if (is.primary || is.unique) ri.flags |= idxflag::kUnique;
-            if (is.primary) ri.flags |= idxflag::kRequired;
+            RealIndex ri = realIndexOf(d, is);
             ri.usedPages = newMap();
-            Index li;
-            li.name = is.name;
-            li.number = std::uint32_t(d.indexes.size());
-            li.realIndex = std::uint32_t(d.realIndexes.size());
-            li.type = is.primary ? 1 : 0;
-            d.realIndexes.push_back(ri);
-            d.indexes.push_back(li);
+            appendIndex(d, is, ri);
         }
         storeTableDef(*db_, d);
         for (RealIndex& ri : d.realIndexes)
@@ -221,14 +232,7 @@ void Writer::createIndex(const std::string& table, const IndexSpec& is) {
         for (const Index& li : d.indexes)
             if (li.isPrimary())
                 throw Error("table '" + d.name + "' has a primary key already", 3283);
-    RealIndex ri;
-    for (const auto& [name, ascending] : is.columns) {
-        const Column* c = d.column(name);
-        if (!c) throw Error("no such column: " + name, errnum::kNoSuchColumn);
-        ri.columns.push_back({c->number, ascending});
-    }
-    if (is.primary || is.unique) ri.flags |= idxflag::kUnique;
-    if (is.primary) ri.flags |= idxflag::kRequired;
+    RealIndex ri = realIndexOf(d, is);
     std::string reason = indexUnmaintainableReason(d, ri);
     if (!reason.empty()) throw Error(reason);
     asUnit(*db_, [&] {
@@ -246,13 +250,7 @@ void Writer::createIndex(const std::string& table, const IndexSpec& is) {
                         "the rows hold duplicate values for the unique index '" + is.name + "'",
                         3022);
         ri.usedPages = placeRow(*db_, PagePool{}, Binary(69, 0)).pointer();
-        Index li;
-        li.name = is.name;
-        li.number = std::uint32_t(d.indexes.size());
-        li.realIndex = std::uint32_t(d.realIndexes.size());
-        li.type = is.primary ? 1 : 0;
-        d.realIndexes.push_back(ri);
-        d.indexes.push_back(li);
+        appendIndex(d, is, ri);
         storeTableDef(*db_, d);
         d.realIndexes.back().rootPage = indexBuild(*db_, d.page, ri.usedPages, entries);
         storeTableDef(*db_, d);

@@ -93,7 +93,7 @@ TEST(AddColumn, OldRowsReadNullAndNewRowsKeepValues) {
     EXPECT_FALSE(t.def().realIndexes[0].columns[0].ascending);
     EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
 
-    if (!jettest::haveMdbTools()) GTEST_SKIP() << "mdbtools missing";
+    ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
     int status = 0;
     auto csv = jettest::parseCsv(jettest::run(
         "mdb-export " + jettest::quote(copy.file.string()) + " " + jettest::quote(table), &status));
@@ -159,7 +159,7 @@ TEST(CreateRelationship, DocumentedRelationReadsBackEverywhere) {
     EXPECT_EQ(found, 1);
     EXPECT_EQ(db->relationships().size(), 5u);  // the four Access made, and ours
     EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
-    if (!jettest::haveMdbTools()) GTEST_SKIP() << "mdbtools missing";
+    ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
     int status = 0;
     std::string schema = jettest::run(
         "mdb-schema --relations " + jettest::quote(copy.file.string()) + " postgres 2>&1", &status);
@@ -227,7 +227,7 @@ TEST(CreateTable, EveryColumnTypeWithKeysTakesRowsThatMdbtoolsReads) {
     EXPECT_EQ(e->tdefPage(), d.page);
     EXPECT_EQ(e->flags, 0u);
 
-    if (!jettest::haveMdbTools()) GTEST_SKIP() << "mdbtools missing";
+    ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
     int status = 0;
     std::string path = jettest::quote(copy.file.string());
     EXPECT_NE(jettest::run("mdb-tables -1 " + path, &status).find("PARTS\n"), std::string::npos);
@@ -269,7 +269,7 @@ TEST(AddColumn, DefinitionGrowingOntoFurtherPagesStaysReadable) {
     EXPECT_GT(def->pages.size(), 1u);
     EXPECT_EQ(def->columns.size(), oldColumns + 80);
     EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
-    if (!jettest::haveMdbTools()) GTEST_SKIP() << "mdbtools missing";
+    ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
     int status = 0;
     auto csv = jettest::parseCsv(
         jettest::run("mdb-export " + jettest::quote(copy.file.string()) + " Table1", &status));

@@ -74,7 +74,7 @@ bool journalLeft(const std::string& path) { return std::filesystem::exists(path 
 class RowWrites : public ::testing::Test {
   protected:
     void SetUp() override {
-        if (!jettest::haveMdbTools()) GTEST_SKIP() << "mdbtools not installed";
+        ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
     }
     rowstest::Scratch scratch;
 };

@@ -327,6 +327,6 @@ TEST_P(Statements, QuoteInSearchTextBreaksTheStatementAndChangesNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Stores, Statements, ::testing::Values("memory", "mdb"),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& p) { return std::string(p.param); });
 
 }  // namespace
