@@ -167,8 +167,12 @@ std::vector<std::uint32_t> Table::dataPages() const {
 // Resolves the row at (page,row): false for deleted rows; follows overflow
 // pointers (a bounded number of hops).
 bool Table::liveRow(std::uint32_t page, std::uint16_t row, RowBytes& out) const {
+    return liveRow(db_->pages().page(page), page, row, out);
+}
+
+bool Table::liveRow(const PageRef& pg, std::uint32_t page, std::uint16_t row, RowBytes& out) const {
     PageCache& pages = db_->pages();
-    RowBytes r = rowBytes(pages.page(page), page, row);
+    RowBytes r = rowBytes(pg, page, row);
     for (int hop = 0;; ++hop) {
         if (r.flags & datapage::kDeletedFlag) return false;
         if (!(r.flags & datapage::kOverflowFlag)) break;
@@ -209,7 +213,7 @@ void Table::scan(const std::function<bool(RowId, const Row&)>& visit) const {
         std::uint16_t count = rowCountOf(*pg);
         for (std::uint16_t i = 0; i < count; ++i) {
             RowBytes r;
-            if (!liveRow(p, i, r)) continue;
+            if (!liveRow(pg, p, i, r)) continue;
             if (!visit(RowId{p, i}, dec.decode(r))) return;
         }
     }
@@ -228,7 +232,7 @@ void Table::scanLazy(const std::function<bool(const RowView&)>& visit) const {
         std::uint16_t count = rowCountOf(*pg);
         for (std::uint16_t i = 0; i < count; ++i) {
             RowBytes r;
-            if (!liveRow(p, i, r)) continue;
+            if (!liveRow(pg, p, i, r)) continue;
             if (!visit(RowView(dec, *def_, std::move(r), RowId{p, i}))) return;
         }
     }

@@ -97,6 +97,8 @@ class Table {
 
   private:
     bool liveRow(std::uint32_t page, std::uint16_t row, RowBytes& out) const;
+    // The same for a page already in hand (scans), saving a cache lookup a row.
+    bool liveRow(const PageRef& pg, std::uint32_t page, std::uint16_t row, RowBytes& out) const;
     std::shared_ptr<Database> db_;
     std::shared_ptr<const TableDef> def_;
 };

@@ -77,6 +77,14 @@ std::string decodeText(const std::uint8_t* p, std::size_t n) {
                 continue;
             }
             if (compressed) {
+                // Most catalogue text is plain ASCII: copy such runs whole.
+                if (p[i] < 0x80 && !sink.high) {
+                    std::size_t end = i + 1;
+                    while (end < n && p[end] != 0 && p[end] < 0x80) ++end;
+                    out.append(reinterpret_cast<const char*>(p + i), end - i);
+                    i = end;
+                    continue;
+                }
                 sink.put(char16_t(p[i]));
                 ++i;
             } else {
