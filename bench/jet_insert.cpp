@@ -35,7 +35,7 @@ jet::TableSpec blockInfo(bool indexed) {
     s.columns.push_back({"Nr", jet::ColumnType::Long, 0, true, false});
     s.columns.push_back({"OrdnerID", jet::ColumnType::Long});
     for (int i = 0; i < kTexts; ++i)
-        s.columns.push_back({"T" + std::to_string(i), jet::ColumnType::Text, i < 10 ? 144 : 50});
+        s.columns.push_back({"T" + std::to_string(i), jet::ColumnType::Text, std::uint16_t(i < 10 ? 144 : 50)});
     for (int i = 0; i < kDoubles; ++i)
         s.columns.push_back({"D" + std::to_string(i), jet::ColumnType::Double});
     if (indexed) {

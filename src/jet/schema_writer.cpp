@@ -36,45 +36,45 @@ void storeTableDef(Database& db, const TableDef& def) {
     db.forgetTableDef(def.page);
 }
 
-Column makeColumn(TableDef& d, const ColumnSpec& spec) {
-    if (spec.name.empty() || spec.name.size() > 64)
-        throw Error("invalid column name '" + spec.name + "'", kInvalidArgument);
-    if (d.column(spec.name))
-        throw Error("field '" + spec.name + "' defined more than once", kDuplicateField);
-    if (spec.autoNumber && spec.type != ColumnType::Long)
+Column makeColumn(TableDef& d, const ColumnSpec& want) {
+    if (want.name.empty() || want.name.size() > 64)
+        throw Error("invalid column name '" + want.name + "'", kInvalidArgument);
+    if (d.column(want.name))
+        throw Error("field '" + want.name + "' defined more than once", kDuplicateField);
+    if (want.autoNumber && want.type != ColumnType::Long)
         throw Error("only Long columns can be autonumbers", kInvalidArgument);
-    if (!isKnownColumnType(std::uint8_t(spec.type)) || spec.type == ColumnType::Numeric)
+    if (!isKnownColumnType(std::uint8_t(want.type)) || want.type == ColumnType::Numeric)
         throw Error("column type not supported for new columns", kInvalidArgument);
     Column c;
-    c.name = spec.name;
-    c.type = spec.type;
+    c.name = want.name;
+    c.type = want.type;
     std::uint16_t number = d.maxColumns;
     for (const Column& o : d.columns) number = std::max<std::uint16_t>(number, o.number + 1);
     c.number = number;
     c.index = number;
-    c.flags = spec.nullable ? colflag::kNullable : 0;
+    c.flags = want.nullable ? colflag::kNullable : 0;
     if (!d.columns.empty()) c.tableId = d.columns.front().tableId;
-    if (isVariable(spec.type)) {
+    if (isVariable(want.type)) {
         std::uint16_t slot = 0;
         for (const Column& o : d.columns)
             if (!o.isFixed()) slot = std::max<std::uint16_t>(slot, o.varIndex + 1);
         c.varIndex = slot;
-        if (spec.type == ColumnType::Text) {
-            if (spec.length == 0 || spec.length > 255)
+        if (want.type == ColumnType::Text) {
+            if (want.length == 0 || want.length > 255)
                 throw Error("text columns hold 1 to 255 characters", kInvalidArgument);
-            c.length = std::uint16_t(spec.length * 2);
+            c.length = std::uint16_t(want.length * 2);
             c.sortOrder = 0x409;
             c.miscFlags = colmisc::kCompressedUnicode;
             for (const Column& o : d.columns)
                 if (o.type == ColumnType::Text) c.miscExt = o.miscExt;  // sort version
-        } else if (spec.type == ColumnType::Binary) {
-            c.length = std::uint16_t(std::min<int>(spec.length ? spec.length : 255, 255));
+        } else if (want.type == ColumnType::Binary) {
+            c.length = std::uint16_t(std::min<int>(want.length ? want.length : 255, 255));
         }
         ++d.varColumnCount;
     } else {
         c.flags |= colflag::kFixed;
-        c.length = fixedSizeOf(spec.type);
-        if (spec.type != ColumnType::Boolean) {
+        c.length = fixedSizeOf(want.type);
+        if (want.type != ColumnType::Boolean) {
             std::uint16_t at = 0;
             for (const Column& o : d.columns)
                 if (o.isFixed() && o.type != ColumnType::Boolean)
@@ -83,7 +83,7 @@ Column makeColumn(TableDef& d, const ColumnSpec& spec) {
             c.fixedOffset = at;
         }
     }
-    if (spec.autoNumber) c.flags |= colflag::kAutoLong;
+    if (want.autoNumber) c.flags |= colflag::kAutoLong;
     d.maxColumns = std::uint16_t(number + 1);
     return c;
 }
@@ -126,24 +126,24 @@ void asUnit(Database& db, F&& f) {
 
 }  // namespace
 
-void Writer::addColumn(const std::string& table, const ColumnSpec& spec) {
+void Writer::addColumn(const std::string& table, const ColumnSpec& want) {
     asUnit(*db_, [&] {
         TableDef d = *db_->tableDef(table);
-        if (spec.autoNumber)
+        if (want.autoNumber)
             for (const Column& o : d.columns)
                 if (o.flags & colflag::kAutoLong)
                     throw Error("table '" + d.name + "' has an autonumber column already", 3190);
-        if (!spec.nullable && !spec.autoNumber && d.rowCount > 0)
+        if (!want.nullable && !want.autoNumber && d.rowCount > 0)
             throw Error("a required column cannot be added to a table holding rows",
                         kInvalidArgument);
         if (d.columns.size() >= 255) throw Error("too many fields defined", 3190);
-        ColumnSpec plain = spec;
+        ColumnSpec plain = want;
         plain.autoNumber = false;
         Column c = makeColumn(d, plain);
         d.columns.push_back(c);
         d.columnCount = std::uint16_t(d.columns.size());
         storeTableDef(*db_, d);
-        if (!spec.autoNumber) return;
+        if (!want.autoNumber) return;
         // Jet numbers the rows already there, in the order they are stored,
         // then hands out numbers after them.
         std::vector<std::pair<RowId, Row>> rows;
@@ -163,11 +163,11 @@ void Writer::addColumn(const std::string& table, const ColumnSpec& spec) {
     });
 }
 
-void Writer::createTable(const TableSpec& spec) {
-    if (spec.name.empty() || spec.name.size() > 64)
-        throw Error("invalid table name '" + spec.name + "'", kInvalidArgument);
-    if (db_->hasTable(spec.name)) throw Error("table '" + spec.name + "' already exists", 3010);
-    if (spec.columns.empty() || spec.columns.size() > 255)
+void Writer::createTable(const TableSpec& want) {
+    if (want.name.empty() || want.name.size() > 64)
+        throw Error("invalid table name '" + want.name + "'", kInvalidArgument);
+    if (db_->hasTable(want.name)) throw Error("table '" + want.name + "' already exists", 3010);
+    if (want.columns.empty() || want.columns.size() > 255)
         throw Error("a table needs 1 to 255 columns", kInvalidArgument);
     const CatalogEntry* tables = db_->findObject("Tables", objtype::kContainer);
     if (!tables) throw Error("the catalogue has no Tables container", errnum::kCorrupt);
@@ -175,11 +175,11 @@ void Writer::createTable(const TableSpec& spec) {
     const RowId containerRow = tables->row;
     asUnit(*db_, [&] {
         TableDef d;
-        d.name = spec.name;
+        d.name = want.name;
         d.page = db_->allocatePage(PageType::TableDef);
         d.pages = {d.page};
         d.tableType = 0x4E;
-        for (const ColumnSpec& cs : spec.columns) d.columns.push_back(makeColumn(d, cs));
+        for (const ColumnSpec& cs : want.columns) d.columns.push_back(makeColumn(d, cs));
         d.columnCount = std::uint16_t(d.columns.size());
         for (Column& c : d.columns) c.tableId = 0;
         // Usage maps live as rows on pages no table owns: an inline map
@@ -188,7 +188,7 @@ void Writer::createTable(const TableSpec& spec) {
         auto newMap = [&] { return placeRow(*db_, mapPool, Binary(69, 0)).pointer(); };
         d.usedPages = newMap();
         d.freePages = newMap();
-        for (const IndexSpec& is : spec.indexes) {
+        for (const IndexSpec& is : want.indexes) {
             if (is.columns.empty() || is.columns.size() > tdef::kIndexColumnSlots)
                 throw Error("an index holds 1 to 10 columns", kInvalidArgument);
             RealIndex ri = realIndexOf(d, is);
@@ -210,7 +210,7 @@ void Writer::createTable(const TableSpec& spec) {
         const double now = double(std::time(nullptr)) / 86400.0 + 25569.0;  // days since 1899-12-30
         set("Id", std::int32_t(d.page));
         set("ParentId", parentId);
-        set("Name", spec.name);
+        set("Name", want.name);
         set("Type", std::int16_t(objtype::kTable));
         set("DateCreate", DateTime{now});
         set("DateUpdate", DateTime{now});

@@ -64,7 +64,7 @@ class Writer {
     void update(const std::string& table, RowId id, const Row& row);
     void remove(const std::string& table, RowId id);
 
-    void createTable(const TableSpec& spec);
+    void createTable(const TableSpec& want);
     // Older rows read the new column as Null.
     void addColumn(const std::string& table, const ColumnSpec& column);
     // Builds the index over the rows already there.

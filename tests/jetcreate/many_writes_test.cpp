@@ -27,7 +27,7 @@ TEST(ManyWrites, HundredThousandInsertsWithUpdatesAndDeletesReadBackEverywhere) 
     jet::createDatabase(file);
 
     using T = jet::ColumnType;
-    const jet::TableSpec spec{"Teile",
+    const jet::TableSpec teile{"Teile",
                               {{"Nr", T::Long, 0, true, false},
                                {"Ordner", T::Long},
                                {"Name", T::Text, 60},
@@ -51,12 +51,12 @@ TEST(ManyWrites, HundredThousandInsertsWithUpdatesAndDeletesReadBackEverywhere) 
     {
         auto db = jet::Database::open(file, {.writable = true});
         jet::Writer w(db);
-        w.createTable(spec);
+        w.createTable(teile);
         int inserted = 0;
         while (inserted < 100000) {
             db->begin();
             for (int k = 0; k < 1000; ++k, ++inserted) {
-                jet::Row r(spec.columns.size());
+                jet::Row r(teile.columns.size());
                 fill(r);
                 jet::RowId id = w.insert("Teile", r);
                 model[std::get<std::int32_t>(r[0])] = {id, r};

@@ -133,7 +133,7 @@ TEST(CreateRelationship, DocumentedRelationReadsBackEverywhere) {
         jet::Writer w(db);
         w.createRelationship({"Table3Table2", "Table2", {"id"}, "Table3", {"id"}, false});
         struct Bad {
-            jet::RelationshipSpec spec;
+            jet::RelationshipSpec request;
         };
         for (const Bad& b : std::vector<Bad>{
                  {{"Table3Table2", "Table2", {"id"}, "Table3", {"id"}, false}},  // exists
@@ -141,8 +141,8 @@ TEST(CreateRelationship, DocumentedRelationReadsBackEverywhere) {
                  {{"R", "Nope", {"id"}, "Table3", {"id"}, false}},
                  {{"R", "Table2", {"id"}, "Table3", {}, false}},
                  {{"R", "Table2", {"id"}, "Table3", {"id"}, true}}}) {
-            SCOPED_TRACE(b.spec.name + " " + b.spec.table);
-            EXPECT_THROW(w.createRelationship(b.spec), jet::Error);
+            SCOPED_TRACE(b.request.name + " " + b.request.table);
+            EXPECT_THROW(w.createRelationship(b.request), jet::Error);
         }
     }
     auto db = jet::Database::open(copy.file.string());
@@ -178,7 +178,7 @@ namespace {
 TEST(CreateTable, EveryColumnTypeWithKeysTakesRowsThatMdbtoolsReads) {
     TempCopy copy("testV2000.mdb");
     using T = jet::ColumnType;
-    const jet::TableSpec spec{
+    const jet::TableSpec request{
         "PARTS",
         {{"ID", T::Long, 0, true},
          {"NAME", T::Text, 40},
@@ -197,10 +197,10 @@ TEST(CreateTable, EveryColumnTypeWithKeysTakesRowsThatMdbtoolsReads) {
     {
         auto db = jet::Database::open(copy.file.string(), {.writable = true});
         jet::Writer w(db);
-        w.createTable(spec);
-        EXPECT_THROW(w.createTable(spec), jet::Error);  // exists
+        w.createTable(request);
+        EXPECT_THROW(w.createTable(request), jet::Error);  // exists
         for (int i = 0; i < 3; ++i) {
-            jet::Row row(spec.columns.size());
+            jet::Row row(request.columns.size());
             row[1] = std::string(i == 1 ? "Ventil DN50 – Edelstahl ÄÖÜß" : "Flansch");
             row[2] = std::int16_t(-7 * i);
             row[3] = std::uint8_t(200 + i);

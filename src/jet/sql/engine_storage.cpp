@@ -181,11 +181,11 @@ public:
 
     std::shared_ptr<Table> createTable(const std::string& name, const std::vector<ColumnDef>& columns,
                                        const std::vector<IndexDef>& indexes) override {
-        jet::TableSpec spec;
-        spec.name = name;
-        for (const auto& c : columns) spec.columns.push_back(columnSpec(c));
-        for (const auto& ix : indexes) spec.indexes.push_back(indexSpec(ix));
-        guarded([&] { jet::Writer(db_).createTable(spec); });
+        jet::TableSpec want;
+        want.name = name;
+        for (const auto& c : columns) want.columns.push_back(columnSpec(c));
+        for (const auto& ix : indexes) want.indexes.push_back(indexSpec(ix));
+        guarded([&] { jet::Writer(db_).createTable(want); });
         return std::make_shared<EngineTable>(db_, name);
     }
     void addColumn(const std::string& table, const ColumnDef& column) override {
@@ -195,8 +195,8 @@ public:
         guarded([&] { jet::Writer(db_).createIndex(table, indexSpec(index)); });
     }
     void createRelation(const RelationDef& r) override {
-        jet::RelationshipSpec spec{r.name, r.table, r.columns, r.relatedTable, r.relatedColumns, false};
-        guarded([&] { jet::Writer(db_).createRelationship(spec); });
+        jet::RelationshipSpec want{r.name, r.table, r.columns, r.relatedTable, r.relatedColumns, false};
+        guarded([&] { jet::Writer(db_).createRelationship(want); });
     }
 
     // A statement is one unit of work of the engine: all of it reaches the
