@@ -14,10 +14,14 @@
 #endif
 
 #include "jet/error.h"
+#include "jet/positioned_io.h"
 #include "jet/file_lock.h"
 #include "jet/format.h"
 
 namespace jet {
+
+using io::readAt;
+using io::writeAt;
 
 namespace {
 
@@ -51,14 +55,6 @@ int openFile(const std::string& p, int flags, int mode = 0) {
     return ::_open(p.c_str(), flags | O_BINARY, mode);
 }
 void closeFile(int fd) { ::_close(fd); }
-long long readAt(int fd, void* buf, std::size_t n, std::uint64_t off) {
-    if (_lseeki64(fd, static_cast<long long>(off), SEEK_SET) < 0) return -1;
-    return _read(fd, buf, static_cast<unsigned>(n));
-}
-long long writeAt(int fd, const void* buf, std::size_t n, std::uint64_t off) {
-    if (_lseeki64(fd, static_cast<long long>(off), SEEK_SET) < 0) return -1;
-    return _write(fd, buf, static_cast<unsigned>(n));
-}
 bool truncateFile(int fd, std::uint64_t size) { return _chsize_s(fd, (long long)size) == 0; }
 void syncDirectoryOf(const std::string&) {}
 #else
@@ -66,12 +62,6 @@ int openFile(const std::string& p, int flags, int mode = 0) {
     return ::open(p.c_str(), flags | O_CLOEXEC, mode);
 }
 void closeFile(int fd) { ::close(fd); }
-long long readAt(int fd, void* buf, std::size_t n, std::uint64_t off) {
-    return ::pread(fd, buf, n, static_cast<off_t>(off));
-}
-long long writeAt(int fd, const void* buf, std::size_t n, std::uint64_t off) {
-    return ::pwrite(fd, buf, n, static_cast<off_t>(off));
-}
 bool truncateFile(int fd, std::uint64_t size) { return ::ftruncate(fd, off_t(size)) == 0; }
 // A new or removed directory entry is durable only once the directory is synced.
 void syncDirectoryOf(const std::string& path) {

@@ -13,32 +13,14 @@
 #endif
 
 #include "jet/error.h"
+#include "jet/positioned_io.h"
 #include "jet/file_lock.h"
 #include "jet/journal.h"
 
 namespace jet {
 
-namespace {
-
-#ifdef _WIN32
-long long readAt(int fd, void* buf, std::size_t n, std::uint64_t off) {
-    if (_lseeki64(fd, static_cast<long long>(off), SEEK_SET) < 0) return -1;
-    return _read(fd, buf, static_cast<unsigned>(n));
-}
-long long writeAt(int fd, const void* buf, std::size_t n, std::uint64_t off) {
-    if (_lseeki64(fd, static_cast<long long>(off), SEEK_SET) < 0) return -1;
-    return _write(fd, buf, static_cast<unsigned>(n));
-}
-#else
-long long readAt(int fd, void* buf, std::size_t n, std::uint64_t off) {
-    return ::pread(fd, buf, n, static_cast<off_t>(off));
-}
-long long writeAt(int fd, const void* buf, std::size_t n, std::uint64_t off) {
-    return ::pwrite(fd, buf, n, static_cast<off_t>(off));
-}
-#endif
-
-}  // namespace
+using io::readAt;
+using io::writeAt;
 
 FilePageStore::FilePageStore(const std::string& path, bool writable)
     : path_(path), writable_(writable) {
