@@ -1,0 +1,192 @@
+// The navigation model over a real .mdb made by Mk_Datenbank in a temporary
+// directory, with the shipped code table.
+#include "library/navigation_model.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "authoring/code_tabelle.h"
+#include "db/jet_opener.h"
+#include "db/recordset.h"
+#include "library/schema.h"
+#include "platform/environment.h"
+#include "startup/benutzer.h"
+
+namespace tessara {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Navigation : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        wurzel = fs::temp_directory_path() /
+                 ("tessara_nav_" + std::to_string(::getpid()) + "_" +
+                  ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(wurzel);
+        fs::create_directories(wurzel / "prog");
+        fs::create_directories(wurzel / "lib");
+        z.benutzer = &benutzer;
+        z.strCTemp = platform::programPath(wurzel.string()) + "\\";
+        z.strErrorDatei = z.strCTemp + "fehler.txt";
+        z.strAppPfad = platform::programPath((wurzel / "prog").string());
+        std::ofstream(wurzel / "prog" / "txtPrefix.txt", std::ios::binary) << fctCodeTabelleText();
+        db = platform::programPath((wurzel / "lib" / "dbTessara.mdb").string());
+        ASSERT_TRUE(Mk_Datenbank(z, oeffner, db));
+        // Folder 1 "000" comes with the database; Folder 2 "001" holds Blocks
+        // at absolute slots 0, 9 and 17, slot 9 marked.
+        ausfuehren(
+            "INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte, NrTblDefMenue) "
+            "VALUES ('001', 'Armaturen', 'Alle', 1)");
+        block("0010000", "001\\00100000.slb", "Kugelhahn");
+        block("0010009", "001\\00100090.sld", "Schieber");
+        block("0010017", "001\\00100170.slb", "Flansch");
+        ausfuehren("INSERT INTO tblMarkierteBloecke (BlockNr) VALUES ('0010009')");
+        for (auto [nr, name] : {std::pair{1, "Zeta"}, {2, "Alpha"}, {3, "10"}})
+            ausfuehren("INSERT INTO tblSeiten (SeitenNr, SeitenName, NrTblOrdner) VALUES (" +
+                       std::to_string(nr) + ", '" + name + "', 2)");
+    }
+    void TearDown() override { fs::remove_all(wurzel); }
+
+    void ausfuehren(const std::string& sql) {
+        db::Connection con(oeffner);
+        con.open(fctJetVerbindung(db));
+        con.execute(sql);
+    }
+    void block(const std::string& nr, const std::string& slideLib, const std::string& m0) {
+        ausfuehren("INSERT INTO tblBlockInfo (Block, SlideLib, OrdnerID, BlkName0, M0) VALUES ('" +
+                   nr + "', '" + slideLib + "', 2, 'B" + nr + "', '" + m0 + "')");
+    }
+    // A model on the library with Folder code `ordner` current.
+    NavigationsModell& oeffnen(const std::string& ordner = "001", long bilder = 1) {
+        EXPECT_TRUE(m.fctCodeTabelleLesen(z.strAppPfad + "\\txtPrefix.txt"));
+        EXPECT_TRUE(m.fctDatenbankOeffnen(db));
+        EXPECT_TRUE(m.OrdnerInArrayEinlesen());
+        EXPECT_TRUE(m.fctOrdnerWaehlen(ordner));
+        EXPECT_TRUE(m.BilderAnzeigenBeiGeaenderterBilderanzahl(bilder));
+        return m;
+    }
+    std::string basis() const { return platform::programPath((wurzel / "lib").string()) + "\\"; }
+
+    fs::path wurzel;
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+    db::StorageOpener oeffner = db::jetOpener(platform::nativePath);
+    std::string db;
+    NavigationsModell m{z, oeffner};
+};
+
+TEST_F(Navigation, EveryPictureSizeOfAnEmptyFolderIsAFullGridOfFreeSlots) {
+    oeffnen("000");
+    const int erwartet[8] = {4, 9, 16, 20, 20, 36, 36, 72};
+    for (long i = 0; i < 8; ++i) {
+        ASSERT_TRUE(m.BilderAnzeigenBeiGeaenderterBilderanzahl(i));
+        ASSERT_EQ(m.slots().size(), static_cast<std::size_t>(erwartet[i])) << "index " << i;
+        for (const auto& s : m.slots()) {
+            EXPECT_FALSE(s.booBelegt);
+            EXPECT_EQ(s.strBeschriftung, "*****Frei*****");
+            EXPECT_EQ(s.strBildname, z.strAppPfad + "\\frei2.sld");
+        }
+    }
+}
+
+TEST_F(Navigation, BlocksLandByTheirAbsoluteSlotUnderEverySlotCount) {
+    oeffnen();
+    struct Fall {
+        long bilder, seite;
+        int position;
+        std::string block, bild;
+    };
+    const Fall faelle[] = {
+        {1, 0, 0, "0010000", "001\\00100000.slb(0A)"},
+        {1, 1, 0, "0010009", "001\\00100090.sld"},      // 9 slots: Page 2 starts at code entry 9
+        {2, 1, 1, "0010017", "001\\00100170.slb(0A)"},  // 16 slots: entry 17 is Page 2, slot 1
+        {0, 4, 1, "0010017", "001\\00100170.slb(0A)"},
+    };
+    for (const auto& f : faelle) {
+        ASSERT_TRUE(m.BilderAnzeigenBeiGeaenderterBilderanzahl(f.bilder));
+        ASSERT_TRUE(m.GeheZuSeite(f.seite));
+        const auto& s = m.slots()[f.position];
+        EXPECT_TRUE(s.booBelegt) << f.block;
+        EXPECT_EQ(s.strBlockNr, f.block);
+        EXPECT_EQ(s.strBildname, basis() + f.bild);
+        EXPECT_EQ(s.booMarkiert, f.block == "0010009");
+        EXPECT_EQ(m.lisBlockBenennungAktualisieren()[f.position], f.block);
+    }
+}
+
+TEST_F(Navigation, OnlyTheCurrentPageIsLookedUp) {
+    oeffnen("001", 2);
+    const long vorher = m.lngFinds();
+    ASSERT_TRUE(m.GeheZuSeite(2));
+    EXPECT_EQ(m.lngFinds() - vorher, 16);
+    ASSERT_EQ(m.aryBlocknummern().size(), 48u);
+    EXPECT_EQ(m.aryBlocknummern()[17], "0010017");  // numbered, not looked up
+    EXPECT_EQ(m.aryBlocknummern()[47], "0010047");
+    EXPECT_EQ(m.slots().front().strBlockNr, "0010032");
+}
+
+TEST_F(Navigation, PagesAreListedByNameAndIndexedByNumber) {
+    oeffnen();
+    std::vector<std::string> namen;
+    for (const auto& e : m.seitenListe()) namen.push_back(e.SeitenName);
+    EXPECT_EQ(namen, (std::vector<std::string>{"10", "Alpha", "Zeta"}));
+    ASSERT_GE(m.arySeiten().size(), 3u);
+    EXPECT_EQ(m.arySeiten()[0], "Zeta");
+    EXPECT_EQ(m.arySeiten()[2], "10");
+}
+
+TEST_F(Navigation, PagingJumpingAndBackToTheLastFilledPage) {
+    oeffnen("000", 1);
+    EXPECT_FALSE(m.combutZurueck());  // already on the first Page
+    EXPECT_TRUE(m.fctAufOrdnerUndSeiteSpringen("001", "0010017"));
+    EXPECT_EQ(m.aktuellerOrdner()->OrdnerName, "Armaturen");
+    EXPECT_EQ(m.intSeite(), 1);
+    EXPECT_EQ(m.intPosition(), 8);
+    EXPECT_EQ(m.fctSeiteNrErmitteln("0010017"), 1);
+    EXPECT_TRUE(m.fctBlockAufSeiteVorhanden(1));
+    EXPECT_FALSE(m.fctBlockAufSeiteVorhanden(2));
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(m.combutVor());
+    EXPECT_EQ(m.intSeite(), 4);
+    ASSERT_TRUE(m.combutZurueckAnfang());
+    EXPECT_EQ(m.intSeite(), 1);
+    EXPECT_FALSE(m.GeheZuSeite(m.letzteSeite() + 1));
+}
+
+TEST_F(Navigation, DoubleClickActsByTheSetting) {
+    oeffnen();
+    EXPECT_EQ(m.fctDoppelklick(0, 1), DoppelklickAktion::Einfuegen);
+    EXPECT_EQ(m.fctDoppelklick(0, 3), DoppelklickAktion::Vollbild);
+    EXPECT_EQ(m.fctDoppelklick(0, 0), DoppelklickAktion::Nichts);
+    EXPECT_EQ(m.fctListeDoppelklick(1, 1), DoppelklickAktion::Nichts);  // a free entry
+    auto markiert = [&] {
+        db::Connection con(oeffner);
+        con.open(fctJetVerbindung(db));
+        db::Recordset rs;
+        rs.open("SELECT * FROM tblMarkierteBloecke WHERE BlockNr = '0010000'", con);
+        return rs.recordCount();
+    };
+    EXPECT_EQ(m.fctDoppelklick(0, 2), DoppelklickAktion::Markieren);
+    EXPECT_TRUE(m.slots()[0].booMarkiert);
+    EXPECT_EQ(markiert(), 1);
+    m.fctDoppelklick(0, 2);
+    EXPECT_FALSE(m.slots()[0].booMarkiert);
+    EXPECT_EQ(markiert(), 0);
+}
+
+TEST_F(Navigation, BadInputIsRefusedWithoutThrowing) {
+    std::ofstream(wurzel / "prog" / "kurz.txt") << "000\r\n001\r\n";
+    EXPECT_FALSE(m.fctCodeTabelleLesen(z.strAppPfad + "\\kurz.txt"));
+    EXPECT_FALSE(m.fctCodeTabelleLesen(z.strAppPfad + "\\fehlt.txt"));
+    std::ofstream(wurzel / "lib" / "kaputt.mdb", std::ios::binary) << std::string(4096, '\xff');
+    EXPECT_FALSE(m.fctDatenbankOeffnen(basis() + "kaputt.mdb"));
+    EXPECT_FALSE(m.fehlerText().empty());
+    EXPECT_FALSE(m.offen());
+    EXPECT_FALSE(m.combutVor());
+}
+
+}  // namespace
+}  // namespace tessara
