@@ -18,6 +18,17 @@ public:
     // A message box: text (lines joined with "\r"), title, icon and buttons.
     virtual Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
                             Knoepfe knoepfe) = 0;
+    // The same box with a check box ("Nicht mehr anzeigen") under the text;
+    // angekreuzt tells whether it was ticked when the box closed. The default
+    // shows the plain box, so an implementation without check boxes still
+    // works: nothing is ever ticked.
+    virtual Antwort meldungMitKontrollkaestchen(const std::string& text, const std::string& titel,
+                                                Symbol symbol, Knoepfe knoepfe,
+                                                const std::string& kaestchen, bool& angekreuzt) {
+        (void)kaestchen;
+        angekreuzt = false;
+        return meldung(text, titel, symbol, knoepfe);
+    }
     // The folder-selection dialog; empty when cancelled.
     virtual std::string ordnerWaehlen(const std::string& titel, const std::string& start) = 0;
     // A file dialog for opening (speichern = false) or saving; empty when cancelled.
@@ -34,23 +45,30 @@ public:
         std::string text, titel;
         Symbol symbol;
         Knoepfe knoepfe;
+        std::string kaestchen;  // caption of the check box; empty: none
     };
     std::vector<Gezeigt> gezeigt;
     std::vector<Antwort> antworten;        // taken from the front; default Ok/Ja
     std::vector<std::string> ordner;       // answers for ordnerWaehlen
     std::vector<std::string> dateien;      // answers for dateiWaehlen
     std::vector<std::string> fortschritte;
+    std::vector<bool> haken;               // check box states, from the front; default unticked
 
     Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
                     Knoepfe knoepfe) override {
-        gezeigt.push_back({text, titel, symbol, knoepfe});
-        if (!antworten.empty()) {
-            Antwort a = antworten.front();
-            antworten.erase(antworten.begin());
-            return a;
+        gezeigt.push_back({text, titel, symbol, knoepfe, {}});
+        return antwort(knoepfe);
+    }
+    Antwort meldungMitKontrollkaestchen(const std::string& text, const std::string& titel,
+                                        Symbol symbol, Knoepfe knoepfe,
+                                        const std::string& kaestchen, bool& angekreuzt) override {
+        gezeigt.push_back({text, titel, symbol, knoepfe, kaestchen});
+        angekreuzt = false;
+        if (!haken.empty()) {
+            angekreuzt = haken.front();
+            haken.erase(haken.begin());
         }
-        return knoepfe == Knoepfe::JaNein || knoepfe == Knoepfe::JaNeinAbbrechen ? Antwort::Ja
-                                                                                 : Antwort::Ok;
+        return antwort(knoepfe);
     }
     std::string ordnerWaehlen(const std::string&, const std::string&) override {
         return nimm(ordner);
@@ -64,6 +82,15 @@ public:
     }
 
 private:
+    Antwort antwort(Knoepfe knoepfe) {
+        if (!antworten.empty()) {
+            Antwort a = antworten.front();
+            antworten.erase(antworten.begin());
+            return a;
+        }
+        return knoepfe == Knoepfe::JaNein || knoepfe == Knoepfe::JaNeinAbbrechen ? Antwort::Ja
+                                                                                 : Antwort::Ok;
+    }
     static std::string nimm(std::vector<std::string>& v) {
         if (v.empty()) return {};
         std::string s = v.front();

@@ -1,6 +1,7 @@
 #include "ui/qt_benutzer.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QFileDialog>
 #include <QMessageBox>
 
@@ -19,7 +20,26 @@ QString q(const std::string& s) {
 
 Antwort QtBenutzer::meldung(const std::string& text, const std::string& titel, Symbol symbol,
                             Knoepfe knoepfe) {
+    bool angekreuzt = false;
+    return zeigen(text, titel, symbol, knoepfe, nullptr, angekreuzt);
+}
+
+Antwort QtBenutzer::meldungMitKontrollkaestchen(const std::string& text, const std::string& titel,
+                                                Symbol symbol, Knoepfe knoepfe,
+                                                const std::string& kaestchen, bool& angekreuzt) {
+    return zeigen(text, titel, symbol, knoepfe, &kaestchen, angekreuzt);
+}
+
+Antwort QtBenutzer::zeigen(const std::string& text, const std::string& titel, Symbol symbol,
+                           Knoepfe knoepfe, const std::string* kaestchen, bool& angekreuzt) {
+    angekreuzt = false;
     QMessageBox box(eltern_);
+    // The box owns the check box once it is set.
+    QCheckBox* haken = kaestchen ? new QCheckBox(q(*kaestchen)) : nullptr;
+    if (haken) {
+        haken->setObjectName(QStringLiteral("chkNichtMehrAnzeigen"));
+        box.setCheckBox(haken);
+    }
     box.setWindowTitle(q(titel));
     box.setText(q(text));
     switch (symbol) {
@@ -39,7 +59,9 @@ Antwort QtBenutzer::meldung(const std::string& text, const std::string& titel, S
             box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
             break;
     }
-    switch (box.exec()) {
+    const int ergebnis = box.exec();
+    if (haken) angekreuzt = haken->isChecked();
+    switch (ergebnis) {
         case QMessageBox::Yes: return Antwort::Ja;
         case QMessageBox::No: return Antwort::Nein;
         case QMessageBox::Cancel: return Antwort::Abbrechen;

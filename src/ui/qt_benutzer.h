@@ -15,12 +15,18 @@ public:
 
     Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
                     Knoepfe knoepfe) override;
+    Antwort meldungMitKontrollkaestchen(const std::string& text, const std::string& titel,
+                                        Symbol symbol, Knoepfe knoepfe,
+                                        const std::string& kaestchen, bool& angekreuzt) override;
     std::string ordnerWaehlen(const std::string& titel, const std::string& start) override;
     std::string dateiWaehlen(const std::string& titel, const std::string& start,
                              const std::string& filter, bool speichern) override;
     void fortschritt(long erledigt, long gesamt, const std::string& text) override;
 
 private:
+    Antwort zeigen(const std::string& text, const std::string& titel, Symbol symbol,
+                   Knoepfe knoepfe, const std::string* kaestchen, bool& angekreuzt);
+
     QPointer<QWidget> eltern_;
     QPointer<QProgressDialog> fortschritt_;
 };

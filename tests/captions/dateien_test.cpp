@@ -1,0 +1,128 @@
+// The caption files that ship in data/: Windows-1252 with CR LF, the same
+// keys in every language, a text for every control and message the program
+// shows.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "captions/beschriftung.h"
+#include "captions/meldungen.h"
+#include "captions/umgebung.h"
+#include "platform/case_fold.h"
+#include "startup/ini_datei.h"
+
+namespace tessara::captionstest {
+namespace {
+
+const fs::path kDaten = fs::path(TESSARA_SOURCE_DIR) / "data";
+const fs::path kGolden = fs::path(TESSARA_SOURCE_DIR) / "tests" / "captions" / "golden";
+const char* const kArten[] = {"Frm", "Msgbox", "Tooltip"};
+const char* const kSprachen[] = {"deutsch", "englisch"};
+
+class Dateien : public Umgebung {
+  protected:
+    void SetUp() override {
+        Umgebung::SetUp();
+        z.strAppPfad = prog(kDaten);
+    }
+    static std::string bytes(const std::string& art, const std::string& sprache) {
+        return lesen(kDaten / ("txtBeschriftTessara9.0" + art + "_" + sprache + ".txt"));
+    }
+    // Lines of a golden file without comments and blank lines.
+    static std::vector<std::string> golden(const std::string& name) {
+        std::vector<std::string> zeilen;
+        std::istringstream in(lesen(kGolden / name));
+        for (std::string s; std::getline(in, s);)
+            if (!s.empty() && s[0] != '#') zeilen.push_back(s);
+        return zeilen;
+    }
+};
+
+TEST_F(Dateien, Cp1252MitCrLfUndGleicheSchluesselInJederSprache) {
+    for (const char* art : kArten) {
+        std::set<std::string> schluessel[2];
+        for (int s = 0; s < 2; ++s) {
+            const std::string b = bytes(art, kSprachen[s]);
+            ASSERT_FALSE(b.empty()) << art << " " << kSprachen[s];
+            const IniText ini = IniText::ausBytes(b);
+            EXPECT_EQ(ini.kodierung(), IniText::Kodierung::Ansi) << art << " " << kSprachen[s];
+            // Every line ends in CR LF, and no CR or LF stands alone.
+            for (std::size_t i = 0; i < b.size(); ++i) {
+                const bool crlf = b[i] == '\r'   ? i + 1 < b.size() && b[i + 1] == '\n'
+                                  : b[i] == '\n' ? i > 0 && b[i - 1] == '\r'
+                                                 : true;
+                ASSERT_TRUE(crlf) << art << " " << kSprachen[s] << " byte " << i;
+            }
+            ASSERT_EQ(b.substr(b.size() - 2), "\r\n");
+            const std::vector<std::string> sektionen = ini.sektionen();
+            EXPECT_EQ(sektionen, (std::vector<std::string>{"Allg", "Gruppe", "Speziell"}));
+            for (const auto& sk : sektionen)
+                for (const auto& k : ini.schluessel(sk))
+                    EXPECT_TRUE(schluessel[s].insert(sk + "|" + platform::foldCase(k)).second)
+                        << art << " " << kSprachen[s] << ": twice " << sk << "|" << k;
+        }
+        for (const auto& k : schluessel[0])
+            EXPECT_TRUE(schluessel[1].count(k)) << art << ": only in deutsch: " << k;
+        for (const auto& k : schluessel[1])
+            EXPECT_TRUE(schluessel[0].count(k)) << art << ": only in englisch: " << k;
+    }
+    // The bytes on disk are Windows-1252: "ö" is one byte 0xF6.
+    EXPECT_NE(bytes("Msgbox", "deutsch")
+                  .find("ge\xF6"
+                        "ffnet"),
+              std::string::npos);
+}
+
+TEST_F(Dateien, JedesSteuerelementUndJedeMeldungHatEinenText) {
+    for (const char* sprache : kSprachen) {
+        z.strSprache = sprache;
+        for (const std::string& zeile : golden("steuerelemente.txt")) {
+            std::istringstream in(zeile);
+            std::string form, control, was;
+            in >> form >> control;
+            if (control == "-") control.clear();
+            while (in >> was) {
+                if (was == "text") {
+                    EXPECT_TRUE(fctBeschriftungSuchen(z, BeschriftungsArt::Frm, form, control))
+                        << sprache << ": " << zeile;
+                } else if (was == "tip") {
+                    auto t = fctBeschriftungSuchen(z, BeschriftungsArt::Tooltip, form, control);
+                    EXPECT_TRUE(t && !t->empty()) << sprache << ": " << zeile;
+                } else {
+                    ASSERT_EQ(was.rfind("items:", 0), 0u) << zeile;
+                    const int n = std::stoi(was.substr(6));
+                    for (int i = 0; i <= n; ++i)
+                        EXPECT_EQ(fctBeschriftungSuchen(z, BeschriftungsArt::Frm, form, control, i)
+                                      .has_value(),
+                                  i < n)
+                            << sprache << ": " << zeile << " item " << i;
+                }
+            }
+        }
+        for (const std::string& zeile : golden("meldungen.txt")) {
+            std::istringstream in(zeile);
+            for (long n; in >> n;) {
+                auto t =
+                    fctBeschriftungWert(z, BeschriftungsArt::Msgbox, "Allg", std::to_string(n));
+                EXPECT_TRUE(t && !t->empty()) << sprache << ": message " << n;
+            }
+        }
+    }
+    EXPECT_EQ(log(), "");
+}
+
+TEST_F(Dateien, WoertlicheTexte) {
+    for (const std::string& zeile : golden("woertlich.txt")) {
+        std::vector<std::string> teile;
+        std::istringstream in(zeile);
+        for (std::string t; std::getline(in, t, '|');) teile.push_back(t);
+        ASSERT_EQ(teile.size(), 4u) << zeile;
+        const auto art = teile[0] == "Frm" ? BeschriftungsArt::Frm : BeschriftungsArt::Msgbox;
+        EXPECT_EQ(fctBeschriftungWert(z, art, teile[1], teile[2]), teile[3]) << zeile;
+    }
+}
+
+}  // namespace
+}  // namespace tessara::captionstest
