@@ -10,6 +10,7 @@
 #include <ostream>
 
 #include "authoring/code_tabelle.h"
+#include "authoring/datei_layout.h"
 #include "authoring/demo_bibliothek.h"
 #include "authoring/dia_zeichner.h"
 #include "authoring/slide_library.h"
@@ -131,9 +132,10 @@ int runSlideInfo(const cli::Args& args, std::istream&, std::ostream& out, std::o
     }
 }
 
-// The demo catalogue "dbTessara.mdb" in the library directory: the Folders,
-// one Page each and a Block record per symbol, as the program would have
-// written them when the blocks were made.
+// The demo catalogue "dbTessara.mdb" in the library directory: the Folders
+// with their Pages, a Block record per symbol and the marked blocks, as the
+// program would have written them when the blocks were made. The default
+// Folder "000" and its Page 1 of a new catalogue become the first demo Folder.
 void demoKatalogSchreiben(const std::string& dir, const std::vector<tessara::DemoBlock>& blocks) {
     namespace fs = std::filesystem;
     const std::string datei = (fs::path(dir) / "dbTessara.mdb").string();
@@ -144,37 +146,71 @@ void demoKatalogSchreiben(const std::string& dir, const std::vector<tessara::Dem
     z.benutzer = &benutzer;
     const auto oeffner = db::jetOpener();
     if (!tessara::Mk_Datenbank(z, oeffner, datei))
-        throw std::runtime_error("the demo catalogue could not be created" +
-                                 (benutzer.gezeigt.empty() ? std::string() : ": " + benutzer.gezeigt.front().text));
+        throw std::runtime_error(
+            "the demo catalogue could not be created" +
+            (benutzer.gezeigt.empty() ? std::string() : ": " + benutzer.gezeigt.front().text));
     db::Connection con(oeffner);
     con.open(tessara::fctJetVerbindung(datei));
-    db::Recordset ordner, seiten, bloecke;
+    db::Recordset ordner, seiten, bloecke, markiert;
     ordner.open("SELECT * FROM tblOrdner", con, db::adOpenKeyset, db::adLockOptimistic);
     seiten.open("SELECT * FROM tblSeiten", con, db::adOpenKeyset, db::adLockOptimistic);
     bloecke.open("SELECT * FROM tblBlockInfo", con, db::adOpenKeyset, db::adLockOptimistic);
-    std::map<std::string, long long> ordnerId{{"000", 1}};
-    for (const auto& b : blocks) {
-        if (!ordnerId.count(b.ordnerNr)) {
+    markiert.open("SELECT * FROM tblMarkierteBloecke", con, db::adOpenKeyset, db::adLockOptimistic);
+    std::map<std::string, long long> ordnerId;
+    for (const auto& o : tessara::fctDemoOrdner()) {
+        const bool standard = o.ordnerNr == "000";
+        if (standard) {
+            ordner.moveFirst();
+        } else {
             ordner.addNew();
-            ordner.setValue("OrdnerNr", b.ordnerNr);
-            ordner.setValue("Ordnername", b.ordnerName);
+            ordner.setValue("OrdnerNr", o.ordnerNr);
             ordner.setValue("OrdnerRechte", "Alle");
             ordner.setValue("NrTblDefMenue", 1);
-            ordner.update();
-            ordnerId[b.ordnerNr] = ordner.value("Nr").asInt();
-            seiten.addNew();
-            seiten.setValue("SeitenNr", 1);
-            seiten.setValue("SeitenName", "1");
-            seiten.setValue("NrTblOrdner", ordnerId[b.ordnerNr]);
+        }
+        ordner.setValue("Ordnername", o.ordnerName);
+        ordner.update();
+        ordnerId[o.ordnerNr] = ordner.value("Nr").asInt();
+        for (std::size_t i = 0; i < o.seiten.size(); ++i) {
+            if (standard && i == 0) {
+                seiten.moveFirst();
+            } else {
+                seiten.addNew();
+                seiten.setValue("SeitenNr", static_cast<int>(i + 1));
+                seiten.setValue("NrTblOrdner", ordnerId[o.ordnerNr]);
+            }
+            seiten.setValue("SeitenName", o.seiten[i]);
             seiten.update();
         }
+    }
+    for (const auto& b : blocks) {
         bloecke.addNew();
         bloecke.setValue("Block", b.blockNr);
         bloecke.setValue("SlideLib", b.slideLib);
-        bloecke.setValue("OrdnerID", ordnerId[b.ordnerNr]);
-        bloecke.setValue("BlkName0", b.blkName);
-        bloecke.setValue("M0", b.blkName);
+        bloecke.setValue("OrdnerID", ordnerId.at(b.ordnerNr));
+        for (int v = 0; v < b.ansichten; ++v) {
+            const std::string n = std::to_string(v);
+            bloecke.setValue("BlkName" + n, v == 0 ? b.blkName : b.blkName + "-" + n);
+            for (const char* achse : {"AX", "AY", "AZ"}) bloecke.setValue(achse + n, 0.0);
+        }
+        bloecke.setValue("M0", b.m0);
+        if (!b.m1.empty()) bloecke.setValue("M1", b.m1);
+        if (!b.m2.empty()) bloecke.setValue("M2", b.m2);
+        if (!b.m3.empty()) bloecke.setValue("M3", b.m3);
+        bloecke.setValue("Layer", b.layer);
+        bloecke.setValue("LyLine", "Continuous");
+        bloecke.setValue("LyColor", b.layerFarbe);
         bloecke.update();
+        if (b.markiert) {
+            markiert.addNew();
+            markiert.setValue("BlockName", b.blkName);
+            markiert.setValue("BlockNr", b.blockNr);
+            markiert.setValue("SpeicherOrtSlide", b.slideLib);
+            markiert.setValue("SpeicherOrtDWG",
+                              tessara::fctZeichnungDatei(b.ordnerNr, b.blockNr, 0));
+            markiert.setValue("MarkierteAnsicht", 0);
+            markiert.setValue("NummerEinfuegepkt", 1);
+            markiert.update();
+        }
     }
 }
 
@@ -228,7 +264,8 @@ cli::Subcommand slideInfo{"slide-info", "FILE[(NAME)]",
                           "describes a slide, or lists the entries of a slide library",
                           &runSlideInfo};
 cli::Subcommand makeDemo{"make-demo-library", "DIR [--single-slides]",
-                         "draws the demo symbols below DIR, writes their catalogue DIR/dbTessara.mdb and lists the blocks",
+                         "draws the demo symbols below DIR, writes their catalogue "
+                         "DIR/dbTessara.mdb and lists the blocks",
                          &runMakeDemoLibrary};
 cli::Subcommand makeData{"make-program-data", "DIR",
                          "writes the empty-slot picture frei2.sld and the code table txtPrefix.txt",

@@ -2,398 +2,263 @@
 
 #include <cmath>
 #include <filesystem>
-#include <functional>
-#include <numbers>
+#include <set>
+#include <stdexcept>
 
 #include "authoring/code_tabelle.h"
 #include "authoring/datei_layout.h"
-#include "authoring/dia_zeichner.h"
+#include "authoring/demo_symbole.h"
 #include "authoring/slide_library.h"
 
 namespace tessara {
 namespace {
 
-using slide::DiaZeichner;
-using Zeichnung = std::function<void(DiaZeichner&)>;
-using P = std::vector<std::pair<double, double>>;
+using demo::Form;
 
-// Every symbol is drawn in a window of 24 x 18 units around its insertion
-// point at the origin, pipes and leads along the x axis.
-slide::Slide zeichne(const Zeichnung& f) {
-    DiaZeichner z;
-    z.fenster(-12, -9, 12, 9);
-    z.farbe(7);
-    f(z);
-    z.einfuegepunkt(0, 0, 0.35);
-    return z.dia();
+const Form& form(const std::vector<Form>& gruppe, const std::string& name) {
+    for (const auto& f : gruppe)
+        if (f.name == name) return f;
+    throw std::logic_error("demo symbol " + name + " is not drawn");
 }
 
-void leitungen(DiaZeichner& z, double innen = 3, double aussen = 10) {
-    z.linie(-aussen, 0, -innen, 0);
-    z.linie(innen, 0, aussen, 0);
-}
+// The blocks a user has marked for a common operation.
+const std::set<std::string> kMarkiert = {"Kugelhahn_DN50",        "Vorschweissflansch_DN100",
+                                         "Sechskantschraube_M10", "Widerstand",
+                                         "Schriftfeld_A3",        "T-Stueck_DN50"};
 
-void fliege(DiaZeichner& z) {  // the two triangles of a straight-through valve
-    z.polylinie({{-3, -2}, {3, 2}, {3, -2}, {-3, 2}}, true);
-}
-
-void pfeil(DiaZeichner& z, double x0, double y0, double x1, double y1) {
-    z.linie(x0, y0, x1, y1);
-    double a = std::atan2(y1 - y0, x1 - x0);
-    for (double s : {-1.0, 1.0}) {
-        double b = a + std::numbers::pi + s * 0.45;
-        z.linie(x1, y1, x1 + 0.8 * std::cos(b), y1 + 0.8 * std::sin(b));
+// Lays the catalogue out Folder by Folder, Page by Page, slot by slot.
+class Aufbau {
+  public:
+    void ordner(const std::string& nr, const std::string& name, const std::string& layer,
+                const std::string& layerFarbe) {
+        ordner_.push_back({nr, name, {}});
+        layer_ = layer;
+        layerFarbe_ = layerFarbe;
+        slot_ = 0;
     }
-}
-
-void sechseck(DiaZeichner& z, double r, bool gefuellt = false) {
-    P p;
-    for (int i = 0; i < 6; ++i) {
-        double a = std::numbers::pi / 3 * i;
-        p.push_back({r * std::cos(a), r * std::sin(a)});
+    // A new Page: its slots begin at the next Page boundary.
+    void seite(const std::string& name) {
+        auto& seiten = ordner_.back().seiten;
+        slot_ = static_cast<int>(seiten.size()) * kDemoSlotsProSeite;
+        seiten.push_back(name);
     }
-    if (gefuellt)
-        z.fuellung(p);
-    else
-        z.polylinie(p, true);
-}
+    void luecke(int n = 1) { slot_ += n; }
 
-struct Eintrag {
-    const char* ordnerNr;
-    const char* ordnerName;
-    const char* name;
-    std::vector<Zeichnung> ansichten;
+    void block(const Form& f, const std::string& name, const std::string& m0, const std::string& m1,
+               const std::string& m2, const std::string& m3, double massstab = 1,
+               const std::string& label = {}, double winkel = 0) {
+        const auto& o = ordner_.back();
+        DemoSymbol s{o.ordnerNr, o.ordnerName, name,        {},
+                     slot_++,    m0,           m1,          m2,
+                     m3,         layer_,       layerFarbe_, kMarkiert.count(name) > 0};
+        for (std::size_t v = 0; v < f.ansichten.size(); ++v)
+            s.ansichten.push_back(demo::fctFormDia(f, v, massstab, label, winkel));
+        symbole_.push_back(std::move(s));
+    }
+
+    // A series of nominal sizes: the symbol grows with the size, the size
+    // is written under it.
+    void dnReihe(const Form& f, std::initializer_list<int> groessen, const std::string& werkstoff) {
+        for (int dn : groessen) {
+            const std::string d = "DN " + std::to_string(dn);
+            const double massstab = 0.5 + 0.5 * std::log(dn / 15.0) / std::log(200.0 / 15.0);
+            block(f, f.name + "_DN" + std::to_string(dn), f.benennung + " " + d, d,
+                  dn <= 25 ? "PN 40" : "PN 16", werkstoff, massstab, d);
+        }
+    }
+
+    // Fasteners by thread size ("M10x40"), pins and rivets by diameter
+    // ("4x16"); the length follows the diameter.
+    void groessenReihe(const Form& f, std::initializer_list<int> durchmesser, bool gewinde,
+                       bool mitLaenge, const std::string& festigkeit, const std::string& norm) {
+        for (int d : durchmesser) {
+            const std::string kurz = (gewinde ? "M" : "") + std::to_string(d);
+            const std::string groesse = mitLaenge ? kurz + "x" + std::to_string(4 * d) : kurz;
+            const double massstab = 0.45 + d / 40.0;
+            block(f, f.name + "_" + kurz, f.benennung + " " + groesse, groesse, festigkeit, norm,
+                  massstab, groesse);
+        }
+    }
+
+    std::vector<DemoSymbol> symbole_;
+    std::vector<DemoOrdner> ordner_;
+
+  private:
+    std::string layer_, layerFarbe_;
+    int slot_ = 0;
 };
 
-std::vector<Eintrag> katalog() {
-    const char* A = "000";
-    const char* AN = "Armaturen und Flansche";
-    const char* V = "001";
-    const char* VN = "Verbindungselemente";
-    const char* E = "002";
-    const char* EN = "Elektrotechnik";
-    return {
-        {A, AN, "Absperrventil", {[](DiaZeichner& z) {
-             leitungen(z);
-             fliege(z);
-         }}},
-        {A, AN, "Kugelhahn", {[](DiaZeichner& z) {
-             leitungen(z);
-             fliege(z);
-             z.gefuellterKreis(0, 0, 1);
-         }}},
-        {A, AN, "Rueckschlagventil", {[](DiaZeichner& z) {
-             leitungen(z);
-             z.polylinie({{-3, -2}, {3, 2}, {3, -2}, {-3, 2}}, true);
-             z.fuellung({{0, 0}, {3, 2}, {3, -2}});
-         }}},
-        {A, AN, "Absperrklappe", {[](DiaZeichner& z) {
-             leitungen(z);
-             z.linie(-3, -2.5, -3, 2.5);
-             z.linie(3, -2.5, 3, 2.5);
-             z.kreis(0, 0, 1.2);
-             z.linie(-0.9, -0.9, 0.9, 0.9);
-         }}},
-        {A, AN, "Nadelventil", {[](DiaZeichner& z) {
-             leitungen(z);
-             fliege(z);
-             z.linie(0, 0, 0, 4);
-             z.fuellung({{-1, 4}, {1, 4}, {0, 2.5}});
-         }}},
-        {A, AN, "Dreiwegeventil", {[](DiaZeichner& z) {
-             leitungen(z);
-             fliege(z);
-             z.polylinie({{0, 0}, {-2, -6}, {2, -6}}, true);
-             z.linie(0, -6, 0, -9);
-         }}},
-        {A, AN, "Eckventil", {[](DiaZeichner& z) {
-             z.linie(-10, 0, -3, 0);
-             z.linie(0, -3, 0, -9);
-             z.polylinie({{-3, -2}, {0, 0}, {-3, 2}}, true);
-             z.polylinie({{-2, -3}, {0, 0}, {2, -3}}, true);
-         }}},
-        {A, AN, "Sicherheitsventil", {[](DiaZeichner& z) {
-             z.linie(-10, 0, -3, 0);
-             z.linie(0, -3, 0, -9);
-             z.polylinie({{-3, -2}, {0, 0}, {-3, 2}}, true);
-             z.polylinie({{-2, -3}, {0, 0}, {2, -3}}, true);
-             z.polylinie({{0, 0}, {1, 1}, {-1, 2}, {1, 3}, {-1, 4}, {1, 5}, {0, 6}}, false);
-         }}},
-        {A, AN, "Membranventil", {[](DiaZeichner& z) {
-             leitungen(z);
-             fliege(z);
-             z.bogen(0, 2, 2, 0, 180);
-             z.linie(-2, 2, 2, 2);
-         }}},
-        {A, AN, "Magnetventil", {[](DiaZeichner& z) {
-             leitungen(z);
-             fliege(z);
-             z.linie(0, 0, 0, 3);
-             z.farbe(5);
-             z.rechteck(-1.5, 3, 1.5, 5.5);
-             z.linie(-1.5, 3, 1.5, 5.5);
-         }}},
-        {A,
-         AN,
-         "Vorschweissflansch",
-         {[](DiaZeichner& z) {
-              z.linie(-10, 1.5, -2, 1.5);
-              z.linie(-10, -1.5, -2, -1.5);
-              z.polylinie({{-2, 1.5},
-                           {-1, 2.5},
-                           {-1, 6},
-                           {1, 6},
-                           {1, -6},
-                           {-1, -6},
-                           {-1, -2.5},
-                           {-2, -1.5}},
-                          false);
-              z.farbe(1);
-              z.linie(0, -7, 0, 7);
-          },
-          [](DiaZeichner& z) {
-              z.kreis(0, 0, 6);
-              z.kreis(0, 0, 1.5);
-              z.farbe(3);
-              for (int i = 0; i < 8; ++i) {
-                  double a = std::numbers::pi / 4 * i + std::numbers::pi / 8;
-                  z.kreis(4.5 * std::cos(a), 4.5 * std::sin(a), 0.6);
-              }
-          }}},
-        {A,
-         AN,
-         "Blindflansch",
-         {[](DiaZeichner& z) {
-              z.linie(-10, 1.5, -1, 1.5);
-              z.linie(-10, -1.5, -1, -1.5);
-              z.farbe(8);
-              z.fuellung({{-1, -6}, {1, -6}, {1, 6}, {-1, 6}});
-              z.farbe(7);
-              z.rechteck(-1, -6, 1, 6);
-          },
-          [](DiaZeichner& z) {
-              z.kreis(0, 0, 6);
-              for (int i = 0; i < 8; ++i) {
-                  double a = std::numbers::pi / 4 * i;
-                  z.kreis(4.5 * std::cos(a), 4.5 * std::sin(a), 0.6);
-              }
-          }}},
-        {A, AN, "Flanschverbindung", {[](DiaZeichner& z) {
-             z.linie(-10, 1.5, -1.5, 1.5);
-             z.linie(-10, -1.5, -1.5, -1.5);
-             z.linie(1.5, 1.5, 10, 1.5);
-             z.linie(1.5, -1.5, 10, -1.5);
-             z.rechteck(-1.5, -6, -0.2, 6);
-             z.rechteck(0.2, -6, 1.5, 6);
-             z.farbe(3);
-             z.linie(-2.5, 4.5, 2.5, 4.5);
-             z.linie(-2.5, -4.5, 2.5, -4.5);
-         }}},
-        {A, AN, "Pumpe", {[](DiaZeichner& z) {
-             leitungen(z, 4);
-             z.kreis(0, 0, 4);
-             z.polylinie({{-2.5, 3}, {4, 0}, {-2.5, -3}}, false);
-         }}},
-        {V,
-         VN,
-         "Sechskantschraube",
-         {[](DiaZeichner& z) {
-              z.rechteck(-8, -3, -5, 3);
-              z.linie(-8, -1.5, -5, -1.5);
-              z.linie(-8, 1.5, -5, 1.5);
-              z.rechteck(-5, -1.5, 8, 1.5);
-              z.farbe(4);
-              for (double x = 1; x < 8; x += 0.8) z.linie(x, -1.5, x + 0.4, 1.5);
-          },
-          [](DiaZeichner& z) {
-              sechseck(z, 5);
-              z.kreis(0, 0, 4.3);
-          }}},
-        {V,
-         VN,
-         "Sechskantmutter",
-         {[](DiaZeichner& z) {
-              sechseck(z, 5);
-              z.kreis(0, 0, 4.3);
-              z.kreis(0, 0, 2);
-              z.farbe(4);
-              z.bogen(0, 0, 2.4, 0, 270);
-          },
-          [](DiaZeichner& z) {
-              z.rechteck(-5, -2, 5, 2);
-              z.linie(-2.5, -2, -2.5, 2);
-              z.linie(2.5, -2, 2.5, 2);
-          }}},
-        {V,
-         VN,
-         "Unterlegscheibe",
-         {[](DiaZeichner& z) {
-              z.kreis(0, 0, 5);
-              z.kreis(0, 0, 2.2);
-          },
-          [](DiaZeichner& z) {
-              z.farbe(8);
-              z.fuellung({{-5, -0.5}, {-2.2, -0.5}, {-2.2, 0.5}, {-5, 0.5}});
-              z.fuellung({{2.2, -0.5}, {5, -0.5}, {5, 0.5}, {2.2, 0.5}});
-          }}},
-        {V,
-         VN,
-         "Zylinderschraube",
-         {[](DiaZeichner& z) {
-              z.rechteck(-8, -2.5, -4, 2.5);
-              z.rechteck(-4, -1.5, 8, 1.5);
-              z.linie(-8, -1, -6.5, -1);
-              z.linie(-8, 1, -6.5, 1);
-          },
-          [](DiaZeichner& z) {
-              z.kreis(0, 0, 5);
-              sechseck(z, 2, true);
-          }}},
-        {V, VN, "Senkschraube", {[](DiaZeichner& z) {
-             z.polylinie({{-7, -3}, {-4, -1.5}, {8, -1.5}, {8, 1.5}, {-4, 1.5}, {-7, 3}}, true);
-             z.linie(-7, -3, -7, 3);
-             z.linie(-7, 0, -5.5, 0);
-         }}},
-        {V, VN, "Gewindestift", {[](DiaZeichner& z) {
-             z.rechteck(-6, -1.5, 6, 1.5);
-             z.linie(-6, 0, -5, 0);
-             z.farbe(4);
-             for (double x = -5; x < 6; x += 0.8) z.linie(x, -1.5, x + 0.4, 1.5);
-         }}},
-        {V, VN, "Passstift", {[](DiaZeichner& z) {
-             z.polylinie({{-6, -1},
-                          {6, -1},
-                          {6.5, -0.5},
-                          {6.5, 0.5},
-                          {6, 1},
-                          {-6, 1},
-                          {-6.5, 0.5},
-                          {-6.5, -0.5}},
-                         true);
-         }}},
-        {V, VN, "Niet", {[](DiaZeichner& z) {
-             z.bogen(-4, 0, 2.5, 90, 270);
-             z.linie(-4, 2.5, -4, -2.5);
-             z.rechteck(-4, -1.2, 6, 1.2);
-         }}},
-        {E, EN, "Widerstand", {[](DiaZeichner& z) {
-             leitungen(z, 4);
-             z.rechteck(-4, -1.5, 4, 1.5);
-         }}},
-        {E, EN, "Kondensator", {[](DiaZeichner& z) {
-             leitungen(z, 0.8);
-             z.linie(-0.8, -3, -0.8, 3);
-             z.linie(0.8, -3, 0.8, 3);
-         }}},
-        {E, EN, "Spule", {[](DiaZeichner& z) {
-             leitungen(z, 4);
-             z.fuellung({{-4, -1.5}, {4, -1.5}, {4, 1.5}, {-4, 1.5}});
-         }}},
-        {E, EN, "Diode", {[](DiaZeichner& z) {
-             leitungen(z, 2);
-             z.fuellung({{-2, -2}, {-2, 2}, {2, 0}});
-             z.linie(2, -2, 2, 2);
-         }}},
-        {E, EN, "Leuchtdiode", {[](DiaZeichner& z) {
-             leitungen(z, 2);
-             z.polylinie({{-2, -2}, {-2, 2}, {2, 0}}, true);
-             z.linie(2, -2, 2, 2);
-             z.farbe(2);
-             pfeil(z, 0.5, 2.5, 2.5, 4.5);
-             pfeil(z, 2, 2, 4, 4);
-         }}},
-        {E, EN, "Erdung", {[](DiaZeichner& z) {
-             z.linie(0, 6, 0, 0);
-             z.linie(-4, 0, 4, 0);
-             z.linie(-2.6, -1.2, 2.6, -1.2);
-             z.linie(-1.2, -2.4, 1.2, -2.4);
-         }}},
-        {E, EN, "Batterie", {[](DiaZeichner& z) {
-             leitungen(z, 1);
-             z.linie(-1, -4, -1, 4);
-             z.fuellung({{0.6, -2}, {1.2, -2}, {1.2, 2}, {0.6, 2}});
-         }}},
-        {E, EN, "Schliesser", {[](DiaZeichner& z) {
-             leitungen(z, 3);
-             z.linie(-3, 0, 3, 2.5);
-             z.gefuellterKreis(-3, 0, 0.4);
-         }}},
-        {E, EN, "Lampe", {[](DiaZeichner& z) {
-             leitungen(z, 3);
-             z.kreis(0, 0, 3);
-             z.linie(-2.1, -2.1, 2.1, 2.1);
-             z.linie(-2.1, 2.1, 2.1, -2.1);
-         }}},
-        {E, EN, "Sicherung", {[](DiaZeichner& z) {
-             z.linie(-10, 0, 10, 0);
-             z.rechteck(-4, -1.5, 4, 1.5);
-         }}},
-        {E, EN, "Transformator", {[](DiaZeichner& z) {
-             z.linie(-10, 0, -5, 0);
-             z.linie(5, 0, 10, 0);
-             z.kreis(-1.6, 0, 3.2);
-             z.kreis(1.6, 0, 3.2);
-         }}},
-        {E, EN, "Motor", {[](DiaZeichner& z) {
-             leitungen(z, 4);
-             z.kreis(0, 0, 4);
-             z.polylinie({{-1.6, -1.6}, {-1.6, 1.6}, {0, 0}, {1.6, 1.6}, {1.6, -1.6}}, false);
-         }}},
-        {E, EN, "Steckdose", {[](DiaZeichner& z) {
-             z.bogen(0, 0, 4, 0, 180);
-             z.linie(-4, 0, 4, 0);
-             z.linie(0, 0, 0, -8);
-         }}},
+void armaturen(Aufbau& a) {
+    const auto& g = demo::fctArmaturen();
+    a.ordner("000", "Armaturen und Flansche", "ARMATUREN", "4");
+    a.seite("Übersicht");
+    for (const auto& f : g) a.block(f, f.name, f.benennung, "", "", "DIN EN ISO 10628");
+    a.seite("Ventile");
+    a.dnReihe(form(g, "Absperrventil"), {15, 20, 25, 32, 40, 50, 80, 100}, "Grauguss");
+    a.dnReihe(form(g, "Kugelhahn"), {15, 20, 25, 32, 40, 50, 80, 100}, "Messing");
+    a.seite("Klappen und Hähne");
+    a.dnReihe(form(g, "Absperrklappe"), {50, 80, 100, 150, 200}, "Sphäroguss");
+    a.luecke();
+    a.dnReihe(form(g, "Rueckschlagventil"), {25, 40, 50, 80, 100}, "Stahl");
+    a.luecke();
+    a.dnReihe(form(g, "Schieber"), {50, 80, 100, 150}, "Grauguss");
+    a.seite("Flansche");
+    a.dnReihe(form(g, "Vorschweissflansch"), {50, 80, 100, 150, 200}, "P250GH");
+    a.luecke();
+    a.dnReihe(form(g, "Blindflansch"), {50, 80, 100}, "P250GH");
+    a.luecke(2);
+    a.dnReihe(form(g, "Flanschverbindung"), {50, 100}, "Stahl");
+    a.seite("Pumpen");
+    a.dnReihe(form(g, "Pumpe"), {25, 40, 65}, "Grauguss");
+    a.luecke();
+    a.dnReihe(form(g, "Magnetventil"), {15, 25}, "Messing");
+    a.dnReihe(form(g, "Druckminderer"), {25, 50}, "Rotguss");
+}
+
+void verbindungselemente(Aufbau& a) {
+    const auto& g = demo::fctVerbindungselemente();
+    a.ordner("001", "Verbindungselemente", "VERBINDUNGSELEMENTE", "3");
+    a.seite("1");
+    a.groessenReihe(form(g, "Sechskantschraube"), {6, 8, 10, 12, 16, 20}, true, true, "8.8",
+                    "ISO 4017");
+    a.luecke(2);
+    a.groessenReihe(form(g, "Sechskantmutter"), {6, 8, 10, 12, 16, 20}, true, false, "8",
+                    "ISO 4032");
+    a.seite("2");
+    a.groessenReihe(form(g, "Unterlegscheibe"), {6, 8, 10, 12, 16, 20}, true, false, "200 HV",
+                    "ISO 7089");
+    a.luecke(2);
+    a.groessenReihe(form(g, "Zylinderschraube"), {6, 8, 10, 12}, true, true, "12.9", "ISO 4762");
+    a.groessenReihe(form(g, "Senkschraube"), {6, 8, 10, 12}, true, true, "10.9", "ISO 10642");
+    a.seite("3");
+    a.groessenReihe(form(g, "Gewindestift"), {4, 6, 8}, true, true, "45H", "ISO 4026");
+    a.luecke();
+    a.groessenReihe(form(g, "Passstift"), {4, 6, 8}, false, true, "St", "ISO 2338");
+    a.luecke();
+    a.groessenReihe(form(g, "Niet"), {3, 4, 5}, false, true, "St", "DIN 660");
+}
+
+void elektro(Aufbau& a) {
+    const auto& g = demo::fctElektrosymbole();
+    a.ordner("002", "Elektrotechnik", "ELEKTRO", "1");
+    a.seite("Schaltzeichen");
+    for (std::size_t i = 0; i < 16; ++i)
+        a.block(g[i], g[i].name, g[i].benennung, "", "", "IEC 60617");
+    a.seite("Bauteile mit Werten");
+    for (std::size_t i = 16; i < g.size(); ++i)
+        a.block(g[i], g[i].name, g[i].benennung, "", "", "IEC 60617");
+    a.luecke();
+    struct Wert {
+        const char* form;
+        const char* wert;
+        const char* nenn;
     };
+    const Wert werte[] = {{"Widerstand", "1 kOhm", "0,25 W"},  {"Widerstand", "4,7 kOhm", "0,25 W"},
+                          {"Widerstand", "10 kOhm", "0,25 W"}, {"Widerstand", "100 kOhm", "0,5 W"},
+                          {nullptr, nullptr, nullptr},         {"Kondensator", "10 nF", "63 V"},
+                          {"Kondensator", "100 nF", "63 V"},   {"Kondensator", "470 nF", "100 V"},
+                          {nullptr, nullptr, nullptr},         {"Sicherung", "6 A", "250 V"},
+                          {"Sicherung", "10 A", "250 V"},      {"Sicherung", "16 A", "250 V"}};
+    for (const auto& w : werte) {
+        if (!w.form) {
+            a.luecke();
+            continue;
+        }
+        const Form& f = form(g, w.form);
+        std::string kurz = w.wert;
+        for (char& c : kurz)
+            if (c == ' ' || c == ',') c = '_';
+        a.block(f, f.name + "_" + kurz, f.benennung + " " + w.wert, w.wert, w.nenn, "IEC 60617", 1,
+                w.wert);
+    }
+    a.seite("Schaltzeichen senkrecht");
+    for (const auto& f : g)
+        if (f.name != "Erdung" && f.name != "Steckdose")
+            a.block(f, f.name + "_V", f.benennung + " senkrecht", "", "", "IEC 60617", 1, {}, 90);
+}
+
+void schriftfelder(Aufbau& a) {
+    const auto& g = demo::fctSchriftfelder();
+    a.ordner("003", "Schriftfelder", "SCHRIFTFELD", "7");
+    a.seite("Blattformate");
+    for (std::size_t i = 0; i < 5; ++i)
+        a.block(g[i], g[i].name, g[i].benennung, g[i].name.substr(12), "", "ISO 7200");
+    a.luecke();
+    a.block(g[5], g[5].name, g[5].benennung, "", "", "ISO 7200");
+    a.block(g[6], g[6].name, g[6].benennung, "", "", "DIN 6771-2");
+    a.seite("Stempel und Symbole");
+    for (std::size_t i = 7; i < 10; ++i) a.block(g[i], g[i].name, g[i].benennung, "", "", "");
+    a.luecke();
+    for (std::size_t i = 10; i < g.size(); ++i)
+        a.block(g[i], g[i].name, g[i].benennung, "", "", "ISO 128");
+    a.seite("Reserve");
+}
+
+void rohrleitungsteile(Aufbau& a) {
+    const auto& g = demo::fctRohrformteile();
+    a.ordner("004", "Rohrleitungsteile", "ROHRLEITUNG", "5");
+    for (std::size_t i = 0; i < g.size(); ++i) {
+        if (i % 5 == 0) a.seite(std::to_string(i / 5 + 1));
+        a.dnReihe(g[i], {25, 50, 100}, i % 2 ? "1.4571" : "P235GH");
+    }
+}
+
+const Aufbau& katalog() {
+    static const Aufbau a = [] {
+        Aufbau a;
+        armaturen(a);
+        verbindungselemente(a);
+        elektro(a);
+        schriftfelder(a);
+        rohrleitungsteile(a);
+        return a;
+    }();
+    return a;
 }
 
 }  // namespace
 
-std::vector<DemoSymbol> fctDemoSymbole() {
-    std::vector<DemoSymbol> out;
-    for (const auto& e : katalog()) {
-        DemoSymbol s{e.ordnerNr, e.ordnerName, e.name, {}};
-        for (const auto& f : e.ansichten) s.ansichten.push_back(zeichne(f));
-        out.push_back(std::move(s));
-    }
-    return out;
-}
+std::vector<DemoOrdner> fctDemoOrdner() { return katalog().ordner_; }
+
+std::vector<DemoSymbol> fctDemoSymbole() { return katalog().symbole_; }
 
 std::vector<DemoBlock> fctDemoBibliothekErzeugen(const std::string& bibliothekNativ,
                                                  bool bibliotheken) {
     namespace fs = std::filesystem;
     const auto codes = fctCodeTabelleErzeugen();
+    const fs::path basis(bibliothekNativ);
+    auto nativ = [&](std::string relativ) {
+        for (char& c : relativ)
+            if (c == '\\') c = '/';
+        return basis / relativ;
+    };
+    for (const auto& o : katalog().ordner_)
+        fs::create_directories(basis / o.ordnerNr / "Block" / "Varia");
     std::vector<DemoBlock> bloecke;
-    std::string ordnerVorher;
-    int slot = 0;
-    for (const auto& s : fctDemoSymbole()) {
-        if (s.ordnerNr != ordnerVorher) {
-            slot = 0;
-            ordnerVorher = s.ordnerNr;
-            fs::create_directories(fs::path(bibliothekNativ) / s.ordnerNr / "Block" / "Varia");
-        }
+    for (const auto& s : katalog().symbole_) {
         // Block number: Folder code, the slot divided by 42874 (always "0"
         // here), the slot's code from the table.
-        std::string blockNr = s.ordnerNr + std::to_string(slot / 42874) + codes[slot];
+        std::string blockNr = s.ordnerNr + std::to_string(s.slot / 42874) + codes[s.slot];
         for (std::size_t v = 0; v < s.ansichten.size(); ++v) {
-            int ansicht = static_cast<int>(v);
+            const int ansicht = static_cast<int>(v);
             auto bytes = slide::writeSlide(s.ansichten[v]);
-            std::string relativ = bibliotheken ? fctDiaBibliothek(s.ordnerNr, blockNr, ansicht)
-                                               : fctDiaDatei(s.ordnerNr, blockNr, ansicht);
-            for (char& c : relativ)
-                if (c == '\\') c = '/';
-            fs::path ziel = fs::path(bibliothekNativ) / relativ;
             if (bibliotheken) {
                 auto lib = slide::writeSlideLibrary({{fctDiaCode(ansicht), bytes}});
-                slide::writeFileBytes(ziel.string(), lib);
+                slide::writeFileBytes(
+                    nativ(fctDiaBibliothek(s.ordnerNr, blockNr, ansicht)).string(), lib);
             } else {
-                slide::writeFileBytes(ziel.string(), bytes);
+                slide::writeFileBytes(nativ(fctDiaDatei(s.ordnerNr, blockNr, ansicht)).string(),
+                                      bytes);
             }
+            const std::string zeichnung = "AC1015 Tessara-Demo " + s.name + "\r\n";
+            slide::writeFileBytes(nativ(fctZeichnungDatei(s.ordnerNr, blockNr, ansicht)).string(),
+                                  std::span(reinterpret_cast<const std::uint8_t*>(zeichnung.data()),
+                                            zeichnung.size()));
         }
-        bloecke.push_back({s.ordnerNr, s.ordnerName, slot, blockNr, s.name,
+        bloecke.push_back({s.ordnerNr, s.ordnerName, s.slot, blockNr, s.name,
                            fctSlideLibEintrag(s.ordnerNr, blockNr, bibliotheken),
-                           static_cast<int>(s.ansichten.size())});
-        ++slot;
+                           static_cast<int>(s.ansichten.size()), s.m0, s.m1, s.m2, s.m3, s.layer,
+                           s.layerFarbe, s.markiert});
     }
     return bloecke;
 }

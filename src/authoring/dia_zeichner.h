@@ -2,6 +2,7 @@
 // Draws slides from world coordinates: lines, circles, arcs and solid
 // fills, mapped into a slide's drawing area with the aspect ratio kept. Used
 // for the pictures the program ships (the empty slot, the demo library).
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -30,6 +31,23 @@ class DiaZeichner {
     // The red point that marks the insertion point on every block slide.
     void einfuegepunkt(double x, double y, double r);
 
+    // Text in a plain stroke font: capitals, digits and a few signs; small
+    // letters are drawn as capitals, umlauts with their dots. (x, y) is the
+    // lower left corner of the first letter, hoehe the height of a capital;
+    // a letter takes the width hoehe including its space. UTF-8.
+    void text(double x, double y, double hoehe, std::string_view text);
+    void textZentriert(double x, double y, double hoehe, std::string_view text);
+    static double textBreite(double hoehe, std::string_view text);
+    // The mask the host writes behind masked text and title blocks: a fill
+    // of colour 0, the background. It hides what was drawn under it; what is
+    // drawn after it stays visible. The current colour is kept.
+    void maske(double x0, double y0, double x1, double y1);
+
+    // Places everything drawn from now on: turned by winkelGrad about the
+    // world origin, scaled, then moved by (dx, dy). transformation(0, 0)
+    // draws as given again.
+    void transformation(double dx, double dy, double massstab = 1, double winkelGrad = 0);
+
     const Slide& dia() const { return dia_; }
 
   private:
@@ -39,6 +57,8 @@ class DiaZeichner {
     Slide dia_;
     std::uint8_t farbe_ = 7;
     double massstab_ = 1, ox_ = 0, oy_ = 0, wx0_ = 0, wy0_ = 0;
+    // World transformation: x' = ta_ x + tb_ y + tx_, y' = tc_ x + td_ y + ty_.
+    double ta_ = 1, tb_ = 0, tc_ = 0, td_ = 1, tx_ = 0, ty_ = 0;
 };
 
 // The empty-slot picture "frei2.sld".

@@ -1,46 +1,109 @@
 #include "ui/preview_cache.h"
 
+#include <QFileInfo>
+#include <QMetaObject>
 #include <QMutexLocker>
 #include <QtConcurrent/QtConcurrentMap>
-#include <filesystem>
 
 #include "authoring/slide_library.h"
 #include "platform/environment.h"
 
 namespace tessara::ui {
 
-DiaVorschauCache::DiaVorschauCache(int maxBilder) : cache_(maxBilder) {}
+DiaVorschauCache::DiaVorschauCache(int maxBilder, Protokoll protokoll)
+    : cache_(maxBilder), protokoll_(std::move(protokoll)) {}
+
+void DiaVorschauCache::protokollSetzen(Protokoll protokoll, QObject* kontext) {
+    QMutexLocker lock(&protokollMutex_);
+    protokoll_ = std::move(protokoll);
+    kontext_ = kontext;
+}
+
+DiaVorschauCache::Stand DiaVorschauCache::standErmitteln(const std::string& bildname, QSize groesse,
+                                                         DiaHintergrund hintergrund) const {
+    auto teile = slide::fctBildnameZerlegen(bildname);
+    const QString nativ = QString::fromStdString(platform::nativePath(teile.datei));
+    const QString eintrag = QString::fromStdString(teile.eintrag).toUpper();
+    // QFileInfo stats once and answers existence, size and time from that.
+    const QFileInfo info(nativ);
+    Stand s;
+    s.vorhanden = info.isFile();
+    s.datei = nativ + QLatin1Char('|') + eintrag + QLatin1Char('|');
+    if (s.vorhanden)
+        s.datei += QString::number(info.lastModified().toMSecsSinceEpoch()) + QLatin1Char('|') +
+                   QString::number(info.size());
+    else
+        s.datei += QLatin1String("fehlt");
+    s.schluessel = s.datei + QLatin1Char('|') + QString::number(groesse.width()) +
+                   QLatin1Char('x') + QString::number(groesse.height()) + QLatin1Char('|') +
+                   QString::number(static_cast<int>(hintergrund));
+    return s;
+}
+
+std::optional<QImage> DiaVorschauCache::nachschlagen(const QString& schluessel) {
+    QMutexLocker lock(&mutex_);
+    if (QImage* vorhanden = cache_.object(schluessel)) {
+        ++treffer_;
+        return *vorhanden;
+    }
+    return std::nullopt;
+}
+
+void DiaVorschauCache::ablegen(const QString& schluessel, const QImage& bild) {
+    QMutexLocker lock(&mutex_);
+    cache_.insert(schluessel, new QImage(bild));
+}
+
+void DiaVorschauCache::melden(const QString& datei, const std::string& zeile) {
+    Protokoll protokoll;
+    QPointer<QObject> kontext;
+    {
+        QMutexLocker lock(&protokollMutex_);
+        if (!protokoll_ || gemeldet_.contains(datei)) return;
+        gemeldet_.insert(datei);
+        protokoll = protokoll_;
+        kontext = kontext_;
+    }
+    // Called outside the lock, so that a receiver may use the cache again.
+    if (kontext) {
+        QMetaObject::invokeMethod(
+            kontext.data(), [protokoll, zeile] { protokoll(zeile); }, Qt::AutoConnection);
+    } else {
+        QMutexLocker lock(&aufrufMutex_);
+        protokoll(zeile);
+    }
+}
+
+std::optional<QImage> DiaVorschauCache::ohneLesen(const Stand& s, const std::string& bildname,
+                                                  QSize groesse, DiaHintergrund hintergrund) {
+    if (auto bild = nachschlagen(s.schluessel)) return bild;
+    if (s.vorhanden) return std::nullopt;
+    // Every missing file looks alike: one picture per size and background.
+    melden(s.datei, "Keine Vorschau: " + bildname + ": Datei nicht gefunden");
+    QImage bild = fctKeineVorschauBild(groesse, hintergrund);
+    ablegen(s.schluessel, bild);
+    return bild;
+}
+
+std::optional<QImage> DiaVorschauCache::sofort(const std::string& bildname, QSize groesse,
+                                               DiaHintergrund hintergrund) {
+    return ohneLesen(standErmitteln(bildname, groesse, hintergrund), bildname, groesse,
+                     hintergrund);
+}
 
 QImage DiaVorschauCache::bild(const std::string& bildname, QSize groesse,
                               DiaHintergrund hintergrund) {
-    auto teile = slide::fctBildnameZerlegen(bildname);
-    std::string nativ = platform::nativePath(teile.datei);
-    std::error_code ec;
-    auto zeit = std::filesystem::last_write_time(nativ, ec);
-    if (ec) return fctFehlerBild(groesse, hintergrund);
-    QString eintrag = QString::fromStdString(teile.eintrag).toUpper();
-    QString schluessel = QString::fromStdString(nativ) + QLatin1Char('|') + eintrag +
-                         QLatin1Char('|') +
-                         QString::number(static_cast<qlonglong>(zeit.time_since_epoch().count())) +
-                         QLatin1Char('|') + QString::number(groesse.width()) + QLatin1Char('x') +
-                         QString::number(groesse.height()) + QLatin1Char('|') +
-                         QString::number(static_cast<int>(hintergrund));
-    {
-        QMutexLocker lock(&mutex_);
-        if (QImage* vorhanden = cache_.object(schluessel)) {
-            ++treffer_;
-            return *vorhanden;
-        }
-    }
+    const Stand s = standErmitteln(bildname, groesse, hintergrund);
+    if (auto fertig = ohneLesen(s, bildname, groesse, hintergrund)) return *fertig;
     QImage bild;
     try {
         bild = fctDiaBild(slide::fctDiaLaden(bildname), groesse, {hintergrund, true});
-    } catch (const std::exception&) {
-        return fctFehlerBild(groesse, hintergrund);
+        ++gemalt_;
+    } catch (const std::exception& e) {
+        melden(s.datei, std::string("Keine Vorschau: ") + e.what());
+        bild = fctKeineVorschauBild(groesse, hintergrund);
     }
-    ++gemalt_;
-    QMutexLocker lock(&mutex_);
-    cache_.insert(schluessel, new QImage(bild));
+    ablegen(s.schluessel, bild);
     return bild;
 }
 

@@ -17,7 +17,10 @@ namespace tessara::ui {
 enum class DiaHintergrund { Dunkel, Hell };
 
 QColor fctHintergrundFarbe(DiaHintergrund h);
-// AutoCAD colour index 1..255 as drawn on the background (7 is the foreground).
+// AutoCAD colour index as drawn on the background: 7 is the foreground, 0
+// the background itself. The host writes colour 0 for the masks behind masked
+// text and title blocks; painted in the background colour, in drawing order,
+// a mask hides what lies under it and leaves what is drawn later visible.
 QColor fctAciFarbe(int index, DiaHintergrund h);
 
 // Slide coordinates (origin lower left) to the target rectangle (origin upper
@@ -34,8 +37,10 @@ void subDiaMalen(QPainter& painter, const slide::Slide& dia, const QRectF& ziel,
                  DiaHintergrund hintergrund);
 // A new image of the given size: background, then the slide.
 QImage fctDiaBild(const slide::Slide& dia, QSize groesse, DiaMalOptionen optionen = {});
-// What a slot shows when its picture cannot be read: the background with a
-// red cross.
-QImage fctFehlerBild(QSize groesse, DiaHintergrund hintergrund);
+// What a slot shows when its picture is missing or cannot be read: a neutral
+// grey field with a crossed frame and the words "Keine Vorschau", drawn from
+// a pixel font so that they stay legible down to 60 x 45 pixels and need no
+// font database (the picture is made on worker threads and in batch runs).
+QImage fctKeineVorschauBild(QSize groesse, DiaHintergrund hintergrund);
 
 }  // namespace tessara::ui

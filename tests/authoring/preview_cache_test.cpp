@@ -74,16 +74,30 @@ TEST_F(VorschauCache, ANewerFileIsPaintedAgain) {
     EXPECT_NE(neu, erst);
 }
 
-TEST_F(VorschauCache, UnreadablePicturesShowTheErrorPictureAndAreNotKept) {
+TEST_F(VorschauCache, MissingAndUnreadablePicturesShowNoPreviewAndAreReportedOnce) {
     datei("kaputt.sld", "AutoCAD Slide\r\n\x1a");
-    DiaVorschauCache cache;
+    std::vector<std::string> zeilen;
+    DiaVorschauCache cache(64, [&](const std::string& zeile) { zeilen.push_back(zeile); });
     const QSize g(100, 100);
-    auto fehler = fctFehlerBild(g, DiaHintergrund::Dunkel);
-    EXPECT_EQ(cache.bild(basis + "kaputt.sld", g, DiaHintergrund::Dunkel), fehler);
-    EXPECT_EQ(cache.bild(basis + "fehlt.sld", g, DiaHintergrund::Dunkel), fehler);
-    EXPECT_EQ(cache.bild(programmForm(testdaten("mylib.slb")).toStdString() + "(NICHTDA)", g,
-                         DiaHintergrund::Dunkel),
-              fehler);
+    const auto keine = fctKeineVorschauBild(g, DiaHintergrund::Dunkel);
+    const std::string namen[] = {basis + "kaputt.sld", basis + "fehlt.sld",
+                                 programmForm(testdaten("mylib.slb")).toStdString() + "(NICHTDA)"};
+    for (int runde = 0; runde < 3; ++runde)
+        for (const auto& n : namen) EXPECT_EQ(cache.bild(n, g, DiaHintergrund::Dunkel), keine);
     EXPECT_EQ(cache.gemalt(), 0);
-    EXPECT_EQ(cache.treffer(), 0);
+    EXPECT_EQ(cache.treffer(), 6);  // nothing read again while the files stay as they are
+    ASSERT_EQ(zeilen.size(), 3u);
+    EXPECT_NE(zeilen[0].find("kaputt.sld"), std::string::npos) << zeilen[0];
+    EXPECT_NE(zeilen[1].find("fehlt.sld"), std::string::npos) << zeilen[1];
+    EXPECT_NE(zeilen[2].find("NICHTDA"), std::string::npos) << zeilen[2];
+
+    // Repaired, the slide is read and painted.
+    fs::copy_file(testdaten("slide_up.sld"), wurzel / "kaputt.sld",
+                  fs::copy_options::overwrite_existing);
+    fs::last_write_time(wurzel / "kaputt.sld",
+                        fs::last_write_time(wurzel / "kaputt.sld") + std::chrono::seconds(5));
+    EXPECT_FALSE(cache.sofort(namen[0], g, DiaHintergrund::Dunkel).has_value());
+    EXPECT_NE(cache.bild(namen[0], g, DiaHintergrund::Dunkel), keine);
+    EXPECT_EQ(cache.gemalt(), 1);
+    EXPECT_EQ(zeilen.size(), 3u);
 }

@@ -2,7 +2,9 @@
 // output of our own writer; and the demo library generator.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
+#include <map>
 #include <set>
 
 #include "authoring/code_tabelle.h"
@@ -52,15 +54,23 @@ class DemoBibliothek : public slidetest::TempVerzeichnis {};
 
 TEST_F(DemoBibliothek, SymbolsLaidOutAsTheCatalogueExpects) {
     auto bloecke = fctDemoBibliothekErzeugen(wurzel.string());
-    ASSERT_GE(bloecke.size(), 30u);
+    const auto ordner = fctDemoOrdner();
+    const auto codes = fctCodeTabelleErzeugen();
+    ASSERT_GE(bloecke.size(), 150u);
+    ASSERT_GE(ordner.size(), 4u);
+    std::map<std::string, std::set<int>> belegt;
     std::set<std::string> nummern;
-    int mitAnsicht1 = 0;
+    int mitAnsicht1 = 0, markiert = 0;
     for (const auto& b : bloecke) {
         SCOPED_TRACE(b.blkName);
         EXPECT_TRUE(nummern.insert(b.blockNr).second);
-        EXPECT_EQ(b.blockNr.substr(0, 3), b.ordnerNr);
-        EXPECT_EQ(b.blockNr.size(), 7u);
+        belegt[b.ordnerNr].insert(b.slot);
+        EXPECT_EQ(b.blockNr, b.ordnerNr + "0" + codes[b.slot]);
         EXPECT_EQ(b.slideLib, fctSlideLibEintrag(b.ordnerNr, b.blockNr, true));
+        EXPECT_LE(b.blkName.size() + 2, 32u);  // BlkName0 .. BlkName4 ("-v" added)
+        EXPECT_FALSE(b.m0.empty());
+        EXPECT_FALSE(b.layer.empty());
+        markiert += b.markiert;
         EXPECT_TRUE(fs::is_directory(wurzel / b.ordnerNr / "Block" / "Varia"));
         auto dia = slide::fctDiaLaden(fctBildnameAnsicht0(basis, b.slideLib));
         EXPECT_GT(dia.elements.size(), 3u);
@@ -69,15 +79,57 @@ TEST_F(DemoBibliothek, SymbolsLaidOutAsTheCatalogueExpects) {
         for (const auto& e : dia.elements)
             rot |= e.kind == slide::Element::Kind::Fill && e.colour == 1;
         EXPECT_TRUE(rot);
-        for (int v = 1; v < b.ansichten; ++v) {
+        for (int v = 0; v < b.ansichten; ++v) {
+            std::string dwg = fctZeichnungDatei(b.ordnerNr, b.blockNr, v);
+            std::replace(dwg.begin(), dwg.end(), '\\', '/');
+            EXPECT_GT(fs::file_size(wurzel / dwg), 0u) << dwg;
+            if (v == 0) continue;
             ++mitAnsicht1;
             EXPECT_NO_THROW(
                 slide::fctDiaLaden(fctBildnameAnsicht(basis, b.ordnerNr, b.blockNr, v, true)));
         }
     }
     EXPECT_GE(mitAnsicht1, 5);
+    EXPECT_GE(markiert, 3);
     EXPECT_EQ(bloecke[0].blockNr, "0000000");
     EXPECT_EQ(bloecke[1].blockNr, "0000001");
+
+    // Folders in code-table order, each with several Pages; every block on
+    // one of its Folder's Pages; gaps between the blocks.
+    int luecken = 0;
+    for (std::size_t i = 0; i < ordner.size(); ++i) {
+        const auto& o = ordner[i];
+        SCOPED_TRACE(o.ordnerName);
+        EXPECT_EQ(o.ordnerNr, codes[i]);
+        EXPECT_GE(o.seiten.size(), 2u);
+        ASSERT_FALSE(belegt[o.ordnerNr].empty());
+        const int letzter = *belegt[o.ordnerNr].rbegin();
+        EXPECT_LT(letzter / kDemoSlotsProSeite, static_cast<int>(o.seiten.size()));
+        luecken += letzter + 1 - static_cast<int>(belegt[o.ordnerNr].size());
+    }
+    EXPECT_GE(luecken, 5);
+}
+
+// A title block as the host writes one: a colour-0 wipeout under the block,
+// lines and text drawn over it.
+TEST(DemoSymbole, TitleBlocksCarryAMask) {
+    int mitMaske = 0;
+    for (const auto& s : fctDemoSymbole()) {
+        if (s.ordnerName != "Schriftfelder") continue;
+        const auto& e = s.ansichten[0].elements;
+        auto maske = std::find_if(e.begin(), e.end(), [](const slide::Element& x) {
+            return x.kind == slide::Element::Kind::Fill && x.colour == 0;
+        });
+        if (maske == e.end()) continue;
+        ++mitMaske;
+        EXPECT_GT(std::count_if(maske, e.end(),
+                                [](const slide::Element& x) {
+                                    return x.kind == slide::Element::Kind::Vector && x.colour != 0;
+                                }),
+                  10)
+            << s.name;
+    }
+    EXPECT_GE(mitMaske, 5);
 }
 
 TEST_F(DemoBibliothek, SingleSlideFilesWhenAsked) {

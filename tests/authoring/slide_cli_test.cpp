@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 
 #include <QImage>
+#include <algorithm>
 #include <cstdio>
 
 #include "slide_test_daten.h"
@@ -68,11 +69,51 @@ TEST_F(SlideCli, SlideInfoDescribesSlidesAndLibraries) {
     EXPECT_NE(text.find("level 2 little-endian"), std::string::npos) << text;
 }
 
-TEST_F(SlideCli, MakeDemoLibraryListsTheBlocks) {
+TEST_F(SlideCli, MakeDemoLibraryListsTheBlocksAndCataloguesThem) {
     std::string text;
+    const std::string mdb = "'" + (wurzel / "demo/dbTessara.mdb").string() + "' ";
     ASSERT_EQ(lauf("make-demo-library '" + (wurzel / "demo").string() + "'", &text), 0);
     EXPECT_NE(text.find("000;Armaturen und Flansche;0000000;Absperrventil;000\\00000000.slb;1"),
               std::string::npos)
         << text;
+    EXPECT_GE(std::count(text.begin(), text.end(), '\n'), 151);
     EXPECT_TRUE(std::filesystem::is_regular_file(wurzel / "demo/000/00000000.slb"));
+    EXPECT_TRUE(std::filesystem::is_regular_file(wurzel / "demo/000/Block/00000000.dwg"));
+
+    // The title block's wipeout leaves the background: its lines and text
+    // show, not a white box (a fifth of the picture).
+    const auto png = (wurzel / "schriftfeld.png").string();
+    ASSERT_EQ(lauf("render-slide '" + (wurzel / "demo/003/00300010.slb").string() + "(0A)' '" +
+                   png + "'"),
+              0);
+    QImage bild(QString::fromStdString(png));
+    int weiss = 0;
+    for (int y = 0; y < bild.height(); ++y)
+        for (int x = 0; x < bild.width(); ++x) weiss += qGray(bild.pixel(x, y)) > 200;
+    EXPECT_GT(weiss, 500);
+    EXPECT_LT(weiss, bild.width() * bild.height() / 20);
+
+    // The default Folder became the first demo Folder; Pages by number.
+    ASSERT_EQ(
+        lauf("sql " + mdb + "\"SELECT SeitenNr, SeitenName FROM tblSeiten WHERE NrTblOrdner = 1\"",
+             &text),
+        0);
+    EXPECT_EQ(text,
+              "SeitenNr,SeitenName\n1,\"Übersicht\"\n2,\"Ventile\"\n3,\"Klappen und Hähne\"\n"
+              "4,\"Flansche\"\n5,\"Pumpen\"\n");
+    ASSERT_EQ(
+        lauf("sql " + mdb + "\"SELECT Ordnername FROM tblOrdner WHERE OrdnerNr = '000'\"", &text),
+        0);
+    EXPECT_EQ(text, "Ordnername\n\"Armaturen und Flansche\"\n");
+    ASSERT_EQ(lauf("sql " + mdb +
+                       "\"SELECT Block, BlkName0, M0, M1, M2, M3, Layer FROM tblBlockInfo WHERE "
+                       "Block IN (SELECT BlockNr FROM tblMarkierteBloecke) AND OrdnerID = 1\"",
+                   &text),
+              0);
+    EXPECT_EQ(text,
+              "Block,BlkName0,M0,M1,M2,M3,Layer\n"
+              "\"0000029\",\"Kugelhahn_DN50\",\"Kugelhahn DN 50\",\"DN 50\",\"PN 16\",\"Messing\","
+              "\"ARMATUREN\"\n"
+              "\"0000050\",\"Vorschweissflansch_DN100\",\"Vorschweißflansch DN 100\",\"DN 100\","
+              "\"PN 16\",\"P250GH\",\"ARMATUREN\"\n");
 }

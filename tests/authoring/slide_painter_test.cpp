@@ -38,6 +38,21 @@ bool inDerNaehe(const QImage& bild, int x, int y, QColor farbe, int r = 1) {
 
 const DiaMalOptionen kScharf{DiaHintergrund::Dunkel, false};
 
+// Pixels of the no-preview picture that are neither its field (left edge,
+// mid height) nor its frame (the corner), with the rows they lie on.
+int buchstabenPixel(const QImage& bild, std::vector<int>* zeilen = nullptr) {
+    const QRgb feld = bild.pixel(4, bild.height() / 2), linie = bild.pixel(0, 0);
+    int pixel = 0;
+    for (int y = 1; y + 1 < bild.height(); ++y) {
+        int n = 0;
+        for (int x = 1; x + 1 < bild.width(); ++x)
+            n += bild.pixel(x, y) != feld && bild.pixel(x, y) != linie;
+        if (n > 0 && zeilen) zeilen->push_back(y);
+        pixel += n;
+    }
+    return pixel;
+}
+
 }  // namespace
 
 TEST(AciFarben, StandardValues) {
@@ -136,10 +151,73 @@ TEST(SlidePainter, TestDataSlidesPaintSomething) {
     }
 }
 
-TEST(SlidePainter, ErrorPictureIsARedCross) {
-    QImage bild = fctFehlerBild(QSize(100, 100), DiaHintergrund::Hell);
-    EXPECT_TRUE(inDerNaehe(bild, 50, 50, QColor(255, 0, 0)));
-    EXPECT_TRUE(nahe(bild.pixel(50, 10), QColor(255, 255, 255)));
+// A field of a title block as the host writes masked text: a hatch under
+// the field, the colour-0 mask over it, then a frame and text inside the
+// mask, and a colour-0 line across the hatch.
+TEST(SlidePainter, Colour0IsTheBackgroundInDrawingOrder) {
+    slide::DiaZeichner z(399, 299);
+    z.fenster(0, 0, 399, 299);
+    z.farbe(3);
+    for (int x = 0; x <= 399; x += 10) z.linie(x, 0, x, 299);
+    z.maske(100, 100, 300, 200);
+    z.farbe(7);
+    z.rechteck(120, 120, 280, 180);
+    z.text(130, 140, 20, "DN 50");
+    z.farbe(0);
+    z.linie(0, 250, 399, 250);
+    const QColor gruen(0, 255, 0);
+    for (auto hg : {DiaHintergrund::Dunkel, DiaHintergrund::Hell}) {
+        SCOPED_TRACE(static_cast<int>(hg));
+        const QColor hinten = fctHintergrundFarbe(hg);
+        const QColor vorn = fctAciFarbe(7, hg);
+        QImage bild = fctDiaBild(z.dia(), QSize(400, 300), {hg, false});
+        // Image rows count from the top: world y is row 299 - y.
+        EXPECT_TRUE(nahe(bild.pixel(200, 299 - 190), hinten));  // hatch line x = 200 hidden
+        EXPECT_TRUE(nahe(bild.pixel(110, 299 - 150), hinten));
+        EXPECT_TRUE(inDerNaehe(bild, 120, 299 - 150, vorn));  // frame inside the mask
+        EXPECT_TRUE(inDerNaehe(bild, 280, 299 - 130, vorn));
+        int schrift = 0;
+        for (int y = 299 - 162; y <= 299 - 138; ++y)
+            for (int x = 128; x <= 232; ++x) schrift += nahe(bild.pixel(x, y), vorn);
+        EXPECT_GT(schrift, 100);
+        EXPECT_TRUE(inDerNaehe(bild, 50, 299 - 50, gruen));    // hatch outside the mask
+        EXPECT_TRUE(nahe(bild.pixel(50, 299 - 250), hinten));  // colour-0 line over the hatch
+        EXPECT_TRUE(nahe(bild.pixel(50, 299 - 240), gruen));
+    }
+}
+
+TEST(SlidePainter, NoPreviewPictureIsLegibleAt60x45) {
+    for (auto hg : {DiaHintergrund::Dunkel, DiaHintergrund::Hell}) {
+        SCOPED_TRACE(static_cast<int>(hg));
+        QImage bild = fctKeineVorschauBild(QSize(60, 45), hg);
+        ASSERT_EQ(bild.size(), QSize(60, 45));
+        const QRgb feld = bild.pixel(4, 22);
+        // Neutral: neither the slide background nor its foreground.
+        EXPECT_FALSE(nahe(feld, fctHintergrundFarbe(hg), 30));
+        EXPECT_FALSE(nahe(feld, fctAciFarbe(7, hg), 30));
+        const QRgb linie = bild.pixel(0, 0);
+        EXPECT_NE(linie, feld);
+        // The crossed frame: all four corners and the middle of each edge.
+        for (auto [x, y] : {std::pair{59, 0}, {0, 44}, {59, 44}, {30, 0}, {0, 22}, {30, 44}})
+            EXPECT_EQ(bild.pixel(x, y), linie) << x << "," << y;
+        bool diagonale = false;
+        for (int y = 2; y <= 6; ++y) diagonale |= bild.pixel(5, y) == linie;
+        EXPECT_TRUE(diagonale);
+        // Two lines of letters in the middle, clear of the frame: the rows
+        // holding letter pixels form two bands with a gap between them.
+        std::vector<int> zeilen;
+        const int pixel = buchstabenPixel(bild, &zeilen);
+        EXPECT_GT(pixel, 120);
+        ASSERT_FALSE(zeilen.empty());
+        int baender = 1;
+        for (std::size_t i = 1; i < zeilen.size(); ++i) baender += zeilen[i] != zeilen[i - 1] + 1;
+        EXPECT_EQ(baender, 2);
+        EXPECT_GT(zeilen.front(), 8);
+        EXPECT_LT(zeilen.back(), 36);
+    }
+    // Larger pictures get larger letters.
+    EXPECT_GT(buchstabenPixel(fctKeineVorschauBild(QSize(400, 300), DiaHintergrund::Dunkel)),
+              16 * buchstabenPixel(fctKeineVorschauBild(QSize(60, 45), DiaHintergrund::Dunkel)));
 }
 
 // Golden pictures made by this painter: they only catch changes. Set
