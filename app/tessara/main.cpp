@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "bericht_fenster.h"
+#include "cad/cad_verbindung.h"
 #include "platform/platform.h"
 #include "platform/posix/file_registry.h"
 #include "platform/posix/posix_environment.h"
@@ -12,6 +12,7 @@
 #include "platform/system_clock.h"
 #include "platform/x11/x11_desktop.h"
 #include "startup/start_ablauf.h"
+#include "ui/frm_blockverwaltung.h"
 #include "ui/qt_benutzer.h"
 
 int main(int argc, char** argv) {
@@ -35,8 +36,10 @@ int main(int argc, char** argv) {
     tessara::ProgrammZustand z;
     z.plattform = &plattform;
     z.benutzer = &benutzer;
+    // No COM on this system: the host is found by its window title.
+    tessara::CadVerbindung cad;
 
-    tessara::BerichtFenster fenster(z);
+    tessara::FrmBlockverwaltung fenster(z, cad);
     benutzer.setEltern(&fenster);
     tessara::clsStart start;
     if (start.Main(z, fenster) == tessara::MainErgebnis::ProzessEnde) return 0;

@@ -369,6 +369,12 @@ bool NavigationsModell::BilderAnzeigenBeiGeaenderterBilderanzahl(long i) {
     return subSeiteNeuAnzeigen();
 }
 
+void NavigationsModell::setAnzahlDerBilder(long i) {
+    longAnzahlDerBilder_ = fctBilderanzahlGueltig(i) ? i : 2;
+    intSeite_ = 0;
+    intPosition_ = 0;
+}
+
 bool NavigationsModell::ordnerAktivieren(int intIndex, long lngSeite) {
     intOrdnerIndex_ = intIndex;
     intSeite_ = std::clamp(lngSeite, 0L, letzteSeite());

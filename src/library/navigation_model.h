@@ -9,7 +9,7 @@
 //   count moves Blocks to other Pages and positions.
 // - aryBlocknummern and aryCodes always hold (intSeite + 1) × slots entries;
 //   only the last `slots` of them (the current Page) have been looked up in
-//   the database, and only they have an entry in `slots()`.
+//   the database, and only they have an entry in `seitenSlots()`.
 // - rsOrdner stands on the current Folder after every Folder operation.
 // - Nothing here throws: every operation runs under the common error handler
 //   and answers false (or leaves the state as it was) on a failure.
@@ -87,6 +87,9 @@ class NavigationsModell {
     bool RecordsetRsBlockInfo0EinzelEinlesen(const std::string& strBlockNr);
     bool ArrayTBloeckeNeuEinlesenBeiOrdnerwechsel();
     bool BilderAnzeigenBeiGeaenderterBilderanzahl(long longAnzahlDerBilder);
+    // The picture-size index alone, before a Folder is shown (an index out
+    // of range becomes 2).
+    void setAnzahlDerBilder(long longAnzahlDerBilder);
     bool subSeiteNeuAnzeigen();
     void BlocknummernEinlesen(long k);
     // The name list entries of the visible Page (block number or free marker).
@@ -130,7 +133,7 @@ class NavigationsModell {
     const std::vector<std::string>& arySeiten() const { return arySeiten_; }
     const std::vector<typSeiteEintrag>& seitenListe() const { return seitenListe_; }
     const std::vector<std::string>& aryBlocknummern() const { return aryBlocknummern_; }
-    const std::vector<typSlot>& slots() const { return slots_; }
+    const std::vector<typSlot>& seitenSlots() const { return slots_; }
     int intOrdnerIndex() const { return intOrdnerIndex_; }
     const typOrdnerEintrag* aktuellerOrdner() const;
     long intSeite() const { return intSeite_; }

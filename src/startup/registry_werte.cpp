@@ -139,6 +139,94 @@ bool SetupEinstellungenZuweisen(ProgrammZustand& z, typSetupWerte& w) {
     return true;
 }
 
+namespace {
+
+// The switches the options window shows as check boxes.
+using SchalterFeld = std::int32_t typSetupWerte::*;
+constexpr SchalterFeld kSchalter[] = {
+    &typSetupWerte::longBlockAusBibliothek,
+    &typSetupWerte::longEinfuegenLayer0,
+    &typSetupWerte::longUrsprungBeimEinfuegen,
+    &typSetupWerte::longXRef,
+    &typSetupWerte::longAbfrageXFaktor,
+    &typSetupWerte::longAbfrageYFaktor,
+    &typSetupWerte::longAbfrageZFaktor,
+    &typSetupWerte::longAbfrageEinfuegewinkel,
+    &typSetupWerte::longAbfrageAttributeBeimEinfuegen,
+    &typSetupWerte::longReihe,
+    &typSetupWerte::longMehrfacheinfuegen,
+    &typSetupWerte::longMehrfachAktiv,
+    &typSetupWerte::longMehrereEinfuegepkte,
+    &typSetupWerte::longMassstabskontrolle,
+    &typSetupWerte::longBruchFrage,
+    &typSetupWerte::longBruchOption,
+    &typSetupWerte::longVariantenfrage,
+    &typSetupWerte::lonLispVarUebergeben,
+    &typSetupWerte::longTessaraAnzeigenNachEinfuegen,
+    &typSetupWerte::lonPosSeitenWechsel,
+    &typSetupWerte::longSlideUeberpruefen,
+    &typSetupWerte::longFensterpositionSpeichern,
+    &typSetupWerte::lonOrdnerSortieren,
+    &typSetupWerte::lonOldView,
+    &typSetupWerte::longAbfrageBlocknameBeimErzeugen,
+    &typSetupWerte::longVorschaudiaBeimErzeugen,
+    &typSetupWerte::longStuecklisteEinfuegen,
+    &typSetupWerte::longBlockProgrammfrage,
+    &typSetupWerte::longRechteverwaltung,
+};
+
+// A scale as the host's command line takes it: optional sign, digits with at
+// most one decimal point, not zero. Blanks around it and a decimal comma are
+// mended; anything else is no scale (empty answer).
+std::string fctMassstabBereinigt(const std::string& s) {
+    const std::size_t a = s.find_first_not_of(" \t");
+    if (a == std::string::npos) return {};
+    std::string t = s.substr(a, s.find_last_not_of(" \t") - a + 1);
+    for (char& c : t)
+        if (c == ',') c = '.';
+    std::size_t i = (t[0] == '+' || t[0] == '-') ? 1 : 0;
+    bool ziffer = false, punkt = false, nichtNull = false;
+    for (; i < t.size(); ++i) {
+        const char c = t[i];
+        if (c >= '0' && c <= '9') {
+            ziffer = true;
+            nichtNull = nichtNull || c != '0';
+        } else if (c == '.' && !punkt) {
+            punkt = true;
+        } else {
+            return {};
+        }
+    }
+    return ziffer && nichtNull ? t : std::string();
+}
+
+}  // namespace
+
+bool fctSetupWerteKorrigieren(typSetupWerte& w) {
+    const typSetupWerte vorgabe;
+    bool geaendert = false;
+    auto setzen = [&geaendert](auto& feld, const auto& wert) {
+        if (feld != wert) {
+            feld = wert;
+            geaendert = true;
+        }
+    };
+    if (w.longAnzahlDerBilder < 0 || w.longAnzahlDerBilder > 7)
+        setzen(w.longAnzahlDerBilder, vorgabe.longAnzahlDerBilder);
+    if (w.longDoppelklick < 0 || w.longDoppelklick > 3)
+        setzen(w.longDoppelklick, vorgabe.longDoppelklick);
+    for (SchalterFeld f : kSchalter)
+        if (w.*f != 0 && w.*f != 1) setzen(w.*f, vorgabe.*f);
+    for (auto f : {&typSetupWerte::strMassstabX, &typSetupWerte::strMassstabY,
+                   &typSetupWerte::strMassstabZ}) {
+        const std::string bereinigt = fctMassstabBereinigt(w.*f);
+        setzen(w.*f, bereinigt.empty() ? vorgabe.*f : bereinigt);
+    }
+    if (w.lonFrmHeight < 0) setzen(w.lonFrmHeight, 0);
+    if (w.lonFrmWidth < 0) setzen(w.lonFrmWidth, 0);
+    return geaendert;
+}
+
 bool subFensterGeometrieSpeichern(ProgrammZustand& z, const typFensterGeometrie& g,
                                   bool booPositionSpeichern) {
     auto* reg = registry(z);

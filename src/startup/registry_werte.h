@@ -85,6 +85,13 @@ bool SetupInRegistrierdatenbankSpeichern(ProgrammZustand& z, const typSetupWerte
 // keeps w's value. True when the "\Setup" key exists.
 bool SetupEinstellungenZuweisen(ProgrammZustand& z, typSetupWerte& w);
 
+// Puts values that no window of the program can show back to their
+// defaults: a picture-size index outside 0..7, a double-click action outside
+// 0..3, a switch of the options window that is neither 0 nor 1, a scale that
+// is no non-zero number (a decimal comma becomes a point: the host reads
+// points only), a negative window size (0). True when something was changed.
+bool fctSetupWerteKorrigieren(typSetupWerte& w);
+
 // Main window geometry under "\Setup".
 struct typFensterGeometrie {
     std::int32_t longCurrentX = 0, longCurrentY = 0;

@@ -84,8 +84,8 @@ TEST_F(Navigation, EveryPictureSizeOfAnEmptyFolderIsAFullGridOfFreeSlots) {
     const int erwartet[8] = {4, 9, 16, 20, 20, 36, 36, 72};
     for (long i = 0; i < 8; ++i) {
         ASSERT_TRUE(m.BilderAnzeigenBeiGeaenderterBilderanzahl(i));
-        ASSERT_EQ(m.slots().size(), static_cast<std::size_t>(erwartet[i])) << "index " << i;
-        for (const auto& s : m.slots()) {
+        ASSERT_EQ(m.seitenSlots().size(), static_cast<std::size_t>(erwartet[i])) << "index " << i;
+        for (const auto& s : m.seitenSlots()) {
             EXPECT_FALSE(s.booBelegt);
             EXPECT_EQ(s.strBeschriftung, "*****Frei*****");
             EXPECT_EQ(s.strBildname, z.strAppPfad + "\\frei2.sld");
@@ -109,7 +109,7 @@ TEST_F(Navigation, BlocksLandByTheirAbsoluteSlotUnderEverySlotCount) {
     for (const auto& f : faelle) {
         ASSERT_TRUE(m.BilderAnzeigenBeiGeaenderterBilderanzahl(f.bilder));
         ASSERT_TRUE(m.GeheZuSeite(f.seite));
-        const auto& s = m.slots()[f.position];
+        const auto& s = m.seitenSlots()[f.position];
         EXPECT_TRUE(s.booBelegt) << f.block;
         EXPECT_EQ(s.strBlockNr, f.block);
         EXPECT_EQ(s.strBildname, basis() + f.bild);
@@ -126,7 +126,7 @@ TEST_F(Navigation, OnlyTheCurrentPageIsLookedUp) {
     ASSERT_EQ(m.aryBlocknummern().size(), 48u);
     EXPECT_EQ(m.aryBlocknummern()[17], "0010017");  // numbered, not looked up
     EXPECT_EQ(m.aryBlocknummern()[47], "0010047");
-    EXPECT_EQ(m.slots().front().strBlockNr, "0010032");
+    EXPECT_EQ(m.seitenSlots().front().strBlockNr, "0010032");
 }
 
 TEST_F(Navigation, PagesAreListedByNameAndIndexedByNumber) {
@@ -170,10 +170,10 @@ TEST_F(Navigation, DoubleClickActsByTheSetting) {
         return rs.recordCount();
     };
     EXPECT_EQ(m.fctDoppelklick(0, 2), DoppelklickAktion::Markieren);
-    EXPECT_TRUE(m.slots()[0].booMarkiert);
+    EXPECT_TRUE(m.seitenSlots()[0].booMarkiert);
     EXPECT_EQ(markiert(), 1);
     m.fctDoppelklick(0, 2);
-    EXPECT_FALSE(m.slots()[0].booMarkiert);
+    EXPECT_FALSE(m.seitenSlots()[0].booMarkiert);
     EXPECT_EQ(markiert(), 0);
 }
 

@@ -1,0 +1,226 @@
+// The main window under Xvfb on the demo library: wiring of boxes, slots,
+// keys and the lock, and the load and closing sequences around them.
+#include "ui/frm_blockverwaltung.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTest>
+#include <cstdlib>
+#include <fstream>
+
+#include "db/jet_opener.h"
+#include "db/recordset.h"
+#include "library/datenbank.h"
+#include "platform/environment.h"
+#include "platform/memory/memory_desktop.h"
+#include "startup/benutzer.h"
+#include "startup/einstellungen.h"
+#include "ui/frm_vollbild.h"
+#include "ui/sld_blockverwaltung.h"
+#include "ui_umgebung.h"
+
+namespace tessara::uitest {
+namespace {
+
+namespace fs = std::filesystem;
+
+// One demo library per run, copied for every test.
+const fs::path& demoVorlage() {
+    static const fs::path vorlage = [] {
+        fs::path p = fs::temp_directory_path() / ("tessara_ui_demo_" + std::to_string(::getpid()));
+        fs::remove_all(p);
+        const std::string befehl =
+            std::string(TESSARA_CLI) + " make-demo-library " + p.string() + " >/dev/null";
+        EXPECT_EQ(std::system(befehl.c_str()), 0);
+        return p;
+    }();
+    return vorlage;
+}
+
+class Hauptfenster : public FensterTest {
+  protected:
+    void SetUp() override {
+        FensterTest::SetUp();
+        fs::copy(demoVorlage(), wurzel / "bib", fs::copy_options::recursive);
+        bib = platform::programPath((wurzel / "bib").string());
+        z.strAppPfad = platform::programPath(std::string(TESSARA_BINARY_DIR) + "/app");
+        z.strIniDatei = z.strCTemp + "Tessara9.0.ini";
+        z.strSprache = "deutsch";
+        z.benutzer = &benutzer;
+        plattform.desktop = &desktop;
+        IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0", bib);
+        IniSetValue(z, z.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
+    }
+    void TearDown() override {
+        fenster.reset();
+        FensterTest::TearDown();
+    }
+
+    FrmBlockverwaltung& laden(long doppelklick = 0) {
+        typSetupWerte w;
+        w.longDoppelklick = doppelklick;
+        SetupInRegistrierdatenbankSpeichern(z, w);
+        fenster = std::make_unique<FrmBlockverwaltung>(z, cad);
+        QSignalSpy gemalt(fenster.get(), &FrmBlockverwaltung::seiteGemalt);
+        fenster->laden();
+        EXPECT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
+        return *fenster;
+    }
+    template <class T>
+    T* kind(const QString& name) {
+        auto* w = fenster->findChild<T*>(name);
+        EXPECT_NE(w, nullptr) << name.toStdString();
+        return w;
+    }
+    int sichtbareSlots() {
+        int n = 0;
+        for (auto* s : fenster->findChildren<QWidget*>(QRegularExpression("^slot_\\d+$")))
+            n += s->isVisible();
+        return n;
+    }
+    long markierteZeilen() {
+        db::Connection con(db::jetOpener(platform::nativePath));
+        con.open(fctJetVerbindung(bib + "\\dbTessara.mdb"));
+        db::Recordset rs;
+        rs.open("SELECT * FROM tblMarkierteBloecke", con);
+        return rs.recordCount();
+    }
+
+    std::string bib;
+    SkriptBenutzer benutzer;
+    platform::MemoryDesktop desktop;
+    CadVerbindung cad;
+    std::unique_ptr<FrmBlockverwaltung> fenster;
+};
+
+TEST_F(Hauptfenster, ShowsTheLibraryWithPaintedPreviews) {
+    auto& f = laden();
+    f.resize(1180, 820);
+    f.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&f));
+    EXPECT_TRUE(benutzer.gezeigt.empty()) << benutzer.gezeigt.front().text;
+    EXPECT_GE(kind<QComboBox>("comboxOrdner")->count(), 4);
+    EXPECT_EQ(sichtbareSlots(), 16);
+    EXPECT_FALSE(kind<QLabel>("labBlock_0")->text().isEmpty());
+    EXPECT_EQ(kind<QPushButton>("cmbEinfuegen")->text().remove('&'), QString::fromUtf8("Einfügen"));
+    QSignalSpy gemalt(&f, &FrmBlockverwaltung::seiteGemalt);
+    f.Anzeigen();  // at the shown size
+    ASSERT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
+    const QImage bild = kind<SldBlockverwaltung>("sldBlockverwaltung_0")->bild();
+    ASSERT_FALSE(bild.isNull());
+    const QRgb grund = bild.pixel(0, 0);
+    int gezeichnet = 0;
+    for (int y = 0; y < bild.height(); ++y)
+        for (int x = 0; x < bild.width(); ++x) gezeichnet += bild.pixel(x, y) != grund;
+    EXPECT_GT(gezeichnet, 100) << "slot 0 is blank";
+    bildschirmfoto(&f, "frmBlockverwaltung");
+}
+
+TEST_F(Hauptfenster, FoldersPagesAndKeysMoveThroughTheLibrary) {
+    auto& f = laden();
+    f.show();
+    auto* ordner = kind<QComboBox>("comboxOrdner");
+    const QString vorher = kind<QLabel>("labBlock_0")->text();
+    ordner->activated(1);
+    EXPECT_EQ(f.modell().intOrdnerIndex(), 1);
+    EXPECT_NE(kind<QLabel>("labBlock_0")->text(), vorher);
+    QTest::mouseClick(kind<QPushButton>("combutVor"), Qt::LeftButton);
+    EXPECT_EQ(f.modell().intSeite(), 1);
+    EXPECT_TRUE(kind<QLabel>("labSeitenNr")->text().contains("2"));
+    auto* raster = kind<QWidget>("rasterFlaeche");
+    QTest::keyClick(raster, Qt::Key_PageUp);
+    EXPECT_EQ(f.modell().intSeite(), 0);
+    QTest::keyClick(raster, Qt::Key_Right);
+    QTest::keyClick(raster, Qt::Key_Down);
+    EXPECT_EQ(f.modell().intPosition(), 5);
+    EXPECT_TRUE(kind<SldBlockverwaltung>("sldBlockverwaltung_5")->ausgewaehlt());
+    QTest::keyClick(raster, Qt::Key_PageDown);
+    EXPECT_EQ(f.modell().intSeite(), 1);
+}
+
+TEST_F(Hauptfenster, PictureSizesLayTheGridOutInTheirShape) {
+    auto& f = laden();
+    f.resize(1180, 820);
+    f.show();
+    auto* groesse = kind<QComboBox>("comboxBilderanzahl");
+    struct Fall {
+        int index, anzahl;
+        bool slot8InZeile0;
+    };
+    for (const Fall& fall :
+         {Fall{7, 72, true}, Fall{5, 36, false}, Fall{6, 36, true}, Fall{0, 4, false}}) {
+        groesse->activated(fall.index);
+        QApplication::processEvents();
+        EXPECT_EQ(sichtbareSlots(), fall.anzahl) << fall.index;
+        if (fall.anzahl > 8) {
+            EXPECT_EQ(kind<QWidget>("slot_8")->y() == kind<QWidget>("slot_0")->y(),
+                      fall.slot8InZeile0)
+                << fall.index;
+        }
+    }
+    EXPECT_EQ(f.setup().longAnzahlDerBilder, 0);
+}
+
+TEST_F(Hauptfenster, DoubleClickMarksOrShowsThePictureBySetting) {
+    laden(2);
+    const long vorher = markierteZeilen();
+    QTest::mouseDClick(kind<QWidget>("sldBlockverwaltung_0"), Qt::LeftButton);
+    EXPECT_TRUE(kind<QCheckBox>("chkMarkieren_0")->isChecked());
+    EXPECT_EQ(markierteZeilen(), vorher + 1);
+
+    fenster.reset();
+    laden(3);
+    QTest::mouseDClick(kind<QWidget>("sldBlockverwaltung_0"), Qt::LeftButton);
+    auto* vollbild = fenster->findChild<FrmVollbild*>();
+    ASSERT_NE(vollbild, nullptr);
+    EXPECT_EQ(vollbild->aufrufer(), "frmBockverwaltung");
+    EXPECT_EQ(vollbild->bildname(), fenster->modell().seitenSlots()[0].strBildname);
+}
+
+TEST_F(Hauptfenster, AWriteProtectedLibraryLocksTheCommandsThatChangeIt) {
+    // A directory where the write test puts its file: the test fails for
+    // every user, root included.
+    fs::create_directories(wurzel / "bib" / "Test.txt");
+    auto& f = laden(2);
+    EXPECT_TRUE(f.schreibgeschuetzt());
+    EXPECT_FALSE(kind<QLabel>("labSchreibschutz")->isHidden());
+    EXPECT_FALSE(kind<QCheckBox>("chkMarkieren_0")->isEnabled());
+    const long vorher = markierteZeilen();
+    QTest::mouseDClick(kind<QWidget>("sldBlockverwaltung_0"), Qt::LeftButton);
+    EXPECT_EQ(markierteZeilen(), vorher);
+}
+
+TEST_F(Hauptfenster, ClosingKeepsThePositionForTheNextStart) {
+    auto& f = laden();
+    kind<QComboBox>("comboxOrdner")->activated(2);
+    f.combutVor_Click();
+    f.sldBlockverwaltung_LButtonDown(3);
+    const std::string ordner = f.modell().aktuellerOrdner()->OrdnerNr;
+    f.entladen();
+    EXPECT_EQ(IniGetValue(z, bib + "\\dbTessara.ini", "Position", "s1"), "1");
+    fenster.reset();
+    auto& neu = laden();
+    EXPECT_EQ(neu.modell().aktuellerOrdner()->OrdnerNr, ordner);
+    EXPECT_EQ(neu.modell().intSeite(), 1);
+    EXPECT_EQ(neu.modell().intPosition(), 3);
+}
+
+TEST_F(Hauptfenster, ADamagedLibraryIsReportedAndTheWindowStaysUsable) {
+    std::ofstream(wurzel / "bib" / "dbTessara.mdb", std::ios::binary | std::ios::trunc)
+        << std::string(8192, '\x5a');
+    auto& f = laden();
+    ASSERT_FALSE(benutzer.gezeigt.empty());
+    EXPECT_NE(benutzer.gezeigt.back().text.find("dbTessara.mdb"), std::string::npos);
+    EXPECT_FALSE(f.modell().offen());
+    EXPECT_EQ(sichtbareSlots(), 0);
+    f.combutVor_Click();
+    f.cmbEinfuegen_Click();
+    EXPECT_FALSE(kind<QPushButton>("combutVor")->isEnabled());
+}
+
+}  // namespace
+}  // namespace tessara::uitest

@@ -1,0 +1,69 @@
+#include "ui_umgebung.h"
+
+#include <unistd.h>
+
+#include <QApplication>
+#include <QDir>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include "platform/environment.h"
+
+namespace tessara::uitest {
+
+namespace {
+
+// The application lives from before the first test to after the last; the
+// test list is written without it, so listing needs no display.
+class QtUmgebung : public ::testing::Environment {
+  public:
+    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
+    void TearDown() override { app_.reset(); }
+
+  private:
+    int argc_ = 1;
+    char name_[8] = "test_ui";
+    char* argv_[2] = {name_, nullptr};
+    std::unique_ptr<QApplication> app_;
+};
+
+const auto* const umgebung = ::testing::AddGlobalTestEnvironment(new QtUmgebung);
+
+}  // namespace
+
+void FensterTest::SetUp() {
+    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    wurzel = std::filesystem::temp_directory_path() /
+             ("tessara_ui_" + std::to_string(::getpid()) + "_" + info->name());
+    std::filesystem::remove_all(wurzel);
+    std::filesystem::create_directories(wurzel);
+    const std::string basis = platform::programPath(wurzel.string()) + "\\";
+    z.strCTemp = basis;
+    z.strErrorDatei = basis + "fehler.txt";
+    plattform.registry = &registry;
+    z.plattform = &plattform;
+}
+
+void FensterTest::TearDown() {
+    std::error_code ec;
+    std::filesystem::remove_all(wurzel, ec);
+}
+
+std::string FensterTest::protokoll() const {
+    std::ifstream in(wurzel / "fehler.txt", std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void bildschirmfoto(QWidget* fenster, const QString& name) {
+    const QString verzeichnis = QStringLiteral(TESSARA_BINARY_DIR) + "/screenshots";
+    ASSERT_TRUE(QDir().mkpath(verzeichnis));
+    const QString datei = verzeichnis + "/" + name + ".png";
+    ASSERT_TRUE(fenster->grab().save(datei)) << datei.toStdString();
+}
+
+std::string testdatenProgrammPfad(const std::string& relativ) {
+    return platform::programPath(std::string(TESSARA_TESTDATA) + "/" + relativ);
+}
+
+}  // namespace tessara::uitest
