@@ -18,11 +18,12 @@ build: configure
 	cmake --build $(BUILD) -j $(JOBS)
 
 # Starts the program; without ARGS it opens the bundled demo library, drawn
-# and catalogued into $(DEMO) on first use.
+# and catalogued into $(DEMO) on first use and again whenever tessara-cli
+# is newer than it.
 DEMO ?= $(BUILD)/demo
 run: build
 	@if [ -n "$(ARGS)" ]; then exec $(BUILD)/app/tessara $(ARGS); fi; \
-	test -f $(DEMO)/dbTessara.mdb || $(BUILD)/app/tessara-cli make-demo-library $(DEMO) >/dev/null; \
+	test $(DEMO)/dbTessara.mdb -nt $(BUILD)/app/tessara-cli || $(BUILD)/app/tessara-cli make-demo-library $(DEMO) >/dev/null; \
 	exec $(BUILD)/app/tessara /d "$(abspath $(DEMO))/dbTessara.mdb"
 
 # Every test, including the windowed ones under a private X server and the

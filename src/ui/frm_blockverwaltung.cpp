@@ -1,6 +1,7 @@
 #include "ui/frm_blockverwaltung.h"
 
 #include <QCloseEvent>
+#include <filesystem>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QKeyEvent>
@@ -440,8 +441,14 @@ bool FrmBlockverwaltung::tasteImRaster(QKeyEvent* e) {
 
 bool FrmBlockverwaltung::fctSperrenCmdBeiSchreibschutz() {
     Prozedur p(z_, "fctSperrenCmdBeiSchreibschutz", true);
-    booSchreibschutz_ =
-        !strDbVerzeichnis_.empty() && fctReadOnlyMitVerzeichnis(z_, strDbVerzeichnis_);
+    // A write-protected directory, or a database file marked read-only.
+    std::error_code ec;
+    const auto rechte =
+        std::filesystem::status(platform::nativePath(modell_.strDatenbank()), ec).permissions();
+    const bool dateiNurLesen =
+        !ec && (rechte & std::filesystem::perms::owner_write) == std::filesystem::perms::none;
+    booSchreibschutz_ = !strDbVerzeichnis_.empty() &&
+                        (dateiNurLesen || fctReadOnlyMitVerzeichnis(z_, strDbVerzeichnis_));
     ui_->labSchreibschutz->setVisible(booSchreibschutz_);
     ui_->mnuMarkierungenAufheben->setEnabled(!booSchreibschutz_);
     for (auto* s : slots_) s->markieren->setEnabled(!booSchreibschutz_);

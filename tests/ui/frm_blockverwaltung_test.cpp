@@ -222,5 +222,16 @@ TEST_F(Hauptfenster, ADamagedLibraryIsReportedAndTheWindowStaysUsable) {
     EXPECT_FALSE(kind<QPushButton>("combutVor")->isEnabled());
 }
 
+TEST_F(Hauptfenster, WithoutItsCodeTableTheWindowSaysSoAndStaysUsable) {
+    fs::create_directories(wurzel / "prog");
+    z.strAppPfad = platform::programPath((wurzel / "prog").string());
+    auto& f = laden();
+    ASSERT_FALSE(benutzer.gezeigt.empty());
+    EXPECT_NE(benutzer.gezeigt.front().text.find("txtPrefix.txt"), std::string::npos);
+    EXPECT_EQ(sichtbareSlots(), 0);
+    f.combutVor_Click();
+    QTest::keyClick(kind<QWidget>("rasterFlaeche"), Qt::Key_Return);
+}
+
 }  // namespace
 }  // namespace tessara::uitest
