@@ -251,6 +251,21 @@ void FrmBlockverwaltung::positionZeigen() {
     booBoxenFuellen_ = alt;
 }
 
+void FrmBlockverwaltung::subOrdnerUndSeitenNeuAnzeigen() {
+    Prozedur p(z_, "subOrdnerUndSeitenNeuAnzeigen", true);
+    if (!modell_.offen()) return;
+    const auto* o = modell_.aktuellerOrdner();
+    const std::string nr = o ? o->OrdnerNr : std::string();
+    const long seite = modell_.intSeite();
+    const int pos = modell_.intPosition();
+    modell_.OrdnerInArrayEinlesen();
+    // The Folder shown may have gone: the first one takes its place.
+    if (nr.empty() || !modell_.fctOrdnerWaehlen(nr, seite)) modell_.comboxOrdner_Click(0);
+    modell_.subPositionSetzen(pos);
+    boxenFuellen();
+    Anzeigen();
+}
+
 void FrmBlockverwaltung::boxenFuellen() {
     booBoxenFuellen_ = true;
     ui_->comboxOrdner->clear();

@@ -64,6 +64,10 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
 
     // Redraws the selection frame, the Page number, the boxes and the slots.
     void Anzeigen();
+    // After every change to Folders or Pages: the navigation model is read
+    // again, the Folder and Page boxes are refilled and the Page redrawn.
+    void subOrdnerUndSeitenNeuAnzeigen();
+    ProgrammZustand& zustand() { return z_; }
     // Disables every command that changes the catalogue when the library
     // directory is write-protected; answers whether it is.
     bool fctSperrenCmdBeiSchreibschutz();
