@@ -1,11 +1,11 @@
 #include "ui/frm_blockverwaltung.h"
 
 #include <QCloseEvent>
-#include <filesystem>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QListWidget>
+#include <filesystem>
 
 #include "authoring/datei_layout.h"
 #include "authoring/dateien_operationen.h"
@@ -323,26 +323,17 @@ void FrmBlockverwaltung::sldBlockverwaltung_LButtonDown(int intPosition) {
 }
 
 void FrmBlockverwaltung::sldBlockverwaltung_DblClick(int intPosition) {
-    Prozedur p(z_, "sldBlockverwaltung_DblClick", true);
     if (booSchreibschutz_ && setup_.longDoppelklick == 2) return;  // marking writes the catalogue
-    switch (modell_.fctDoppelklick(intPosition, setup_.longDoppelklick)) {
-        case DoppelklickAktion::Einfuegen:
-            cmbEinfuegen_Click();
-            break;
-        case DoppelklickAktion::Markieren:
-            Anzeigen();
-            break;
-        case DoppelklickAktion::Vollbild:
-            mnuVollbild_Click();
-            break;
-        case DoppelklickAktion::Nichts:
-            break;
-    }
+    doppelklickAusfuehren(modell_.fctDoppelklick(intPosition, setup_.longDoppelklick));
 }
 
 void FrmBlockverwaltung::lisBlockBenennung_DblClick(int intEintrag) {
     if (booSchreibschutz_ && setup_.longDoppelklick == 2) return;
-    switch (modell_.fctListeDoppelklick(intEintrag, setup_.longDoppelklick)) {
+    doppelklickAusfuehren(modell_.fctListeDoppelklick(intEintrag, setup_.longDoppelklick));
+}
+
+void FrmBlockverwaltung::doppelklickAusfuehren(DoppelklickAktion aktion) {
+    switch (aktion) {
         case DoppelklickAktion::Einfuegen:
             cmbEinfuegen_Click();
             break;

@@ -107,12 +107,14 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     void positionSpeichern();
     void einfuegeOptionenZeigen();
     void einfuegeOptionenUebernehmen();
+    std::vector<std::int32_t*> einfuegeSchalter();
     void meldenMitPfad(long lngNummer, const std::string& strPfad);
     void statusZeigen(const QString& text);
     void ausgabe(const std::string& zeile);
     bool einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bool booMarkiert);
     std::vector<typEinfuegeAuftrag> markierteAuftraege();
     bool tasteImRaster(QKeyEvent* e);
+    void doppelklickAusfuehren(DoppelklickAktion aktion);
     void rasterAnordnen();
     std::vector<QCheckBox*> fraEinfuegenBoxen() const;
 

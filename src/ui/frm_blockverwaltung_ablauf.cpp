@@ -11,6 +11,7 @@
 #include "authoring/dateien_operationen.h"
 #include "cad/block_daten_lesen.h"
 #include "cad/block_einfuegen.h"
+#include "cad/cad_einstellungen.h"
 #include "captions/beschriftung.h"
 #include "captions/meldungen.h"
 #include "db/jet_opener.h"
@@ -413,29 +414,29 @@ void FrmBlockverwaltung::blockAnfrageAusfuehren() {
 
 // --- Insertion ---------------------------------------------------------------------
 
+// The check boxes and the setup values they start from stay in step: a box
+// the user ticks is the option of the next insertion and is saved on closing.
+std::vector<std::int32_t*> FrmBlockverwaltung::einfuegeSchalter() {
+    return {&setup_.longBlockAusBibliothek,    &setup_.longAbfrageXFaktor,
+            &setup_.longAbfrageYFaktor,        &setup_.longAbfrageZFaktor,
+            &setup_.longAbfrageEinfuegewinkel, &setup_.longAbfrageAttributeBeimEinfuegen,
+            &setup_.longUrsprungBeimEinfuegen, &setup_.longReihe,
+            &setup_.longMehrfacheinfuegen,     &setup_.longBruchFrage};
+}
+
 void FrmBlockverwaltung::einfuegeOptionenZeigen() {
     const bool alt = booBoxenFuellen_;
     booBoxenFuellen_ = true;
-    const std::int32_t werte[] = {
-        setup_.longBlockAusBibliothek,    setup_.longAbfrageXFaktor,
-        setup_.longAbfrageYFaktor,        setup_.longAbfrageZFaktor,
-        setup_.longAbfrageEinfuegewinkel, setup_.longAbfrageAttributeBeimEinfuegen,
-        setup_.longUrsprungBeimEinfuegen, setup_.longReihe,
-        setup_.longMehrfacheinfuegen,     setup_.longBruchOption};
     const auto boxen = fraEinfuegenBoxen();
-    for (std::size_t i = 0; i < boxen.size(); ++i) boxen[i]->setChecked(werte[i] == 1);
+    const auto werte = einfuegeSchalter();
+    for (std::size_t i = 0; i < boxen.size(); ++i) boxen[i]->setChecked(*werte[i] == 1);
     booBoxenFuellen_ = alt;
 }
 
 void FrmBlockverwaltung::einfuegeOptionenUebernehmen() {
     if (booBoxenFuellen_) return;
-    std::int32_t* werte[] = {
-        &setup_.longBlockAusBibliothek,    &setup_.longAbfrageXFaktor,
-        &setup_.longAbfrageYFaktor,        &setup_.longAbfrageZFaktor,
-        &setup_.longAbfrageEinfuegewinkel, &setup_.longAbfrageAttributeBeimEinfuegen,
-        &setup_.longUrsprungBeimEinfuegen, &setup_.longReihe,
-        &setup_.longMehrfacheinfuegen,     &setup_.longBruchOption};
     const auto boxen = fraEinfuegenBoxen();
+    const auto werte = einfuegeSchalter();
     for (std::size_t i = 0; i < boxen.size(); ++i) *werte[i] = boxen[i]->isChecked() ? 1 : 0;
 }
 
@@ -521,19 +522,7 @@ bool FrmBlockverwaltung::einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bo
     a.auftraege = std::move(auftraege);
     a.booMarkiert = booMarkiert;
     a.variantenAuswahl = variantenAuswahl;
-    typEinfuegeOptionen& o = a.optionen;
-    const auto boxen = fraEinfuegenBoxen();
-    std::uint8_t* flags[] = {&o.checkBlock,  &o.checkXFrage,    &o.checkYFrage,   &o.checkZFrage,
-                             &o.checkWinkel, &o.checkAttribute, &o.checkUrsprung, &o.checkReihe,
-                             &o.checkMehr,   &o.checkBruch};
-    for (std::size_t i = 0; i < boxen.size(); ++i) *flags[i] = boxen[i]->isChecked() ? 1 : 0;
-    o.strMassstabX = setup_.strMassstabX;
-    o.strMassstabY = setup_.strMassstabY;
-    o.strMassstabZ = setup_.strMassstabZ;
-    o.longEinfuegenLayer0 = setup_.longEinfuegenLayer0;
-    o.longXRef = setup_.longXRef;
-    o.lonLispVarUebergeben = setup_.lonLispVarUebergeben;
-    o.longVariantenfrage = setup_.longVariantenfrage;
+    a.optionen = fctEinfuegeOptionenAusSetup(setup_);
 
     booEinfuegenLaeuft_ = true;
     ui_->cmbEinfuegen->setEnabled(false);
