@@ -2,9 +2,6 @@
 // real X server, typing through the real X11 desktop. A helper thread plays
 // the user: it waits until the host asks for a pick and then clicks or
 // presses Escape through XTest, as a hand on the mouse would.
-//
-// Each test process starts its own Xvfb: windowed tests running beside it
-// on a shared display would take the keyboard focus the typing relies on.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -12,7 +9,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 
@@ -20,62 +16,19 @@
 #include "cad/block_einfuegen.h"
 #include "cad/cad_verbindung.h"
 #include "cad/lt_skript.h"
+#include "e2e_hilfen.h"
 #include "platform/memory/fake_clock.h"
 #include "platform/platform.h"
 #include "platform/system_clock.h"
 #include "platform/x11/x11_desktop.h"
 #include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
-#include "x_hand.h"
 
 namespace tessara::test {
 namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
-
-// A private X server for this process.
-class XServer : public ::testing::Environment {
-  public:
-    void SetUp() override { pid_ = xvfbStarten(); }
-    void TearDown() override { prozessBeenden(pid_); }
-
-  private:
-    pid_t pid_ = 0;
-};
-
-const auto* const xserver = ::testing::AddGlobalTestEnvironment(new XServer);
-
-std::string lesen(const fs::path& p) {
-    std::ifstream f(p, std::ios::binary);
-    return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
-}
-
-// Waits, bounded, until the host's log holds the text.
-bool warteAufLog(const fs::path& log, const std::string& text, std::chrono::seconds grenze = 20s) {
-    const auto ende = std::chrono::steady_clock::now() + grenze;
-    while (std::chrono::steady_clock::now() < ende) {
-        if (lesen(log).find(text) != std::string::npos) return true;
-        std::this_thread::sleep_for(20ms);
-    }
-    return false;
-}
-
-std::size_t anzahl(const std::string& text, const std::string& teil) {
-    std::size_t n = 0;
-    for (auto p = text.find(teil); p != std::string::npos; p = text.find(teil, p + 1)) ++n;
-    return n;
-}
-
-// Waits, bounded, until the host's log holds the text n times.
-bool warteAufLogAnzahl(const fs::path& log, const std::string& text, std::size_t n) {
-    const auto ende = std::chrono::steady_clock::now() + 20s;
-    while (std::chrono::steady_clock::now() < ende) {
-        if (anzahl(lesen(log), text) >= n) return true;
-        std::this_thread::sleep_for(20ms);
-    }
-    return false;
-}
 
 class SimHostE2E : public ::testing::Test {
   protected:
@@ -103,17 +56,7 @@ class SimHostE2E : public ::testing::Test {
     }
 
     void hostStarten(const std::string& titel) {
-        host = prozessStarten({TESSARA_SIMHOST, "--title", titel, "--log", log.string()});
-        ASSERT_GT(host, 0);
-        ASSERT_TRUE(warteAufLog(log, "START ")) << lesen(log);
-        // The window is mapped once the desktop lists it.
-        const auto ende = std::chrono::steady_clock::now() + 20s;
-        while (std::chrono::steady_clock::now() < ende) {
-            for (const auto& w : desktop.topLevelWindows())
-                if (w.title == titel) return;
-            std::this_thread::sleep_for(20ms);
-        }
-        FAIL() << "simhost window did not appear";
+        ASSERT_TRUE(simhostStarten(host, titel, log, desktop));
     }
     void verbinden() {
         bool lt = false;
@@ -221,9 +164,8 @@ TEST_F(SimHostE2E, EinfuegungMitKlick) {
     const std::string l = lesen(log);
     EXPECT_NE(l.find("SETVAR EXPERT=2"), std::string::npos) << l;
     // The point is where the host saw the click.
-    const auto p = l.find("\nPUNKT ");
-    ASSERT_NE(p, std::string::npos) << l;
-    const std::string punkt = l.substr(p + 7, l.find('\n', p + 1) - p - 7);
+    const std::string punkt = zeilenRest(l, "PUNKT ");
+    ASSERT_FALSE(punkt.empty()) << l;
     EXPECT_NE(l.find("INSERT block=Ventil0 datei=c:\\Bib\\001\\Block\\0010A0.dwg punkt=" + punkt +
                      " x=1 y=1 winkel=0 layer=Armaturen"),
               std::string::npos)

@@ -3,6 +3,7 @@
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
+#include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -11,6 +12,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 #include <thread>
 
 extern char** environ;
@@ -36,13 +38,17 @@ void Hand::klick(unsigned int knopf, int x, int y) {
     XSync(d, False);
 }
 
-void Hand::escape() {
+void Hand::escape() { taste(XK_Escape, true); }
+
+void Hand::enter() { taste(XK_Return, false); }
+
+void Hand::taste(unsigned long keysym, bool halten) {
     auto* d = static_cast<Display*>(dpy_);
     if (!d) return;
-    const KeyCode k = XKeysymToKeycode(d, XK_Escape);
+    const KeyCode k = XKeysymToKeycode(d, keysym);
     XTestFakeKeyEvent(d, k, True, CurrentTime);
     XSync(d, False);
-    std::this_thread::sleep_for(400ms);
+    if (halten) std::this_thread::sleep_for(400ms);  // held while the program polls
     XTestFakeKeyEvent(d, k, False, CurrentTime);
     XSync(d, False);
 }
@@ -55,13 +61,32 @@ bool xDisplayOffen() {
     return false;
 }
 
-pid_t prozessStarten(const std::vector<std::string>& args) {
+pid_t prozessStarten(const std::vector<std::string>& args, const std::vector<std::string>& umgebung,
+                     const std::string& ausgabe) {
     std::vector<char*> argv;
     for (const auto& a : args) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
+    std::vector<char*> envp;
+    for (char** e = environ; *e; ++e) {
+        const std::string_view v = *e;
+        bool ersetzt = false;
+        for (const auto& u : umgebung)
+            ersetzt = ersetzt || v.substr(0, v.find('=') + 1) == u.substr(0, u.find('=') + 1);
+        if (!ersetzt) envp.push_back(*e);
+    }
+    for (const auto& u : umgebung) envp.push_back(const_cast<char*>(u.c_str()));
+    envp.push_back(nullptr);
+    posix_spawn_file_actions_t fa;
+    posix_spawn_file_actions_init(&fa);
+    if (!ausgabe.empty()) {
+        posix_spawn_file_actions_addopen(&fa, 1, ausgabe.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                         0644);
+        posix_spawn_file_actions_adddup2(&fa, 1, 2);
+    }
     pid_t pid = 0;
-    if (posix_spawn(&pid, argv[0], nullptr, nullptr, argv.data(), environ) != 0) return 0;
-    return pid;
+    const int fehler = posix_spawn(&pid, argv[0], &fa, nullptr, argv.data(), envp.data());
+    posix_spawn_file_actions_destroy(&fa);
+    return fehler == 0 ? pid : 0;
 }
 
 void prozessBeenden(pid_t pid) {
@@ -82,9 +107,8 @@ pid_t xvfbStarten() {
     int fds[2];
     if (pipe(fds) != 0) return 0;
     const std::string fd = std::to_string(fds[1]);
-    pid_t pid = prozessStarten(
-        {"/usr/bin/Xvfb", "-displayfd", fd, "-screen", "0", "1024x768x24", "-nolisten", "tcp",
-         "-noreset"});
+    pid_t pid = prozessStarten({"/usr/bin/Xvfb", "-displayfd", fd, "-screen", "0", "1024x768x24",
+                                "-nolisten", "tcp", "-noreset"});
     close(fds[1]);
     if (!pid) {
         close(fds[0]);

@@ -20,8 +20,12 @@ class Hand {
     void klick(unsigned int knopf, int x, int y);
     // Presses and holds Escape, then releases it.
     void escape();
+    // Presses and releases Enter, as a typed key: held, it would repeat into
+    // whatever window takes the focus next.
+    void enter();
 
   private:
+    void taste(unsigned long keysym, bool halten);
     void* dpy_;
 };
 
@@ -30,7 +34,12 @@ bool xDisplayOffen();
 // Starts Xvfb on a free display, sets $DISPLAY; the pid, 0 when none started.
 pid_t xvfbStarten();
 
-pid_t prozessStarten(const std::vector<std::string>& args);
+// Starts a program with this process's environment, `umgebung`
+// ("NAME=wert") put over it; `ausgabe`, when given, takes its standard
+// output and error.
+pid_t prozessStarten(const std::vector<std::string>& args,
+                     const std::vector<std::string>& umgebung = {},
+                     const std::string& ausgabe = {});
 void prozessBeenden(pid_t pid);
 
 }  // namespace tessara::test

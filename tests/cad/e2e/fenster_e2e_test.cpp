@@ -1,0 +1,140 @@
+// End to end through the main window: the real `tessara` process on a
+// library, the simulated host with an LT title beside it, and the user's
+// Enter and pick typed and clicked through XTest on the test's own X server.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "e2e_hilfen.h"
+#include "platform/x11/x11_desktop.h"
+
+namespace tessara::test {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+const std::string kHostTitel = "AutoCAD LT 2015 - [Zeichnung1.dwg]";
+
+// The batch tool's standard output; empty when it failed.
+std::string cli(const std::string& argumente) {
+    std::string aus;
+    FILE* p = popen((std::string(TESSARA_CLI) + " " + argumente + " 2>/dev/null").c_str(), "r");
+    if (!p) return aus;
+    char puffer[4096];
+    for (std::size_t n; (n = fread(puffer, 1, sizeof puffer, p)) > 0;) aus.append(puffer, n);
+    return pclose(p) == 0 ? aus : std::string();
+}
+
+// The fields of the first row of `tessara-cli sql` (a header line, then
+// quoted fields separated by commas).
+std::vector<std::string> ersteZeile(const std::string& aus) {
+    std::vector<std::string> felder;
+    const auto von = aus.find('\n');
+    if (von == std::string::npos) return felder;
+    std::string zeile = aus.substr(von + 1, aus.find('\n', von + 1) - von - 1);
+    if (!zeile.empty() && zeile.back() == '\r') zeile.pop_back();
+    for (std::size_t a = 0; a <= zeile.size();) {
+        const auto e = std::min(zeile.find("\",\"", a), zeile.size());
+        std::string f = zeile.substr(a, e - a);
+        if (!f.empty() && f.front() == '"') f.erase(0, 1);
+        if (!f.empty() && f.back() == '"') f.pop_back();
+        felder.push_back(f);
+        a = e + 3;
+    }
+    return felder;
+}
+
+class FensterE2E : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        verzeichnis =
+            fs::temp_directory_path() / ("tessara_fenster_e2e_" + std::to_string(getpid()));
+        fs::remove_all(verzeichnis);
+        fs::create_directories(verzeichnis / "c");
+        fs::create_directories(verzeichnis / "run");
+        fs::permissions(verzeichnis / "run", fs::perms::owner_all);
+        fs::create_directories(verzeichnis / "common" / "Tessara");
+        // Both processes map "c:\" to the same directory.
+        setenv("TESSARA_DRIVE_C", (verzeichnis / "c").c_str(), 1);
+        log = verzeichnis / "simhost.log";
+        ausgabe = verzeichnis / "tessara.txt";
+        ASSERT_TRUE(desktop.connected()) << "no X server";
+        ASSERT_TRUE(desktop.canType()) << "no XTest extension";
+    }
+    void TearDown() override {
+        prozessBeenden(programm);
+        prozessBeenden(host);
+        std::error_code ec;
+        fs::remove_all(verzeichnis, ec);
+    }
+
+    // The window program with private places for everything it writes.
+    void programmStarten() {
+        programm = prozessStarten(
+            {TESSARA_APP},
+            {"HOME=" + verzeichnis.string(), "XDG_RUNTIME_DIR=" + (verzeichnis / "run").string(),
+             "XDG_CONFIG_HOME=" + (verzeichnis / "cfg").string(),
+             "TESSARA_COMMON_APPDATA=" + (verzeichnis / "common").string(), "QT_QPA_PLATFORM=xcb"},
+            ausgabe.string());
+        ASSERT_GT(programm, 0);
+    }
+
+    fs::path verzeichnis, log, ausgabe;
+    pid_t host = 0, programm = 0;
+    platform::X11Desktop desktop;
+};
+
+TEST_F(FensterE2E, EnterFuegtDenGewaehltenBlockEin) {
+    const fs::path bib = verzeichnis / "c" / "Bib";
+    const std::string db = (bib / "dbTessara.mdb").string();
+    ASSERT_FALSE(cli("make-demo-library " + bib.string()).empty());
+    // Marked blocks go in instead of the selection; the demo library has some.
+    ASSERT_FALSE(cli("sql " + db + " \"DELETE FROM tblMarkierteBloecke\"").empty());
+    const auto block = ersteZeile(
+        cli("sql " + db + " \"SELECT BlkName0, Layer FROM tblBlockInfo WHERE Block = '0000000'\""));
+    ASSERT_EQ(block.size(), 2u);
+    // The library, and the boxes that would wait for a hand switched off as
+    // a user switches them off.
+    std::ofstream(verzeichnis / "common" / "Tessara" / "Tessara9.0.ini")
+        << "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n"
+        << "[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
+
+    ASSERT_TRUE(simhostStarten(host, kHostTitel, log, desktop));
+    programmStarten();
+    ASSERT_TRUE(warteAufLog(ausgabe, "bereit: c:\\Bib\\dbTessara.mdb", 60s)) << lesen(ausgabe);
+
+    // The user brings the window forward (slot 0 of the first Folder's first
+    // Page is selected after start) and presses Enter.
+    const auto fenster = warteAufFenster(desktop, "Tessara");
+    ASSERT_NE(fenster, 0u);
+    const auto ende = std::chrono::steady_clock::now() + 20s;
+    while (desktop.foregroundWindow() != fenster && std::chrono::steady_clock::now() < ende) {
+        desktop.bringToFront(fenster);
+        std::this_thread::sleep_for(20ms);
+    }
+    ASSERT_EQ(desktop.foregroundWindow(), fenster);
+    Hand().enter();
+    ASSERT_TRUE(warteAufLog(log, "INSERT WARTET AUF PUNKT")) << lesen(log) << lesen(ausgabe);
+    Hand().klick(1, 120, 150);
+
+    ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
+    const std::string l = lesen(log);
+    const std::string punkt = zeilenRest(l, "PUNKT ");
+    ASSERT_FALSE(punkt.empty()) << l;
+    EXPECT_NE(l.find("INSERT block=" + block[0] +
+                     "0 datei=c:\\Bib\\000\\Block\\00000000.dwg punkt=" + punkt +
+                     " x=1 y=1 winkel=0 layer=" + block[1]),
+              std::string::npos)
+        << l;
+}
+
+}  // namespace
+}  // namespace tessara::test
