@@ -473,8 +473,15 @@ void FrmBlockverwaltung::cmbEinfuegen_Click() {
     Prozedur p(z_, "cmbEinfuegen_Click", true);
     if (booEinfuegenLaeuft_ || !modell_.offen()) return;
     try {
+        // Marking is active when the selected slot is one of the marked
+        // blocks: then the marked blocks go in one after another. An
+        // unmarked slot inserts itself alone, however many others are marked.
         p.step("markieren von Blöcken");
-        auto auftraege = markierteAuftraege();
+        const auto& belegung = modell_.seitenSlots();
+        const int pos = modell_.intPosition();
+        const bool slotMarkiert =
+            pos >= 0 && pos < static_cast<int>(belegung.size()) && belegung[pos].booMarkiert;
+        auto auftraege = slotMarkiert ? markierteAuftraege() : std::vector<typEinfuegeAuftrag>{};
         const bool markiert = !auftraege.empty();
         if (!markiert) {
             p.step("BlockSuche in rsBlockInfo0");
