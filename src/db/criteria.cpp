@@ -1,5 +1,6 @@
 #include "db/criteria.h"
 
+#include <cctype>
 #include <cstdlib>
 
 #include "db/ado_types.h"
@@ -20,6 +21,21 @@ struct Criteria::Node {
 namespace {
 
 using Tok = sql::Token;
+
+// Field names compare as Jet compares text; plain ASCII names without
+// folding them first, as every Find names its field anew.
+bool sameName(const std::string& a, const std::string& b) {
+    bool ascii = true;
+    for (char c : a) ascii &= static_cast<unsigned char>(c) < 0x80;
+    for (char c : b) ascii &= static_cast<unsigned char>(c) < 0x80;
+    if (!ascii) return sql::textEquals(a, b);
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (std::tolower(static_cast<unsigned char>(a[i])) !=
+            std::tolower(static_cast<unsigned char>(b[i])))
+            return false;
+    return true;
+}
 
 class CriteriaParser {
 public:
@@ -75,7 +91,7 @@ private:
         const Tok& name = next();
         if (name.kind != Tok::Kind::Word && name.kind != Tok::Kind::Bracketed) throw adoerrors::badArguments();
         for (std::size_t i = 0; i < cols_.size(); ++i)
-            if (sql::textEquals(cols_[i].name, name.text)) n->column = static_cast<int>(i);
+            if (sameName(cols_[i].name, name.text)) n->column = static_cast<int>(i);
         if (n->column < 0) throw adoerrors::itemNotFound();
         const Tok& op = next();
         if (op.isWord("LIKE")) {
@@ -158,8 +174,42 @@ bool evaluate(const Criteria::Node& n, const sql::Row& row) {
 
 }  // namespace
 
+std::optional<Criteria::TextEquality> Criteria::textEquality() const {
+    const Node& n = *root_;
+    if (n.kind != Node::Compare || n.value.isNull()) return std::nullopt;
+    TextEquality eq;
+    eq.column = n.column;
+    if (n.op == "LIKE") {
+        // The Criteria dialect's wildcards; any other character, '[' too,
+        // stands for itself, so the pattern is the folded text.
+        if (n.value.textRef().find_first_of("*%?_") != std::string::npos) return std::nullopt;
+    } else if (n.op == "=") {
+        if (!n.value.isText() || columnType_ != sql::ColumnType::Text) return std::nullopt;
+        eq.numbersCompareAsNumbers = true;
+    } else {
+        return std::nullopt;
+    }
+    foldText(n.value, eq.folded);
+    return eq;
+}
+
+void Criteria::foldText(const sql::Value& v, std::string& out) {
+    if (v.isText())
+        out.assign(v.textRef());
+    else
+        out = v.toString();
+    for (char& c : out) {
+        if (static_cast<unsigned char>(c) >= 0x80) {
+            out = sql::utf8Encode(sql::foldCase(out));
+            return;
+        }
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    }
+}
+
 Criteria::Criteria(const std::string& text, const std::vector<sql::ResultColumn>& columns, bool allowJoins) {
     root_ = CriteriaParser(text, columns).parse(allowJoins);
+    if (root_->kind == Node::Compare) columnType_ = columns[root_->column].type;
 }
 
 bool Criteria::matches(const sql::Row& row) const { return evaluate(*root_, row); }

@@ -60,6 +60,7 @@ void Recordset::load() {
 }
 
 void Recordset::rebuildView() {
+    forgetTextPositions();
     std::optional<Criteria> crit;
     if (!filter_.empty()) crit.emplace(filter_, result_.columns, true);
     view_.clear();
@@ -74,6 +75,7 @@ void Recordset::close() {
     open_ = false;
     records_.clear();
     view_.clear();
+    forgetTextPositions();
     result_ = {};
     edit_ = Edit::None;
     filter_.clear();
@@ -176,15 +178,76 @@ bool Recordset::find(const std::string& criteria, long skipRows, SearchDirection
     if (currentDeleted_ || view_.empty() || pos_ < 0 || pos_ >= static_cast<long>(view_.size()))
         throw adoerrors::noCurrentRecord();
     Criteria crit(criteria, result_.columns, false);
-    long step = direction == adSearchBackward ? -1 : 1;
-    for (long i = pos_ + step * skipRows; i >= 0 && i < static_cast<long>(view_.size()); i += step) {
-        if (crit.matches(records_[view_[i]].values)) {
-            pos_ = i;
-            return true;
+    const long step = direction == adSearchBackward ? -1 : 1;
+    const long size = static_cast<long>(view_.size());
+    const long start = pos_ + step * skipRows;
+    long found = -1;
+    std::optional<Criteria::TextEquality> eq = crit.textEquality();
+    const TextPositions* index = eq ? &textPositions(eq->column) : nullptr;
+    auto matches = [&](long i) { return crit.matches(records_[view_[i]].values); };
+    if (index && !(eq->numbersCompareAsNumbers && index->hasNumbers)) {
+        if (start >= 0 && start < size) {
+            long p = index->chain(std::hash<std::string>{}(eq->folded));
+            if (step > 0) {
+                for (; p >= 0 && found < 0; p = index->next[p])
+                    if (p >= start && matches(p)) found = p;
+            } else {
+                for (; p >= 0 && p <= start; p = index->next[p])
+                    if (matches(p)) found = p;
+            }
         }
+    } else {
+        for (long i = start; i >= 0 && i < size; i += step)
+            if (matches(i)) {
+                found = i;
+                break;
+            }
     }
-    pos_ = direction == adSearchBackward ? -1 : static_cast<long>(view_.size());
+    if (found >= 0) {
+        pos_ = found;
+        return true;
+    }
+    pos_ = direction == adSearchBackward ? -1 : size;
     return false;
+}
+
+long Recordset::TextPositions::chain(std::size_t hash) const {
+    const std::size_t mask = slotHash.size() - 1;
+    for (std::size_t s = hash & mask;; s = (s + 1) & mask) {
+        if (slotFirst[s] < 0) return -1;
+        if (slotHash[s] == hash) return slotFirst[s];
+    }
+}
+
+const Recordset::TextPositions& Recordset::textPositions(int column) {
+    auto it = textPositions_.find(column);
+    if (it != textPositions_.end()) return it->second;
+    TextPositions& t = textPositions_[column];
+    std::size_t slots = 16;
+    while (slots < 2 * view_.size()) slots *= 2;
+    t.slotHash.assign(slots, 0);
+    t.slotFirst.assign(slots, -1);
+    t.slotLast.assign(slots, -1);
+    t.next.assign(view_.size(), -1);
+    std::string folded;
+    for (std::size_t i = 0; i < view_.size(); ++i) {
+        const sql::Value& v = records_[view_[i]].values[column];
+        if (v.isNull()) continue;
+        t.hasNumbers |= v.isNumber();
+        Criteria::foldText(v, folded);
+        const std::size_t hash = std::hash<std::string>{}(folded);
+        std::size_t s = hash & (slots - 1);
+        while (t.slotFirst[s] >= 0 && t.slotHash[s] != hash) s = (s + 1) & (slots - 1);
+        const long pos = static_cast<long>(i);
+        if (t.slotFirst[s] < 0) {
+            t.slotHash[s] = hash;
+            t.slotFirst[s] = pos;
+        } else {
+            t.next[t.slotLast[s]] = pos;
+        }
+        t.slotLast[s] = pos;
+    }
+    return t;
 }
 
 void Recordset::setFilter(const std::string& criteria) {
@@ -311,6 +374,7 @@ void Recordset::update() {
     } else {
         records_[view_[pos_]] = std::move(rec);
     }
+    forgetTextPositions();
     edit_ = Edit::None;
     pending_.clear();
 }
@@ -332,6 +396,7 @@ void Recordset::deleteCurrent() {
     table->remove(*found);
     rec.deleted = true;
     view_.erase(view_.begin() + pos_);
+    forgetTextPositions();
     currentDeleted_ = true;
 }
 

@@ -2,6 +2,7 @@
 // An ADO record set with a client-side cursor: the rows are read once into
 // memory, navigation, Find and Filter work on that copy, and AddNew, Update
 // and Delete are written through to the base table by its key.
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -80,6 +81,23 @@ private:
     void commitPending();  // an implicit Update when moving off an edited row
     const sql::Row& currentValues() const;
 
+    // The positions in view_ of each folded text of a column, by the text's
+    // hash (open addressing; a chain of ascending positions per hash), for
+    // Finds of one text. Candidates are confirmed by the criteria
+    // themselves, so a collision costs a comparison, never a wrong row.
+    // Built when first asked for; dropped whenever view_ or a record's
+    // values change.
+    struct TextPositions {
+        std::vector<std::size_t> slotHash;
+        std::vector<long> slotFirst;  // -1: empty slot
+        std::vector<long> slotLast;
+        std::vector<long> next;  // per position: the next one of its chain, -1 at the end
+        bool hasNumbers = false;
+        long chain(std::size_t hash) const;  // first position of the hash's chain, -1 if none
+    };
+    const TextPositions& textPositions(int column);
+    void forgetTextPositions() { textPositions_.clear(); }
+
     bool open_ = false;
     std::string source_;
     Connection* connection_ = nullptr;
@@ -95,6 +113,8 @@ private:
 
     Edit edit_ = Edit::None;
     sql::Row pending_;
+
+    std::map<int, TextPositions> textPositions_;
 };
 
 }  // namespace db

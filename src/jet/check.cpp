@@ -6,6 +6,7 @@
 #include <set>
 
 #include "jet/index_cursor.h"
+#include "jet/index_writer.h"
 #include "jet/table.h"
 
 namespace jet {
@@ -72,6 +73,7 @@ void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live,
             continue;
         }
         std::set<RowId> seen;
+        const bool ignoresNulls = real.flags & idxflag::kIgnoreNulls;
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const IndexEntry& e = entries[i];
             if (i > 0) {
@@ -88,6 +90,13 @@ void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live,
             }
             if (!seen.insert(e.row).second)
                 faults.push_back(where + "row " + toString(e.row) + " is indexed twice");
+            if (ignoresNulls) {
+                auto row = t.read(e.row);
+                if (row && !rowBelongsInIndex(d, real, *row))
+                    faults.push_back(where + "row " + toString(e.row) +
+                                     " has an entry, but its key is Null and the index ignores "
+                                     "Nulls");
+            }
             // Keys of types encoded exactly must match the row's values.
             if (indexKeyIsExact(d, real, real.columns.size())) {
                 try {
@@ -106,19 +115,11 @@ void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live,
                 }
             }
         }
-        bool ignoreNulls = real.flags & idxflag::kIgnoreNulls;
         for (const RowId& r : live) {
             if (seen.count(r)) continue;
-            if (ignoreNulls) {
-                // Rows whose key columns are all null are left out of such an index.
+            if (ignoresNulls) {
                 auto row = t.read(r);
-                bool allNull = row.has_value();
-                for (const IndexColumn& ic : real.columns) {
-                    const Column* c = d.columnByNumber(ic.columnNumber);
-                    if (row && c && !isNull((*row)[std::size_t(d.columnPosition(c->name))]))
-                        allNull = false;
-                }
-                if (allNull) continue;
+                if (row && !rowBelongsInIndex(d, real, *row)) continue;
             }
             faults.push_back(where + "row " + toString(r) + " is missing from the index");
         }
@@ -152,6 +153,18 @@ void checkFreeSpace(Database& db, std::vector<std::string>& faults) {
     }
 }
 
+// The pages Jet's global map (row 0 of page 1) lists as free. Jet frees a
+// page without wiping it: a freed data page still names the table it
+// belonged to and holds that table's old rows, though no map owns it.
+std::set<std::uint32_t> freePages(Database& db) {
+    try {
+        UsageMap m = readUsageMap(db.pages(), RowId{kGlobalUsageMapPage, 0}.pointer());
+        return {m.pages.begin(), m.pages.end()};
+    } catch (const Error&) {
+        return {};  // without a readable global map every page counts as in use
+    }
+}
+
 }  // namespace
 
 std::vector<std::string> checkTable(Database& db, const std::string& name) {
@@ -176,11 +189,12 @@ std::vector<std::string> checkTable(Database& db, const std::string& name) {
                 faults.push_back("table " + name + ": page " + std::to_string(p) +
                                  " is in its usage map but belongs to another table");
         }
+        const std::set<std::uint32_t> freed = freePages(db);
         for (std::uint32_t p = 1; p < db.pages().pageCount(); ++p) {
             PageRef pg = db.pages().page(p);
             if ((*pg)[0] == std::uint8_t(PageType::Data) &&
                 u32(pg->data() + datapage::kTdefPage) == d.page && rowCountOf(*pg) > 0 &&
-                !m.contains(p))
+                !m.contains(p) && !freed.count(p))
                 faults.push_back("table " + name + ": data page " + std::to_string(p) +
                                  " is missing from its usage map");
         }

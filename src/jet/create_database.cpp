@@ -128,6 +128,7 @@ TableDef systemTable(std::uint32_t page, const char* name, const std::vector<Sys
     return d;
 }
 
+// flags: the byte Access writes for each system index (idxflag::).
 void addIndex(TableDef& d, const char* name, std::vector<std::uint16_t> columns, bool primary,
               std::uint8_t flags) {
     RealIndex ri;
@@ -164,8 +165,8 @@ std::vector<TableDef> systemTables() {
                                     {"LvProp", T::OLE, 0},
                                     {"LvModule", T::OLE, 0},
                                     {"LvExtra", T::OLE, 0}});
-    addIndex(objects, "ParentIdName", {1, 2}, false, 0);
-    addIndex(objects, "Id", {0}, true, 0);
+    addIndex(objects, "ParentIdName", {1, 2}, false, 0x81);
+    addIndex(objects, "Id", {0}, true, 0x81);
     out.push_back(std::move(objects));
 
     TableDef aces = systemTable(3, "MSysACEs",
@@ -174,7 +175,7 @@ std::vector<TableDef> systemTables() {
                                  {"ACM", T::Long, 4},
                                  {"FInheritable", T::Boolean, 1}});
     aces.columns[3].flags = colflag::kFixed | colflag::kNullable | colflag::kReplication;
-    addIndex(aces, "ObjectId", {0}, false, 0x41);
+    addIndex(aces, "ObjectId", {0}, false, 0x88);
     out.push_back(std::move(aces));
 
     TableDef queries = systemTable(4, "MSysQueries",
@@ -186,7 +187,7 @@ std::vector<TableDef> systemTables() {
                                     {"Expression", T::Memo, 0},
                                     {"Flag", T::Integer, 2},
                                     {"LvExtra", T::Long, 4}});
-    addIndex(queries, "ObjectIdAttribute", {0, 1, 2}, true, 0x65);
+    addIndex(queries, "ObjectIdAttribute", {0, 1, 2}, true, 0x81);
     out.push_back(std::move(queries));
 
     TableDef rels = systemTable(5, "MSysRelationships",
@@ -198,9 +199,9 @@ std::vector<TableDef> systemTables() {
                                  {"szColumn", T::Text, 510},
                                  {"szReferencedObject", T::Text, 510},
                                  {"szReferencedColumn", T::Text, 510}});
-    addIndex(rels, "szRelationship", {0}, false, 0);
-    addIndex(rels, "szObject", {4}, false, 0);
-    addIndex(rels, "szReferencedObject", {6}, false, 0);
+    addIndex(rels, "szRelationship", {0}, false, 0x82);
+    addIndex(rels, "szObject", {4}, false, 0x82);
+    addIndex(rels, "szReferencedObject", {6}, false, 0x82);
     out.push_back(std::move(rels));
     return out;
 }

@@ -11,6 +11,7 @@
 
 #include "jet/database.h"
 #include "jet/journal.h"
+#include "jet/usage_map.h"
 
 namespace jet {
 
@@ -68,8 +69,24 @@ void claimInGlobalMap(PageCache& pages, std::uint32_t n) {
     const std::uint16_t first = u16(page.data() + datapage::kRowTable);
     if (first & (datapage::kDeletedFlag | datapage::kOverflowFlag)) return;
     const std::size_t at = first & datapage::kOffsetMask;
-    // Only the inline form is known; its row runs to the end of the page.
-    if (at < datapage::kRowTable + 2 || at + 5 > kPageSize || page[at] != 0) return;
+    // The map is row 0, which runs to the end of the page: inline, or (in
+    // larger files) a list of usage-map pages as in any reference map.
+    if (at < datapage::kRowTable + 2 || at + 5 > kPageSize) return;
+    if (page[at] == 1) {
+        const std::size_t slot = n / kPagesPerMapPage;
+        if (slot >= (kPageSize - at - 1) / 4) return;
+        const std::uint32_t mapPage = u32(page.data() + at + 1 + 4 * slot);
+        if (mapPage == 0 || mapPage >= pages.pageCount()) return;
+        PageBytes map = *pages.page(mapPage);
+        if (map[0] != std::uint8_t(PageType::UsageMap)) return;
+        const std::size_t bit = n % kPagesPerMapPage;
+        std::uint8_t& byte = map[4 + bit / 8];
+        if (!(byte & (1u << (bit % 8)))) return;
+        byte = std::uint8_t(byte & ~(1u << (bit % 8)));
+        pages.put(mapPage, map);
+        return;
+    }
+    if (page[at] != 0) return;
     const std::uint32_t start = u32(page.data() + at + 1);
     const std::size_t bits = (kPageSize - at - 5) * 8;
     if (n < start || n - start >= bits) return;

@@ -67,6 +67,11 @@ constexpr std::size_t kBlockEnd = 63;
 constexpr std::size_t kRealIndexCountEntry = 12;
 constexpr std::size_t kColumnEntry = 25;
 constexpr std::size_t kRealIndexEntry = 52;
+// Within a real-index entry: the index's flags sit four bytes after its root
+// page pointer; Access leaves whatever memory held in the four between.
+constexpr std::size_t kRealIndexFlags = 46;
+// The word Access writes first in every real-index entry.
+constexpr std::uint32_t kRealIndexMagic = 0x783;
 constexpr std::size_t kLogicalIndexEntry = 28;
 constexpr std::size_t kIndexColumnSlots = 10;
 }  // namespace tdef

@@ -361,6 +361,21 @@ std::string indexUnmaintainableReason(const TableDef& def, const RealIndex& inde
     return {};
 }
 
+std::size_t nullKeyColumns(const TableDef& def, const RealIndex& index, const Row& row) {
+    std::size_t nulls = 0;
+    for (const IndexColumn& ic : index.columns) {
+        const Column* c = def.columnByNumber(ic.columnNumber);
+        const int pos = c ? def.columnPosition(c->name) : -1;
+        if (pos < 0 || std::size_t(pos) >= row.size() || isNull(row[std::size_t(pos)])) ++nulls;
+    }
+    return nulls;
+}
+
+bool rowBelongsInIndex(const TableDef& def, const RealIndex& index, const Row& row) {
+    return !(index.flags & idxflag::kIgnoreNulls) ||
+           nullKeyColumns(def, index, row) < index.columns.size();
+}
+
 std::vector<std::uint8_t> indexKeyOf(const TableDef& def, const RealIndex& index, const Row& row) {
     Bytes out;
     for (const IndexColumn& ic : index.columns) {

@@ -22,6 +22,13 @@ std::string indexUnmaintainableReason(const TableDef& def, const RealIndex& inde
 // exactly; any other value throws jet::Error "cannot encode index key for
 // ..." (call it before writing anything).
 std::vector<std::uint8_t> indexKeyOf(const TableDef& def, const RealIndex& index, const Row& row);
+// How many of the index's key columns are Null in row (one value per
+// TableDef::columns entry).
+std::size_t nullKeyColumns(const TableDef& def, const RealIndex& index, const Row& row);
+// Whether row has an entry in the index: an index that ignores Nulls leaves
+// out the rows whose key columns are all Null; every other index holds
+// every row.
+bool rowBelongsInIndex(const TableDef& def, const RealIndex& index, const Row& row);
 // Whether another row than except already holds key in the index (for
 // unique and primary keys; checked before anything is written).
 bool indexHoldsKey(Database& db, const TableDef& def, std::size_t realIndex,

@@ -84,10 +84,9 @@ void RowEncoder::check(const Row& row) const {
         const Value& v = row[i];
         if (isNull(v)) {
             if (c.type != ColumnType::Boolean && !c.isNullable())
-                throw Error("The field '" + def_.name + "." + c.name +
-                                "' cannot contain a Null value because the Required property "
-                                "for this field is set to True. Enter a value in this field.",
-                            rowerr::kRequired);
+                throw Error(
+                    "You must enter a value in the '" + def_.name + "." + c.name + "' field.",
+                    rowerr::kRequired);
             continue;
         }
         switch (c.type) {

@@ -20,6 +20,14 @@ constexpr long kRecordTooLarge = 3047;
 constexpr long kDuplicate = 3022;
 constexpr long kNullKey = 3058;  // "Index or primary key cannot contain a Null value."
 constexpr long kRecordDeleted = 3167;
+// Jet's own words for kDuplicate and kNullKey (two spaces between
+// sentences, as Jet writes them).
+inline constexpr const char* kDuplicateMessage =
+    "The changes you requested to the table were not successful because they would create "
+    "duplicate values in the index, primary key, or relationship.  Change the data in the field "
+    "or fields that contain duplicate data, remove the index, or redefine the index to permit "
+    "duplicate entries and try again.";
+inline constexpr const char* kNullKeyMessage = "Index or primary key cannot contain a Null value.";
 }  // namespace rowerr
 
 class RowEncoder {

@@ -1,11 +1,13 @@
 // Schema changes: table definitions rewritten through the TDEF writer.
 #include <algorithm>
 #include <ctime>
+#include <set>
 
 #include "jet/data_writer.h"
 #include "jet/database.h"
 #include "jet/error.h"
 #include "jet/index_writer.h"
+#include "jet/row_encoder.h"
 #include "jet/table.h"
 #include "jet/tdef_writer.h"
 #include "jet/text.h"
@@ -96,8 +98,13 @@ RealIndex realIndexOf(const TableDef& d, const IndexSpec& is) {
         if (!c) throw Error("no such column: " + name, errnum::kNoSuchColumn);
         ri.columns.push_back({c->number, ascending});
     }
+    // Flags as Access writes them: 0x89 for a primary key, 0x81 unique, 0x82
+    // ignoring Nulls, 0x80 plain.
+    ri.unknownA = tdef::kRealIndexMagic;
+    ri.flags = idxflag::kAlwaysSet;
     if (is.primary || is.unique) ri.flags |= idxflag::kUnique;
-    if (is.primary) ri.flags |= idxflag::kRequired;
+    if (is.primary || is.required) ri.flags |= idxflag::kRequired;
+    if (is.ignoreNulls && !is.primary) ri.flags |= idxflag::kIgnoreNulls;
     return ri;
 }
 
@@ -238,17 +245,21 @@ void Writer::createIndex(const std::string& table, const IndexSpec& is) {
     asUnit(*db_, [&] {
         auto current = db_->tableDef(table);
         std::vector<std::pair<std::vector<std::uint8_t>, RowId>> entries;
+        std::set<std::vector<std::uint8_t>> withNull;  // keys that duplicate nothing
         Table(db_, current).scan([&](RowId id, const Row& row) {
+            const bool anyNull = nullKeyColumns(d, ri, row) > 0;
+            if (anyNull && (ri.flags & idxflag::kRequired))
+                throw Error(rowerr::kNullKeyMessage, rowerr::kNullKey);
+            if (!rowBelongsInIndex(d, ri, row)) return true;
             entries.emplace_back(indexKeyOf(d, ri, row), id);
+            if (anyNull) withNull.insert(entries.back().first);
             return true;
         });
         std::sort(entries.begin(), entries.end());
         if (ri.flags & idxflag::kUnique)
             for (std::size_t i = 1; i < entries.size(); ++i)
-                if (entries[i].first == entries[i - 1].first)
-                    throw Error(
-                        "the rows hold duplicate values for the unique index '" + is.name + "'",
-                        3022);
+                if (entries[i].first == entries[i - 1].first && !withNull.count(entries[i].first))
+                    throw Error(rowerr::kDuplicateMessage, rowerr::kDuplicate);
         ri.usedPages = placeRow(*db_, PagePool{}, Binary(69, 0)).pointer();
         appendIndex(d, is, ri);
         storeTableDef(*db_, d);

@@ -138,11 +138,13 @@ std::shared_ptr<TableDef> parseTableDef(const PageBytes& raw, std::uint32_t page
             std::uint16_t num = c.r16(at + 4 + 3 * k);
             std::uint8_t order = c.u8(at + 6 + 3 * k);
             if (num == 0xFFFF) continue;
-            ri.columns.push_back({num, order != 0x02});
+            // Jet writes 0x01 for ascending and 0x00 for descending; only
+            // bit 0 counts.
+            ri.columns.push_back({num, (order & 0x01) != 0});
         }
         ri.usedPages = c.r32(at + 34);
         ri.rootPage = c.r32(at + 38);
-        ri.flags = c.u8(at + 42);
+        ri.flags = c.u8(at + tdef::kRealIndexFlags);
         at += tdef::kRealIndexEntry;
     }
     d->indexes.resize(logicalCount);

@@ -67,8 +67,9 @@ struct IndexColumn {
 
 namespace idxflag {
 constexpr std::uint8_t kUnique = 0x01;
-constexpr std::uint8_t kIgnoreNulls = 0x02;
-constexpr std::uint8_t kRequired = 0x08;
+constexpr std::uint8_t kIgnoreNulls = 0x02;  // rows whose key columns are all Null stay out
+constexpr std::uint8_t kRequired = 0x08;     // no key column may be Null
+constexpr std::uint8_t kAlwaysSet = 0x80;    // on every index Access writes; meaning unknown
 }  // namespace idxflag
 
 // A physical index: one B-tree.
@@ -78,7 +79,7 @@ struct RealIndex {
     std::vector<IndexColumn> columns;  // up to 10
     std::uint32_t usedPages = 0;       // data pointer to its usage map
     std::uint32_t rootPage = 0;        // first_dp
-    std::uint8_t flags = 0;            // idxflag::
+    std::uint8_t flags = 0;            // idxflag:: (byte tdef::kRealIndexFlags of the entry)
 };
 
 // A logical index (what users see by name); several may share a RealIndex.

@@ -168,7 +168,7 @@ PageBytes encodeTableDef(const TableDef& def) {
         for (std::size_t k = 0; k < tdef::kIndexColumnSlots; ++k) {
             if (k < ri.columns.size()) {
                 o.u16(ri.columns[k].columnNumber);
-                o.u8(ri.columns[k].ascending ? 0x01 : 0x02);
+                o.u8(ri.columns[k].ascending ? 0x01 : 0x00);
             } else if (raw.valid) {  // unused slots hold leftovers Access never clears
                 copyRaw(o.b, def, raw.realIndexes + i * tdef::kRealIndexEntry + 4 + 3 * k, 3);
             } else {
@@ -178,11 +178,20 @@ PageBytes encodeTableDef(const TableDef& def) {
         }
         o.u32(ri.usedPages);
         o.u32(ri.rootPage);
+        // Around the flags Access leaves whatever its memory held: kept when
+        // rewriting a definition, zeros in a new one.
+        const std::size_t entry = raw.realIndexes + i * tdef::kRealIndexEntry;
+        const std::size_t gap = tdef::kRealIndexFlags - 42;
+        const std::size_t rest = tdef::kRealIndexEntry - tdef::kRealIndexFlags - 1;
+        if (raw.valid)
+            copyRaw(o.b, def, entry + 42, gap);
+        else
+            o.b.insert(o.b.end(), gap, 0);
         o.u8(ri.flags);
         if (raw.valid)
-            copyRaw(o.b, def, raw.realIndexes + i * tdef::kRealIndexEntry + 43, 9);
+            copyRaw(o.b, def, entry + tdef::kRealIndexFlags + 1, rest);
         else
-            for (int k = 0; k < 9; ++k) o.u8(0);
+            o.b.insert(o.b.end(), rest, 0);
     }
     for (std::size_t i = 0; i < def.indexes.size(); ++i) {
         const Index& li = def.indexes[i];

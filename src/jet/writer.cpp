@@ -22,11 +22,8 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-const char* const kDuplicateMessage =
-    "The changes you requested to the table were not successful because they would create "
-    "duplicate values in the index, primary key, or relationship. Change the data in the field "
-    "or fields that contain duplicate data, remove the index, or redefine the index to permit "
-    "duplicate entries and try again.";
+using rowerr::kDuplicateMessage;
+using rowerr::kNullKeyMessage;
 
 // begin() now; rollback() unless commit() was reached.
 class Unit {
@@ -109,8 +106,7 @@ Bytes storedVar(const RowDecoder& dec, const RowBytes& r, const Column& c) {
 struct IndexPlan {
     std::size_t real = 0;
     bool unique = false;
-    bool noNulls = false;      // primary keys and required indexes
-    bool ignoreNulls = false;  // rows whose key is all Null stay out
+    bool noNulls = false;  // primary keys and required indexes
 };
 
 // A relationship with referential integrity lives in the foreign-key index
@@ -138,39 +134,35 @@ std::vector<IndexPlan> indexPlans(const TableDef& def) {
             if (li.realIndex == ri && li.isPrimary()) primary = true;
         p.unique = primary || (real.flags & idxflag::kUnique);
         p.noNulls = primary || (real.flags & idxflag::kRequired);
-        p.ignoreNulls = real.flags & idxflag::kIgnoreNulls;
         out.push_back(p);
     }
     return out;
 }
 
-// The key of row in the index, or nullopt when the row stays out of it.
-// Also answers whether every key column is Null.
-std::optional<Bytes> keyOf(const TableDef& def, const IndexPlan& plan, const Row& row,
-                           bool* allNull) {
+// The index's part in one row: its key, or nullopt when the row stays out
+// of the index; whether any key column is Null.
+struct KeyOfRow {
+    std::optional<Bytes> key;
+    bool anyNull = false;
+};
+
+// checkNulls: refuse a Null key column where the index requires values
+// (new rows; a row already stored is what it is).
+KeyOfRow keyOf(const TableDef& def, const IndexPlan& plan, const Row& row, bool checkNulls) {
     const RealIndex& real = def.realIndexes[plan.real];
-    std::size_t nulls = 0;
-    for (const IndexColumn& ic : real.columns) {
-        const Column* c = def.columnByNumber(ic.columnNumber);
-        int pos = c ? def.columnPosition(c->name) : -1;
-        if (pos >= 0 && std::size_t(pos) < row.size() && isNull(row[std::size_t(pos)])) {
-            if (plan.noNulls)
-                throw Error("Index or primary key cannot contain a Null value. (column " + c->name +
-                                " of " + def.name + ")",
-                            rowerr::kNullKey);
-            ++nulls;
-        }
-    }
-    *allNull = nulls == real.columns.size();
-    if (*allNull && plan.ignoreNulls) return std::nullopt;
-    return indexKeyOf(def, real, row);
+    KeyOfRow k;
+    k.anyNull = nullKeyColumns(def, real, row) > 0;
+    if (k.anyNull && checkNulls && plan.noNulls) throw Error(kNullKeyMessage, rowerr::kNullKey);
+    if (rowBelongsInIndex(def, real, row)) k.key = indexKeyOf(def, real, row);
+    return k;
 }
 
-void refuseDuplicate(Database& db, const TableDef& def, const IndexPlan& plan,
-                     const std::optional<Bytes>& key, bool allNull, RowId except) {
-    // Jet lets any number of rows hold Null in a unique index.
-    if (!plan.unique || !key || allNull) return;
-    if (indexHoldsKey(db, def, plan.real, *key, except))
+void refuseDuplicate(Database& db, const TableDef& def, const IndexPlan& plan, const KeyOfRow& k,
+                     RowId except) {
+    // Null equals nothing, not even Null: a key with a Null column
+    // duplicates no other, so a unique index holds any number of them.
+    if (!plan.unique || !k.key || k.anyNull) return;
+    if (indexHoldsKey(db, def, plan.real, *k.key, except))
         throw Error(kDuplicateMessage, rowerr::kDuplicate);
 }
 
@@ -322,9 +314,9 @@ RowId Writer::insert(const std::string& table, Row& row) {
     const std::vector<IndexPlan> plans = indexPlans(*def);
     std::vector<std::optional<Bytes>> keys;
     for (const IndexPlan& p : plans) {
-        bool allNull = false;
-        keys.push_back(keyOf(*def, p, r, &allNull));
-        refuseDuplicate(*db_, *def, p, keys.back(), allNull, RowId{});
+        KeyOfRow k = keyOf(*def, p, r, true);
+        refuseDuplicate(*db_, *def, p, k, RowId{});
+        keys.push_back(std::move(k.key));
     }
 
     Bytes bytes = buildRow(*db_, *def, enc, r, {});
@@ -361,13 +353,10 @@ void Writer::update(const std::string& table, RowId id, const Row& row) {
     const std::vector<IndexPlan> plans = indexPlans(*def);
     std::vector<std::optional<Bytes>> oldKeys, newKeys;
     for (const IndexPlan& p : plans) {
-        bool allNull = false;
-        IndexPlan lenient = p;
-        lenient.noNulls = false;  // the stored row is what it is
-        oldKeys.push_back(keyOf(*def, lenient, old, &allNull));
-        newKeys.push_back(keyOf(*def, p, r, &allNull));
-        if (newKeys.back() != oldKeys.back())
-            refuseDuplicate(*db_, *def, p, newKeys.back(), allNull, id);
+        oldKeys.push_back(keyOf(*def, p, old, false).key);
+        KeyOfRow k = keyOf(*def, p, r, true);
+        if (k.key != oldKeys.back()) refuseDuplicate(*db_, *def, p, k, id);
+        newKeys.push_back(std::move(k.key));
     }
 
     const std::vector<Bytes> oldFields = longFields(pages, *def, oldBytes);
@@ -412,11 +401,7 @@ void Writer::remove(const std::string& table, RowId id) {
     const Row old = RowDecoder(pages, *def).decode(oldBytes);
     const std::vector<IndexPlan> plans = indexPlans(*def);
     std::vector<std::optional<Bytes>> keys;
-    for (IndexPlan p : plans) {
-        bool allNull = false;
-        p.noNulls = false;
-        keys.push_back(keyOf(*def, p, old, &allNull));
-    }
+    for (const IndexPlan& p : plans) keys.push_back(keyOf(*def, p, old, false).key);
     const std::vector<Bytes> fields = longFields(pages, *def, oldBytes);
 
     for (std::size_t k = 0; k < plans.size(); ++k)

@@ -26,8 +26,10 @@ struct ColumnSpec {
 struct IndexSpec {
     std::string name;
     std::vector<std::pair<std::string, bool>> columns;  // column name, ascending
-    bool primary = false;
+    bool primary = false;                               // implies unique and required
     bool unique = false;
+    bool ignoreNulls = false;  // rows whose key columns are all Null get no entry
+    bool required = false;     // refuses rows with a Null in any key column
 };
 
 struct TableSpec {

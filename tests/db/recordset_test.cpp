@@ -1,13 +1,15 @@
 // Record sets as the navigation model and the Folder and Page management use them.
+#include "db/recordset.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "db/connection.h"
 #include "db/memory_opener.h"
-#include "db/recordset.h"
 #include "jet/sql/error.h"
 #include "jet/sql/memory_storage.h"
+#include "jet/sql/text_rules.h"
 #include "sql/catalogue_fixture.h"
 
 namespace {
@@ -131,6 +133,65 @@ TEST_F(Records, FindCriteriaShapes) {
     EXPECT_THROW(rs.find("Gibts = 1"), sql::Error);
     EXPECT_THROW(rs.find("Nr = 1 AND Nr = 2"), sql::Error);  // Find takes a single criterion
     EXPECT_THROW(rs.find("Nr 1"), sql::Error);
+}
+
+// A Find of one text (LIKE without wildcards, = on a Text column) lands
+// where testing row after row with Jet's text comparison lands: from every
+// row, both ways, with skips, and again after the record set changed.
+TEST_F(Records, FindOfOneTextAgreesWithTestingEveryRow) {
+    db::Recordset rs;
+    rs.open(blockSql(2), *con, db::adOpenKeyset, db::adLockOptimistic);
+    auto agree = [&](const std::string& field, const std::vector<std::string>& texts) {
+        std::vector<sql::Value> values;
+        for (rs.moveFirst(); !rs.eof(); rs.moveNext()) values.push_back(rs.value(field));
+        const long n = static_cast<long>(values.size());
+        for (const auto& text : texts)
+            for (const char* op : {" Like '", " = '"})
+                for (long from = 0; from < n; ++from)
+                    for (long skip : {0L, 1L, 3L})
+                        for (auto dir : {db::adSearchForward, db::adSearchBackward}) {
+                            const long step = dir == db::adSearchBackward ? -1 : 1;
+                            long want = -1;
+                            for (long i = from + step * skip; want < 0 && i >= 0 && i < n;
+                                 i += step)
+                                if (!values[i].isNull() &&
+                                    sql::textEquals(values[i].toString(), text))
+                                    want = i;
+                            rs.setAbsolutePosition(from + 1);
+                            const std::string crit = field + op + text + "'";
+                            ASSERT_EQ(rs.find(crit, skip, dir), want >= 0)
+                                << crit << " from " << from;
+                            if (want >= 0)
+                                ASSERT_EQ(rs.absolutePosition(), want + 1)
+                                    << crit << " from " << from;
+                            else
+                                ASSERT_TRUE(dir == db::adSearchBackward ? rs.bof() : rs.eof())
+                                    << crit;
+                        }
+    };
+    const std::vector<std::string> materials{"stahl", "EDELSTAHL", "Messing", "pvc", "Gusseisen"};
+    agree("M3", materials);
+    agree("M0", {"ventil gross 33", "VENTIL GROß 33", "straßenkappe dn16", "Öltank DN13"});
+
+    // After each change the record set makes itself, a filter and a requery.
+    rs.setAbsolutePosition(5);
+    rs.setValue("M3", "Gusseisen");
+    rs.update();
+    agree("M3", materials);
+    rs.setAbsolutePosition(9);
+    rs.deleteCurrent();
+    agree("M3", materials);
+    rs.addNew();
+    rs.setValue("Block", "0019999");
+    rs.setValue("OrdnerID", 2);
+    rs.setValue("M3", "PVC");
+    rs.update();
+    agree("M3", materials);
+    rs.setFilter("M0 Like 'V*'");
+    agree("M3", materials);
+    con->execute("UPDATE tblBlockInfo SET M3 = 'Messing' WHERE M3 = 'Stahl'");
+    rs.requery();
+    agree("M3", materials);
 }
 
 TEST_F(Records, FilterAndRemovingIt) {

@@ -7,7 +7,7 @@
 namespace jettest {
 
 std::string testFile(const std::string& name);  // a file of the shared test data
-std::vector<std::string> testFiles();           // every .mdb of the shared test data
+std::vector<std::string> testFiles();  // every .mdb of the shared test data (mdb/, mdb-index/)
 
 // Runs a shell command, returns its standard output; exit status in *status.
 std::string run(const std::string& command, int* status = nullptr);

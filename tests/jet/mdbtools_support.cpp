@@ -9,15 +9,26 @@
 
 namespace jettest {
 
+namespace {
+// The Access-made files: the general ones, and those kept apart for index
+// properties (descending columns, IgnoreNulls, Unique, Required).
+const char* const kDirectories[] = {"mdb", "mdb-index"};
+}  // namespace
+
 std::string testFile(const std::string& name) {
+    for (const char* dir : kDirectories) {
+        std::filesystem::path p = std::filesystem::path(TESSARA_TESTDATA) / dir / name;
+        if (std::filesystem::exists(p)) return p.string();
+    }
     return std::string(TESSARA_TESTDATA) + "/mdb/" + name;
 }
 
 std::vector<std::string> testFiles() {
     std::vector<std::string> out;
-    for (const auto& e :
-         std::filesystem::directory_iterator(std::string(TESSARA_TESTDATA) + "/mdb"))
-        if (e.path().extension() == ".mdb") out.push_back(e.path().filename().string());
+    for (const char* dir : kDirectories)
+        for (const auto& e :
+             std::filesystem::directory_iterator(std::filesystem::path(TESSARA_TESTDATA) / dir))
+            if (e.path().extension() == ".mdb") out.push_back(e.path().filename().string());
     std::sort(out.begin(), out.end());
     return out;
 }

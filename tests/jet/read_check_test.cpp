@@ -81,4 +81,35 @@ TEST(JetCheck, ReportsEachKindOfDamage) {
     }
 }
 
+// Jet frees a page without wiping it: a freed data page still names its
+// table and holds old rows. The global map (page 1) lists it as free; only
+// a page no map accounts for is a fault, and no scan reads either.
+TEST(JetCheck, FreedDataPagesAreNotMissingFromTheirMap) {
+    Bytes image = load("indexTestV2000.mdb");
+    auto original = Database::fromMemory(image);
+    Table t = original->table("Table1");
+    const std::uint32_t dataPage = t.dataPages().at(0);
+    const UsageMap global =
+        readUsageMap(original->pages(), RowId{kGlobalUsageMapPage, 0}.pointer());
+    const std::uint32_t freed = 59;  // blank in the file, listed as free
+    ASSERT_TRUE(global.contains(freed));
+    std::copy_n(image.begin() + std::ptrdiff_t(dataPage * kPageSize), kPageSize,
+                image.begin() + std::ptrdiff_t(freed * kPageSize));
+    const std::string fault =
+        "data page " + std::to_string(freed) + " is missing from its usage map";
+    for (bool listedFree : {true, false}) {
+        SCOPED_TRACE(listedFree ? "listed as free" : "in use");
+        Bytes b = image;
+        if (!listedFree) {
+            RowBytes r = rowBytes(original->pages(), global.where);
+            const std::uint32_t bit = freed - global.startPage;
+            b[kPageSize * kGlobalUsageMapPage + r.start + 5 + bit / 8] &=
+                std::uint8_t(~(1u << (bit % 8)));
+        }
+        auto db = Database::fromMemory(b);
+        EXPECT_EQ(anyContains(checkDatabase(*db), fault), !listedFree);
+        EXPECT_EQ(db->table("Table1").rowIds(), t.rowIds());
+    }
+}
+
 }  // namespace

@@ -93,6 +93,8 @@ TEST(JetCli, SchemaShowsColumnsIndexesAndRelationships) {
             << want << "\n"
             << out;
     }
+    out = cli("schema " + quote(jettest::testFile("compIndexTestV2000.mdb")), &status);
+    EXPECT_NE(out.find("\n  INDEX CD_AGENTE (CD_AGENTE DESC)\n"), std::string::npos) << out;
     out = cli("schema " + quote(jettest::testFile("testV2000.mdb")), &status);
     for (const char* want :
          {"  COLUMN I Boolean size 1", "  COLUMN H Currency size 8", "  COLUMN G DateTime size 8",

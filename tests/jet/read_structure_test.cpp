@@ -240,7 +240,8 @@ TEST_P(IndexOrder, WalksEntriesInSortedColumnOrder) {
 
 INSTANTIATE_TEST_SUITE_P(
     TestData, IndexOrder,
-    ::testing::Values("indexTestV2000.mdb", "testV2000.mdb", "bigIndexTestV2000.mdb"),
+    ::testing::Values("indexTestV2000.mdb", "testV2000.mdb", "bigIndexTestV2000.mdb",
+                      "compIndexTestV2000.mdb"),
     [](const auto& param) {
         return std::string(param.param).substr(0, std::string(param.param).find('.'));
     });

@@ -27,6 +27,7 @@ void expectSameModel(const jet::TableDef& a, const jet::TableDef& b) {
     for (std::size_t i = 0; i < a.realIndexes.size(); ++i) {
         EXPECT_EQ(a.realIndexes[i].rootPage, b.realIndexes[i].rootPage);
         EXPECT_EQ(a.realIndexes[i].columns.size(), b.realIndexes[i].columns.size());
+        EXPECT_EQ(a.realIndexes[i].flags, b.realIndexes[i].flags);
     }
     ASSERT_EQ(a.indexes.size(), b.indexes.size());
     for (std::size_t i = 0; i < a.indexes.size(); ++i) {

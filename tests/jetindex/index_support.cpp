@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "../jet/mdbtools.h"
 #include "jet/general_sort.h"
 #include "jet/index_cursor.h"
 #include "jet/index_writer.h"
@@ -15,17 +16,9 @@ namespace idxtest {
 
 namespace fs = std::filesystem;
 
-std::string testFile(const std::string& name) {
-    return std::string(TESSARA_TESTDATA) + "/mdb/" + name;
-}
+std::string testFile(const std::string& name) { return jettest::testFile(name); }
 
-std::vector<std::string> testFiles() {
-    std::vector<std::string> out;
-    for (const auto& e : fs::directory_iterator(std::string(TESSARA_TESTDATA) + "/mdb"))
-        if (e.path().extension() == ".mdb") out.push_back(e.path().filename().string());
-    std::sort(out.begin(), out.end());
-    return out;
-}
+std::vector<std::string> testFiles() { return jettest::testFiles(); }
 
 TempCopy::TempCopy(const std::string& file) {
     std::string tmpl = (fs::temp_directory_path() / "jetindex-XXXXXX").string();

@@ -288,12 +288,9 @@ TEST(JetIndexBuild, TreesFromRowsEqualAccessTrees) {
                 const RealIndex& real = def.realIndexes[logical.realIndex];
                 if (!indexUnmaintainableReason(def, real).empty()) continue;
                 std::vector<std::pair<Bytes, RowId>> entries;
-                bool ignoreNulls = real.flags & idxflag::kIgnoreNulls;
                 t.scan([&](RowId id, const Row& row) {
-                    Bytes key = indexKeyOf(def, real, row);
-                    bool allNull = true;
-                    for (std::size_t i = 0; i < key.size(); ++i) allNull &= key[i] == 0x00;
-                    if (!(ignoreNulls && allNull)) entries.push_back({key, id});
+                    if (rowBelongsInIndex(def, real, row))
+                        entries.push_back({indexKeyOf(def, real, row), id});
                     return true;
                 });
                 std::sort(entries.begin(), entries.end());

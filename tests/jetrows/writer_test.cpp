@@ -361,7 +361,7 @@ TEST_F(RowWrites, RefusedWritesLeaveTheFileUntouched) {
              Row r{text("A"), {}, {}, {}, {}, {}, {}, {}, false};  // keys ignore case
              w.insert("Table1", r);
          },
-         rowerr::kDuplicate, "would create duplicate values in the index"},
+         rowerr::kDuplicate, rowerr::kDuplicateMessage},
         {"update onto another row's key", "testV2000.mdb",
          [](Writer& w, Database& db) {
              std::vector<RowId> ids = db.table("Table1").rowIds();
@@ -375,7 +375,7 @@ TEST_F(RowWrites, RefusedWritesLeaveTheFileUntouched) {
              Row r{Value{}, {}, {}, {}, {}, {}, {}, {}, false};
              w.insert("Table1", r);
          },
-         rowerr::kNullKey, "Null"},
+         rowerr::kNullKey, rowerr::kNullKeyMessage},
         {"index this engine cannot keep", "testV2000.mdb",
          [](Writer& w, Database&) {
              Row r{text("n"), Value{}};

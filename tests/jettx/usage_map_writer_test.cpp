@@ -258,3 +258,47 @@ TEST(UsageMapWriterErrors, RefusedOutsideAUnitAndOnBadRows) {
 }
 
 }  // namespace
+
+namespace {
+
+// A page this engine appends leaves Jet's free list on page 1, whether that
+// map is inline or, as in larger files, a reference to usage-map pages:
+// Jet would otherwise hand the page to something else.
+TEST(GlobalUsageMap, AppendedPagesLeaveJetsFreeList) {
+    const auto original = fileBytes(testFile("indexTestV2000.mdb"));
+    const std::uint32_t count = std::uint32_t(original.size() / jet::kPageSize);
+    const jet::RowId global{jet::kGlobalUsageMapPage, 0};
+    const Pages freeBefore =
+        jet::readUsageMap(jet::Database::fromMemory(original)->pages(), global.pointer()).pages;
+    ASSERT_FALSE(freeBefore.empty());
+    for (bool reference : {false, true}) {
+        SCOPED_TRACE(reference ? "reference map" : "inline map");
+        auto image = original;
+        if (reference) {
+            // Page 1's map becomes a reference to one 0x05 page listing the
+            // same free pages and every page past the end of the file.
+            jet::PageBytes map(jet::kPageSize, 0);
+            map[0] = std::uint8_t(jet::PageType::UsageMap);
+            map[1] = 1;
+            auto mark = [&](std::uint32_t p) { map[4 + p / 8] |= std::uint8_t(1u << (p % 8)); };
+            for (std::uint32_t p : freeBefore) mark(p);
+            for (std::uint32_t p = count + 1; p < count + 200; ++p) mark(p);
+            image.insert(image.end(), map.begin(), map.end());
+            std::uint8_t* page1 = image.data() + jet::kPageSize;
+            std::uint8_t* row = page1 + (jet::u16(page1 + jet::datapage::kRowTable) & 0x1FFF);
+            std::fill(row, page1 + jet::kPageSize, 0);
+            row[0] = 1;
+            jet::put32(row + 1, count);
+        }
+        auto db = jet::Database::fromStore(std::make_unique<jet::MemoryPageStore>(image, true));
+        db->begin();
+        db->allocatePage(jet::PageType::Data);
+        db->commit();
+        // The new page now lies inside the file: listed only if still free.
+        const jet::UsageMap after = jet::readUsageMap(db->pages(), global.pointer());
+        EXPECT_EQ(after.type, reference ? 1 : 0);
+        EXPECT_EQ(after.pages, freeBefore);
+    }
+}
+
+}  // namespace

@@ -225,6 +225,39 @@ TEST_P(Statements, CreateIndexDescendingAndItsUse) {
     EXPECT_THROW(ex->execute("CREATE INDEX OrdnerID ON tblBlockInfo(OrdnerID DESC)"), sql::Error);
 }
 
+// The options Jet SQL takes after WITH: IGNORE NULL leaves Null keys out
+// (a unique index then holds any number of them), DISALLOW NULL refuses them.
+TEST_P(Statements, CreateIndexWithNullOptions) {
+    auto outcome = [&](const std::string& statement) -> std::string {
+        try {
+            ex->execute(statement);
+            return "accepted";
+        } catch (const sql::Error& e) {
+            return e.what();
+        }
+    };
+    const std::string nullKey = "Index or primary key cannot contain a Null value.";
+    ex->execute("CREATE UNIQUE INDEX Nummer ON tblOrdner(OrdnerNr) WITH IGNORE NULL");
+    ex->execute("CREATE INDEX Menue ON tblOrdner(NrTblDefMenue) WITH DISALLOW NULL");
+    auto ixs = lib->table("tblOrdner")->indexes();
+    ASSERT_EQ(ixs.size(), 3u);
+    EXPECT_TRUE(ixs[1].unique && ixs[1].ignoreNulls && !ixs[1].required);
+    EXPECT_TRUE(!ixs[2].unique && !ixs[2].ignoreNulls && ixs[2].required);
+
+    for (const char* name : {"'ohne Nummer 1'", "'ohne Nummer 2'"})
+        EXPECT_EQ(outcome(std::string("INSERT INTO tblOrdner (Ordnername, NrTblDefMenue) VALUES (") + name + ", 1)"),
+                  "accepted");
+    EXPECT_EQ(ex->query("SELECT Ordnername FROM tblOrdner WHERE OrdnerNr IS NULL").rows.size(), 2u);
+    EXPECT_EQ(outcome("INSERT INTO tblOrdner (OrdnerNr, NrTblDefMenue) VALUES ('002', 1)"),
+              "The changes you requested to the table were not successful because they would create duplicate "
+              "values in the index, primary key, or relationship.  Change the data in the field or fields that "
+              "contain duplicate data, remove the index, or redefine the index to permit duplicate entries and "
+              "try again.");
+    EXPECT_EQ(outcome("INSERT INTO tblOrdner (OrdnerNr) VALUES ('009')"), nullKey);
+    EXPECT_EQ(outcome("CREATE INDEX Rechte ON tblOrdner(NrTblRechte) WITH DISALLOW NULL"), nullKey);
+    EXPECT_EQ(ex->query("SELECT * FROM tblOrdner").rows.size(), cat.folders.size() + 2);
+}
+
 TEST_P(Statements, PrimaryKeyLookupUsesTheIndex) {
     resetCounters();
     auto rs = ex->query("SELECT * FROM [tblBlockInfo] WHERE [Nr] = 42");

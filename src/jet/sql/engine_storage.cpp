@@ -53,6 +53,8 @@ public:
             x.name = ix.name;
             x.primary = ix.isPrimary();
             x.unique = (real.flags & jet::idxflag::kUnique) != 0 || x.primary;
+            x.ignoreNulls = (real.flags & jet::idxflag::kIgnoreNulls) != 0;
+            x.required = (real.flags & jet::idxflag::kRequired) != 0;
             for (const auto& ic : real.columns) {
                 const jet::Column* c = d->columnByNumber(ic.columnNumber);
                 if (c) x.columns.push_back({c->name, !ic.ascending});
@@ -107,6 +109,8 @@ public:
             if (ix.realIndex >= d->realIndexes.size()) continue;
             const auto& real = d->realIndexes[ix.realIndex];
             if (real.columns.empty() || real.columns[0].columnNumber != col->number) continue;
+            // Rows with an all-Null key are not in an index that ignores Nulls.
+            if (key.isNull() && (real.flags & jet::idxflag::kIgnoreNulls)) continue;
             switch (col->type) {
                 case jet::ColumnType::Byte:
                 case jet::ColumnType::Integer:
@@ -243,6 +247,8 @@ private:
         s.name = ix.name;
         s.primary = ix.primary;
         s.unique = ix.unique || ix.primary;
+        s.ignoreNulls = ix.ignoreNulls;
+        s.required = ix.required;
         for (const auto& c : ix.columns) s.columns.push_back({c.name, !c.descending});
         return s;
     }

@@ -77,9 +77,8 @@ Error duplicateKey() {
                  kIntegrity, 3022);
 }
 Error nullInRequired(const std::string& f) {
-    return Error("The field '" + f + "' cannot contain a Null value because the Required property for this field is "
-                 "set to True.  Enter a value in this field.",
-                 kIntegrity, 3314);
+    return Error("You must enter a value in the '" + f + "' field.", kIntegrity, 3314);
 }
+Error nullKey() { return Error("Index or primary key cannot contain a Null value.", kIntegrity, 3058); }
 
 }  // namespace sql::errors

@@ -64,7 +64,8 @@ Error numericOverflow();
 Error fileNotFound(const std::string& path);
 Error subqueryFields();
 Error duplicateKey();
-Error nullInRequired(const std::string& field);
+Error nullInRequired(const std::string& field);  // field: "Table.Column"
+Error nullKey();
 }  // namespace errors
 
 }  // namespace sql

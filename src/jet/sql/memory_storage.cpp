@@ -107,10 +107,14 @@ public:
             if (textEquals(e.name, ix.name)) throw errors::indexExists(name_, ix.name);
         for (const auto& c : ix.columns)
             if (columnIndex(c.name) < 0) throw errors::invalidIndexField(c.name);
+        if (ix.primary || ix.required)
+            for (const auto& r : rows_)
+                if (r && anyNullKey(ix, *r)) throw errors::nullKey();
         if (ix.primary || ix.unique) {
             std::set<std::string> seen;
             for (const auto& r : rows_)
-                if (r && !seen.insert(compositeKey(ix, *r)).second) throw errors::duplicateKey();
+                if (r && !anyNullKey(ix, *r) && !seen.insert(compositeKey(ix, *r)).second)
+                    throw errors::duplicateKey();
         }
         indexes_.push_back(ix);
         rebuildIndex();
@@ -124,14 +128,22 @@ public:
 private:
     void checkRow(const Row& row, RowId self) {
         for (std::size_t c = 0; c < columns_.size(); ++c)
-            if (!columns_[c].nullable && row[c].isNull()) throw errors::nullInRequired(columns_[c].name);
+            if (!columns_[c].nullable && row[c].isNull())
+                throw errors::nullInRequired(name_ + "." + columns_[c].name);
         for (std::size_t n = 0; n < indexes_.size(); ++n) {
             const auto& ix = indexes_[n];
-            if (!ix.primary && !ix.unique) continue;
+            if ((ix.primary || ix.required) && anyNullKey(ix, row)) throw errors::nullKey();
+            if ((!ix.primary && !ix.unique) || anyNullKey(ix, row)) continue;
             auto& keys = uniqueKeys_[n];
             auto hit = keys.find(compositeKey(ix, row));
             if (hit != keys.end() && hit->second != self) throw errors::duplicateKey();
         }
+    }
+    // As in Jet, Null equals nothing: a key with a Null part duplicates no other.
+    bool anyNullKey(const IndexDef& ix, const Row& row) const {
+        for (const auto& c : ix.columns)
+            if (row[columnIndex(c.name)].isNull()) return true;
+        return false;
     }
     std::string compositeKey(const IndexDef& ix, const Row& row) const {
         std::string k;
@@ -141,7 +153,7 @@ private:
     void indexRow(RowId id, const Row& row, bool add) {
         for (std::size_t n = 0; n < indexes_.size(); ++n) {
             const auto& ix = indexes_[n];
-            if (!ix.primary && !ix.unique) continue;
+            if ((!ix.primary && !ix.unique) || anyNullKey(ix, row)) continue;
             if (add) uniqueKeys_[n][compositeKey(ix, row)] = id;
             else uniqueKeys_[n].erase(compositeKey(ix, row));
         }

@@ -670,8 +670,12 @@ private:
                 do {
                     if (acceptWord("PRIMARY")) {
                         s.index.primary = true;
-                    } else if (acceptWord("DISALLOW") || acceptWord("IGNORE")) {
+                    } else if (acceptWord("DISALLOW")) {
                         if (!acceptWord("NULL")) throw failFor(peek());
+                        s.index.required = true;
+                    } else if (acceptWord("IGNORE")) {
+                        if (!acceptWord("NULL")) throw failFor(peek());
+                        s.index.ignoreNulls = true;
                     } else {
                         throw failFor(peek());
                     }

@@ -34,6 +34,8 @@ struct IndexDef {
     std::vector<IndexColumn> columns;
     bool primary = false;
     bool unique = false;
+    bool ignoreNulls = false;  // WITH IGNORE NULL: rows whose key is all Null get no entry
+    bool required = false;     // WITH DISALLOW NULL
 };
 
 struct RelationDef {

@@ -1,0 +1,81 @@
+// A Folder's Blocks read through tblBlockInfo's index OrdnerID DESC of a
+// catalogue made as a real .mdb: the rows a scan finds, before and after
+// inserts; mdbtools reads the index as descending.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <set>
+
+#include "db/jet_opener.h"
+#include "db/recordset.h"
+#include "jet/check.h"
+#include "jet/database.h"
+#include "library/datenbank.h"
+#include "library/schema.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
+
+namespace tessara {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(OrdnerIndex, BloeckeEinesOrdnersWieOhneIndex) {
+    const fs::path verzeichnis =
+        fs::temp_directory_path() / ("tessara_ordnerindex_" + std::to_string(::getpid()));
+    fs::remove_all(verzeichnis);
+    fs::create_directories(verzeichnis);
+    const fs::path datei = verzeichnis / "dbTessara.mdb";
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+    z.benutzer = &benutzer;
+    ASSERT_TRUE(Mk_Datenbank(z, db::jetOpener(), datei.string()));
+
+    {
+        db::Connection con(db::jetOpener());
+        con.open(fctJetVerbindung(datei.string()));
+        auto nummern = [&](const std::string& bedingung) {
+            db::Recordset rs;
+            rs.open("SELECT Nr, Block FROM tblBlockInfo WHERE " + bedingung, con);
+            std::set<long long> out;
+            for (; !rs.eof(); rs.moveNext()) out.insert(rs.value("Nr").asInt());
+            return out;
+        };
+        auto einfuegen = [&](int von, int bis) {
+            for (int i = von; i < bis; ++i)
+                con.execute("INSERT INTO tblBlockInfo (Block, OrdnerID, M0) VALUES ('00" +
+                            std::to_string(10000 + i) + "', " + std::to_string(1 + i % 3) +
+                            ", 'Ventil')");
+        };
+        einfuegen(0, 60);
+        EXPECT_EQ(nummern("OrdnerID = 2").size(), 20u);
+        for (int ordner : {1, 2, 3, 7})
+            EXPECT_EQ(nummern("OrdnerID = " + std::to_string(ordner)),
+                      nummern("OrdnerID+0 = " + std::to_string(ordner)))
+                << ordner;
+        einfuegen(60, 150);
+        EXPECT_EQ(nummern("OrdnerID = 2").size(), 50u);
+        for (int ordner : {1, 2, 3})
+            EXPECT_EQ(nummern("OrdnerID = " + std::to_string(ordner)),
+                      nummern("OrdnerID+0 = " + std::to_string(ordner)))
+                << ordner;
+    }
+
+    auto jetDb = jet::Database::open(datei.string());
+    EXPECT_EQ(jet::checkDatabase(*jetDb), std::vector<std::string>{});
+    std::string schema;
+    if (FILE* p = popen(
+            ("mdb-schema -T tblBlockInfo '" + datei.string() + "' postgres 2>&1").c_str(), "r")) {
+        char buf[4096];
+        for (std::size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) schema.append(buf, n);
+        pclose(p);
+    }
+    EXPECT_NE(schema.find("(\"ordnerid\" DESC)"), std::string::npos) << schema;
+    std::error_code ec;
+    fs::remove_all(verzeichnis, ec);
+}
+
+}  // namespace
+}  // namespace tessara
