@@ -1,6 +1,7 @@
 #include "library/navigation_model.h"
 
 #include <algorithm>
+#include <charconv>
 #include <exception>
 #include <fstream>
 
@@ -44,6 +45,17 @@ std::string ohneBlanks(const std::string& s) {
     return e == std::string::npos ? std::string() : s.substr(0, e + 1);
 }
 
+// fctBlocknummer into a string that is already there, so that filling the
+// numbers of thousands of slots allocates nothing.
+void blocknummerSchreiben(std::string& ziel, const std::string& strOrdnerNr, long k,
+                          const std::string& strCode) {
+    char mitte[24];
+    const auto r = std::to_chars(mitte, mitte + sizeof mitte, k / kTeiler);
+    ziel.assign(strOrdnerNr);
+    ziel.append(mitte, r.ptr);
+    ziel.append(strCode);
+}
+
 bool offenMitZeilen(const db::Recordset& rs) {
     return rs.state() == db::adStateOpen && rs.recordCount() > 0;
 }
@@ -57,7 +69,9 @@ int fctSlotsProSeite(long i) { return kRaster[fctBilderanzahlGueltig(i) ? i : 2]
 int fctRasterSpalten(long i) { return kRaster[fctBilderanzahlGueltig(i) ? i : 2].spalten; }
 
 std::string fctBlocknummer(const std::string& strOrdnerNr, long k, const std::string& strCode) {
-    return strOrdnerNr + std::to_string(k / kTeiler) + strCode;
+    std::string nr;
+    blocknummerSchreiben(nr, strOrdnerNr, k, strCode);
+    return nr;
 }
 
 NavigationsModell::NavigationsModell(ProgrammZustand& z, db::StorageOpener oeffner)
@@ -338,9 +352,22 @@ bool NavigationsModell::seitenFuellen() {
     }
     p.step("Codetabelle");
     aryCodes_.assign(codeTabelle_.begin(), codeTabelle_.begin() + static_cast<long>(n));
-    aryBlocknummern_.assign(n, std::string());
+    aryBlocknummern_.resize(n);
     slots_.assign(static_cast<std::size_t>(slots), typSlot{});
-    for (long k = 0; k < static_cast<long>(n); ++k) BlocknummernEinlesen(k);
+    const long erste = static_cast<long>(n) - slots;  // the first slot of the Page
+    if (z_.booDebug) {
+        for (long k = 0; k < erste; ++k) BlocknummernEinlesen(k);
+    } else {
+        // The slots of the earlier Pages only get their block numbers. Written
+        // here, without BlocknummernEinlesen's guard and step labels, which
+        // only debug mode shows: on the last Pages of the code table those
+        // were 40 000 guards a flip and nearly all of its time.
+        const std::string& ordnerNr = aktuellerOrdner()->OrdnerNr;
+        for (long k = 0; k < erste; ++k)
+            blocknummerSchreiben(aryBlocknummern_[static_cast<std::size_t>(k)], ordnerNr, k,
+                                 aryCodes_[static_cast<std::size_t>(k)]);
+    }
+    for (long k = std::max(erste, 0L); k < static_cast<long>(n); ++k) BlocknummernEinlesen(k);
     if (intPosition_ >= slots) intPosition_ = static_cast<int>(slots) - 1;
     if (arySeiten_.size() < static_cast<std::size_t>(intSeite_ + 1))
         arySeiten_.resize(static_cast<std::size_t>(intSeite_ + 1));
@@ -382,7 +409,17 @@ bool NavigationsModell::ordnerAktivieren(int intIndex, long lngSeite) {
     bool ok = subRsSeitenNeuEinlesen();
     ok = SeitenInArrayEinlesen() && ok;
     ok = RecordsetRsBlockInfo0NeuEinlesen() && ok;
-    return ArrayTBloeckeNeuEinlesenBeiOrdnerwechsel() && ok;
+    // ArrayTBloeckeNeuEinlesenBeiOrdnerwechsel, less its Requery of
+    // rsBlockInfo0: the set has just been read, and reading a Folder of
+    // 10 000 Blocks a second time was a third of the program's start.
+    Prozedur p(z_, "ArrayTBloeckeNeuEinlesenBeiOrdnerwechsel", true);
+    try {
+        p.step("Requery");
+        if (db_.rsMarkierteBloecke.state() == db::adStateOpen) db_.rsMarkierteBloecke.requery();
+    } catch (const std::exception& e) {
+        p.fehler(e, true);
+    }
+    return seitenFuellen() && ok;
 }
 
 bool NavigationsModell::comboxOrdner_Click(int intIndex) {

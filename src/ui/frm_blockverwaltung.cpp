@@ -18,6 +18,7 @@
 #include "platform/platform.h"
 #include "startup/fehler_log.h"
 #include "ui/beschriften.h"
+#include "ui/frm_blockverwaltung_suche.h"
 #include "ui/frm_optionen.h"
 #include "ui/frm_vollbild.h"
 #include "ui/sld_blockverwaltung.h"
@@ -108,6 +109,7 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
     for (QCheckBox* c : fraEinfuegenBoxen())
         connect(c, &QCheckBox::toggled, this, [this] { einfuegeOptionenUebernehmen(); });
     ui_->rasterFlaeche->installEventFilter(this);
+    subSucheEinrichten(*this);
 }
 
 FrmBlockverwaltung::~FrmBlockverwaltung() {

@@ -80,6 +80,9 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     ui::DiaVorschauCache& vorschau() { return cache_; }
     ui::DiaMaler& maler() { return *maler_; }
     bool schreibgeschuetzt() const { return booSchreibschutz_; }
+    // The block numbers the last insertion took in, in the order inserted
+    // (read when einfuegungBeendet comes).
+    const std::vector<std::string>& zuletztEingefuegt() const { return zuletztEingefuegt_; }
     // Runs the closing sequence (what closing the window does, without the
     // question whether Tessara should close).
     void entladen();
@@ -139,6 +142,7 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     bool booEntladen_ = false;
     bool booEinfuegenLaeuft_ = false;
     bool booBoxenFuellen_ = false;  // the boxes are being refilled: no click handlers
+    std::vector<std::string> zuletztEingefuegt_;
 };
 
 }  // namespace tessara

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QInputDialog>
+#include <QPointer>
 #include <QScreen>
 #include <filesystem>
 #include <iostream>
@@ -83,13 +84,16 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     l.setzen("Werte zuordnen", [this] {
         setWindowTitle(
             QString::fromStdString(fctFensterTitel(z_, fctBeschriftung(z_, "ProgName"))));
+        // The connection outlives this window: its callbacks hold the
+        // program state, never the window.
+        ProgrammZustand* z = &z_;
         if (!v_.meldungsText)
-            v_.meldungsText = [this](int nr) {
-                return fctBeschriftMsgboxZuordnen(z_, nr, kGruppeAllg);
+            v_.meldungsText = [z](int nr) {
+                return fctBeschriftMsgboxZuordnen(*z, nr, kGruppeAllg);
             };
         if (!v_.fctMsgboxNichtMehrAnzeigen)
-            v_.fctMsgboxNichtMehrAnzeigen = [this](const std::string& k) {
-                return fctMsgboxNichtMehrAnzeigen(z_, k);
+            v_.fctMsgboxNichtMehrAnzeigen = [z](const std::string& k) {
+                return fctMsgboxNichtMehrAnzeigen(*z, k);
             };
     });
     l.setzen("ACAD_Connect", [this] {
@@ -172,13 +176,8 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
             subVerzeichnisVorgabeAktualisieren(z_, verzeichnisVon(z_.strAktuelleDb), 1);
     });
     l.setzen("Blockverwaltung beschriften", [this] {
+        // The picture-size items come from the caption files too.
         ui::subFormularBeschriften(z_, this);
-        for (int i = 0; i < 8; ++i) {
-            const QString t = ui::fctText(z_, "frmBlockverwaltung",
-                                          QStringLiteral("comboxBilderanzahl_%1").arg(i));
-            if (!t.startsWith(QLatin1String("frmBlockverwaltung.")))
-                ui_->comboxBilderanzahl->setItemText(i, t);
-        }
     });
     l.setzen("Ordnernummern einlesen", [this] {
         if (start_) start_->schritt(2, 4, {});
@@ -504,13 +503,14 @@ bool FrmBlockverwaltung::einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bo
     if (v_.typAcadVersionInfo.strACadVersion.empty()) {
         p.step("ACAD_Connect");
         if (!v_.listenAuswahl)
-            v_.listenAuswahl = [this](const std::string& titel, const std::string& frage,
-                                      const std::vector<std::string>& eintraege) {
+            v_.listenAuswahl = [eltern = QPointer<QWidget>(this)](
+                                   const std::string& titel, const std::string& frage,
+                                   const std::vector<std::string>& eintraege) {
                 QStringList liste;
                 for (const auto& e : eintraege) liste << QString::fromStdString(e);
                 bool ok = false;
                 const QString w =
-                    QInputDialog::getItem(this, QString::fromStdString(titel),
+                    QInputDialog::getItem(eltern.data(), QString::fromStdString(titel),
                                           QString::fromStdString(frage), liste, 0, false, &ok);
                 return ok ? w.toStdString() : std::string();
             };
@@ -549,6 +549,7 @@ bool FrmBlockverwaltung::einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bo
         Anzeigen();
     }
     if (setup_.longTessaraAnzeigenNachEinfuegen == 1) zeigen();
+    zuletztEingefuegt_ = r.erledigteBloecke;
     emit einfuegungBeendet(r.eingefuegt);
     if (r.booProgrammEnde) close();
     return r.eingefuegt > 0;

@@ -43,18 +43,32 @@ Antwort QtBenutzer::zeigen(const std::string& text, const std::string& titel, Sy
     box.setWindowTitle(q(titel));
     box.setText(q(text));
     switch (symbol) {
-        case Symbol::Information: box.setIcon(QMessageBox::Information); break;
-        case Symbol::Ausrufezeichen: box.setIcon(QMessageBox::Warning); break;
-        case Symbol::Frage: box.setIcon(QMessageBox::Question); break;
-        case Symbol::Kritisch: box.setIcon(QMessageBox::Critical); break;
-        case Symbol::Keins: box.setIcon(QMessageBox::NoIcon); break;
+        case Symbol::Information:
+            box.setIcon(QMessageBox::Information);
+            break;
+        case Symbol::Ausrufezeichen:
+            box.setIcon(QMessageBox::Warning);
+            break;
+        case Symbol::Frage:
+            box.setIcon(QMessageBox::Question);
+            break;
+        case Symbol::Kritisch:
+            box.setIcon(QMessageBox::Critical);
+            break;
+        case Symbol::Keins:
+            box.setIcon(QMessageBox::NoIcon);
+            break;
     }
     switch (knoepfe) {
-        case Knoepfe::Ok: box.setStandardButtons(QMessageBox::Ok); break;
+        case Knoepfe::Ok:
+            box.setStandardButtons(QMessageBox::Ok);
+            break;
         case Knoepfe::OkAbbrechen:
             box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
             break;
-        case Knoepfe::JaNein: box.setStandardButtons(QMessageBox::Yes | QMessageBox::No); break;
+        case Knoepfe::JaNein:
+            box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+            break;
         case Knoepfe::JaNeinAbbrechen:
             box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
             break;
@@ -62,10 +76,14 @@ Antwort QtBenutzer::zeigen(const std::string& text, const std::string& titel, Sy
     const int ergebnis = box.exec();
     if (haken) angekreuzt = haken->isChecked();
     switch (ergebnis) {
-        case QMessageBox::Yes: return Antwort::Ja;
-        case QMessageBox::No: return Antwort::Nein;
-        case QMessageBox::Cancel: return Antwort::Abbrechen;
-        default: return Antwort::Ok;
+        case QMessageBox::Yes:
+            return Antwort::Ja;
+        case QMessageBox::No:
+            return Antwort::Nein;
+        case QMessageBox::Cancel:
+            return Antwort::Abbrechen;
+        default:
+            return Antwort::Ok;
     }
 }
 
@@ -75,11 +93,27 @@ std::string QtBenutzer::ordnerWaehlen(const std::string& titel, const std::strin
     return d.isEmpty() ? std::string() : platform::programPath(d.toStdString());
 }
 
+// The program's filters are written as Windows' common dialogs take them,
+// "Name (*.str)|*.str|Alle (*.*)|*.*"; Qt wants "Name (*.str);;Alle (*.*)".
+QString fctQtFilter(const std::string& filter) {
+    const QStringList teile = q(filter).split(QLatin1Char('|'));
+    if (teile.size() < 2) return q(filter);
+    QStringList namen;
+    for (int i = 0; i + 1 < teile.size(); i += 2) {
+        QString name = teile[i];
+        if (!name.contains(QLatin1Char('(')))
+            name += QStringLiteral(" (") + teile[i + 1] + QLatin1Char(')');
+        namen << name;
+    }
+    return namen.join(QStringLiteral(";;"));
+}
+
 std::string QtBenutzer::dateiWaehlen(const std::string& titel, const std::string& start,
                                      const std::string& filter, bool speichern) {
     const QString s = QString::fromStdString(platform::nativePath(start));
-    QString f = speichern ? QFileDialog::getSaveFileName(eltern_, q(titel), s, q(filter))
-                          : QFileDialog::getOpenFileName(eltern_, q(titel), s, q(filter));
+    const QString qf = fctQtFilter(filter);
+    QString f = speichern ? QFileDialog::getSaveFileName(eltern_, q(titel), s, qf)
+                          : QFileDialog::getOpenFileName(eltern_, q(titel), s, qf);
     return f.isEmpty() ? std::string() : platform::programPath(f.toStdString());
 }
 

@@ -8,8 +8,11 @@
 
 namespace tessara {
 
+// A file filter of the program ("Name (*.x)|*.x|…") in Qt's form.
+QString fctQtFilter(const std::string& filter);
+
 class QtBenutzer : public Benutzer {
-public:
+  public:
     explicit QtBenutzer(QWidget* eltern = nullptr) : eltern_(eltern) {}
     void setEltern(QWidget* eltern) { eltern_ = eltern; }
 
@@ -23,7 +26,7 @@ public:
                              const std::string& filter, bool speichern) override;
     void fortschritt(long erledigt, long gesamt, const std::string& text) override;
 
-private:
+  private:
     Antwort zeigen(const std::string& text, const std::string& titel, Symbol symbol,
                    Knoepfe knoepfe, const std::string* kaestchen, bool& angekreuzt);
 

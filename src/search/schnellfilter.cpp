@@ -1,0 +1,112 @@
+#include "search/schnellfilter.h"
+
+#include <algorithm>
+
+#include "db/recordset.h"
+#include "jet/sql/text_rules.h"
+
+namespace tessara {
+
+namespace {
+
+constexpr char kTrenner = '\x01';
+// Rows between two looks at the cancel flag: a relaxed load costs next to
+// nothing, and a long row must not keep a cancelled scan going.
+constexpr std::size_t kPruefabstand = 16;
+
+bool hatSpalte(const db::Recordset& rs, const std::string& spalte) {
+    for (const auto& f : rs.fieldInfos())
+        if (sql::textEquals(f.name, spalte)) return true;
+    return false;
+}
+
+}  // namespace
+
+std::string fctSchnellfilterFalten(std::string_view text) {
+    std::string ohne;
+    ohne.reserve(text.size());
+    for (char c : text)
+        if (static_cast<unsigned char>(c) >= 0x20) ohne += c;
+    return sql::utf8Encode(sql::foldCase(ohne));
+}
+
+std::shared_ptr<const SchnellSchnappschuss> fctSchnellSchnappschussLesen(
+    db::Connection& con, const std::string& strTabelle) {
+    db::Recordset rs;
+    if (strTabelle == "tblBlockInfo")
+        rs.open(
+            "SELECT Block, OrdnerID, SlideLib, BlkName0, BlkName1, BlkName2, BlkName3, BlkName4, "
+            "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9 FROM tblBlockInfo",
+            con);
+    else
+        rs.open("SELECT * FROM [" + strTabelle + "]", con);
+    std::vector<std::string> namen;
+    for (int v = 0; v < 5; ++v)
+        if (hatSpalte(rs, "BlkName" + std::to_string(v)))
+            namen.push_back("BlkName" + std::to_string(v));
+    if (namen.empty() && hatSpalte(rs, "BlkName")) namen.push_back("BlkName");
+    std::vector<std::string> merkmale;
+    for (int m = 0; m < 10; ++m)
+        if (hatSpalte(rs, "M" + std::to_string(m))) merkmale.push_back("M" + std::to_string(m));
+    const bool ordner = hatSpalte(rs, "OrdnerID");
+    const bool slide = hatSpalte(rs, "SlideLib");
+
+    auto zeilen = std::make_shared<SchnellSchnappschuss>();
+    zeilen->reserve(static_cast<std::size_t>(std::max(0L, rs.recordCount())));
+    if (rs.recordCount() > 0) rs.moveFirst();
+    for (; rs.recordCount() > 0 && !rs.eof(); rs.moveNext()) {
+        typSchnellZeile z;
+        z.Block = rs.text("Block");
+        if (ordner) {
+            const auto v = rs.value("OrdnerID");
+            z.OrdnerID = v.isNull() ? 0 : static_cast<long>(v.asInt());
+        }
+        if (slide) z.SlideLib = rs.text("SlideLib");
+        std::string alle = kTrenner + z.Block;
+        for (std::size_t v = 0; v < namen.size(); ++v) {
+            z.BlkName[v] = rs.text(namen[v]);
+            alle += kTrenner + z.BlkName[v];
+        }
+        for (const auto& m : merkmale) {
+            const std::string t = rs.text(m);
+            if (m == "M0") z.M0 = t;
+            alle += kTrenner + t;
+        }
+        z.gefaltet = sql::utf8Encode(sql::foldCase(alle));
+        zeilen->push_back(std::move(z));
+    }
+    std::stable_sort(zeilen->begin(), zeilen->end(),
+                     [](const typSchnellZeile& a, const typSchnellZeile& b) {
+                         return sql::compareGeneral(a.Block, b.Block) < 0;
+                     });
+    return zeilen;
+}
+
+bool fctSchnellfilterPasst(const typSchnellZeile& zeile, const std::string& strGefaltet) {
+    return !strGefaltet.empty() && zeile.gefaltet.find(strGefaltet) != std::string::npos;
+}
+
+bool fctSchnellfilterScannen(const SchnellSchnappschuss& zeilen, const std::string& strGefaltet,
+                             const std::atomic<bool>& abgebrochen,
+                             const std::function<void(std::vector<std::size_t>)>& liefern,
+                             std::size_t ersterStapel, std::size_t stapel) {
+    if (strGefaltet.empty()) return !abgebrochen.load();
+    std::vector<std::size_t> treffer;
+    bool erster = true;
+    for (std::size_t i = 0; i < zeilen.size(); ++i) {
+        if (i % kPruefabstand == 0 && abgebrochen.load(std::memory_order_relaxed)) return false;
+        if (!fctSchnellfilterPasst(zeilen[i], strGefaltet)) continue;
+        treffer.push_back(i);
+        if (treffer.size() >= (erster ? ersterStapel : stapel)) {
+            if (abgebrochen.load()) return false;
+            liefern(std::move(treffer));
+            treffer.clear();
+            erster = false;
+        }
+    }
+    if (abgebrochen.load()) return false;
+    if (!treffer.empty()) liefern(std::move(treffer));
+    return true;
+}
+
+}  // namespace tessara

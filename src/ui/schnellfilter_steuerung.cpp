@@ -1,0 +1,215 @@
+#include "ui/schnellfilter_steuerung.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include "db/jet_opener.h"
+#include "library/datenbank.h"
+#include "platform/environment.h"
+#include "startup/fehler_log.h"
+#include "ui/beschriften.h"
+#include "ui/such_aktionen.h"
+
+namespace tessara {
+
+namespace {
+QString q(const std::string& s) { return QString::fromStdString(s); }
+}  // namespace
+
+SchnellfilterSteuerung::SchnellfilterSteuerung(FrmBlockverwaltung& haupt, QWidget* flaeche)
+    : QObject(&haupt), haupt_(haupt), abbruch_(std::make_shared<std::atomic<bool>>(false)) {
+    setObjectName(QStringLiteral("schnellfilterSteuerung"));
+    // One scan at a time: a cancelled scan stops within a few hundred rows,
+    // and the next one waits for that only.
+    pool_.setMaxThreadCount(1);
+    auto* layout = new QVBoxLayout(flaeche);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* lab = new QLabel(flaeche);
+    lab->setObjectName(QStringLiteral("labSchnellfilter"));
+    txt_ = new QLineEdit(flaeche);
+    txt_->setObjectName(QStringLiteral("txtSchnellfilter"));
+    txt_->setClearButtonEnabled(true);
+    lab->setBuddy(txt_);
+    lis_ = new QListWidget(flaeche);
+    lis_->setObjectName(QStringLiteral("lisSchnellfilter"));
+    lis_->setUniformItemSizes(true);
+    lis_->setMinimumHeight(90);
+    auto* zeile = new QHBoxLayout;
+    anzahl_ = new QLabel(flaeche);
+    // Not a captioned control: its caption is the count's format, filled in here.
+    anzahl_->setObjectName(QStringLiteral("schnellfilterTreffer"));
+    einfuegen_ = new QPushButton(flaeche);
+    einfuegen_->setObjectName(QStringLiteral("cmdSchnellfilterEinfuegen"));
+    zeile->addWidget(anzahl_, 1);
+    zeile->addWidget(einfuegen_);
+    layout->addWidget(lab);
+    layout->addWidget(txt_);
+    layout->addWidget(lis_, 1);
+    layout->addLayout(zeile);
+    anzahl_->clear();
+
+    connect(txt_, &QLineEdit::textChanged, this, [this] { textGeaendert(); });
+    txt_->installEventFilter(this);
+    lis_->installEventFilter(this);
+    connect(lis_, &QListWidget::itemDoubleClicked, this,
+            [this](QListWidgetItem* it) { springen(lis_->row(it)); });
+    connect(einfuegen_, &QPushButton::clicked, this,
+            [this] { einfuegen(lis_->currentRow() < 0 ? 0 : lis_->currentRow()); });
+    connect(&lesen_, &QFutureWatcher<Gelesen>::finished, this, [this] {
+        Gelesen g = lesen_.result();
+        const std::string db = strGelesen_;
+        strGelesen_.clear();
+        if (!g.zeilen) {
+            subErrorAllgemein(haupt_.zustand(), true, "Schnellsuche: " + db + ": " + g.fehler, 0);
+            return;
+        }
+        setSchnappschuss(std::move(g.zeilen), db);
+    });
+}
+
+SchnellfilterSteuerung::~SchnellfilterSteuerung() {
+    abbruch_->store(true);
+    pool_.waitForDone();
+    lesen_.waitForFinished();
+}
+
+// Enter shows the hit (the first one from the box) and goes no further: the
+// main window would take it for its insert command. Down in the box moves
+// into the list.
+bool SchnellfilterSteuerung::eventFilter(QObject* o, QEvent* e) {
+    if (e->type() != QEvent::KeyPress) return QObject::eventFilter(o, e);
+    const int taste = static_cast<QKeyEvent*>(e)->key();
+    if (taste == Qt::Key_Return || taste == Qt::Key_Enter) {
+        if (lis_->count() > 0) springen(lis_->currentRow() < 0 ? 0 : lis_->currentRow());
+        return true;
+    }
+    if (o == txt_ && taste == Qt::Key_Down && lis_->count() > 0) {
+        lis_->setFocus();
+        if (lis_->currentRow() < 0) lis_->setCurrentRow(0);
+        return true;
+    }
+    return QObject::eventFilter(o, e);
+}
+
+void SchnellfilterSteuerung::setSchnappschuss(std::shared_ptr<const SchnellSchnappschuss> zeilen,
+                                              const std::string& strDb) {
+    zeilen_ = std::move(zeilen);
+    strDb_ = strDb;
+    if (!txt_->text().isEmpty()) scanStarten();
+}
+
+void SchnellfilterSteuerung::textGeaendert() {
+    if (txt_->text().isEmpty()) {
+        abbruch_->store(true);
+        ++generation_;
+        lis_->clear();
+        gesamt_ = 0;
+        laeuft_ = false;
+        anzahl_->clear();
+        return;
+    }
+    const std::string db = haupt_.modell().strDatenbank();
+    if (!zeilen_ || strDb_ != db) {
+        // The scan follows once the library's rows are read.
+        abbruch_->store(true);
+        ++generation_;
+        lis_->clear();
+        if (strGelesen_ != db) schnappschussLesen();
+        return;
+    }
+    scanStarten();
+}
+
+void SchnellfilterSteuerung::schnappschussLesen() {
+    const std::string db = haupt_.modell().strDatenbank();
+    if (db.empty() || lesen_.isRunning()) return;
+    strGelesen_ = db;
+    const std::string tabelle = haupt_.zustand().strTblBlockInfo;
+    lesen_.setFuture(QtConcurrent::run([db, tabelle]() -> Gelesen {
+        try {
+            db::Connection con(db::jetOpener(platform::nativePath));
+            con.open(fctJetVerbindung(db));
+            return {fctSchnellSchnappschussLesen(con, tabelle), {}};
+        } catch (const std::exception& e) {
+            return {nullptr, e.what()};
+        }
+    }));
+}
+
+void SchnellfilterSteuerung::scanStarten() {
+    abbruch_->store(true);
+    abbruch_ = std::make_shared<std::atomic<bool>>(false);
+    const int gen = ++generation_;
+    lis_->clear();
+    gesamt_ = 0;
+    laeuft_ = true;
+    listenZeilen_ = zeilen_;
+    anzahlZeigen();
+    auto zeilen = zeilen_;
+    auto abbruch = abbruch_;
+    const std::string nadel = fctSchnellfilterFalten(txt_->text().toStdString());
+    pool_.start([this, zeilen, abbruch, nadel, gen] {
+        const bool ganz = fctSchnellfilterScannen(
+            *zeilen, nadel, *abbruch, [this, gen](std::vector<std::size_t> treffer) {
+                QMetaObject::invokeMethod(
+                    this,
+                    [this, gen, treffer = std::move(treffer)] {
+                        if (gen != generation_) return;
+                        gesamt_ += static_cast<long>(treffer.size());
+                        for (std::size_t i : treffer) {
+                            if (lis_->count() >= kAngezeigt) break;
+                            const auto& z = (*listenZeilen_)[i];
+                            auto* it = new QListWidgetItem(
+                                q(z.Block) + (z.M0.empty() ? QString() : "  " + q(z.M0)), lis_);
+                            it->setData(Qt::UserRole, static_cast<qulonglong>(i));
+                            it->setToolTip(it->text());
+                        }
+                        anzahlZeigen();
+                        emit trefferGeliefert();
+                    },
+                    Qt::QueuedConnection);
+            });
+        if (!ganz) return;
+        QMetaObject::invokeMethod(
+            this,
+            [this, gen] {
+                if (gen != generation_) return;
+                laeuft_ = false;
+                anzahlZeigen();
+                emit scanFertig(gesamt_);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void SchnellfilterSteuerung::anzahlZeigen() {
+    QString format = ui::fctText(haupt_.zustand(), QStringLiteral("frmBlockverwaltung"),
+                                 QStringLiteral("labSchnellfilterTreffer"));
+    if (!format.contains(QLatin1String("%1"))) format = QStringLiteral("%1");
+    anzahl_->setText(format.arg(gesamt_) + (laeuft_ ? QStringLiteral(" …") : QString()));
+}
+
+const typSchnellZeile* SchnellfilterSteuerung::zeile(int listenZeile) const {
+    const QListWidgetItem* it = lis_->item(listenZeile);
+    if (!it || !listenZeilen_) return nullptr;
+    const auto i = static_cast<std::size_t>(it->data(Qt::UserRole).toULongLong());
+    return i < listenZeilen_->size() ? &(*listenZeilen_)[i] : nullptr;
+}
+
+bool SchnellfilterSteuerung::springen(int listenZeile) {
+    const auto* z = zeile(listenZeile);
+    return z && ui::fctZumBlockSpringen(haupt_, z->Block);
+}
+
+bool SchnellfilterSteuerung::einfuegen(int listenZeile) {
+    const auto* z = zeile(listenZeile);
+    return z && ui::fctBlockEinfuegen(haupt_, z->Block);
+}
+
+}  // namespace tessara
