@@ -19,6 +19,7 @@
 #include "startup/fehler_log.h"
 #include "ui/beschriften.h"
 #include "ui/frm_blockverwaltung_suche.h"
+#include "ui/frm_blockverwaltung_verwaltung.h"
 #include "ui/frm_optionen.h"
 #include "ui/frm_vollbild.h"
 #include "ui/sld_blockverwaltung.h"
@@ -110,6 +111,7 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
         connect(c, &QCheckBox::toggled, this, [this] { einfuegeOptionenUebernehmen(); });
     ui_->rasterFlaeche->installEventFilter(this);
     subSucheEinrichten(*this);
+    subVerwaltungEinbinden(*this);
 }
 
 FrmBlockverwaltung::~FrmBlockverwaltung() {

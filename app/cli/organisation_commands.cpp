@@ -1,0 +1,158 @@
+// Folder and Page subcommands: the same operations as the Folder and Page
+// windows, on a library database given by its path. Every question is
+// answered Yes; a refusal ends the command with the message that the
+// window would have shown.
+#include <filesystem>
+#include <iostream>
+
+#include "authoring/datei_layout.h"
+#include "cli/cli.h"
+#include "db/jet_opener.h"
+#include "library/navigation_model.h"
+#include "organisation/ordner_verwaltung.h"
+#include "organisation/seiten_verwaltung.h"
+#include "platform/environment.h"
+#include "platform/posix/posix_environment.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Questions are answered Yes; the last message is kept for the error line.
+class JaBenutzer : public tessara::Benutzer {
+  public:
+    std::string letzte;
+    tessara::Antwort meldung(const std::string& text, const std::string&, tessara::Symbol,
+                             tessara::Knoepfe knoepfe) override {
+        if (knoepfe == tessara::Knoepfe::JaNein || knoepfe == tessara::Knoepfe::JaNeinAbbrechen)
+            return tessara::Antwort::Ja;
+        letzte = text;
+        for (auto& c : letzte)
+            if (c == '\r') c = ' ';
+        return tessara::Antwort::Ok;
+    }
+    std::string ordnerWaehlen(const std::string&, const std::string&) override { return {}; }
+    std::string dateiWaehlen(const std::string&, const std::string&, const std::string&,
+                             bool) override {
+        return {};
+    }
+    void fortschritt(long, long, const std::string&) override {}
+};
+
+// A library opened as the main window opens it, with messages from the
+// caption files beside the executable.
+class Bibliothek {
+  public:
+    Bibliothek(const std::string& befehl, std::ostream& err)
+        : befehl_(befehl), err_(err), m_(z_, db::jetOpener(platform::nativePath)) {
+        z_.benutzer = &benutzer_;
+        z_.strAppPfad = platform::PosixEnvironment().applicationDirectory();
+        z_.strSprache = "deutsch";
+        std::error_code ec;
+        const fs::path log = fs::temp_directory_path(ec) / "tessara-cli-organisation.log";
+        z_.strErrorDatei = platform::programPath(log.string());
+    }
+
+    bool oeffnen(const std::string& pfad) {
+        std::error_code ec;
+        const std::string voll = fs::absolute(pfad, ec).string();
+        if (!fs::exists(voll, ec)) return fehler(pfad + ": no such file");
+        m_.fctCodeTabelleLesen(tessara::fctCodeTabelleDatei(z_.strAppPfad));
+        if (!m_.fctDatenbankOeffnen(platform::programPath(voll)) || !m_.OrdnerInArrayEinlesen())
+            return fehler(pfad + ": cannot open the library: " + m_.fehlerText());
+        tessara::fctOrdnerReihenfolgeLesen(z_, m_, false);
+        return m_.OrdnerInArrayEinlesen() || fehler(pfad + ": cannot read the folders");
+    }
+    // Makes the Folder of that name (exactly) current.
+    bool ordner(const std::string& name) {
+        for (const auto& o : m_.aryOrdner())
+            if (o.OrdnerName == name) return m_.fctOrdnerWaehlen(o.OrdnerNr);
+        return fehler("no folder named '" + name + "'");
+    }
+    const tessara::typOrdnerEintrag* ordnerEintrag(const std::string& name) const {
+        for (const auto& o : m_.aryOrdner())
+            if (o.OrdnerName == name) return &o;
+        return nullptr;
+    }
+    // The end of an operation: 0, or 1 with the message it showed.
+    int ergebnis(bool ok) {
+        if (ok) return 0;
+        fehler(benutzer_.letzte.empty() ? std::string("refused") : benutzer_.letzte);
+        return 1;
+    }
+    bool fehler(const std::string& text) {
+        err_ << "tessara-cli " << befehl_ << ": " << text << "\n";
+        return false;
+    }
+
+    tessara::ProgrammZustand& z() { return z_; }
+    tessara::NavigationsModell& m() { return m_; }
+
+  private:
+    std::string befehl_;
+    std::ostream& err_;
+    JaBenutzer benutzer_;
+    tessara::ProgrammZustand z_;
+    tessara::NavigationsModell m_;
+};
+
+int nutzung(std::ostream& err, const char* text) {
+    err << "usage: tessara-cli " << text << "\n";
+    return 2;
+}
+
+int runFolder(const cli::Args& a, std::istream&, std::ostream& out, std::ostream& err) {
+    const std::string art = a.empty() ? std::string() : a[0];
+    const std::size_t n = art == "list"                     ? 2
+                          : art == "add" || art == "delete" ? 3
+                          : art == "rename"                 ? 4
+                                                            : 0;
+    if (n == 0 || a.size() != n)
+        return nutzung(err,
+                       "folder list PATH | add PATH NAME | rename PATH OLD NEW | "
+                       "delete PATH NAME");
+    Bibliothek b("folder " + art, err);
+    if (!b.oeffnen(a[1])) return 1;
+    if (art == "list") {
+        for (const auto& o : tessara::fctOrdnerZeilen(b.z(), b.m()))
+            out << o.OrdnerNr << "\t" << o.OrdnerName << "\n";
+        return 0;
+    }
+    if (art == "add") {
+        std::string code;
+        const int r = b.ergebnis(tessara::fctOrdnerNeu(b.z(), b.m(), a[2], &code));
+        if (r == 0) out << code << "\n";
+        return r;
+    }
+    if (art == "rename") return b.ergebnis(tessara::fctOrdnerUmbenennen(b.z(), b.m(), a[2], a[3]));
+    const auto* o = b.ordnerEintrag(a[2]);
+    if (!o) {
+        b.fehler("no folder named '" + a[2] + "'");
+        return 1;
+    }
+    return b.ergebnis(tessara::fctOrdnerLoeschen(b.z(), b.m(), o->Nr));
+}
+
+int runPage(const cli::Args& a, std::istream&, std::ostream& out, std::ostream& err) {
+    const std::string art = a.empty() ? std::string() : a[0];
+    if (!((art == "list" && a.size() == 3) || (art == "add" && a.size() == 5)))
+        return nutzung(err, "page list PATH FOLDER | add PATH FOLDER NUMBER NAME");
+    Bibliothek b("page " + art, err);
+    if (!b.oeffnen(a[1]) || !b.ordner(a[2])) return 1;
+    if (art == "add") return b.ergebnis(tessara::fctSeiteNeu(b.z(), b.m(), a[3], a[4]));
+    for (const auto& s : b.m().seitenListe()) out << s.SeitenNr << "\t" << s.SeitenName << "\n";
+    return 0;
+}
+
+cli::Subcommand folderCmd{"folder",
+                          "list PATH | add PATH NAME | rename PATH OLD NEW | delete PATH NAME",
+                          "list, create, rename or delete the Folders of a library (questions "
+                          "are answered Yes)",
+                          &runFolder};
+cli::Subcommand pageCmd{"page", "list PATH FOLDER | add PATH FOLDER NUMBER NAME",
+                        "list the Pages of a Folder or create one (questions are answered Yes)",
+                        &runPage};
+
+}  // namespace

@@ -1,0 +1,271 @@
+#include "organisation/seiten_verwaltung.h"
+
+#include <exception>
+
+#include "captions/meldungen.h"
+#include "library/zugriff.h"
+#include "organisation/ordner_verwaltung.h"
+#include "organisation/schreib_einheit.h"
+#include "startup/fehler_log.h"
+
+namespace tessara {
+
+namespace {
+
+long zahl(const db::Recordset& rs, const char* feld) {
+    const sql::Value v = rs.value(feld);
+    return v.isNull() ? 0 : static_cast<long>(v.asInt());
+}
+
+// What decides how a Page is written: the row holding the number, and
+// another row holding the name. Read once before the questions and once
+// more in the unit that writes; when the two differ, another workstation
+// changed the Pages in between and the questions are asked again.
+struct Lage {
+    long nrZeile = 0;  // tblSeiten.Nr of the row with the number, 0: none
+    std::string nrName;
+    long nameZeile = 0;  // a different row with the name, 0: none
+    bool operator==(const Lage&) const = default;
+};
+
+bool seitenOffen(NavigationsModell& m) {
+    if (m.datenbank().rsSeiten.state() == db::adStateOpen) return true;
+    return m.subRsSeitenNeuEinlesen();
+}
+
+Lage lesen(NavigationsModell& m, long lngSeitenNr, const std::string& strName) {
+    Lage l;
+    db::Recordset& rs = m.datenbank().rsSeiten;
+    rs.requery();
+    if (rs.recordCount() < 1) return l;
+    rs.moveFirst();
+    if (rs.find("SeitenNr Like '" + std::to_string(lngSeitenNr) + "'")) {
+        l.nrZeile = zahl(rs, "Nr");
+        l.nrName = rs.text("SeitenName");
+    }
+    rs.moveFirst();
+    while (!rs.eof() && rs.find("Seitenname Like '" + strName + "'")) {
+        if (zahl(rs, "Nr") != l.nrZeile) {
+            l.nameZeile = zahl(rs, "Nr");
+            break;
+        }
+        rs.moveNext();
+    }
+    return l;
+}
+
+bool gleicherSeitennameFragen(ProgrammZustand& z, const std::string& strName) {
+    if (!z.benutzer) return false;
+    return z.benutzer->meldung("Seite mit folgendem Name besteht schon:\r" + strName +
+                                   "\rSoll die Seite trotzdem angelegt werden?",
+                               "gleicher Seitenname", Symbol::Information,
+                               Knoepfe::JaNein) == Antwort::Ja;
+}
+
+// P1 steps 3 and 4 (booDialog: with the dialog's questions) and P3.
+bool seiteSchreiben(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
+                    const std::string& strName, bool booDialog) {
+    const auto* o = m.aktuellerOrdner();
+    if (!o || !seitenOffen(m)) return false;
+    db::Connection& con = m.datenbank().con;
+    db::Recordset& rs = m.datenbank().rsSeiten;
+    const std::string nr = std::to_string(lngSeitenNr);
+    for (int versuch = 0; versuch < 3; ++versuch) {
+        Lage vorher;
+        {
+            SchreibEinheit e(con);
+            vorher = lesen(m, lngSeitenNr, strName);
+        }
+        if (vorher.nrZeile != 0 && booDialog &&
+            !fctMsgbox(z, MsgboxArt::Frage,
+                       {kMsgSeiteNrVergeben, nr + ": " + vorher.nrName, kMsgSeiteUeberschreiben}))
+            return false;
+        if (vorher.nameZeile != 0 &&
+            !(booDialog ? fctMsgbox(z, MsgboxArt::Frage,
+                                    {kMsgSeiteNameVergeben, strName, kMsgSeiteTrotzdem})
+                        : gleicherSeitennameFragen(z, strName)))
+            return false;
+
+        SchreibEinheit e(con);
+        if (!(lesen(m, lngSeitenNr, strName) == vorher)) continue;
+        if (vorher.nrZeile != 0) {
+            // Overwritten in place: the Page keeps its key and so its Blocks.
+            rs.moveFirst();
+            rs.find("Nr = " + std::to_string(vorher.nrZeile));
+        } else {
+            rs.addNew();
+        }
+        rs.setValue("seitenNr", static_cast<long long>(lngSeitenNr));
+        rs.setValue("SeitenName", strName);
+        rs.setValue("NrTblOrdner", static_cast<long long>(o->Nr));
+        rs.update();
+        e.commit();
+        return fctSeiteInCboEinlesen(z, m);
+    }
+    return false;
+}
+
+}  // namespace
+
+bool fctSeiteNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& strSeitenNr,
+                 const std::string& strSeitenname) {
+    Prozedur p(z, "frmSeiteNeu.cmbOk_Click");
+    try {
+        const auto name = fctNamePruefen(z, strSeitenname);
+        if (!name) return false;
+        if (strSeitenNr.empty() || name->empty()) {
+            fctMsgbox(z, MsgboxArt::Info, {kMsgSeiteAngabenFehlen});
+            return false;
+        }
+        if (strSeitenNr.find_first_not_of("0123456789") != std::string::npos) {
+            fctMsgbox(z, MsgboxArt::Info, {kMsgSeiteNurZiffern, strSeitenNr});
+            return false;
+        }
+        // "007" is Page 7: the number is compared as the column holds it.
+        const auto ziffern = strSeitenNr.find_first_not_of('0');
+        const std::string ohneNullen =
+            ziffern == std::string::npos ? std::string("0") : strSeitenNr.substr(ziffern);
+        const long nr = ohneNullen.size() > 5 ? kHoechsteSeitenNr + 1 : std::stol(ohneNullen);
+        if (nr < 1 || nr > kHoechsteSeitenNr) {
+            fctMsgbox(z, MsgboxArt::Info, {kMsgSeiteNrBereich, strSeitenNr});
+            return false;
+        }
+        return seiteSchreiben(z, m, nr, *name, true);
+    } catch (const std::exception& e) {
+        p.fehler(e);
+        return false;
+    }
+}
+
+bool fctSeiteAendern(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
+                     const std::string& strName) {
+    Prozedur p(z, "fctSeiteAendern", true);
+    try {
+        return seiteSchreiben(z, m, lngSeitenNr, strName, false);
+    } catch (const std::exception& e) {
+        p.fehler(e);
+        return false;
+    }
+}
+
+bool fctSeiteUmbenennen(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
+                        const std::string& strNeu) {
+    Prozedur p(z, "frmSeiteUmbenennen.cmbOk_Click");
+    try {
+        const auto neu = fctNamePruefen(z, strNeu);
+        if (!neu) return false;
+        if (neu->empty()) {
+            fctMsgbox(z, MsgboxArt::Info, {kMsgSeiteAngabenFehlen});
+            return false;
+        }
+        if (!m.aktuellerOrdner() || !seitenOffen(m)) return false;
+        db::Recordset& rs = m.datenbank().rsSeiten;
+        enum { Ok, Vergeben, Verschwunden } r = Ok;
+        {
+            SchreibEinheit e(m.datenbank().con);
+            rs.requery();
+            if (fctRsFind(z, rs, "Seitenname", *neu)) {
+                r = Vergeben;
+            } else if (!fctRsFind(z, rs, "SeitenNr", std::to_string(lngSeitenNr))) {
+                r = Verschwunden;
+            } else {
+                rs.setValue("SeitenName", *neu);
+                rs.update();
+                e.commit();
+            }
+        }
+        if (r == Vergeben) {
+            fctMsgbox(z, MsgboxArt::Info, {kMsgSeiteNameVergeben, *neu, kMsgAndererName});
+            return false;
+        }
+        if (r == Verschwunden) {
+            fctMsgbox(z, MsgboxArt::Info, {kMsgSeiteVerschwunden});
+            return false;
+        }
+        return fctSeiteInCboEinlesen(z, m);
+    } catch (const std::exception& e) {
+        p.fehler(e);
+        return false;
+    }
+}
+
+bool fctSeiteLoeschen(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr) {
+    Prozedur p(z, "frmSeitenverwaltung.cmbLoeschen_Click");
+    try {
+        const auto* o = m.aktuellerOrdner();
+        if (!o || !seitenOffen(m)) return false;
+        if (!fctMsgboxFrageEinzeilig(z, kMsgSeiteLoeschen)) {
+            fctSeiteInCboEinlesen(z, m);
+            return false;
+        }
+        typDatenbank& d = m.datenbank();
+        {
+            SchreibEinheit e(d.con);
+            d.rsSeiten.requery();
+            p.step("Seite suchen");
+            if (!fctRsFind(z, d.rsSeiten, "SeitenNr", std::to_string(lngSeitenNr))) return false;
+            if (d.rsSeiten.recordCount() > 1) {
+                p.step("Seite löschen");
+                d.rsSeiten.deleteCurrent();
+                d.rsSeiten.update();
+            } else {
+                p.step("letzte Seite löschen");
+                d.rsSeiten.close();
+                d.con.execute("DELETE FROM tblSeiten WHERE NrTblOrdner = " + std::to_string(o->Nr));
+            }
+            e.commit();
+        }
+        return fctSeiteInCboEinlesen(z, m);
+    } catch (const std::exception& e) {
+        p.fehler(e);
+        fctSeiteInCboEinlesen(z, m);
+        return false;
+    }
+}
+
+typSeitenListe fctSeitenAnzeigen(ProgrammZustand& z, NavigationsModell& m) {
+    typSeitenListe l;
+    if (!fctSeiteInCboEinlesen(z, m)) return l;
+    for (const auto& s : m.seitenListe()) {
+        if (s.SeitenNr == m.intSeite() + 1) l.intAuswahl = static_cast<int>(l.zeilen.size());
+        l.zeilen.push_back(std::to_string(s.SeitenNr) + "\t" + s.SeitenName);
+        l.nummern.push_back(s.SeitenNr);
+    }
+    return l;
+}
+
+bool fctSeiteAnlegenOhneKontrolle(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
+                                  const std::string& strName) {
+    Prozedur p(z, "fctSeiteAnlegenOhneKontrolle", true);
+    try {
+        const auto* o = m.aktuellerOrdner();
+        if (!o || !seitenOffen(m)) return false;
+        db::Recordset& rs = m.datenbank().rsSeiten;
+        {
+            SchreibEinheit e(m.datenbank().con);
+            rs.addNew();
+            rs.setValue("seitenNr", static_cast<long long>(lngSeitenNr));
+            rs.setValue("SeitenName", strName);
+            rs.setValue("NrTblOrdner", static_cast<long long>(o->Nr));
+            rs.update();
+            e.commit();
+        }
+        fctSeiteInCboEinlesen(z, m);
+        return m.GeheZuSeite(lngSeitenNr - 1);
+    } catch (const std::exception& e) {
+        p.fehler(e);
+        return false;
+    }
+}
+
+std::string fctSeitenNameMitIndex(const std::string& strName, int intIndex) {
+    return intIndex > 0 ? strName + "-" + std::to_string(intIndex) : strName;
+}
+
+bool fctSeiteInCboEinlesen(ProgrammZustand& z, NavigationsModell& m) {
+    Prozedur p(z, "fctSeiteInCboEinlesen", true);
+    const bool ok = m.subRsSeitenNeuEinlesen();
+    return m.SeitenInArrayEinlesen() && ok;
+}
+
+}  // namespace tessara

@@ -1,0 +1,136 @@
+// Two workstations on one library file: two processes create 100 Folders and
+// 100 Pages each at the same time. Every row must be there exactly once,
+// every Folder code distinct, the file sound for our checker and mdbtools.
+// Both racers see the same highest key and so want the same code; the loser
+// must take the next free one, not fail and not duplicate.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <set>
+
+#include "bibliothek.h"
+#include "organisation/ordner_verwaltung.h"
+#include "organisation/seiten_verwaltung.h"
+#include "platform/environment.h"
+
+namespace tessara::orgtest {
+namespace {
+
+constexpr int kJeProzess = 100;
+
+std::string ausgabe(const std::string& befehl, int* rc = nullptr) {
+    std::string text;
+    if (FILE* p = ::popen(befehl.c_str(), "r")) {
+        char puffer[4096];
+        for (std::size_t n; (n = std::fread(puffer, 1, sizeof puffer, p)) > 0;)
+            text.append(puffer, n);
+        const int status = ::pclose(p);
+        if (rc) *rc = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    return text;
+}
+
+class Nebenlaeufig : public Bibliothek {
+  protected:
+    // After both racers: 1 + 2 × kJeProzess Folders "A<i>"/"B<i>" with
+    // distinct codes, Pages 1 .. 1 + 2 × kJeProzess of Folder "000", each
+    // once, and a file both checkers read.
+    void pruefen() {
+        const auto ordner = zeilen("SELECT OrdnerNr, Ordnername FROM tblOrdner ORDER BY Nr");
+        ASSERT_EQ(ordner.size(), 1u + 2 * kJeProzess);
+        std::set<std::string> codes, namen;
+        std::map<std::string, char> wer;
+        for (const auto& zeile : ordner) {
+            codes.insert(zeile.substr(0, 3));
+            namen.insert(zeile.substr(4));
+            wer[zeile.substr(0, 3)] = zeile[4];
+        }
+        EXPECT_EQ(codes.size(), ordner.size()) << "a code was given twice";
+        EXPECT_EQ(namen.size(), ordner.size()) << "a Folder was created twice";
+        for (int i = 1; i <= kJeProzess; ++i)
+            for (const char* p : {"A", "B"})
+                EXPECT_TRUE(namen.count(p + std::to_string(i))) << p << i;
+
+        const auto seiten =
+            zeilen("SELECT SeitenNr, SeitenName FROM tblSeiten WHERE NrTblOrdner = 1");
+        std::set<std::string> nummern;
+        for (const auto& s : seiten) nummern.insert(s.substr(0, s.find('|')));
+        EXPECT_EQ(seiten.size(), 1u + 2 * kJeProzess);
+        EXPECT_EQ(nummern.size(), seiten.size()) << "a Page number was written twice";
+
+        int rc = -1;
+        const std::string pfad = platform::nativePath(db);
+        EXPECT_EQ(ausgabe(std::string(TESSARA_CLI) + " check '" + pfad + "' 2>&1", &rc),
+                  "no faults found\n");
+        EXPECT_EQ(rc, 0);
+        for (const char* t : {"tblOrdner", "tblSeiten"}) {
+            const std::string csv = ausgabe("mdb-export '" + pfad + "' " + t, &rc);
+            EXPECT_EQ(rc, 0) << t;
+            EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 2 + 2 * kJeProzess) << t;
+        }
+        // How often the code order switches between the racers: 1 would mean
+        // one ran after the other, and the test would prove nothing.
+        int wechsel = 0;
+        char vorher = 0;
+        for (const auto& [code, p] : wer) {
+            if (p == 'S') continue;  // Standard-Ordner
+            wechsel += vorher && p != vorher;
+            vorher = p;
+        }
+        std::printf(
+            "[ figures  ] %zu Folders, %zu codes, %zu Pages; the racers alternate %d times "
+            "in code order\n",
+            ordner.size(), codes.size(), seiten.size(), wechsel);
+        EXPECT_GT(wechsel, 10) << "the two processes did not run at the same time";
+    }
+};
+
+TEST_F(Nebenlaeufig, TwoCommandLineProcessesCreateFoldersAndPagesAtOnce) {
+    const std::string cli = TESSARA_CLI, pfad = platform::nativePath(db);
+    // Each racer alternates Folders and Pages; A takes Page numbers 2 .. 101,
+    // B 102 .. 201.
+    std::string skript;
+    for (const auto& [p, versatz] : {std::pair{"A", 1}, {"B", 1 + kJeProzess}})
+        skript += std::string("( i=1; while [ $i -le ") + std::to_string(kJeProzess) + " ]; do '" +
+                  cli + "' folder add '" + pfad + "' " + p + "$i >/dev/null || echo " + p +
+                  "$i; '" + cli + "' page add '" + pfad + "' Standard-Ordner $((i+" +
+                  std::to_string(versatz) + ")) " + p + "$i || echo page " + p +
+                  "$i; i=$((i+1)); done ) & ";
+    const std::string fehlgeschlagen = ausgabe("{ " + skript + "wait; } 2>&1");
+    EXPECT_EQ(fehlgeschlagen, "");
+    pruefen();
+}
+
+TEST_F(Nebenlaeufig, TwoOpenLibrariesCreateFoldersAndPagesAtOnce) {
+    // As two workstations with the window open: each process keeps its
+    // library open for the whole run.
+    modell.reset();
+    pid_t kinder[2];
+    for (int k = 0; k < 2; ++k) {
+        kinder[k] = ::fork();
+        ASSERT_GE(kinder[k], 0);
+        if (kinder[k] > 0) continue;
+        int fehler = 0;
+        oeffnen();
+        const std::string p = k == 0 ? "A" : "B";
+        for (int i = 1; i <= kJeProzess; ++i) {
+            fehler += !fctOrdnerNeu(z, *modell, p + std::to_string(i));
+            fehler += !fctSeiteNeu(z, *modell, std::to_string(i + 1 + k * kJeProzess),
+                                   p + std::to_string(i));
+        }
+        std::fflush(stdout);
+        ::_exit(fehler > 0 ? 1 : 0);
+    }
+    for (pid_t kind : kinder) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(kind, &status, 0), kind);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    }
+    pruefen();
+}
+
+}  // namespace
+}  // namespace tessara::orgtest

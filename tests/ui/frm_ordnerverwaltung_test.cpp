@@ -1,0 +1,291 @@
+// The Folder and Page windows under Xvfb, opened from the main window on the
+// demo library: one full round of changes, each visible at once in the main
+// window's Folder and Page boxes, and the lock of a write-protected library.
+#include "ui/frm_ordnerverwaltung.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+#include <cstdlib>
+#include <sstream>
+
+#include "platform/environment.h"
+#include "platform/memory/memory_desktop.h"
+#include "startup/benutzer.h"
+#include "startup/einstellungen.h"
+#include "startup/registry_werte.h"
+#include "ui/frm_block_eigenschaften.h"
+#include "ui/frm_blockverwaltung.h"
+#include "ui/frm_def_menue.h"
+#include "ui/frm_ordner_neu.h"
+#include "ui/frm_ordner_umbenennen.h"
+#include "ui/frm_seite_neu.h"
+#include "ui/frm_seite_umbenennen.h"
+#include "ui/frm_seitenverwaltung.h"
+#include "ui_umgebung.h"
+
+namespace tessara::uitest {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path& demoBibliothek() {
+    static const fs::path vorlage = [] {
+        fs::path p =
+            fs::temp_directory_path() / ("tessara_ui_verwaltung_" + std::to_string(::getpid()));
+        fs::remove_all(p);
+        const std::string befehl =
+            std::string(TESSARA_CLI) + " make-demo-library " + p.string() + " >/dev/null";
+        EXPECT_EQ(std::system(befehl.c_str()), 0);
+        return p;
+    }();
+    return vorlage;
+}
+
+class Verwaltung : public FensterTest {
+  protected:
+    void SetUp() override {
+        FensterTest::SetUp();
+        fs::copy(demoBibliothek(), wurzel / "bib", fs::copy_options::recursive);
+        z.strAppPfad = platform::programPath(std::string(TESSARA_BINARY_DIR) + "/app");
+        z.strIniDatei = z.strCTemp + "Tessara9.0.ini";
+        z.strSprache = "deutsch";
+        z.benutzer = &benutzer;
+        plattform.desktop = &desktop;
+        IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0",
+                    platform::programPath((wurzel / "bib").string()));
+        IniSetValue(z, z.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
+    }
+    void starten(const typSetupWerte& w = {}) {
+        SetupInRegistrierdatenbankSpeichern(z, w);
+        haupt = std::make_unique<FrmBlockverwaltung>(z, cad);
+        QSignalSpy gemalt(haupt.get(), &FrmBlockverwaltung::seiteGemalt);
+        haupt->laden();
+        ASSERT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
+        haupt->show();
+    }
+    void TearDown() override {
+        haupt.reset();
+        FensterTest::TearDown();
+    }
+
+    template <class T>
+    T* kind(QObject* eltern, const char* name) {
+        auto* w = eltern->findChild<T*>(QString::fromLatin1(name));
+        EXPECT_NE(w, nullptr) << name;
+        return w;
+    }
+    // A window the menu entry or button opened; waits until it is shown.
+    template <class T>
+    T* geoeffnet(QObject* eltern) {
+        T* f = nullptr;
+        [&] { QTRY_VERIFY((f = eltern->findChild<T*>()) && f->isVisible()); }();
+        return f;
+    }
+    QStringList box(const char* name) {
+        QStringList l;
+        auto* b = kind<QComboBox>(haupt.get(), name);
+        for (int i = 0; i < b->count(); ++i) l << b->itemText(i);
+        return l;
+    }
+    void eintippen(QWidget* fenster, const char* feld, const QString& text) {
+        auto* e = kind<QLineEdit>(fenster, feld);
+        e->clear();
+        // QTest types only ASCII keys; umlauts go in as an input method would.
+        e->insert(text);
+    }
+    void klicken(QWidget* fenster, const char* knopf) {
+        QTest::mouseClick(kind<QAbstractButton>(fenster, knopf), Qt::LeftButton);
+    }
+
+    SkriptBenutzer benutzer;
+    platform::MemoryDesktop desktop;
+    CadVerbindung cad;
+    std::unique_ptr<FrmBlockverwaltung> haupt;
+};
+
+TEST_F(Verwaltung, AFullRoundOfFolderAndPageChangesShowsAtOnceInTheMainWindow) {
+    starten();
+    auto* extras = kind<QMenu>(haupt.get(), "mnuExtras");
+    extras->popup(haupt->mapToGlobal(QPoint(40, 40)));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(extras));
+    bildschirmfoto(extras, "mnuExtras");
+    extras->hide();
+    EXPECT_EQ(kind<QAction>(haupt.get(), "mnuOrdnerverwaltung")->text(),
+              QString::fromUtf8("Ordner &verwalten …"));
+    const QStringList ordnerVorher = box("comboxOrdner");
+    kind<QAction>(haupt.get(), "mnuOrdnerverwaltung")->trigger();
+    auto* ordner = geoeffnet<FrmOrdnerverwaltung>(haupt.get());
+    auto* liste = kind<QListWidget>(ordner, "dlisOrdner");
+    EXPECT_EQ(liste->count(), ordnerVorher.size());
+    EXPECT_FALSE(kind<QPushButton>(ordner, "cmdOrdnerExport")->isEnabled());
+    EXPECT_EQ(ordner->windowTitle(), "Ordner verwalten");
+    bildschirmfoto(ordner, "frmOrdnerverwaltung");
+
+    klicken(ordner, "cmbNeu");
+    auto* neu = geoeffnet<FrmOrdnerNeu>(ordner);
+    bildschirmfoto(neu, "frmOrdnerNeu");
+    eintippen(neu, "txtOrdnerName", QString::fromUtf8("Schrauben für Holz"));
+    klicken(neu, "cmbOk");
+    QTRY_VERIFY(box("comboxOrdner").contains(QString::fromUtf8("Schrauben für Holz")));
+    EXPECT_EQ(liste->currentItem()->text(), QString::fromUtf8("Schrauben für Holz"));
+
+    klicken(ordner, "cmbUmbenennen");
+    auto* umbenennen = geoeffnet<FrmOrdnerUmbenennen>(ordner);
+    bildschirmfoto(umbenennen, "frmOrdnerUmbenennen");
+    eintippen(umbenennen, "txtOrdnerName", QString::fromUtf8("Schrauben und Dübel"));
+    klicken(umbenennen, "cmbOk");
+    QTRY_COMPARE(box("comboxOrdner").back(), QString::fromUtf8("Schrauben und Dübel"));
+
+    klicken(ordner, "imgAufAb_0");
+    QStringList erwartet = ordnerVorher;
+    erwartet.insert(erwartet.size() - 1, QString::fromUtf8("Schrauben und Dübel"));
+    EXPECT_EQ(box("comboxOrdner"), erwartet);
+    EXPECT_EQ(liste->currentRow(), erwartet.size() - 2);
+
+    klicken(ordner, "cmbOk");
+    QTRY_VERIFY(!ordner->isVisible() || haupt->findChild<FrmOrdnerverwaltung*>() == nullptr);
+    EXPECT_EQ(kind<QComboBox>(haupt.get(), "comboxOrdner")->currentText(),
+              QString::fromUtf8("Schrauben und Dübel"));
+    EXPECT_TRUE(box("comboxSeite").isEmpty());
+
+    kind<QAction>(haupt.get(), "mnuSeitenverwaltung")->trigger();
+    auto* seiten = geoeffnet<FrmSeitenverwaltung>(haupt.get());
+    EXPECT_EQ(kind<QListWidget>(seiten, "lisSeiten")->count(), 0);
+    EXPECT_FALSE(kind<QPushButton>(seiten, "cmbLoeschen")->isEnabled());
+    klicken(seiten, "cmbNeu");
+    auto* seiteNeu = geoeffnet<FrmSeiteNeu>(seiten);
+    EXPECT_EQ(kind<QLineEdit>(seiteNeu, "txtSeitenNr")->text(), "1");
+    eintippen(seiteNeu, "txtSeitenNr", "12a");
+    eintippen(seiteNeu, "txtSeitenname", QString::fromUtf8("Sechskant"));
+    bildschirmfoto(seiteNeu, "frmSeiteNeu");
+    klicken(seiteNeu, "cmbOk");
+    EXPECT_TRUE(seiteNeu->isVisible()) << "a refused number leaves the window open";
+    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
+    EXPECT_NE(benutzer.gezeigt[0].text.find("nur aus Ziffern"), std::string::npos);
+    eintippen(seiteNeu, "txtSeitenNr", "1");
+    klicken(seiteNeu, "cmbOk");
+    QTRY_COMPARE(box("comboxSeite"), QStringList{QString::fromUtf8("Sechskant")});
+    auto* lis = kind<QListWidget>(seiten, "lisSeiten");
+    ASSERT_EQ(lis->count(), 1);
+    EXPECT_EQ(lis->item(0)->text(), QString::fromUtf8("1\tSechskant"));
+    bildschirmfoto(seiten, "frmSeitenverwaltung");
+
+    lis->setCurrentRow(0);
+    klicken(seiten, "cmbUmbenennen");
+    auto* seiteUm = geoeffnet<FrmSeiteUmbenennen>(seiten);
+    bildschirmfoto(seiteUm, "frmSeiteUmbenennen");
+    eintippen(seiteUm, "txtSeitenname", QString::fromUtf8("Sechskantmuttern"));
+    klicken(seiteUm, "cmbOk");
+    QTRY_COMPARE(box("comboxSeite"), QStringList{QString::fromUtf8("Sechskantmuttern")});
+
+    klicken(seiten, "cmbLoeschen");
+    QTRY_VERIFY(box("comboxSeite").isEmpty());
+    EXPECT_EQ(lis->count(), 0);
+    // Sorted by name, the Folder box follows at once and the setting is kept.
+    kind<QAction>(haupt.get(), "chkOrdnerSortieren")->trigger();
+    QStringList sortiert = box("comboxOrdner");
+    sortiert.sort(Qt::CaseInsensitive);
+    EXPECT_EQ(box("comboxOrdner"), sortiert);
+    EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "nOrdnerSortieren"), "1");
+
+    // Every caption of these windows and of the menu entries is in the files.
+    std::istringstream log(protokoll());
+    for (std::string zeile; std::getline(log, zeile);)
+        if (zeile.find("fehlt") != std::string::npos &&
+            zeile.find("comboxBilderanzahl_") == std::string::npos)
+            ADD_FAILURE() << zeile;
+}
+
+TEST_F(Verwaltung, AWriteProtectedLibraryOpensTheWindowsForLookingOnly) {
+    fs::create_directories(wurzel / "bib" / "Test.txt");
+    starten();
+    ASSERT_TRUE(haupt->schreibgeschuetzt());
+    kind<QAction>(haupt.get(), "mnuOrdnerverwaltung")->trigger();
+    auto* ordner = geoeffnet<FrmOrdnerverwaltung>(haupt.get());
+    kind<QAction>(haupt.get(), "mnuSeitenverwaltung")->trigger();
+    auto* seiten = geoeffnet<FrmSeitenverwaltung>(haupt.get());
+    for (QWidget* f : {static_cast<QWidget*>(ordner), static_cast<QWidget*>(seiten)})
+        for (const char* k : {"cmbNeu", "cmbUmbenennen", "cmbLoeschen"})
+            EXPECT_FALSE(kind<QPushButton>(f, k)->isEnabled()) << k;
+    EXPECT_FALSE(kind<QToolButton>(ordner, "imgAufAb_0")->isEnabled());
+    EXPECT_TRUE(kind<QPushButton>(ordner, "cmbOk")->isEnabled());
+}
+
+TEST_F(Verwaltung, AMenuCopiedAndAssignedNamesTheAttributesOfTheBlockProperties) {
+    starten();
+    kind<QAction>(haupt.get(), "mnuDefMenue")->trigger();
+    auto* menues = geoeffnet<FrmDefMenue>(haupt.get());
+    auto* liste = kind<QListWidget>(menues, "lisDefMenue");
+    const int vorher = liste->count();
+    EXPECT_TRUE(kind<QCheckBox>(menues, "chkGlobal")->isChecked());
+    EXPECT_TRUE(kind<QLineEdit>(menues, "txtBenennung_0")->isReadOnly()) << "a global menu";
+    klicken(menues, "cmdKopieren");
+    ASSERT_EQ(liste->count(), vorher + 1);
+    EXPECT_EQ(liste->currentRow(), vorher);
+    EXPECT_FALSE(kind<QLineEdit>(menues, "txtBenennung_0")->isReadOnly());
+    eintippen(menues, "txtBenennung_0", QString::fromUtf8("Benennung für Stückliste"));
+    eintippen(menues, "txtStandardwert_1", "DN 50");
+    klicken(menues, "cmdSpeichern");
+    klicken(menues, "cmdZuordnen");
+    EXPECT_TRUE(kind<QLabel>(menues, "hinweisOrdner")
+                    ->text()
+                    .contains(QString::number(menues->lngAuswahl())));
+    bildschirmfoto(menues, "frmDefMenue");
+    klicken(menues, "cmbSchliessen");
+
+    kind<QAction>(haupt.get(), "mnuBlockEigenschaften")->trigger();
+    auto* block = geoeffnet<FrmBlockEigenschaften>(haupt.get());
+    EXPECT_EQ(kind<QLabel>(block, "benennung_0")->text(),
+              QString::fromUtf8("Benennung für Stückliste:"));
+    EXPECT_EQ(kind<QLabel>(block, "benennung_2")->text(), "M2");
+    EXPECT_EQ(kind<QLineEdit>(block, "txtM_1")->placeholderText(), "DN 50");
+    eintippen(block, "txtM_0", QString::fromUtf8("Kugelhahn „neu“"));
+    eintippen(block, "txtLyColor", "300");
+    klicken(block, "cmbOk");
+    EXPECT_TRUE(block->isVisible()) << "a colour above 256 is refused";
+    eintippen(block, "txtLyColor", "1");
+    bildschirmfoto(block, "frmBlockEigenschaften");
+    klicken(block, "cmbOk");
+    QTRY_COMPARE(kind<QLabel>(haupt.get(), "labBlock_0")->text(),
+                 QString::fromUtf8("Kugelhahn „neu“"));
+}
+
+TEST_F(Verwaltung, WithRightsManagementTheFolderWindowListsOnlyTheUsersFolders) {
+    qputenv("USERNAME", "meier");
+    typSetupWerte w;
+    w.longRechteverwaltung = 1;
+    starten(w);
+    kind<QAction>(haupt.get(), "mnuOrdnerverwaltung")->trigger();
+    auto* ordner = geoeffnet<FrmOrdnerverwaltung>(haupt.get());
+    auto* liste = kind<QListWidget>(ordner, "dlisOrdner");
+    const int alle = liste->count();
+    liste->setCurrentRow(1);
+    const QString zweiter = liste->currentItem()->text();
+    eintippen(ordner, "txtOrdnerRechte", "Schulz");
+    klicken(ordner, "cmdRechteSpeichern");  // would lock meier out
+    EXPECT_EQ(liste->count(), alle);
+    eintippen(ordner, "txtOrdnerRechte", "Schulz; MEIER");
+    klicken(ordner, "cmdRechteSpeichern");
+    EXPECT_EQ(kind<QLineEdit>(ordner, "txtOrdnerRechte")->text(), "Schulz;MEIER");
+    bildschirmfoto(ordner, "frmOrdnerverwaltung_Rechte");
+
+    // The demo library's other Folders are open to all.
+    ordner->setRechte(true, "schulz");
+    EXPECT_EQ(liste->count(), alle);
+    ordner->setRechte(true, "mueller");
+    ASSERT_EQ(liste->count(), alle - 1);
+    for (int i = 0; i < liste->count(); ++i) EXPECT_NE(liste->item(i)->text(), zweiter);
+    qunsetenv("USERNAME");
+}
+
+}  // namespace
+}  // namespace tessara::uitest
