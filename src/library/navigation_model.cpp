@@ -62,6 +62,15 @@ bool offenMitZeilen(const db::Recordset& rs) {
 
 }  // namespace
 
+std::string fctOrdnerSql(bool booNachName, bool booMitSortSpalte) {
+    std::string sql = "SELECT * FROM [tblOrdner]";
+    if (booNachName)
+        sql += " ORDER BY OrdnerName";
+    else if (booMitSortSpalte)
+        sql += " ORDER BY NrTblOrdnen, Nr";  // the key settles equal numbers of older data
+    return sql;
+}
+
 bool fctBilderanzahlGueltig(long i) { return i >= 0 && i <= 7; }
 
 int fctSlotsProSeite(long i) { return kRaster[fctBilderanzahlGueltig(i) ? i : 2].slots; }
@@ -139,9 +148,14 @@ bool NavigationsModell::fctDatenbankOeffnen(const std::string& strPfad) {
         strBasis_ = schnitt == std::string::npos ? std::string() : strPfad.substr(0, schnitt + 1);
 
         p.step("rsOrdner öffnen");
-        db_.rsOrdner.open(booOrdnerSortieren_ ? "SELECT * FROM [tblOrdner] ORDER BY Ordnername"
-                                              : "SELECT * FROM [tblOrdner]",
-                          db_.con, db::adOpenKeyset, db::adLockOptimistic);
+        db_.rsOrdner.open(fctOrdnerSql(false, false), db_.con, db::adOpenKeyset,
+                          db::adLockOptimistic);
+        const std::string sql =
+            fctOrdnerSql(booOrdnerSortieren_, fctSpalteVorhanden(db_.rsOrdner, "NrTblOrdnen"));
+        if (sql != db_.rsOrdner.source()) {
+            db_.rsOrdner.close();
+            db_.rsOrdner.open(sql, db_.con, db::adOpenKeyset, db::adLockOptimistic);
+        }
         p.step("rsMarkierteBloecke öffnen");
         try {
             db_.rsMarkierteBloecke.open("SELECT * FROM [tblMarkierteBloecke]", db_.con,
@@ -164,6 +178,12 @@ const typOrdnerEintrag* NavigationsModell::aktuellerOrdner() const {
     if (intOrdnerIndex_ < 0 || intOrdnerIndex_ >= static_cast<int>(aryOrdner_.size()))
         return nullptr;
     return &aryOrdner_[intOrdnerIndex_];
+}
+
+int NavigationsModell::fctOrdnerIndex(const std::string& strOrdnerName) const {
+    for (std::size_t i = 0; i < aryOrdner_.size(); ++i)
+        if (aryOrdner_[i].OrdnerName == strOrdnerName) return static_cast<int>(i);
+    return -1;
 }
 
 long NavigationsModell::letzteSeite() const {
@@ -190,9 +210,11 @@ bool NavigationsModell::OrdnerInArrayEinlesen() {
         rs.moveFirst();
         aryOrdner_.reserve(n);
         p.step("Ordner in Array");
+        const bool mitRechten = ordnerFilter_ && fctSpalteVorhanden(rs, "OrdnerRechte");
         while (!rs.eof()) {
-            aryOrdner_.push_back({rs.text("Ordnername"), dreiZeichen(rs.text("OrdnerNr")),
-                                  static_cast<long>(rs.value("Nr").asInt())});
+            if (!mitRechten || ordnerFilter_(rs.text("OrdnerRechte")))
+                aryOrdner_.push_back({rs.text("Ordnername"), dreiZeichen(rs.text("OrdnerNr")),
+                                      static_cast<long>(rs.value("Nr").asInt())});
             rs.moveNext();
         }
         p.step("aktuellen Ordner suchen");

@@ -14,6 +14,7 @@
 // - Nothing here throws: every operation runs under the common error handler
 //   and answers false (or leaves the state as it was) on a failure.
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -58,6 +59,11 @@ int fctRasterSpalten(long longAnzahlDerBilder);
 // Whether the index is one of 0..7.
 bool fctBilderanzahlGueltig(long longAnzahlDerBilder);
 
+// The statement rsOrdner is read with: by name with the sort-by-name
+// setting, else by the sort column NrTblOrdnen when the library has it
+// (older libraries get it on first reordering), else in key order.
+std::string fctOrdnerSql(bool booNachName, bool booMitSortSpalte);
+
 // The block number of absolute slot k: Folder code, k / 42874 in decimal,
 // the slot's code.
 std::string fctBlocknummer(const std::string& strOrdnerNr, long k, const std::string& strCode);
@@ -78,6 +84,11 @@ class NavigationsModell {
     // Folders sorted by name (the setting lonOrdnerSortieren); takes effect
     // when the database is opened next.
     void setOrdnerSortieren(bool booSortieren) { booOrdnerSortieren_ = booSortieren; }
+    // Which Folders the user may see, by their OrdnerRechte; unset: all.
+    // Takes effect with the next OrdnerInArrayEinlesen.
+    void setOrdnerFilter(std::function<bool(const std::string& strOrdnerRechte)> filter) {
+        ordnerFilter_ = std::move(filter);
+    }
 
     // --- The operations of the main window ------------------------------------
     bool OrdnerInArrayEinlesen();
@@ -136,6 +147,9 @@ class NavigationsModell {
     const std::vector<typSlot>& seitenSlots() const { return slots_; }
     int intOrdnerIndex() const { return intOrdnerIndex_; }
     const typOrdnerEintrag* aktuellerOrdner() const;
+    // The index of the Folder of that name in the Folder array; -1 when the
+    // array does not hold it.
+    int fctOrdnerIndex(const std::string& strOrdnerName) const;
     long intSeite() const { return intSeite_; }
     int intPosition() const { return intPosition_; }
     long longAnzahlDerBilder() const { return longAnzahlDerBilder_; }
@@ -174,6 +188,7 @@ class NavigationsModell {
     long longAnzahlDerBilder_ = 2;
     long lngFinds_ = 0;
     bool booOrdnerSortieren_ = false;
+    std::function<bool(const std::string&)> ordnerFilter_;
 };
 
 }  // namespace tessara

@@ -126,11 +126,7 @@ bool fctOrdnerReihenfolgeLesen(ProgrammZustand& z, NavigationsModell& m, bool bo
         db::Recordset& rs = d.rsOrdner;
         if (rs.state() != db::adStateOpen)
             rs.open(kOhneOrdnung, d.con, db::adOpenKeyset, db::adLockOptimistic);
-        std::string sql = kOhneOrdnung;
-        if (booNachName)
-            sql += " ORDER BY OrdnerName";
-        else if (fctSpalteVorhanden(rs, kSortSpalte))
-            sql += " ORDER BY NrTblOrdnen, Nr";  // the key settles equal numbers of older data
+        const std::string sql = fctOrdnerSql(booNachName, fctSpalteVorhanden(rs, kSortSpalte));
         m.setOrdnerSortieren(booNachName);
         if (rs.source() == sql) {
             rs.requery();
@@ -527,7 +523,10 @@ bool fctCboOrdnerNeuAnzeigen(ProgrammZustand& z, NavigationsModell& m, const std
         db::Recordset& rs = m.datenbank().rsOrdner;
         p.step("Ordner suchen");
         if (!fctRsFind(z, rs, "OrdnerName", name)) return false;
-        return m.comboxOrdner_Click(static_cast<int>(rs.absolutePosition() - 1));
+        // The Folder box holds the Folders the user may see, in rsOrdner's
+        // order: its index is the Folder's place in the array, not in rsOrdner.
+        const int i = m.fctOrdnerIndex(name);
+        return i >= 0 && m.comboxOrdner_Click(i);
     } catch (const std::exception& e) {
         p.fehler(e);
         return false;

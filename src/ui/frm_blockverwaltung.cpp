@@ -13,6 +13,7 @@
 #include "captions/meldungen.h"
 #include "db/jet_opener.h"
 #include "library/schema.h"
+#include "organisation/ordner_verwaltung.h"
 #include "platform/desktop.h"
 #include "platform/environment.h"
 #include "platform/platform.h"
@@ -370,9 +371,19 @@ void FrmBlockverwaltung::mnuVollbild_Click() {
 }
 
 void FrmBlockverwaltung::mnuOptionen_Click() {
+    const std::int32_t sortiertVorher = setup_.lonOrdnerSortieren;
+    const std::int32_t rechteVorher = setup_.longRechteverwaltung;
     FrmOptionen f(z_, setup_, this);
     ui::subFormularBeschriften(z_, &f);
     if (f.exec() != QDialog::Accepted) return;
+    if (setup_.lonOrdnerSortieren != sortiertVorher ||
+        setup_.longRechteverwaltung != rechteVorher) {
+        if (setup_.lonOrdnerSortieren != sortiertVorher)
+            subOrdnerSortierenSpeichern(z_, setup_.lonOrdnerSortieren == 1);
+        subOrdnerAnsichtSetzen(*this);
+        fctCboOrdnerNeuAnzeigen(z_, modell_, "", false);
+        subOrdnerUndSeitenNeuAnzeigen();
+    }
     einfuegeOptionenZeigen();
     if (setup_.longAnzahlDerBilder != modell_.longAnzahlDerBilder()) {
         modell_.BilderAnzeigenBeiGeaenderterBilderanzahl(setup_.longAnzahlDerBilder);

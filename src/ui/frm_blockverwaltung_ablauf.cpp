@@ -24,6 +24,7 @@
 #include "startup/fehler_log.h"
 #include "ui/beschriften.h"
 #include "ui/frm_blockverwaltung.h"
+#include "ui/frm_blockverwaltung_verwaltung.h"
 #include "ui/frm_startfenster.h"
 #include "ui/sld_blockverwaltung.h"
 #include "ui_frm_blockverwaltung.h"
@@ -155,7 +156,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
                    !fctReadOnlyMitVerzeichnis(z_, verzeichnisVon(z_.strAktuelleDb));
         });
     l.setzen("setupeinstellungen zuweisen", [this] {
-        modell_.setOrdnerSortieren(setup_.lonOrdnerSortieren == 1);
+        subOrdnerAnsichtSetzen(*this);
         modell_.setAnzahlDerBilder(setup_.longAnzahlDerBilder);
     });
     l.setzen("in Ini-Datei abspeichern", [this] { subSpeichernTessaraIniDatei(z_); });

@@ -7,6 +7,7 @@
 
 #include "captions/meldungen.h"
 #include "organisation/block_eigenschaften.h"
+#include "organisation/ordner_rechte.h"
 #include "organisation/ordner_verwaltung.h"
 #include "startup/einstellungen.h"
 #include "ui/frm_block_eigenschaften.h"
@@ -43,12 +44,6 @@ std::string fctAnmeldeName() {
         if (const QString w = qEnvironmentVariable(n); !w.isEmpty()) return w.toStdString();
     return {};
 }
-
-// What the Folder box's order was last made from.
-struct Reihenfolge {
-    std::string strDb;
-    int intOptionen = -1;  // lonOrdnerSortieren of the options as last seen
-};
 
 }  // namespace
 
@@ -110,47 +105,34 @@ void subVerwaltungEinbinden(FrmBlockverwaltung& f) {
             });
         });
 
-    // The sort order lives in the Settings file ("nOrdnerSortieren"); the
-    // options window's switch for it is taken over when it changes, and at
-    // the first start, when the Settings file has no value yet.
+    // The sort order lives in the Settings file ("nOrdnerSortieren").
     QAction* sortieren = aktion("chkOrdnerSortieren");
     if (sortieren)
         QObject::connect(sortieren, &QAction::toggled, &f, [&f](bool an) {
             subOrdnerSortierenSpeichern(f.zustand(), an);
+            subOrdnerAnsichtSetzen(f);
             if (!f.modell().offen()) return;
             fctCboOrdnerNeuAnzeigen(f.zustand(), f.modell(), "", false);
             f.subOrdnerUndSeitenNeuAnzeigen();
         });
-    // A library opened reads its Folders unsorted; once its first Page is
-    // drawn the Folder box is put in order.
-    auto stand = std::make_shared<Reihenfolge>();
-    QObject::connect(&f, &FrmBlockverwaltung::seiteGemalt, &f, [&f, stand, sortieren] {
-        NavigationsModell& m = f.modell();
-        if (!m.offen()) return;
-        ProgrammZustand& z = f.zustand();
-        bool neu = false;
-        const int optionen = f.setup().lonOrdnerSortieren == 1 ? 1 : 0;
-        if (stand->intOptionen != optionen) {
-            if (stand->intOptionen >= 0 ||
-                IniGetValue(z, z.strIniDatei, kAllgemeineDaten, "nOrdnerSortieren").empty())
-                subOrdnerSortierenSpeichern(z, optionen == 1);
-            stand->intOptionen = optionen;
-            neu = true;
-        }
-        if (stand->strDb != m.strDatenbank()) {
-            stand->strDb = m.strDatenbank();
-            neu = true;
-        }
-        if (!neu) return;
-        const bool nachName = fctOrdnerSortierenLesen(z);
-        if (sortieren) {
-            const QSignalBlocker still(sortieren);
-            sortieren->setChecked(nachName);
-        }
-        const std::string vorher = m.datenbank().rsOrdner.source();
-        fctOrdnerReihenfolgeLesen(z, m, nachName);
-        if (m.datenbank().rsOrdner.source() != vorher) f.subOrdnerUndSeitenNeuAnzeigen();
-    });
+}
+
+void subOrdnerAnsichtSetzen(FrmBlockverwaltung& f) {
+    ProgrammZustand& z = f.zustand();
+    if (IniGetValue(z, z.strIniDatei, kAllgemeineDaten, "nOrdnerSortieren").empty())
+        subOrdnerSortierenSpeichern(z, f.setup().lonOrdnerSortieren == 1);
+    const bool nachName = fctOrdnerSortierenLesen(z);
+    f.modell().setOrdnerSortieren(nachName);
+    if (auto* sortieren = f.findChild<QAction*>(QStringLiteral("chkOrdnerSortieren"))) {
+        const QSignalBlocker still(sortieren);
+        sortieren->setChecked(nachName);
+    }
+    if (f.setup().longRechteverwaltung == 1)
+        f.modell().setOrdnerFilter([name = fctAnmeldeName()](const std::string& rechte) {
+            return fctOrdnerErlaubt(rechte, name);
+        });
+    else
+        f.modell().setOrdnerFilter({});
 }
 
 }  // namespace tessara

@@ -10,4 +10,10 @@ class FrmBlockverwaltung;
 // once, at the end of the main window's constructor.
 void subVerwaltungEinbinden(FrmBlockverwaltung& f);
 
+// How the Folder box lists the Folders: by name or by their sort number
+// (the Settings value "nOrdnerSortieren"; until the Settings file holds one,
+// the options' switch), and with rights management on, only the Folders the
+// login name may use. Takes effect when the Folders are read next.
+void subOrdnerAnsichtSetzen(FrmBlockverwaltung& f);
+
 }  // namespace tessara

@@ -177,6 +177,19 @@ TEST_F(Navigation, DoubleClickActsByTheSetting) {
     EXPECT_EQ(markiert(), 0);
 }
 
+TEST_F(Navigation, FoldersFollowTheSortSettingAndTheUsersRights) {
+    ausfuehren("UPDATE tblOrdner SET OrdnerRechte = 'meier;MUELLER' WHERE OrdnerNr = '001'");
+    ausfuehren("INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte) VALUES ('002', 'Anker', 'Alle')");
+    m.setOrdnerSortieren(true);
+    m.setOrdnerFilter([](const std::string& rechte) { return rechte == "Alle"; });
+    oeffnen("000");
+    std::vector<std::string> namen;
+    for (const auto& o : m.aryOrdner()) namen.push_back(o.OrdnerName);
+    EXPECT_EQ(namen, (std::vector<std::string>{"Anker", "Standard-Ordner"}));
+    EXPECT_EQ(m.fctOrdnerIndex("Standard-Ordner"), 1);
+    EXPECT_FALSE(m.fctOrdnerWaehlen("001"));
+}
+
 TEST_F(Navigation, BadInputIsRefusedWithoutThrowing) {
     std::ofstream(wurzel / "prog" / "kurz.txt") << "000\r\n001\r\n";
     EXPECT_FALSE(m.fctCodeTabelleLesen(z.strAppPfad + "\\kurz.txt"));
