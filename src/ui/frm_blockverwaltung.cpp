@@ -30,7 +30,6 @@ namespace tessara {
 
 namespace {
 
-constexpr int kMaxSlots = 72;
 constexpr const char* kForm = "frmBlockverwaltung";
 
 QString q(const std::string& s) { return QString::fromStdString(s); }
@@ -59,11 +58,12 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
     ladeSchritteSetzen();
     entladeSchritteSetzen();
 
-    connect(maler_.get(), &ui::DiaMaler::bildFertig, this,
-            [this](int gen, int slot, const QImage& bild) {
-                if (gen == maler_->generation() && slot >= 0 && slot < kMaxSlots)
-                    slots_[slot]->dia->setBild(bild);
-            });
+    connect(
+        maler_.get(), &ui::DiaMaler::bildFertig, this,
+        [this](int gen, int slot, const QImage& bild) {
+            if (gen == maler_->generation() && slot >= 0 && slot < static_cast<int>(slots_.size()))
+                slots_[slot]->dia->setBild(bild);
+        });
     connect(maler_.get(), &ui::DiaMaler::seiteFertig, this, [this](int gen) {
         if (gen == maler_->generation()) emit seiteGemalt();
     });
@@ -130,7 +130,13 @@ void FrmBlockverwaltung::rasterAufbauen() {
     auto* raster = new QGridLayout(ui_->rasterFlaeche);
     raster->setContentsMargins(0, 0, 0, 0);
     raster->setSpacing(4);
-    for (int i = 0; i < kMaxSlots; ++i) {
+}
+
+// Slots are made when a picture size first needs them: a start on 16 slots
+// does not build 72.
+void FrmBlockverwaltung::slotsAnlegen(int anzahl) {
+    while (static_cast<int>(slots_.size()) < anzahl) {
+        const int i = static_cast<int>(slots_.size());
         auto* s = new SlotFeld(i, ui_->rasterFlaeche);
         slots_.push_back(s);
         connect(s->dia, &SldBlockverwaltung::gedrueckt, this,
@@ -141,6 +147,7 @@ void FrmBlockverwaltung::rasterAufbauen() {
                 [this] { bildTimer_.start(); });
         connect(s->markieren, &QCheckBox::clicked, this,
                 [this, i](bool an) { chkMarkieren_Click(i, an); });
+        s->markieren->setEnabled(!booSchreibschutz_);
         s->hide();
     }
 }
@@ -153,11 +160,12 @@ void FrmBlockverwaltung::rasterAnordnen() {
     // No library open: no slots, rather than a grid of slots that lead nowhere.
     const int anzahl = modell_.seitenSlots().empty() ? 0 : fctSlotsProSeite(index);
     const int spalten = fctRasterSpalten(index);
-    if (anzahl == angeordnet_ && spalten == raster->columnCount()) return;
+    if (anzahl == angeordnet_ && spalten == angeordnetSpalten_) return;
+    slotsAnlegen(anzahl);
     for (auto* s : slots_) raster->removeWidget(s);
     for (int c = 0; c < raster->columnCount(); ++c) raster->setColumnStretch(c, 0);
     for (int r = 0; r < raster->rowCount(); ++r) raster->setRowStretch(r, 0);
-    for (int i = 0; i < kMaxSlots; ++i) {
+    for (int i = 0; i < static_cast<int>(slots_.size()); ++i) {
         if (i < anzahl) {
             raster->addWidget(slots_[i], i / spalten, i % spalten);
             slots_[i]->show();
@@ -167,6 +175,7 @@ void FrmBlockverwaltung::rasterAnordnen() {
     }
     for (int c = 0; c < spalten; ++c) raster->setColumnStretch(c, 1);
     for (int r = 0; r < (anzahl + spalten - 1) / spalten; ++r) raster->setRowStretch(r, 1);
+    angeordnetSpalten_ = spalten;
     angeordnet_ = anzahl;
 }
 
@@ -179,6 +188,7 @@ void FrmBlockverwaltung::bilderAnfordern() {
     }
     QStringList namen;
     for (const auto& s : belegung) namen << q(s.strBildname);
+    if (slots_.empty()) return;
     maler_->seiteAnfordern(namen, slots_[0]->dia->size(), ui::DiaHintergrund::Dunkel);
 }
 
@@ -189,7 +199,8 @@ void FrmBlockverwaltung::Anzeigen() {
     const int pos = modell_.intPosition();
     const std::string basis = modell_.strBasisVerzeichnis();
     const auto* ordner = modell_.aktuellerOrdner();
-    for (int i = 0; i < static_cast<int>(belegung.size()) && i < kMaxSlots; ++i) {
+    for (int i = 0; i < static_cast<int>(belegung.size()) && i < static_cast<int>(slots_.size());
+         ++i) {
         const typSlot& s = belegung[i];
         SlotFeld* f = slots_[i];
         f->beschriftung->setText(q(s.strBeschriftung));
@@ -226,7 +237,8 @@ void FrmBlockverwaltung::Anzeigen() {
 void FrmBlockverwaltung::positionZeigen() {
     const auto& belegung = modell_.seitenSlots();
     const int pos = modell_.intPosition();
-    for (int i = 0; i < static_cast<int>(belegung.size()) && i < kMaxSlots; ++i)
+    for (int i = 0; i < static_cast<int>(belegung.size()) && i < static_cast<int>(slots_.size());
+         ++i)
         slots_[i]->dia->setAusgewaehlt(i == pos);
     std::string pfad;
     const auto* ordner = modell_.aktuellerOrdner();

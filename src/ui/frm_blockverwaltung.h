@@ -119,6 +119,7 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     bool tasteImRaster(QKeyEvent* e);
     void doppelklickAusfuehren(DoppelklickAktion aktion);
     void rasterAnordnen();
+    void slotsAnlegen(int anzahl);
     std::vector<QCheckBox*> fraEinfuegenBoxen() const;
 
     ProgrammZustand& z_;
@@ -130,8 +131,9 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     typSetupWerte setup_;
     SchrittAblauf laden_;
     SchrittAblauf entladen_;
-    std::vector<SlotFeld*> slots_;  // all 72, the unused hidden
+    std::vector<SlotFeld*> slots_;  // made as needed, the unused hidden
     int angeordnet_ = 0;            // slots laid out in the grid
+    int angeordnetSpalten_ = 0;     // and its columns
     QPointer<FrmStartfenster> start_;
     QTimer timer_;
     QTimer bildTimer_;              // repaints the previews once a resize has settled
