@@ -110,6 +110,12 @@ void Catalog::appendKey(const std::string& table, const CatalogKey& key) {
         r.relatedTable = key.relatedTable;
         r.relatedColumns = key.relatedColumns;
         if (r.relatedColumns.empty()) r.relatedColumns.push_back("Nr");
+        if (key.updateRule == adRISetNull || key.updateRule == adRISetDefault || key.deleteRule == adRISetDefault)
+            throw adoerrors::badArguments();
+        r.enforce = key.enforce;
+        r.cascadeUpdates = key.updateRule == adRICascade;
+        r.cascadeDeletes = key.deleteRule == adRICascade;
+        r.cascadeNull = key.deleteRule == adRISetNull;
         s->createRelation(r);
         return;
     }
@@ -146,7 +152,11 @@ CatalogTable Catalog::table(const std::string& name) {
     }
     for (const auto& r : s->relations()) {
         if (!sql::textEquals(r.table, out.name)) continue;
-        out.keys.push_back({r.name, adKeyForeign, r.columns, r.relatedTable, r.relatedColumns});
+        CatalogKey k{r.name, adKeyForeign, r.columns, r.relatedTable, r.relatedColumns};
+        k.enforce = r.enforce;
+        k.updateRule = r.cascadeUpdates ? adRICascade : adRINone;
+        k.deleteRule = r.cascadeDeletes ? adRICascade : r.cascadeNull ? adRISetNull : adRINone;
+        out.keys.push_back(k);
     }
     return out;
 }

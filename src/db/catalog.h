@@ -28,6 +28,8 @@ enum DataType {
     adLongVarBinary = 205,
 };
 enum KeyType { adKeyPrimary = 1, adKeyForeign = 2, adKeyUnique = 3 };
+// ADOX's rules of a foreign key (Jet knows no set-default).
+enum RuleEnum { adRINone = 0, adRICascade = 1, adRISetNull = 2, adRISetDefault = 3 };
 
 sql::ColumnType columnTypeOf(DataType t);
 DataType dataTypeOf(sql::ColumnType t);
@@ -46,6 +48,13 @@ struct CatalogKey {
     std::vector<std::string> columns;
     std::string relatedTable;
     std::vector<std::string> relatedColumns;
+    // Foreign keys: ADOX enforces every one it appends. The catalogue's own
+    // relations only document how its tables join (deleting a Folder keeps
+    // its Pages and Blocks), so enforcing is asked for here, with the rules
+    // that need it.
+    bool enforce = false;
+    RuleEnum updateRule = adRINone;  // adRICascade
+    RuleEnum deleteRule = adRINone;  // adRICascade or adRISetNull
 };
 
 struct CatalogIndex {

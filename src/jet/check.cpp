@@ -7,6 +7,7 @@
 
 #include "jet/index_cursor.h"
 #include "jet/index_writer.h"
+#include "jet/relationships.h"
 #include "jet/table.h"
 
 namespace jet {
@@ -126,6 +127,37 @@ void checkIndexes(Database& db, const Table& t, const std::set<RowId>& live,
     }
 }
 
+// Every reference of the table's relationships with referential integrity
+// finds its row, and the two entries of each relationship name each other.
+void checkReferences(Database& db, const Table& t, const std::set<RowId>& live,
+                     std::vector<std::string>& faults) {
+    const TableDef& d = t.def();
+    std::vector<ForeignKeyLink> links;
+    try {
+        links = foreignKeyLinks(db, d);
+    } catch (const Error& e) {
+        faults.push_back(e.what());
+        return;
+    }
+    for (const ForeignKeyLink& link : links) {
+        if (link.referenced) continue;
+        const std::string where =
+            "table " + d.name + ", relationship " + d.indexes[link.logical].name + ": ";
+        for (const RowId& id : live) {
+            try {
+                std::optional<Row> row = t.read(id);
+                if (!row || keyInOther(d, link, *row) == std::nullopt) continue;
+                if (relatedRows(db, d, link, *row).empty())
+                    faults.push_back(where + "row " + toString(id) +
+                                     " refers to a row that table " + link.otherName +
+                                     " does not hold");
+            } catch (const Error& e) {
+                faults.push_back(where + "row " + toString(id) + ": " + e.what());
+            }
+        }
+    }
+}
+
 // The free-space figure of every data page (rows and long values) against
 // its offset table: the bytes between the table's end and the lowest row.
 void checkFreeSpace(Database& db, std::vector<std::string>& faults) {
@@ -231,6 +263,7 @@ std::vector<std::string> checkTable(Database& db, const std::string& name) {
         faults.push_back("table " + name + ": definition counts " + std::to_string(d.rowCount) +
                          " rows, found " + std::to_string(count));
     checkIndexes(db, t, live, faults);
+    checkReferences(db, t, live, faults);
     return faults;
 }
 

@@ -3,13 +3,17 @@
 // the four system tables on pages 2 to 5, their usage maps on page 6, their
 // (empty) index roots on pages 7 to 13 and the catalogue rows after that.
 // The catalogue rows go in through the ordinary writer, so the indexes of
-// MSysObjects are built by the same code that keeps them later.
+// MSysObjects are built by the same code that keeps them later. As in a
+// file Access 2000 makes, the objects carry owners and access entries and
+// MSysDb the database properties naming the Access version.
 #include <cerrno>
 #include <cmath>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <string_view>
 
 #include "jet/data_writer.h"
 #include "jet/database.h"
@@ -17,6 +21,7 @@
 #include "jet/format.h"
 #include "jet/header.h"
 #include "jet/index_page_writer.h"
+#include "jet/security_writer.h"
 #include "jet/tdef_writer.h"
 #include "jet/writer.h"
 
@@ -46,6 +51,71 @@ constexpr std::int32_t kMSysDb = 0x10000000;
 constexpr std::int32_t kJetObject = std::int32_t(0x80000000u);
 
 double nowAsDate() { return double(std::time(nullptr)) / 86400.0 + 25569.0; }
+
+// The header keeps the creation date the masked security identifiers
+// belong to (see security_writer.h); the catalogue rows carry the real one.
+double headerCreationDate() {
+    double d;
+    std::memcpy(&d, &security::kCreationDateBits, sizeof d);
+    return d;
+}
+
+void putText16(Binary& b, std::u16string_view s) {
+    for (char16_t c : s) {
+        b.push_back(std::uint8_t(c & 0xFF));
+        b.push_back(std::uint8_t(c >> 8));
+    }
+}
+void put16le(Binary& b, std::uint32_t v) {
+    b.push_back(std::uint8_t(v));
+    b.push_back(std::uint8_t(v >> 8));
+}
+void put32le(Binary& b, std::uint32_t v) {
+    put16le(b, v & 0xFFFF);
+    put16le(b, v >> 16);
+}
+
+// The database properties Access 2000 gives a new file (MSysDb's LvProp):
+// "MR2\0", a chunk naming the properties and an unnamed chunk of values,
+// AccessVersion "08.50" and Build 6620. Readers tell an Access 2000 file
+// from a bare Jet 4 one by AccessVersion.
+Binary accessProperties() {
+    struct Property {
+        std::u16string_view name;
+        std::uint8_t type;
+        Binary value;
+    };
+    Binary version;
+    putText16(version, u"08.50");
+    Binary build;
+    put32le(build, 6620);
+    const Property props[] = {{u"AccessVersion", std::uint8_t(ColumnType::Text), version},
+                              {u"Build", std::uint8_t(ColumnType::Long), build}};
+    Binary names, values;
+    for (const Property& p : props) {
+        put16le(names, std::uint32_t(p.name.size() * 2));
+        putText16(names, p.name);
+    }
+    put32le(values, 6);  // the chunk's name block: its length and an empty name
+    put16le(values, 0);
+    for (std::size_t i = 0; i < std::size(props); ++i) {
+        put16le(values, std::uint32_t(8 + props[i].value.size()));
+        values.push_back(0);  // not a DDL property
+        values.push_back(props[i].type);
+        put16le(values, std::uint32_t(i));
+        put16le(values, std::uint32_t(props[i].value.size()));
+        values.insert(values.end(), props[i].value.begin(), props[i].value.end());
+    }
+    Binary out{'M', 'R', '2', 0};
+    auto chunk = [&](std::uint16_t type, const Binary& body) {
+        put32le(out, std::uint32_t(6 + body.size()));
+        put16le(out, type);
+        out.insert(out.end(), body.begin(), body.end());
+    };
+    chunk(0x0080, names);
+    chunk(0x0000, values);
+    return out;
+}
 
 PageBytes headerPage(double created) {
     PageBytes p(kPageSize, 0);
@@ -258,7 +328,8 @@ void markPagesPastEnd(std::vector<std::uint8_t>& image) {
     const std::uint32_t count = std::uint32_t(image.size() / kPageSize);
     PageBytes page(image.begin() + kPageSize, image.begin() + 2 * kPageSize);
     const std::size_t at = u16(page.data() + datapage::kRowTable) & datapage::kOffsetMask;
-    for (std::uint32_t n = count; n < 64 * 8; ++n) page[at + 5 + n / 8] |= std::uint8_t(1u << (n % 8));
+    for (std::uint32_t n = count; n < 64 * 8; ++n)
+        page[at + 5 + n / 8] |= std::uint8_t(1u << (n % 8));
     std::memcpy(image.data() + kPageSize, page.data(), kPageSize);
 }
 
@@ -266,7 +337,7 @@ void markPagesPastEnd(std::vector<std::uint8_t>& image) {
 
 std::vector<std::uint8_t> emptyDatabaseImage() {
     const double created = nowAsDate();
-    auto store = std::make_unique<MemoryPageStore>(skeleton(created), true);
+    auto store = std::make_unique<MemoryPageStore>(skeleton(headerCreationDate()), true);
     MemoryPageStore* raw = store.get();
     auto db = Database::fromStore(std::move(store));
     Writer w(db);
@@ -280,17 +351,25 @@ std::vector<std::uint8_t> emptyDatabaseImage() {
         row[4] = DateTime{created};
         row[5] = DateTime{created};
         row[7] = kJetObject;
+        const security::ObjectAccess access = security::forNewDatabase(id);
+        if (!access.owner.empty()) row[6] = access.owner;
+        if (id == kMSysDb) row[14] = accessProperties();
         w.insert("MSysObjects", row);
     };
+    const std::int32_t ids[] = {
+        kTablesContainer, kDatabasesContainer, kRelationshipsContainer, kMSysDb, 2, 3, 4, 5};
     db->begin();
-    add(kTablesContainer, kRootContainer, "Tables", objtype::kContainer);
-    add(kDatabasesContainer, kRootContainer, "Databases", objtype::kContainer);
-    add(kRelationshipsContainer, kRootContainer, "Relationships", objtype::kContainer);
-    add(kMSysDb, kDatabasesContainer, "MSysDb", objtype::kDatabase);
-    add(2, kTablesContainer, "MSysObjects", objtype::kTable);
-    add(3, kTablesContainer, "MSysACEs", objtype::kTable);
-    add(4, kTablesContainer, "MSysQueries", objtype::kTable);
-    add(5, kTablesContainer, "MSysRelationships", objtype::kTable);
+    add(ids[0], kRootContainer, "Tables", objtype::kContainer);
+    add(ids[1], kRootContainer, "Databases", objtype::kContainer);
+    add(ids[2], kRootContainer, "Relationships", objtype::kContainer);
+    add(ids[3], kDatabasesContainer, "MSysDb", objtype::kDatabase);
+    add(ids[4], kTablesContainer, "MSysObjects", objtype::kTable);
+    add(ids[5], kTablesContainer, "MSysACEs", objtype::kTable);
+    add(ids[6], kTablesContainer, "MSysQueries", objtype::kTable);
+    add(ids[7], kTablesContainer, "MSysRelationships", objtype::kTable);
+    // MSysACEs is known by name once its catalogue row is there.
+    db->reload();
+    for (std::int32_t id : ids) security::addEntries(w, id, security::forNewDatabase(id).entries);
     db->commit();
     std::vector<std::uint8_t> image = raw->bytes();
     markPagesPastEnd(image);
@@ -305,7 +384,8 @@ void createDatabase(const std::string& path) {
     const std::vector<std::uint8_t> image = emptyDatabaseImage();
     {
         std::ofstream out(std::filesystem::u8path(path), std::ios::binary | std::ios::trunc);
-        if (out) out.write(reinterpret_cast<const char*>(image.data()), std::streamsize(image.size()));
+        if (out)
+            out.write(reinterpret_cast<const char*>(image.data()), std::streamsize(image.size()));
         if (out) out.flush();
         if (out) return;
     }

@@ -53,7 +53,7 @@ std::string columnProblem(const Column& c) {
 }
 
 // Text in General order (see general_sort.h). Characters without a known
-// code (beyond Latin-1 and code page 1252) are refused before anything is
+// code (beyond the scripts the General order here covers) are refused before anything is
 // written, never guessed: a wrong key puts the row where Jet cannot find it.
 void encodeGeneralText(const std::string& s, bool ascending, Bytes& out, const TableDef& def,
                        const Column& col) {
@@ -105,6 +105,18 @@ class Tree {
     }
 
     bool holds(const Bytes& key, RowId except) {
+        bool found = false;
+        rowsWith(key, [&](RowId row) {
+            found = row != except;
+            return !found;
+        });
+        return found;
+    }
+
+    // Visits the rows whose entry holds key, in index order, until visit
+    // answers false.
+    template <class Visit>
+    void rowsWith(const Bytes& key, Visit&& visit) {
         Bytes target = idxpage::entryBytes(key, RowId{0, 0});
         Path path;
         Page page = descend(target, path);
@@ -116,10 +128,10 @@ class Tree {
                 const Entry& e = page.entries[i];
                 if (e.keyLength() != key.size() ||
                     !std::equal(key.begin(), key.end(), e.bytes.begin()))
-                    return false;
-                if (idxpage::entryRow(e) != except) return true;
+                    return;
+                if (!visit(idxpage::entryRow(e))) return;
             }
-            if (page.next == 0 || hops > db_.pages().pageCount()) return false;
+            if (page.next == 0 || hops > db_.pages().pageCount()) return;
             page = load(page.next);
             i = 0;
         }
@@ -407,6 +419,16 @@ std::vector<std::uint8_t> indexKeyOf(const TableDef& def, const RealIndex& index
 bool indexHoldsKey(Database& db, const TableDef& def, std::size_t realIndex,
                    const std::vector<std::uint8_t>& key, RowId except) {
     return treeOf(db, def, realIndex, false).holds(key, except);
+}
+
+std::vector<RowId> indexRowsWithKey(Database& db, const TableDef& def, std::size_t realIndex,
+                                    const std::vector<std::uint8_t>& key) {
+    std::vector<RowId> out;
+    treeOf(db, def, realIndex, false).rowsWith(key, [&](RowId row) {
+        out.push_back(row);
+        return true;
+    });
+    return out;
 }
 
 void indexInsert(Database& db, const TableDef& def, std::size_t realIndex,

@@ -33,6 +33,10 @@ bool rowBelongsInIndex(const TableDef& def, const RealIndex& index, const Row& r
 // unique and primary keys; checked before anything is written).
 bool indexHoldsKey(Database& db, const TableDef& def, std::size_t realIndex,
                    const std::vector<std::uint8_t>& key, RowId except);
+// The rows whose entry holds key, in index order (rows referring to a key
+// through a foreign-key index).
+std::vector<RowId> indexRowsWithKey(Database& db, const TableDef& def, std::size_t realIndex,
+                                    const std::vector<std::uint8_t>& key);
 // Adds or removes the entry (key, row), splitting pages as needed and
 // unlinking pages that become empty. The root page keeps its number (a full
 // root hands its entries to a new child), so the TDEF never changes.

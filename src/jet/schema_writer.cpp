@@ -8,6 +8,7 @@
 #include "jet/error.h"
 #include "jet/index_writer.h"
 #include "jet/row_encoder.h"
+#include "jet/security_writer.h"
 #include "jet/table.h"
 #include "jet/tdef_writer.h"
 #include "jet/text.h"
@@ -24,18 +25,6 @@ constexpr long kInvalidArgument = 3001;
 bool isVariable(ColumnType t) {
     return t == ColumnType::Text || t == ColumnType::Memo || t == ColumnType::OLE ||
            t == ColumnType::Binary;
-}
-
-// Writes def over its TDEF chain, adding pages when it grew.
-void storeTableDef(Database& db, const TableDef& def) {
-    std::vector<std::uint32_t> numbers = def.pages.empty() ? std::vector{def.page} : def.pages;
-    std::size_t need = tableDefPageCount(def);
-    while (numbers.size() < need) numbers.push_back(db.allocatePage(PageType::TableDef));
-    // Schema changes only add to a definition, so the chain never has to give pages back.
-    numbers.resize(need);
-    std::vector<PageBytes> pages = tableDefPages(def, numbers);
-    for (std::size_t i = 0; i < pages.size(); ++i) db.pages().put(numbers[i], pages[i]);
-    db.forgetTableDef(def.page);
 }
 
 Column makeColumn(TableDef& d, const ColumnSpec& want) {
@@ -179,7 +168,6 @@ void Writer::createTable(const TableSpec& want) {
     const CatalogEntry* tables = db_->findObject("Tables", objtype::kContainer);
     if (!tables) throw Error("the catalogue has no Tables container", errnum::kCorrupt);
     const std::int32_t parentId = tables->id;
-    const RowId containerRow = tables->row;
     asUnit(*db_, [&] {
         TableDef d;
         d.name = want.name;
@@ -208,7 +196,6 @@ void Writer::createTable(const TableSpec& want) {
         if (!d.realIndexes.empty()) storeTableDef(*db_, d);
 
         auto sys = db_->tableDef("MSysObjects");
-        auto container = Table(db_, sys).read(containerRow);
         Row row(sys->columns.size());
         auto set = [&](const char* name, Value v) {
             int at = sys->columnPosition(name);
@@ -222,9 +209,10 @@ void Writer::createTable(const TableSpec& want) {
         set("DateCreate", DateTime{now});
         set("DateUpdate", DateTime{now});
         set("Flags", std::int32_t(0));
-        int owner = sys->columnPosition("Owner");
-        if (container && owner >= 0) row[std::size_t(owner)] = (*container)[std::size_t(owner)];
+        const security::ObjectAccess access = security::forNewTable(*db_);
+        if (!access.owner.empty()) set("Owner", access.owner);
         insert("MSysObjects", row);
+        security::addEntries(*this, std::int32_t(d.page), access.entries);
         db_->reload();
     });
 }
@@ -265,50 +253,6 @@ void Writer::createIndex(const std::string& table, const IndexSpec& is) {
         storeTableDef(*db_, d);
         d.realIndexes.back().rootPage = indexBuild(*db_, d.page, ri.usedPages, entries);
         storeTableDef(*db_, d);
-    });
-}
-void Writer::createRelationship(const RelationshipSpec& rel) {
-    // Enforcing needs a foreign-key index on the referring columns; only
-    // documented relations are written so far.
-    if (rel.enforce)
-        throw Error(
-            "relationships with referential integrity are not supported; "
-            "create it with enforce = false");
-    if (rel.name.empty() || rel.columns.empty() || rel.columns.size() != rel.relatedColumns.size())
-        throw Error("a relationship needs a name and as many columns on either side",
-                    kInvalidArgument);
-    auto from = db_->tableDef(rel.table);
-    auto to = db_->tableDef(rel.relatedTable);
-    for (std::size_t i = 0; i < rel.columns.size(); ++i) {
-        if (!from->column(rel.columns[i]))
-            throw Error("no such column: " + rel.table + "." + rel.columns[i],
-                        errnum::kNoSuchColumn);
-        if (!to->column(rel.relatedColumns[i]))
-            throw Error("no such column: " + rel.relatedTable + "." + rel.relatedColumns[i],
-                        errnum::kNoSuchColumn);
-    }
-    for (const Relationship& r : db_->relationships())
-        if (equalsNoCase(r.name, rel.name))
-            throw Error("relationship '" + rel.name + "' already exists", kDuplicateField);
-    auto sys = db_->tableDef("MSysRelationships");
-    asUnit(*db_, [&] {
-        for (std::size_t i = 0; i < rel.columns.size(); ++i) {
-            Row row(sys->columns.size());
-            auto set = [&](const char* name, Value v) {
-                int at = sys->columnPosition(name);
-                if (at < 0) throw Error(std::string("MSysRelationships has no column ") + name);
-                row[std::size_t(at)] = std::move(v);
-            };
-            set("ccolumn", std::int32_t(rel.columns.size()));
-            set("grbit", std::int32_t(0x00000002));  // no referential integrity
-            set("icolumn", std::int32_t(i));
-            set("szColumn", from->column(rel.columns[i])->name);
-            set("szObject", from->name);
-            set("szReferencedColumn", to->column(rel.relatedColumns[i])->name);
-            set("szReferencedObject", to->name);
-            set("szRelationship", rel.name);
-            insert("MSysRelationships", row);
-        }
     });
 }
 }  // namespace jet

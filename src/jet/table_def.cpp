@@ -155,9 +155,12 @@ std::shared_ptr<TableDef> parseTableDef(const PageBytes& raw, std::uint32_t page
         li.relatedTableType = c.u8(at + 12);
         li.relatedIndex = std::int32_t(c.r32(at + 13));
         li.relatedTablePage = c.r32(at + 17);
-        li.cascadeUpdates = c.u8(at + 21) != 0;
-        li.cascadeDeletes = c.u8(at + 22) != 0;
         li.type = c.u8(at + 23);
+        if (li.isRelationshipSide()) {
+            li.cascadeUpdates = c.u8(at + 21) == fkcascade::kCascade;
+            li.cascadeDeletes = c.u8(at + 22) == fkcascade::kCascade;
+            li.cascadeNull = c.u8(at + 22) == fkcascade::kSetNull;
+        }
         if (li.realIndex >= realCount) throwCorrupt(page, "index refers to a missing index tree");
         at += tdef::kLogicalIndexEntry;
     }

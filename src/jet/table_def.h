@@ -87,15 +87,34 @@ struct Index {
     std::string name;
     std::uint32_t number = 0;
     std::uint32_t realIndex = 0;  // position in TableDef::realIndexes
-    std::uint8_t relatedTableType = 0;
-    std::int32_t relatedIndex = -1;  // -1: not a foreign key
+    // One side of a relationship with referential integrity: both tables
+    // hold a foreign-key entry naming the other's by its number.
+    std::uint8_t relatedTableType = 0;  // fktable:: (this table's part)
+    std::int32_t relatedIndex = -1;     // Index::number in the other table; -1: none
     std::uint32_t relatedTablePage = 0;
+    // Only meaningful on foreign-key entries; Access writes 0x04 0x04 on
+    // every other entry.
     bool cascadeUpdates = false;
     bool cascadeDeletes = false;
-    std::uint8_t type = 0;  // 1 primary key, 2 foreign key (the referenced side)
+    bool cascadeNull = false;  // deleting the referenced row sets the reference to Null
+    std::uint8_t type = 0;     // 1 primary key, 2 foreign key (either side)
     bool isPrimary() const { return type == 1; }
     bool isForeignKey() const { return type == 2; }
+    bool isRelationshipSide() const { return relatedIndex >= 0; }
 };
+
+// Index::relatedTableType: which part of the relationship the table holding
+// the entry plays.
+namespace fktable {
+constexpr std::uint8_t kReferenced = 1;  // the "primary" table, whose key is referred to
+constexpr std::uint8_t kReferring = 2;   // the table whose rows hold the references
+}  // namespace fktable
+// The cascade bytes of a foreign-key entry.
+namespace fkcascade {
+constexpr std::uint8_t kCascade = 0x01;        // both bytes
+constexpr std::uint8_t kSetNull = 0x02;        // the delete byte
+constexpr std::uint8_t kNotForeignKey = 0x04;  // what Access writes on every other entry
+}  // namespace fkcascade
 
 // Per variable column usage maps, at the end of the definition.
 struct VarColumnMaps {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jet/database.h"
 #include "jet/error.h"
 #include "jet/format.h"
 #include "jet/text.h"
@@ -205,11 +206,15 @@ PageBytes encodeTableDef(const TableDef& def) {
         o.u8(li.relatedTableType);
         o.u32(std::uint32_t(li.relatedIndex));
         o.u32(li.relatedTablePage);
-        // The model keeps these as flags; Access's own byte values survive
-        // as long as the flag did not change.
-        std::uint8_t upd = raw.valid ? def.raw[e + 21] : 0, del = raw.valid ? def.raw[e + 22] : 0;
-        o.u8((upd != 0) == li.cascadeUpdates ? upd : std::uint8_t(li.cascadeUpdates));
-        o.u8((del != 0) == li.cascadeDeletes ? del : std::uint8_t(li.cascadeDeletes));
+        if (li.isRelationshipSide()) {
+            o.u8(li.cascadeUpdates ? fkcascade::kCascade : 0);
+            o.u8(li.cascadeDeletes ? fkcascade::kCascade
+                 : li.cascadeNull  ? fkcascade::kSetNull
+                                   : 0);
+        } else {
+            o.u8(fkcascade::kNotForeignKey);
+            o.u8(fkcascade::kNotForeignKey);
+        }
         o.u8(li.type);
         if (raw.valid)
             copyRaw(o.b, def, e + 24, 4);
@@ -265,6 +270,17 @@ std::vector<PageBytes> tableDefPages(const TableDef& def,
     for (std::size_t i = 0; i + 1 < pages.size(); ++i)
         put32(pages[i].data() + tdef::kNextPage, pageNumbers[i + 1]);
     return pages;
+}
+
+void storeTableDef(Database& db, const TableDef& def) {
+    std::vector<std::uint32_t> numbers = def.pages.empty() ? std::vector{def.page} : def.pages;
+    std::size_t need = tableDefPageCount(def);
+    while (numbers.size() < need) numbers.push_back(db.allocatePage(PageType::TableDef));
+    // Schema changes only add to a definition, so the chain never has to give pages back.
+    numbers.resize(need);
+    std::vector<PageBytes> pages = tableDefPages(def, numbers);
+    for (std::size_t i = 0; i < pages.size(); ++i) db.pages().put(numbers[i], pages[i]);
+    db.forgetTableDef(def.page);
 }
 
 }  // namespace jet

@@ -22,4 +22,9 @@ std::size_t tableDefPageCount(const TableDef& def);
 std::vector<PageBytes> tableDefPages(const TableDef& def,
                                      const std::vector<std::uint32_t>& pageNumbers);
 
+class Database;
+// Writes def over its TDEF chain, adding pages when it grew (inside a unit
+// of work), and drops the cached definition.
+void storeTableDef(Database& db, const TableDef& def);
+
 }  // namespace jet

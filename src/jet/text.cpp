@@ -196,9 +196,46 @@ std::vector<std::uint8_t> encodeText(const std::string& utf8, bool allowCompress
 }
 
 namespace {
+// Runs of letters where case pairs sit side by side, the lower case right
+// after the upper one: upper on the even code points (on the odd ones
+// where upperOdd says so).
+struct PairRun {
+    char16_t first, last;
+    bool upperOdd;
+};
+constexpr PairRun kPairRuns[] = {
+    {0x0100, 0x012F, false}, {0x0132, 0x0137, false}, {0x0139, 0x0148, true},
+    {0x014A, 0x0177, false}, {0x0179, 0x017E, true},  {0x0182, 0x0185, false},
+    {0x01A0, 0x01A5, false}, {0x01CD, 0x01DC, true},  {0x01DE, 0x01EF, false},
+    {0x01F8, 0x021F, false}, {0x0222, 0x0233, false}, {0x03D8, 0x03EF, false},
+    {0x0460, 0x0481, false}, {0x048A, 0x04BF, false}, {0x04C1, 0x04CE, true},
+    {0x04D0, 0x052F, false}, {0x1E00, 0x1E95, false}, {0x1EA0, 0x1EFF, false},
+};
+
+// Upper case for the letters of Latin-1, Latin Extended, Greek and
+// Cyrillic: Jet compares text case-blind in all of them.
 char16_t foldCase(char16_t c) {
-    if (c >= 'a' && c <= 'z') return char16_t(c - 32);
-    if (c >= 0xE0 && c <= 0xFE && c != 0xF7) return char16_t(c - 32);
+    if (c < 0x80) return c >= 'a' && c <= 'z' ? char16_t(c - 32) : c;
+    if (c < 0x100) {
+        if (c >= 0xE0 && c <= 0xFE && c != 0xF7) return char16_t(c - 32);
+        return c == 0xFF ? char16_t(0x0178) : c;
+    }
+    for (const PairRun& r : kPairRuns)
+        if (c >= r.first && c <= r.last)
+            return ((c & 1) != 0) == r.upperOdd ? c : char16_t(c - 1);
+    if (c == 0x0131) return u'I';                                                    // dotless i
+    if (c >= 0x01C4 && c <= 0x01CC) return char16_t(0x01C4 + (c - 0x01C4) / 3 * 3);  // Ǆ ǅ ǆ
+    if (c >= 0x01F1 && c <= 0x01F3) return 0x01F1;                                   // Ǳ ǲ ǳ
+    if (c >= 0x03B1 && c <= 0x03C9 && c != 0x03C2) return char16_t(c - 0x20);        // Greek
+    if (c == 0x03C2) return 0x03A3;                                                  // final sigma
+    if (c == 0x03AC) return 0x0386;
+    if (c >= 0x03AD && c <= 0x03AF) return char16_t(c - 0x25);
+    if (c == 0x03CC) return 0x038C;
+    if (c == 0x03CD || c == 0x03CE) return char16_t(c - 0x3F);
+    if (c == 0x03CA || c == 0x03CB) return char16_t(c - 0x20);
+    if (c >= 0x0430 && c <= 0x044F) return char16_t(c - 0x20);  // Cyrillic
+    if (c >= 0x0450 && c <= 0x045F) return char16_t(c - 0x50);
+    if (c == 0x04CF) return 0x04C0;
     return c;
 }
 }  // namespace

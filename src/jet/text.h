@@ -16,7 +16,8 @@ std::vector<std::uint8_t> utf8ToUcs2(const std::string& s);  // unpaired/invalid
 std::vector<std::uint8_t> encodeText(const std::string& utf8, bool allowCompression);
 std::u16string utf8ToUtf16(const std::string& s);
 std::string utf16ToUtf8(const std::u16string& s);
-// Case-insensitive comparison in the spirit of Jet's General order (ASCII and Latin-1 folded).
+// Case-insensitive comparison in the spirit of Jet's General order (Latin,
+// Greek and Cyrillic letters folded).
 int compareTextNoCase(const std::string& a, const std::string& b);
 bool equalsNoCase(const std::string& a, const std::string& b);
 

@@ -13,6 +13,7 @@
 #include "jet/index_writer.h"
 #include "jet/long_value.h"
 #include "jet/long_value_writer.h"
+#include "jet/relationships.h"
 #include "jet/row_encoder.h"
 #include "jet/table.h"
 
@@ -109,19 +110,7 @@ struct IndexPlan {
     bool noNulls = false;  // primary keys and required indexes
 };
 
-// A relationship with referential integrity lives in the foreign-key index
-// of either table. Jet checks it on every write; this engine does not, so
-// it leaves such tables alone rather than break the rule Access relies on.
-std::string enforcedRelationReason(const TableDef& def) {
-    for (const Index& li : def.indexes)
-        if (li.isForeignKey() || li.relatedIndex >= 0)
-            return "table " + def.name + " takes part in a relationship with referential "
-                   "integrity (index " + li.name + "), which this engine does not check";
-    return {};
-}
-
 std::vector<IndexPlan> indexPlans(const TableDef& def) {
-    if (std::string reason = enforcedRelationReason(def); !reason.empty()) throw Error(reason);
     std::vector<IndexPlan> out;
     for (std::size_t ri = 0; ri < def.realIndexes.size(); ++ri) {
         const RealIndex& real = def.realIndexes[ri];
@@ -274,23 +263,46 @@ void freeFields(Database& db, const TableDef& def, const std::vector<Bytes>& fie
 
 }  // namespace
 
-Writer::Writer(std::shared_ptr<Database> db) : db_(std::move(db)) {
-    if (!db_) throw Error("no database to write");
-}
+namespace {
 
-std::string Writer::unwritableReason(const std::string& table) {
-    auto def = db_->tableDef(table);
-    if (std::string reason = enforcedRelationReason(*def); !reason.empty()) return reason;
-    for (const RealIndex& real : def->realIndexes) {
-        std::string reason = indexUnmaintainableReason(*def, real);
-        if (!reason.empty()) return reason;
+// Cascades run through the same writes as the statement that caused them;
+// this bounds the chains a file's relationships can make.
+constexpr int kMaxCascadeDepth = 500;
+
+class RowWrites {
+  public:
+    explicit RowWrites(Database& db) : db_(db) {}
+    RowId insert(const std::string& table, Row& row);
+    void update(const std::string& table, RowId id, const Row& row, int depth);
+    void remove(const std::string& table, RowId id, int depth);
+
+  private:
+    void apply(const std::vector<CascadeStep>& steps, int depth);
+    Database& db_;
+};
+
+void RowWrites::apply(const std::vector<CascadeStep>& steps, int depth) {
+    if (!steps.empty() && depth >= kMaxCascadeDepth)
+        throw Error("cascading changes go deeper than " + std::to_string(kMaxCascadeDepth) +
+                    " relationships");
+    for (const CascadeStep& step : steps) {
+        for (RowId id : step.rows) {
+            // An earlier step of the same cascade may have removed the row.
+            std::optional<Row> current = db_.table(step.table).read(id);
+            if (!current) continue;
+            if (step.remove) {
+                remove(step.table, id, depth + 1);
+                continue;
+            }
+            for (const auto& [position, value] : step.values) (*current)[position] = value;
+            update(step.table, id, *current, depth + 1);
+        }
     }
-    return {};
 }
 
-RowId Writer::insert(const std::string& table, Row& row) {
-    Unit unit(*db_);
-    auto def = db_->tableDef(table);
+RowId RowWrites::insert(const std::string& table, Row& row) {
+    auto def = db_.tableDef(table);
+    const std::vector<ForeignKeyLink> links = foreignKeyLinks(db_, *def);
     Row r = row;
     if (r.size() != def->columns.size()) RowEncoder(*def).check(r);  // throws the count error
     std::uint32_t autoNumber = def->nextAutoNumber;
@@ -315,24 +327,24 @@ RowId Writer::insert(const std::string& table, Row& row) {
     std::vector<std::optional<Bytes>> keys;
     for (const IndexPlan& p : plans) {
         KeyOfRow k = keyOf(*def, p, r, true);
-        refuseDuplicate(*db_, *def, p, k, RowId{});
+        refuseDuplicate(db_, *def, p, k, RowId{});
         keys.push_back(std::move(k.key));
     }
+    requireReferencedRows(db_, *def, links, r, nullptr);
 
-    Bytes bytes = buildRow(*db_, *def, enc, r, {});
-    const RowId id = placeRow(*db_, tablePool(*def), std::move(bytes));
+    Bytes bytes = buildRow(db_, *def, enc, r, {});
+    const RowId id = placeRow(db_, tablePool(*def), std::move(bytes));
     for (std::size_t k = 0; k < plans.size(); ++k)
-        if (keys[k]) indexInsert(*db_, *def, plans[k].real, *keys[k], id);
-    writeCounts(*db_, *def, def->rowCount + 1, autoNumber);
-    unit.commit();
-    row = std::move(r);
+        if (keys[k]) indexInsert(db_, *def, plans[k].real, *keys[k], id);
+    writeCounts(db_, *def, def->rowCount + 1, autoNumber);
+    row = std::move(r);  // with the autonumbers it took
     return id;
 }
 
-void Writer::update(const std::string& table, RowId id, const Row& row) {
-    Unit unit(*db_);
-    auto def = db_->tableDef(table);
-    PageCache& pages = db_->pages();
+void RowWrites::update(const std::string& table, RowId id, const Row& row, int depth) {
+    auto def = db_.tableDef(table);
+    const std::vector<ForeignKeyLink> links = foreignKeyLinks(db_, *def);
+    PageCache& pages = db_.pages();
     const Where where = locate(pages, *def, id);
     const RowBytes oldBytes = rowBytes(pages, where.data());
     const Row old = RowDecoder(pages, *def).decode(oldBytes);
@@ -355,62 +367,108 @@ void Writer::update(const std::string& table, RowId id, const Row& row) {
     for (const IndexPlan& p : plans) {
         oldKeys.push_back(keyOf(*def, p, old, false).key);
         KeyOfRow k = keyOf(*def, p, r, true);
-        if (k.key != oldKeys.back()) refuseDuplicate(*db_, *def, p, k, id);
+        if (k.key != oldKeys.back()) refuseDuplicate(db_, *def, p, k, id);
         newKeys.push_back(std::move(k.key));
     }
+    requireReferencedRows(db_, *def, links, r, &old);
+    const std::vector<CascadeStep> cascades = referrersOnUpdate(db_, *def, links, old, r);
 
     const std::vector<Bytes> oldFields = longFields(pages, *def, oldBytes);
     std::vector<Bytes> keep(def->columns.size());
     for (std::size_t i = 0; i < def->columns.size(); ++i)
         if (!oldFields[i].empty() && r[i] == old[i]) keep[i] = oldFields[i];
-    const Bytes bytes = buildRow(*db_, *def, enc, r, keep);
+    const Bytes bytes = buildRow(db_, *def, enc, r, keep);
 
     const PagePool pool = tablePool(*def);
     if (where.hops.empty()) {
-        if (!trySetSlot(*db_, pool, id, bytes, 0)) {
+        if (!trySetSlot(db_, pool, id, bytes, 0)) {
             // The row keeps its id: its slot points to where it moved.
-            const RowId moved = placeRow(*db_, pool, bytes, datapage::kDeletedFlag, id.page);
-            if (!trySetSlot(*db_, pool, id, pointerTo(moved), datapage::kOverflowFlag))
+            const RowId moved = placeRow(db_, pool, bytes, datapage::kDeletedFlag, id.page);
+            if (!trySetSlot(db_, pool, id, pointerTo(moved), datapage::kOverflowFlag))
                 throw Error("no room for an overflow pointer on page " + std::to_string(id.page));
         }
-    } else if (trySetSlot(*db_, pool, id, bytes, 0)) {
-        for (RowId hop : where.hops) removeSlot(*db_, pool, hop);
-    } else if (!trySetSlot(*db_, pool, where.data(), bytes, datapage::kDeletedFlag)) {
-        const RowId moved = placeRow(*db_, pool, bytes, datapage::kDeletedFlag, where.data().page);
-        for (RowId hop : where.hops) removeSlot(*db_, pool, hop);
-        if (!trySetSlot(*db_, pool, id, pointerTo(moved), datapage::kOverflowFlag))
+    } else if (trySetSlot(db_, pool, id, bytes, 0)) {
+        for (RowId hop : where.hops) removeSlot(db_, pool, hop);
+    } else if (!trySetSlot(db_, pool, where.data(), bytes, datapage::kDeletedFlag)) {
+        const RowId moved = placeRow(db_, pool, bytes, datapage::kDeletedFlag, where.data().page);
+        for (RowId hop : where.hops) removeSlot(db_, pool, hop);
+        if (!trySetSlot(db_, pool, id, pointerTo(moved), datapage::kOverflowFlag))
             throw Error("no room for an overflow pointer on page " + std::to_string(id.page));
     }
 
     for (std::size_t k = 0; k < plans.size(); ++k) {
         if (oldKeys[k] == newKeys[k]) continue;
-        if (oldKeys[k]) indexRemove(*db_, *def, plans[k].real, *oldKeys[k], id);
-        if (newKeys[k]) indexInsert(*db_, *def, plans[k].real, *newKeys[k], id);
+        if (oldKeys[k]) indexRemove(db_, *def, plans[k].real, *oldKeys[k], id);
+        if (newKeys[k]) indexInsert(db_, *def, plans[k].real, *newKeys[k], id);
     }
-    freeFields(*db_, *def, oldFields, keep);
-    forgetDefinition(*db_, *def);
-    unit.commit();
+    freeFields(db_, *def, oldFields, keep);
+    forgetDefinition(db_, *def);
+    // The rows referring to the old key follow it once it is in place, so
+    // that their own check finds it.
+    apply(cascades, depth);
 }
 
-void Writer::remove(const std::string& table, RowId id) {
-    Unit unit(*db_);
-    auto def = db_->tableDef(table);
-    PageCache& pages = db_->pages();
+void RowWrites::remove(const std::string& table, RowId id, int depth) {
+    auto def = db_.tableDef(table);
+    const std::vector<ForeignKeyLink> links = foreignKeyLinks(db_, *def);
+    PageCache& pages = db_.pages();
     const Where where = locate(pages, *def, id);
     const RowBytes oldBytes = rowBytes(pages, where.data());
     const Row old = RowDecoder(pages, *def).decode(oldBytes);
     const std::vector<IndexPlan> plans = indexPlans(*def);
     std::vector<std::optional<Bytes>> keys;
     for (const IndexPlan& p : plans) keys.push_back(keyOf(*def, p, old, false).key);
+    const std::vector<CascadeStep> cascades = referrersOnDelete(db_, *def, links, old);
     const std::vector<Bytes> fields = longFields(pages, *def, oldBytes);
 
     for (std::size_t k = 0; k < plans.size(); ++k)
-        if (keys[k]) indexRemove(*db_, *def, plans[k].real, *keys[k], id);
-    freeFields(*db_, *def, fields, {});
+        if (keys[k]) indexRemove(db_, *def, plans[k].real, *keys[k], id);
+    freeFields(db_, *def, fields, {});
     const PagePool pool = tablePool(*def);
-    for (RowId hop : where.hops) removeSlot(*db_, pool, hop);
-    removeSlot(*db_, pool, id);
-    writeCounts(*db_, *def, def->rowCount > 0 ? def->rowCount - 1 : 0, def->nextAutoNumber);
+    for (RowId hop : where.hops) removeSlot(db_, pool, hop);
+    removeSlot(db_, pool, id);
+    writeCounts(db_, *def, def->rowCount > 0 ? def->rowCount - 1 : 0, def->nextAutoNumber);
+    apply(cascades, depth);
+}
+
+}  // namespace
+
+Writer::Writer(std::shared_ptr<Database> db) : db_(std::move(db)) {
+    if (!db_) throw Error("no database to write");
+}
+
+std::string Writer::unwritableReason(const std::string& table) {
+    auto def = db_->tableDef(table);
+    try {
+        foreignKeyLinks(*db_, *def);
+    } catch (const Error& e) {
+        return e.what();
+    }
+    for (const RealIndex& real : def->realIndexes) {
+        std::string reason = indexUnmaintainableReason(*def, real);
+        if (!reason.empty()) return reason;
+    }
+    return {};
+}
+
+RowId Writer::insert(const std::string& table, Row& row) {
+    Unit unit(*db_);
+    Row r = row;
+    const RowId id = RowWrites(*db_).insert(table, r);
+    unit.commit();
+    row = std::move(r);
+    return id;
+}
+
+void Writer::update(const std::string& table, RowId id, const Row& row) {
+    Unit unit(*db_);
+    RowWrites(*db_).update(table, id, row, 0);
+    unit.commit();
+}
+
+void Writer::remove(const std::string& table, RowId id) {
+    Unit unit(*db_);
+    RowWrites(*db_).remove(table, id, 0);
     unit.commit();
 }
 

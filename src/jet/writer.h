@@ -39,7 +39,10 @@ struct TableSpec {
 };
 
 // Recorded in MSysRelationships. With enforce=false the relation is only
-// documented: Jet checks nothing and no foreign-key index is created.
+// documented: Jet checks nothing and no foreign-key index is created. With
+// enforce=true it is kept as Jet keeps it (referential integrity): the
+// related columns need a unique index, the rows already there must keep the
+// rule, and both tables get a foreign-key index.
 struct RelationshipSpec {
     std::string name;
     std::string table;  // the referring table
@@ -47,6 +50,11 @@ struct RelationshipSpec {
     std::string relatedTable;
     std::vector<std::string> relatedColumns;
     bool enforce = false;
+    // Only with enforce; a deleted related row either takes its referring
+    // rows with it or leaves them Null, not both.
+    bool cascadeUpdates = false;
+    bool cascadeDeletes = false;
+    bool cascadeNull = false;
 };
 
 // Write access to a database opened with OpenOptions::writable = true.
@@ -64,6 +72,11 @@ class Writer {
     // The row keeps its id; a row that no longer fits on its page moves
     // behind an overflow pointer.
     void update(const std::string& table, RowId id, const Row& row);
+    // Writes keep the relationships with referential integrity the table
+    // takes part in: a reference must find its related row (Null refers to
+    // nothing), a referenced row keeps its key and stays while rows refer
+    // to it, unless the relationship cascades the change (or sets the
+    // references Null). The cascaded writes are part of the same unit.
     void remove(const std::string& table, RowId id);
 
     void createTable(const TableSpec& want);

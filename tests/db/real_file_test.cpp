@@ -70,10 +70,12 @@ TEST_F(RealRecords, WritingThroughTheReadOnlyAdapterLeavesTheFileAsItWas) {
     rs.open("Table1", *con, db::adOpenKeyset, db::adLockOptimistic);
     rs.addNew();
     rs.setValue("id", 9);
+    rs.setValue("otherfk1", 99);  // Table2 has no row 99
     rs.setValue("data", "neu");
     EXPECT_THROW(rs.update(), jet::Error);
     rs.cancelUpdate();
-    EXPECT_THROW(con->execute("DELETE FROM Table1"), jet::Error);
+    // Rows of Table1 refer to Table3's rows, and the relationship does not cascade deletes.
+    EXPECT_THROW(con->execute("DELETE FROM Table3"), jet::Error);
     EXPECT_EQ(bytesOf(file), before);
 }
 

@@ -140,6 +140,7 @@ TEST(CreateRelationship, DocumentedRelationReadsBackEverywhere) {
                  {{"R", "Table2", {"nope"}, "Table3", {"id"}, false}},
                  {{"R", "Nope", {"id"}, "Table3", {"id"}, false}},
                  {{"R", "Table2", {"id"}, "Table3", {}, false}},
+                 // Enforced, but Table2's ids are not among Table3's.
                  {{"R", "Table2", {"id"}, "Table3", {"id"}, true}}}) {
             SCOPED_TRACE(b.request.name + " " + b.request.table);
             EXPECT_THROW(w.createRelationship(b.request), jet::Error);

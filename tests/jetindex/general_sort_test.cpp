@@ -1,14 +1,18 @@
 // Text keys in Jet's General order beyond plain letters: keys Access wrote
-// for Latin-1 text re-encode byte for byte, characters without a code are
-// refused before anything is written, and rows with spaces, underscores,
-// hyphens, umlauts and ß go into Access-made files through the writer and
-// come back through our reader, the structural check and mdbtools.
+// for Latin-1, Greek and Cyrillic text re-encode byte for byte, characters
+// without a code are refused before anything is written, and rows with
+// spaces, underscores, hyphens, umlauts, ß and names in other scripts go
+// into Access-made files through the writer and come back through our
+// reader, the structural check and mdbtools.
 #include "jet/general_sort.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <map>
+#include <set>
 
 #include "../jet/mdbtools.h"
 #include "index_support.h"
@@ -73,9 +77,9 @@ std::u16string everyCodeUnitFrom1To255() {
 // U+0001-U+00FF: two-byte inline codes, accent codes with placeholders,
 // skip codes at their places, a 255-character value.
 struct AccessKey {
-    const char* what;
+    std::string what;
     std::u16string text;
-    const char* key;
+    std::string key;
 };
 
 const AccessKey kAccessKeys[] = {
@@ -119,12 +123,39 @@ TEST_P(JetGeneralSortAccessKeys, ReEncodeByteForByte) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Access2003, JetGeneralSortAccessKeys, testing::ValuesIn(kAccessKeys),
-                         [](const testing::TestParamInfo<AccessKey>& i) {
-                             return std::string(i.param.what);
-                         });
+                         [](const testing::TestParamInfo<AccessKey>& i) { return i.param.what; });
 
-TEST(JetGeneralSort, CoversLatin1AndCodePage1252) {
-    for (char16_t c = 0; c <= 0xFF; ++c) EXPECT_TRUE(gensort::covers(c)) << int(c);
+// Keys Access wrote into public files for text in other scripts (golden
+// file; the files are named there).
+std::vector<AccessKey> goldenAccessKeys() {
+    std::ifstream in(std::filesystem::path(TESSARA_SOURCE_DIR) / "tests" / "jetindex" / "golden" /
+                     "general_sort_access_keys.txt");
+    std::vector<AccessKey> out;
+    std::string line;
+    while (std::getline(in, line)) {
+        if (line.empty() || line[0] == '#') continue;
+        std::size_t a = line.find('\t'), b = line.find('\t', a + 1);
+        out.push_back({"line_" + std::to_string(out.size() + 1),
+                       utf8ToUtf16(line.substr(a + 1, b - a - 1)), line.substr(0, a)});
+    }
+    return out;
+}
+
+INSTANTIATE_TEST_SUITE_P(OtherScripts, JetGeneralSortAccessKeys,
+                         testing::ValuesIn(goldenAccessKeys()),
+                         [](const testing::TestParamInfo<AccessKey>& i) { return i.param.what; });
+
+TEST(JetGeneralSort, GoldenAccessKeysCoverTheScripts) {
+    std::set<char16_t> chars;
+    for (const AccessKey& k : goldenAccessKeys())
+        for (char16_t c : k.text)
+            if (c > 0xFF) chars.insert(c);
+    EXPECT_EQ(chars.size(), 101u);
+}
+
+TEST(JetGeneralSort, CoversLatinGreekCyrillicAndCodePage1252) {
+    for (char16_t c = 0; c <= 0x052F; ++c) EXPECT_TRUE(gensort::covers(c)) << int(c);
+    for (char16_t c = 0x1E00; c <= 0x23FF; ++c) EXPECT_TRUE(gensort::covers(c)) << int(c);
     for (char16_t c :
          u"\u20AC\u201A\u0192\u201E\u2026\u2020\u2021\u02C6\u2030\u0160\u2039\u0152"
          u"\u017D\u2018\u2019\u201C\u201D\u2022\u2013\u2014\u02DC\u2122\u0161\u203A"
@@ -133,9 +164,37 @@ TEST(JetGeneralSort, CoversLatin1AndCodePage1252) {
             EXPECT_TRUE(gensort::covers(c)) << int(c);
         }
     }
-    for (char16_t c : {char16_t(0x0100), char16_t(0x0410), char16_t(0x03B1), char16_t(0x2015),
+    for (char16_t c : {char16_t(0x0530), char16_t(0x05D0), char16_t(0x0627), char16_t(0x2400),
                        char16_t(0x6F22), char16_t(0xD83D), char16_t(0xFFFD)})
         EXPECT_FALSE(gensort::covers(c)) << int(c);
+}
+
+// Characters no public Access key holds, by the General order's rules: a
+// letter with a diacritic is its base letter plus an accent code (so it
+// sorts right after the plain word), upper and lower case share a key, a
+// combining mark gives its letter the accent of the precomposed form, a
+// ligature keeps two letters, a character Jet gives no weight vanishes.
+TEST(JetGeneralSort, KeysByThePublishedRules) {
+    TextIndex ix;
+    for (const auto& [upper, lower] :
+         std::vector<std::pair<std::u16string, std::u16string>>{{u"ŁÓDŹ", u"łódź"},
+                                                                {u"ČESKÝ", u"český"},
+                                                                {u"ΩΜΕΓΑ", u"ωμεγα"},
+                                                                {u"ПРИВОД", u"привод"},
+                                                                {u"ŞIŢ", u"şiţ"},
+                                                                {u"ǄEP", u"ǆep"}})
+        EXPECT_EQ(hex(ix.key(upper)), hex(ix.key(lower))) << utf16ToUtf8(upper);
+    EXPECT_EQ(ix.key(u"Cafe\u0301"), ix.key(u"Caf\u00E9"));
+    EXPECT_EQ(ix.key(u"a\u0308"), ix.key(u"\u00E4"));
+    EXPECT_LT(ix.key(u"Capek"), ix.key(u"\u010Capek"));
+    EXPECT_LT(ix.key(u"\u010Capek"), ix.key(u"Cbpek"));
+    EXPECT_NE(ix.key(u"\u0141od"), ix.key(u"Lod"));
+    EXPECT_EQ(hex(ix.key(u"\u01C4")), "7f4f7801021400") << "DŽ: D and Z, the caron on the Z";
+    EXPECT_EQ(ix.key(u"a\u1F00b"), ix.key(u"ab"));  // Greek Extended has no weight
+    EXPECT_EQ(hex(ix.key(u"\u2300 50")), "7f33e60740360100");
+    // Latin, then Greek, then Cyrillic.
+    EXPECT_LT(ix.key(u"zz"), ix.key(u"\u03B1"));
+    EXPECT_LT(ix.key(u"\u03C9"), ix.key(u"\u0430"));
 }
 
 // The empty value has no codes at all; case never reaches the key; ß has
@@ -155,6 +214,9 @@ TEST(JetGeneralSort, KeysOfSpecialValues) {
     // Values longer than the key limit share the key of their first 255 characters.
     std::u16string longText(300, u'x');
     EXPECT_EQ(ix.key(longText), ix.key(longText.substr(0, 255)));
+    // Trailing spaces never reach the key (Access: "ΒΙΒΛΙΑ " in the golden file).
+    EXPECT_EQ(ix.key(u"Ventil  "), ix.key(u"Ventil"));
+    EXPECT_NE(ix.key(u" Ventil"), ix.key(u"Ventil"));
 }
 
 struct Refused {
@@ -164,12 +226,12 @@ struct Refused {
 };
 
 const Refused kRefused[] = {
-    {"cyrillic", u"\u041C\u0438\u0440", "U+041C"},
-    {"greek_after_latin", u"Ventil \u03B1", "U+03B1"},
-    {"latin_extended", u"Stra\u00DFe \u0100", "U+0100"},
+    {"armenian", u"\u0540\u0561\u0575", "U+0540"},
+    {"hebrew_after_cyrillic", u"\u041C\u0438\u0440 \u05D0", "U+05D0"},
+    {"arabic", u"Stra\u00DFe \u0627", "U+0627"},
     {"cjk", u"\u6F22\u5B57", "U+6F22"},
     {"emoji", u"Plan \U0001F600", "U+D83D"},
-    {"horizontal_bar", u"a\u2015b", "U+2015"},
+    {"circled_digit", u"a\u2460b", "U+2460"},
 };
 
 void PrintTo(const Refused& r, std::ostream* os) { *os << r.what; }
@@ -225,6 +287,22 @@ const char* const kNames[] = {
     "ax",
     "~!@#$%^&*()_+{}|:<>?`-=[]\\;',./",
     "ÀÁÂÃÅÆÇÈÉÊËÌÍÎÏÐÑÒÓÔÕØÙÚÛÝÞÿ",
+    // Suppliers across Europe.
+    "Capek",
+    "Čapek",
+    "Cbpek",
+    "Łódź Zawór Ω",
+    "Ventil Ω 50",
+    "Привод П-50",
+    "привод п-50",
+    "Ωμέγα",
+    "Škoda Ústí nad Labem",
+    "Kraków-Ślęża",
+    "Şişli Ţară",
+    "Rohr ⌀50 ≤ 6 bar",
+    "Ǆep ǅ",
+    "Cafe\u0301 (combining acute)",
+    "Мир",
 };
 
 TEST(JetGeneralSortWrite, RowsWithNewCharactersKeepTheirIndexes) {
@@ -241,6 +319,8 @@ TEST(JetGeneralSortWrite, RowsWithNewCharactersKeepTheirIndexes) {
                         {"ByNameDown", {{"Name", false}}, false, false}}});
         w.createTable({"tblOrdner", {{"Id", ColumnType::Long}}, {}});
         w.createTable(
+            {"Клапаны Ω", {{"Id", ColumnType::Long}}, {}});  // a name in MSysObjects' index
+        w.createTable(
             {"tblSeiten", {{"Id", ColumnType::Long}, {"OrdnerId", ColumnType::Long}}, {}});
         w.createRelationship(
             {"tblOrdner_tblSeiten", "tblSeiten", {"OrdnerId"}, "tblOrdner", {"Id"}, false});
@@ -250,7 +330,7 @@ TEST(JetGeneralSortWrite, RowsWithNewCharactersKeepTheirIndexes) {
             rows[w.insert(table, row)] = name;
         }
         // Refused before anything is written: the table keeps its rows.
-        Row bad{Value{}, Value{std::string("Мир")}};  // Мир
+        Row bad{Value{}, Value{std::string("Հայ")}};  // Armenian
         EXPECT_THROW(w.insert(table, bad), Error);
         EXPECT_EQ(db->table(table).rowIds().size(), rows.size());
     }
@@ -260,7 +340,7 @@ TEST(JetGeneralSortWrite, RowsWithNewCharactersKeepTheirIndexes) {
     idxtest::TextKeyReport keys = idxtest::compareTextKeys(*db, "written copy");
     EXPECT_EQ(keys.faults, std::vector<std::string>{});
     EXPECT_EQ(keys.refused, 0u);
-    for (const char* name : {"Zeichnungen 2025", "tblOrdner_tblSeiten"})
+    for (const char* name : {"Zeichnungen 2025", "tblOrdner_tblSeiten", "Клапаны Ω"})
         for (char16_t c : utf8ToUtf16(name))
             EXPECT_TRUE(keys.chars.count(c)) << name << " did not reach a compared key";
 
@@ -313,6 +393,24 @@ TEST(JetGeneralSortWrite, RowsWithNewCharactersKeepTheirIndexes) {
     EXPECT_LT(at.at("Zeichnungen 2025"), at.at("Zeichnungen2025"));
     EXPECT_LT(at.at("_x"), at.at("0x"));
     EXPECT_LT(at.at("0x"), at.at("ax"));
+    // Č is C with an accent; Latin before Greek before Cyrillic; case-blind.
+    EXPECT_EQ(at.at("Capek") + 1, at.at("Čapek"));
+    EXPECT_EQ(at.at("Čapek") + 1, at.at("Cbpek"));
+    EXPECT_LT(at.at("Ventil Ω 50"), at.at("Ωμέγα"));
+    EXPECT_LT(at.at("Ωμέγα"), at.at("Мир"));
+    EXPECT_LT(at.at("Мир"), at.at("Привод П-50"));
+    EXPECT_EQ(std::max(at.at("Привод П-50"), at.at("привод п-50")) -
+                  std::min(at.at("Привод П-50"), at.at("привод п-50")),
+              1u);
+    // Found by a value in the other case, as Jet compares.
+    {
+        std::size_t li = 0;
+        while (def->indexes[li].name != "ByName") ++li;
+        std::vector<RowId> found = t.index(li).find({Value{std::string("ПРИВОД П-50")}});
+        EXPECT_EQ(found.size(), 2u);
+        found = t.index(li).find({Value{std::string("łÓDŹ ZAWÓR ω")}});
+        EXPECT_EQ(found.size(), 1u);
+    }
 
     // mdbtools reads the table and the relationship.
     if (!jettest::haveMdbTools()) GTEST_FAIL() << "mdbtools are needed for this test";
@@ -329,6 +427,9 @@ TEST(JetGeneralSortWrite, RowsWithNewCharactersKeepTheirIndexes) {
         jettest::run("mdb-export " + jettest::quote(copy.path()) + " MSysRelationships", &status);
     EXPECT_EQ(status, 0);
     EXPECT_NE(rel.find("tblOrdner_tblSeiten"), std::string::npos) << rel;
+    const std::string tables =
+        jettest::run("mdb-tables -1 " + jettest::quote(copy.path()), &status);
+    EXPECT_NE(tables.find("Клапаны Ω\n"), std::string::npos) << tables;
 }
 
 }  // namespace

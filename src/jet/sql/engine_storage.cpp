@@ -5,6 +5,7 @@
 
 #include "jet/database.h"
 #include "jet/index_cursor.h"
+#include "jet/relationships.h"
 #include "jet/sql/engine_values.h"
 #include "jet/sql/error.h"
 #include "jet/sql/text_rules.h"
@@ -199,7 +200,8 @@ public:
         guarded([&] { jet::Writer(db_).createIndex(table, indexSpec(index)); });
     }
     void createRelation(const RelationDef& r) override {
-        jet::RelationshipSpec want{r.name, r.table, r.columns, r.relatedTable, r.relatedColumns, false};
+        jet::RelationshipSpec want{r.name,    r.table,          r.columns,        r.relatedTable, r.relatedColumns,
+                                   r.enforce, r.cascadeUpdates, r.cascadeDeletes, r.cascadeNull};
         guarded([&] { jet::Writer(db_).createRelationship(want); });
     }
 
@@ -218,7 +220,9 @@ public:
     std::vector<RelationDef> relations() override {
         std::vector<RelationDef> out;
         for (const auto& r : db_->relationships())
-            out.push_back({r.name, r.table, r.columns, r.relatedTable, r.relatedColumns});
+            out.push_back({r.name, r.table, r.columns, r.relatedTable, r.relatedColumns,
+                           (r.flags & jet::relflag::kNoIntegrity) == 0, (r.flags & jet::relflag::kCascadeUpdates) != 0,
+                           (r.flags & jet::relflag::kCascadeDeletes) != 0, (r.flags & jet::relflag::kCascadeNull) != 0});
         return out;
     }
 

@@ -44,6 +44,10 @@ struct RelationDef {
     std::vector<std::string> columns;
     std::string relatedTable;
     std::vector<std::string> relatedColumns;
+    bool enforce = false;  // referential integrity; the cascades need it
+    bool cascadeUpdates = false;
+    bool cascadeDeletes = false;
+    bool cascadeNull = false;  // a deleted related row leaves the references Null
 };
 
 class Table {
