@@ -263,6 +263,21 @@ std::optional<Row> Table::read(RowId id) const {
     return RowDecoder(db_->pages(), *def_).decode(r);
 }
 
+void Table::readLazy(const std::vector<RowId>& ids,
+                     const std::function<bool(const RowView&)>& visit) const {
+    ReadSection reading(db_->pages().store());
+    RowDecoder dec(db_->pages(), *def_);
+    for (const RowId& id : ids) {
+        PageRef pg = db_->pages().page(id.page);
+        if ((*pg)[0] != std::uint8_t(PageType::Data) ||
+            u32(pg->data() + datapage::kTdefPage) != def_->page || id.row >= rowCountOf(*pg))
+            continue;
+        RowBytes r;
+        if (!liveRow(pg, id.page, id.row, r)) continue;
+        if (!visit(RowView(dec, *def_, std::move(r), id))) return;
+    }
+}
+
 const Value& Table::value(const Row& row, const std::string& column) const {
     int i = def_->columnPosition(column);
     if (i < 0 || std::size_t(i) >= row.size())

@@ -88,6 +88,11 @@ class Table {
     // The row at id, following an overflow pointer; nullopt for a deleted
     // row or a row of another table.
     std::optional<Row> read(RowId id) const;
+    // The rows at ids in that order, each decoded only as far as the visitor
+    // asks, under one read lock (an index lookup's hits); ids that name no
+    // live row of this table are passed over. The visitor answers false to stop.
+    void readLazy(const std::vector<RowId>& ids,
+                  const std::function<bool(const RowView&)>& visit) const;
     // Throws "no such column: NAME" when the table has no such column.
     const Value& value(const Row& row, const std::string& column) const;
 

@@ -18,7 +18,10 @@ namespace {
 
 // Row ids of the SQL layer carry the engine's page and row number.
 RowId toSql(jet::RowId id) { return (static_cast<RowId>(id.page) << 16) | id.row; }
-jet::RowId toJetId(RowId id) { return jet::RowId{static_cast<std::uint32_t>(id >> 16), static_cast<std::uint16_t>(id & 0xFFFF)}; }
+jet::RowId toJetId(RowId id) {
+    return jet::RowId{static_cast<std::uint32_t>(id >> 16),
+                      static_cast<std::uint16_t>(id & 0xFFFF)};
+}
 
 // Engine errors become the SQL layer's, keeping Jet's number.
 template <class F>
@@ -33,8 +36,9 @@ void guarded(F&& f) {
 }
 
 class EngineTable : public Table {
-public:
-    EngineTable(std::shared_ptr<jet::Database> db, std::string name) : db_(std::move(db)), name_(std::move(name)) {}
+  public:
+    EngineTable(std::shared_ptr<jet::Database> db, std::string name)
+        : db_(std::move(db)), name_(std::move(name)) {}
 
     std::string name() const override { return def()->name; }
 
@@ -67,10 +71,12 @@ public:
 
     void scan(const std::function<bool(RowId, const Row&)>& visit) override {
         jet::Table t = db_->table(name_);
-        t.scan([&](jet::RowId id, const jet::Row& r) { return visit(toSql(id), engine::fromJet(r)); });
+        t.scan(
+            [&](jet::RowId id, const jet::Row& r) { return visit(toSql(id), engine::fromJet(r)); });
     }
 
-    void scan(const std::function<bool(RowId, const Row&)>& visit, const std::vector<bool>& needed) override {
+    void scan(const std::function<bool(RowId, const Row&)>& visit,
+              const std::vector<bool>& needed) override {
         jet::Table t = db_->table(name_);
         const std::size_t n = t.def().columns.size();
         Row row;
@@ -85,7 +91,8 @@ public:
     }
 
     void scan(const std::function<bool(RowId, const Row&)>& visit, const std::vector<bool>& needed,
-              const std::vector<bool>& forKeep, const std::function<bool(const Row&)>& keep) override {
+              const std::vector<bool>& forKeep,
+              const std::function<bool(const Row&)>& keep) override {
         jet::Table t = db_->table(name_);
         const std::size_t n = t.def().columns.size();
         // Columns never asked for stay Null; the others are overwritten for
@@ -96,7 +103,8 @@ public:
                 if (forKeep[i]) row[i] = engine::fromJet(v.value(i));
             if (!keep(row)) return true;
             for (std::size_t i = 0; i < n && i < needed.size(); ++i)
-                if (needed[i] && !(i < forKeep.size() && forKeep[i])) row[i] = engine::fromJet(v.value(i));
+                if (needed[i] && !(i < forKeep.size() && forKeep[i]))
+                    row[i] = engine::fromJet(v.value(i));
             return visit(toSql(v.id()), row);
         });
     }
@@ -117,15 +125,19 @@ public:
                 case jet::ColumnType::Integer:
                 case jet::ColumnType::Long:
                 case jet::ColumnType::Double:
-                case jet::ColumnType::DateTime: break;
-                default: return std::nullopt;  // text keys are answered by a scan, by Jet's full comparison
+                case jet::ColumnType::DateTime:
+                    break;
+                default:
+                    return std::nullopt;  // text keys are answered by a scan, by Jet's full
+                                          // comparison
             }
             // A key no row can hold (3.5 in a Long column) finds nothing.
             if (!engine::keyFits(key, col->type)) return std::vector<RowId>{};
             jet::Table t = db_->table(name_);
             jet::IndexCursor cursor = t.index(i);
             std::vector<RowId> out;
-            for (const auto& id : cursor.find({engine::toJet(key, col->type)})) out.push_back(toSql(id));
+            for (const auto& id : cursor.find({engine::toJet(key, col->type)}))
+                out.push_back(toSql(id));
             return out;
         }
         return std::nullopt;
@@ -136,6 +148,29 @@ public:
         auto r = t.read(toJetId(id));
         if (!r) throw Error("The record was deleted.", errors::kIntegrity, 3167);
         return engine::fromJet(*r);
+    }
+
+    void read(const std::vector<RowId>& ids, const std::vector<bool>* needed,
+              const std::function<void(RowId, const Row&)>& visit) override {
+        jet::Table t = db_->table(name_);
+        const std::size_t n = t.def().columns.size();
+        std::vector<jet::RowId> jetIds;
+        jetIds.reserve(ids.size());
+        for (RowId id : ids) jetIds.push_back(toJetId(id));
+        Row row;
+        // One table, one read lock and only the asked-for columns for all the
+        // hits: a Folder's record set is thousands of them.
+        t.readLazy(jetIds, [&](const jet::RowView& v) {
+            if (!needed) {
+                visit(toSql(v.id()), engine::fromJet(v.all()));
+                return true;
+            }
+            row.assign(n, Value());
+            for (std::size_t i = 0; i < n && i < needed->size(); ++i)
+                if ((*needed)[i]) row[i] = engine::fromJet(v.value(i));
+            visit(toSql(v.id()), row);
+            return true;
+        });
     }
 
     RowId insert(Row& row) override {
@@ -158,7 +193,7 @@ public:
         guarded([&] { jet::Writer(db_).remove(d->name, toJetId(id)); });
     }
 
-private:
+  private:
     std::shared_ptr<const jet::TableDef> def() const { return db_->tableDef(name_); }
     static jet::Row toJetRow(const jet::TableDef& d, const Row& row) {
         jet::Row r;
@@ -173,8 +208,9 @@ private:
 };
 
 class EngineStorage : public Storage {
-public:
-    EngineStorage(std::shared_ptr<jet::Database> db, PathMapper mapper) : db_(std::move(db)), mapper_(std::move(mapper)) {}
+  public:
+    EngineStorage(std::shared_ptr<jet::Database> db, PathMapper mapper)
+        : db_(std::move(db)), mapper_(std::move(mapper)) {}
 
     std::vector<std::string> tableNames() override { return db_->tableNames(false); }
 
@@ -184,7 +220,8 @@ public:
         return nullptr;
     }
 
-    std::shared_ptr<Table> createTable(const std::string& name, const std::vector<ColumnDef>& columns,
+    std::shared_ptr<Table> createTable(const std::string& name,
+                                       const std::vector<ColumnDef>& columns,
                                        const std::vector<IndexDef>& indexes) override {
         jet::TableSpec want;
         want.name = name;
@@ -200,8 +237,9 @@ public:
         guarded([&] { jet::Writer(db_).createIndex(table, indexSpec(index)); });
     }
     void createRelation(const RelationDef& r) override {
-        jet::RelationshipSpec want{r.name,    r.table,          r.columns,        r.relatedTable, r.relatedColumns,
-                                   r.enforce, r.cascadeUpdates, r.cascadeDeletes, r.cascadeNull};
+        jet::RelationshipSpec want{r.name,           r.table,          r.columns,
+                                   r.relatedTable,   r.relatedColumns, r.enforce,
+                                   r.cascadeUpdates, r.cascadeDeletes, r.cascadeNull};
         guarded([&] { jet::Writer(db_).createRelationship(want); });
     }
 
@@ -221,8 +259,10 @@ public:
         std::vector<RelationDef> out;
         for (const auto& r : db_->relationships())
             out.push_back({r.name, r.table, r.columns, r.relatedTable, r.relatedColumns,
-                           (r.flags & jet::relflag::kNoIntegrity) == 0, (r.flags & jet::relflag::kCascadeUpdates) != 0,
-                           (r.flags & jet::relflag::kCascadeDeletes) != 0, (r.flags & jet::relflag::kCascadeNull) != 0});
+                           (r.flags & jet::relflag::kNoIntegrity) == 0,
+                           (r.flags & jet::relflag::kCascadeUpdates) != 0,
+                           (r.flags & jet::relflag::kCascadeDeletes) != 0,
+                           (r.flags & jet::relflag::kCascadeNull) != 0});
         return out;
     }
 
@@ -236,12 +276,13 @@ public:
         return s;
     }
 
-private:
+  private:
     static jet::ColumnSpec columnSpec(const ColumnDef& c) {
         jet::ColumnSpec s;
         s.name = c.name;
         s.type = static_cast<jet::ColumnType>(static_cast<int>(c.type));
-        s.length = static_cast<std::uint16_t>(c.type == ColumnType::Text ? (c.size > 0 ? c.size : 255) : 0);
+        s.length = static_cast<std::uint16_t>(
+            c.type == ColumnType::Text ? (c.size > 0 ? c.size : 255) : 0);
         s.autoNumber = c.autoIncrement;
         s.nullable = c.nullable;
         return s;
@@ -263,11 +304,13 @@ private:
 
 }  // namespace
 
-std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create, PathMapper mapper) {
+std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create,
+                                           PathMapper mapper) {
     std::string native = mapper ? mapper(path) : path;
     std::error_code ec;
     if (create) {
-        if (std::filesystem::exists(native, ec)) throw Error("Database already exists.", errors::kIntegrity, 3204);
+        if (std::filesystem::exists(native, ec))
+            throw Error("Database already exists.", errors::kIntegrity, 3204);
         guarded([&] { jet::createDatabase(native); });
     } else if (!std::filesystem::exists(native, ec)) {
         throw errors::fileNotFound(path);

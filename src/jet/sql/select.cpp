@@ -23,7 +23,9 @@ const Expr* indexableTerm(const Expr* e, const Source& s, Value& key, std::strin
     const Expr* col = e->left.get();
     const Expr* lit = e->right.get();
     if (col->kind != Expr::Kind::Column) std::swap(col, lit);
-    if (col->kind != Expr::Kind::Column || lit->kind != Expr::Kind::Literal || lit->literal.isNull()) return nullptr;
+    if (col->kind != Expr::Kind::Column || lit->kind != Expr::Kind::Literal ||
+        lit->literal.isNull())
+        return nullptr;
     int idx = s.find(col->qualifier, col->name);
     if (idx < 0) return nullptr;
     // A text constant against a number column is Jet's type mismatch, which the scan reports.
@@ -59,10 +61,14 @@ void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const E
     };
     if (hits) {
         std::sort(hits->begin(), hits->end());
-        for (RowId id : *hits) consider(id, src.table->read(id));
+        src.table->read(*hits, needed, [&](RowId id, const Row& row) { consider(id, row); });
     } else if (needed && pred) {
-        src.table->scan([&](RowId id, const Row& row) { visit(id, row); return true; }, *needed, forWhere,
-                        [&](const Row& row) { return isTrue(pred(row)); });
+        src.table->scan(
+            [&](RowId id, const Row& row) {
+                visit(id, row);
+                return true;
+            },
+            *needed, forWhere, [&](const Row& row) { return isTrue(pred(row)); });
     } else if (needed) {
         src.table->scan(consider, *needed);
     } else {
@@ -100,8 +106,8 @@ void joinRows(const std::shared_ptr<Storage>& db, const Source& src, const Expr*
             return true;
         });
         int newCol = -1, oldCol = -1;
-        if (jc.on->kind == Expr::Kind::Binary && jc.on->op == "=" && jc.on->left->kind == Expr::Kind::Column &&
-            jc.on->right->kind == Expr::Kind::Column) {
+        if (jc.on->kind == Expr::Kind::Binary && jc.on->op == "=" &&
+            jc.on->left->kind == Expr::Kind::Column && jc.on->right->kind == Expr::Kind::Column) {
             int a = visible.find(jc.on->left->qualifier, jc.on->left->name);
             int b = visible.find(jc.on->right->qualifier, jc.on->right->name);
             auto inNew = [&](int x) { return x >= static_cast<int>(part.offset); };
@@ -191,7 +197,8 @@ ResultSet runSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s) {
                                 if (textEquals(oc.name, cd.name)) ++owners;
                         if (owners > 1) name = part.name + "." + cd.name;
                     }
-                    rs.columns.push_back({name, cd.type, cd.size, cd.nullable, cd.autoIncrement, idx});
+                    rs.columns.push_back(
+                        {name, cd.type, cd.size, cd.nullable, cd.autoIncrement, idx});
                     needed[idx] = true;
                     evals.push_back([idx](const Row& r) { return r[idx]; });
                 }
@@ -246,20 +253,24 @@ ResultSet runSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s) {
         for (int k : keyColumns) m.key.push_back(row[k]);
         matches.push_back(std::move(m));
     };
-    if (haveTable) forEachMatch(db, source, s.where.get(), take, &needed);
-    else take(-1, Row{});
+    if (haveTable)
+        forEachMatch(db, source, s.where.get(), take, &needed);
+    else
+        take(-1, Row{});
 
     std::vector<std::size_t> order(matches.size());
     for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
     if (!orderEvals.empty()) {
         std::vector<std::vector<SortKey>> text(matches.size());
         for (std::size_t i = 0; i < matches.size(); ++i)
-            for (const auto& v : matches[i].order) text[i].push_back(v.isText() ? generalSortKey(v.textRef()) : SortKey{});
+            for (const auto& v : matches[i].order)
+                text[i].push_back(v.isText() ? generalSortKey(v.textRef()) : SortKey{});
         std::stable_sort(order.begin(), order.end(), [&](std::size_t x, std::size_t y) {
             for (std::size_t k = 0; k < orderEvals.size(); ++k) {
                 const Value& a = matches[x].order[k];
                 const Value& b = matches[y].order[k];
-                int cmp = (a.isText() && b.isText()) ? compareSortKeys(text[x][k], text[y][k]) : orderCompare(a, b);
+                int cmp = (a.isText() && b.isText()) ? compareSortKeys(text[x][k], text[y][k])
+                                                     : orderCompare(a, b);
                 if (cmp != 0) return desc[k] ? cmp > 0 : cmp < 0;
             }
             return false;
@@ -273,7 +284,8 @@ ResultSet runSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s) {
         Match& m = matches[oi];
         if (s.distinct) {
             std::string k;
-            for (const auto& v : m.out) k += (v.isNull() ? std::string("\x01") : equalityKey(v)) + '\x1f';
+            for (const auto& v : m.out)
+                k += (v.isNull() ? std::string("\x01") : equalityKey(v)) + '\x1f';
             if (!seen.insert(k).second) continue;
         }
         rs.rows.push_back(std::move(m.out));

@@ -51,7 +51,7 @@ struct RelationDef {
 };
 
 class Table {
-public:
+  public:
     virtual ~Table() = default;
     virtual std::string name() const = 0;
     virtual std::vector<ColumnDef> columns() const = 0;
@@ -61,15 +61,17 @@ public:
     virtual void scan(const std::function<bool(RowId, const Row&)>& visit) = 0;
     // The same, where only the columns marked in needed must hold their
     // values (others may read as Null): a store may skip converting them.
-    virtual void scan(const std::function<bool(RowId, const Row&)>& visit, const std::vector<bool>& needed) {
+    virtual void scan(const std::function<bool(RowId, const Row&)>& visit,
+                      const std::vector<bool>& needed) {
         (void)needed;
         scan(visit);
     }
     // The same in two steps: the columns marked in forKeep are read first
     // and keep decides on them; only kept rows get the rest of needed. A
     // store that reads columns lazily saves the columns of rejected rows.
-    virtual void scan(const std::function<bool(RowId, const Row&)>& visit, const std::vector<bool>& needed,
-                      const std::vector<bool>& forKeep, const std::function<bool(const Row&)>& keep) {
+    virtual void scan(const std::function<bool(RowId, const Row&)>& visit,
+                      const std::vector<bool>& needed, const std::vector<bool>& forKeep,
+                      const std::function<bool(const Row&)>& keep) {
         (void)forKeep;
         scan([&](RowId id, const Row& r) { return !keep(r) || visit(id, r); }, needed);
     }
@@ -77,6 +79,13 @@ public:
     // index whose first column is that column; nullopt when there is none.
     virtual std::optional<std::vector<RowId>> seek(const std::string& column, const Value& key) = 0;
     virtual Row read(RowId id) = 0;
+    // The rows of a seek's hits in the order given, where only the columns
+    // marked in needed must hold their values (nullptr: all of them).
+    virtual void read(const std::vector<RowId>& ids, const std::vector<bool>* needed,
+                      const std::function<void(RowId, const Row&)>& visit) {
+        (void)needed;
+        for (RowId id : ids) visit(id, read(id));
+    }
 
     // The row holds one value per column in column order, already coerced
     // to the column types. Null in an autoincrement column asks for the next
@@ -87,12 +96,13 @@ public:
 };
 
 class Storage {
-public:
+  public:
     virtual ~Storage() = default;
     virtual std::vector<std::string> tableNames() = 0;  // user tables only
     // Case-insensitive lookup; nullptr when there is no such table.
     virtual std::shared_ptr<Table> table(const std::string& name) = 0;
-    virtual std::shared_ptr<Table> createTable(const std::string& name, const std::vector<ColumnDef>& columns,
+    virtual std::shared_ptr<Table> createTable(const std::string& name,
+                                               const std::vector<ColumnDef>& columns,
                                                const std::vector<IndexDef>& indexes) = 0;
     virtual void addColumn(const std::string& table, const ColumnDef& column) = 0;
     virtual void createIndex(const std::string& table, const IndexDef& index) = 0;
