@@ -28,53 +28,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// One demo library per run, copied for every test.
-const fs::path& demoVorlage() {
-    static const fs::path vorlage = [] {
-        fs::path p = fs::temp_directory_path() / ("tessara_ui_demo_" + std::to_string(::getpid()));
-        fs::remove_all(p);
-        const std::string befehl =
-            std::string(TESSARA_CLI) + " make-demo-library " + p.string() + " >/dev/null";
-        EXPECT_EQ(std::system(befehl.c_str()), 0);
-        return p;
-    }();
-    return vorlage;
-}
-
-class Hauptfenster : public FensterTest {
+class Hauptfenster : public HauptfensterTest {
   protected:
-    void SetUp() override {
-        FensterTest::SetUp();
-        fs::copy(demoVorlage(), wurzel / "bib", fs::copy_options::recursive);
-        bib = platform::programPath((wurzel / "bib").string());
-        z.strAppPfad = platform::programPath(std::string(TESSARA_BINARY_DIR) + "/app");
-        z.strIniDatei = z.strCTemp + "Tessara9.0.ini";
-        z.strSprache = "deutsch";
-        z.benutzer = &benutzer;
-        plattform.desktop = &desktop;
-        IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0", bib);
-        IniSetValue(z, z.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
-    }
-    void TearDown() override {
-        fenster.reset();
-        FensterTest::TearDown();
-    }
-
     FrmBlockverwaltung& laden(long doppelklick = 0) {
         typSetupWerte w;
         w.longDoppelklick = doppelklick;
-        SetupInRegistrierdatenbankSpeichern(z, w);
-        fenster = std::make_unique<FrmBlockverwaltung>(z, cad);
-        QSignalSpy gemalt(fenster.get(), &FrmBlockverwaltung::seiteGemalt);
-        fenster->laden();
-        EXPECT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
-        return *fenster;
+        return hauptfensterLaden(w);
     }
     template <class T>
     T* kind(const QString& name) {
-        auto* w = fenster->findChild<T*>(name);
-        EXPECT_NE(w, nullptr) << name.toStdString();
-        return w;
+        return HauptfensterTest::kind<T>(fenster.get(), name);
     }
     int sichtbareSlots() {
         int n = 0;
@@ -89,12 +52,6 @@ class Hauptfenster : public FensterTest {
         rs.open("SELECT * FROM tblMarkierteBloecke", con);
         return rs.recordCount();
     }
-
-    std::string bib;
-    SkriptBenutzer benutzer;
-    platform::MemoryDesktop desktop;
-    CadVerbindung cad;
-    std::unique_ptr<FrmBlockverwaltung> fenster;
 };
 
 TEST_F(Hauptfenster, ShowsTheLibraryWithPaintedPreviews) {

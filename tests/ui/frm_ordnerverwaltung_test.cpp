@@ -37,52 +37,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path& demoBibliothek() {
-    static const fs::path vorlage = [] {
-        fs::path p =
-            fs::temp_directory_path() / ("tessara_ui_verwaltung_" + std::to_string(::getpid()));
-        fs::remove_all(p);
-        const std::string befehl =
-            std::string(TESSARA_CLI) + " make-demo-library " + p.string() + " >/dev/null";
-        EXPECT_EQ(std::system(befehl.c_str()), 0);
-        return p;
-    }();
-    return vorlage;
-}
-
-class Verwaltung : public FensterTest {
+class Verwaltung : public HauptfensterTest {
   protected:
-    void SetUp() override {
-        FensterTest::SetUp();
-        fs::copy(demoBibliothek(), wurzel / "bib", fs::copy_options::recursive);
-        z.strAppPfad = platform::programPath(std::string(TESSARA_BINARY_DIR) + "/app");
-        z.strIniDatei = z.strCTemp + "Tessara9.0.ini";
-        z.strSprache = "deutsch";
-        z.benutzer = &benutzer;
-        plattform.desktop = &desktop;
-        IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0",
-                    platform::programPath((wurzel / "bib").string()));
-        IniSetValue(z, z.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
-    }
     void starten(const typSetupWerte& w = {}) {
-        SetupInRegistrierdatenbankSpeichern(z, w);
-        haupt = std::make_unique<FrmBlockverwaltung>(z, cad);
-        QSignalSpy gemalt(haupt.get(), &FrmBlockverwaltung::seiteGemalt);
-        haupt->laden();
-        ASSERT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
-        haupt->show();
-    }
-    void TearDown() override {
-        haupt.reset();
-        FensterTest::TearDown();
+        hauptfensterLaden(w);
+        fenster->show();
     }
 
-    template <class T>
-    T* kind(QObject* eltern, const char* name) {
-        auto* w = eltern->findChild<T*>(QString::fromLatin1(name));
-        EXPECT_NE(w, nullptr) << name;
-        return w;
-    }
     // A window the menu entry or button opened; waits until it is shown.
     template <class T>
     T* geoeffnet(QObject* eltern) {
@@ -92,38 +53,33 @@ class Verwaltung : public FensterTest {
     }
     QStringList box(const char* name) {
         QStringList l;
-        auto* b = kind<QComboBox>(haupt.get(), name);
+        auto* b = kind<QComboBox>(fenster.get(), name);
         for (int i = 0; i < b->count(); ++i) l << b->itemText(i);
         return l;
     }
-    void eintippen(QWidget* fenster, const char* feld, const QString& text) {
-        auto* e = kind<QLineEdit>(fenster, feld);
+    void eintippen(QWidget* dialog, const char* feld, const QString& text) {
+        auto* e = kind<QLineEdit>(dialog, feld);
         e->clear();
         // QTest types only ASCII keys; umlauts go in as an input method would.
         e->insert(text);
     }
-    void klicken(QWidget* fenster, const char* knopf) {
-        QTest::mouseClick(kind<QAbstractButton>(fenster, knopf), Qt::LeftButton);
+    void klicken(QWidget* dialog, const char* knopf) {
+        QTest::mouseClick(kind<QAbstractButton>(dialog, knopf), Qt::LeftButton);
     }
-
-    SkriptBenutzer benutzer;
-    platform::MemoryDesktop desktop;
-    CadVerbindung cad;
-    std::unique_ptr<FrmBlockverwaltung> haupt;
 };
 
 TEST_F(Verwaltung, AFullRoundOfFolderAndPageChangesShowsAtOnceInTheMainWindow) {
     starten();
-    auto* extras = kind<QMenu>(haupt.get(), "mnuExtras");
-    extras->popup(haupt->mapToGlobal(QPoint(40, 40)));
+    auto* extras = kind<QMenu>(fenster.get(), "mnuExtras");
+    extras->popup(fenster->mapToGlobal(QPoint(40, 40)));
     ASSERT_TRUE(QTest::qWaitForWindowExposed(extras));
     bildschirmfoto(extras, "mnuExtras");
     extras->hide();
-    EXPECT_EQ(kind<QAction>(haupt.get(), "mnuOrdnerverwaltung")->text(),
+    EXPECT_EQ(kind<QAction>(fenster.get(), "mnuOrdnerverwaltung")->text(),
               QString::fromUtf8("Ordner &verwalten …"));
     const QStringList ordnerVorher = box("comboxOrdner");
-    kind<QAction>(haupt.get(), "mnuOrdnerverwaltung")->trigger();
-    auto* ordner = geoeffnet<FrmOrdnerverwaltung>(haupt.get());
+    kind<QAction>(fenster.get(), "mnuOrdnerverwaltung")->trigger();
+    auto* ordner = geoeffnet<FrmOrdnerverwaltung>(fenster.get());
     auto* liste = kind<QListWidget>(ordner, "dlisOrdner");
     EXPECT_EQ(liste->count(), ordnerVorher.size());
     EXPECT_FALSE(kind<QPushButton>(ordner, "cmdOrdnerExport")->isEnabled());
@@ -152,13 +108,13 @@ TEST_F(Verwaltung, AFullRoundOfFolderAndPageChangesShowsAtOnceInTheMainWindow) {
     EXPECT_EQ(liste->currentRow(), erwartet.size() - 2);
 
     klicken(ordner, "cmbOk");
-    QTRY_VERIFY(!ordner->isVisible() || haupt->findChild<FrmOrdnerverwaltung*>() == nullptr);
-    EXPECT_EQ(kind<QComboBox>(haupt.get(), "comboxOrdner")->currentText(),
+    QTRY_VERIFY(!ordner->isVisible() || fenster->findChild<FrmOrdnerverwaltung*>() == nullptr);
+    EXPECT_EQ(kind<QComboBox>(fenster.get(), "comboxOrdner")->currentText(),
               QString::fromUtf8("Schrauben und Dübel"));
     EXPECT_TRUE(box("comboxSeite").isEmpty());
 
-    kind<QAction>(haupt.get(), "mnuSeitenverwaltung")->trigger();
-    auto* seiten = geoeffnet<FrmSeitenverwaltung>(haupt.get());
+    kind<QAction>(fenster.get(), "mnuSeitenverwaltung")->trigger();
+    auto* seiten = geoeffnet<FrmSeitenverwaltung>(fenster.get());
     EXPECT_EQ(kind<QListWidget>(seiten, "lisSeiten")->count(), 0);
     EXPECT_FALSE(kind<QPushButton>(seiten, "cmbLoeschen")->isEnabled());
     klicken(seiten, "cmbNeu");
@@ -191,7 +147,7 @@ TEST_F(Verwaltung, AFullRoundOfFolderAndPageChangesShowsAtOnceInTheMainWindow) {
     QTRY_VERIFY(box("comboxSeite").isEmpty());
     EXPECT_EQ(lis->count(), 0);
     // Sorted by name, the Folder box follows at once and the setting is kept.
-    kind<QAction>(haupt.get(), "chkOrdnerSortieren")->trigger();
+    kind<QAction>(fenster.get(), "chkOrdnerSortieren")->trigger();
     QStringList sortiert = box("comboxOrdner");
     sortiert.sort(Qt::CaseInsensitive);
     EXPECT_EQ(box("comboxOrdner"), sortiert);
@@ -208,11 +164,11 @@ TEST_F(Verwaltung, AFullRoundOfFolderAndPageChangesShowsAtOnceInTheMainWindow) {
 TEST_F(Verwaltung, AWriteProtectedLibraryOpensTheWindowsForLookingOnly) {
     fs::create_directories(wurzel / "bib" / "Test.txt");
     starten();
-    ASSERT_TRUE(haupt->schreibgeschuetzt());
-    kind<QAction>(haupt.get(), "mnuOrdnerverwaltung")->trigger();
-    auto* ordner = geoeffnet<FrmOrdnerverwaltung>(haupt.get());
-    kind<QAction>(haupt.get(), "mnuSeitenverwaltung")->trigger();
-    auto* seiten = geoeffnet<FrmSeitenverwaltung>(haupt.get());
+    ASSERT_TRUE(fenster->schreibgeschuetzt());
+    kind<QAction>(fenster.get(), "mnuOrdnerverwaltung")->trigger();
+    auto* ordner = geoeffnet<FrmOrdnerverwaltung>(fenster.get());
+    kind<QAction>(fenster.get(), "mnuSeitenverwaltung")->trigger();
+    auto* seiten = geoeffnet<FrmSeitenverwaltung>(fenster.get());
     for (QWidget* f : {static_cast<QWidget*>(ordner), static_cast<QWidget*>(seiten)})
         for (const char* k : {"cmbNeu", "cmbUmbenennen", "cmbLoeschen"})
             EXPECT_FALSE(kind<QPushButton>(f, k)->isEnabled()) << k;
@@ -222,8 +178,8 @@ TEST_F(Verwaltung, AWriteProtectedLibraryOpensTheWindowsForLookingOnly) {
 
 TEST_F(Verwaltung, AMenuCopiedAndAssignedNamesTheAttributesOfTheBlockProperties) {
     starten();
-    kind<QAction>(haupt.get(), "mnuDefMenue")->trigger();
-    auto* menues = geoeffnet<FrmDefMenue>(haupt.get());
+    kind<QAction>(fenster.get(), "mnuDefMenue")->trigger();
+    auto* menues = geoeffnet<FrmDefMenue>(fenster.get());
     auto* liste = kind<QListWidget>(menues, "lisDefMenue");
     const int vorher = liste->count();
     EXPECT_TRUE(kind<QCheckBox>(menues, "chkGlobal")->isChecked());
@@ -242,8 +198,8 @@ TEST_F(Verwaltung, AMenuCopiedAndAssignedNamesTheAttributesOfTheBlockProperties)
     bildschirmfoto(menues, "frmDefMenue");
     klicken(menues, "cmbSchliessen");
 
-    kind<QAction>(haupt.get(), "mnuBlockEigenschaften")->trigger();
-    auto* block = geoeffnet<FrmBlockEigenschaften>(haupt.get());
+    kind<QAction>(fenster.get(), "mnuBlockEigenschaften")->trigger();
+    auto* block = geoeffnet<FrmBlockEigenschaften>(fenster.get());
     EXPECT_EQ(kind<QLabel>(block, "benennung_0")->text(),
               QString::fromUtf8("Benennung für Stückliste:"));
     EXPECT_EQ(kind<QLabel>(block, "benennung_2")->text(), "M2");
@@ -255,7 +211,7 @@ TEST_F(Verwaltung, AMenuCopiedAndAssignedNamesTheAttributesOfTheBlockProperties)
     eintippen(block, "txtLyColor", "1");
     bildschirmfoto(block, "frmBlockEigenschaften");
     klicken(block, "cmbOk");
-    QTRY_COMPARE(kind<QLabel>(haupt.get(), "labBlock_0")->text(),
+    QTRY_COMPARE(kind<QLabel>(fenster.get(), "labBlock_0")->text(),
                  QString::fromUtf8("Kugelhahn „neu“"));
 }
 
@@ -264,8 +220,8 @@ TEST_F(Verwaltung, WithRightsManagementTheFolderWindowListsOnlyTheUsersFolders) 
     typSetupWerte w;
     w.longRechteverwaltung = 1;
     starten(w);
-    kind<QAction>(haupt.get(), "mnuOrdnerverwaltung")->trigger();
-    auto* ordner = geoeffnet<FrmOrdnerverwaltung>(haupt.get());
+    kind<QAction>(fenster.get(), "mnuOrdnerverwaltung")->trigger();
+    auto* ordner = geoeffnet<FrmOrdnerverwaltung>(fenster.get());
     auto* liste = kind<QListWidget>(ordner, "dlisOrdner");
     const int alle = liste->count();
     liste->setCurrentRow(1);

@@ -35,55 +35,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path& demoVorlage() {
-    static const fs::path vorlage = [] {
-        fs::path p =
-            fs::temp_directory_path() / ("tessara_suche_demo_" + std::to_string(::getpid()));
-        fs::remove_all(p);
-        const std::string befehl =
-            std::string(TESSARA_CLI) + " make-demo-library " + p.string() + " >/dev/null";
-        EXPECT_EQ(std::system(befehl.c_str()), 0);
-        return p;
-    }();
-    return vorlage;
-}
-
-class Suche : public FensterTest {
+class Suche : public HauptfensterTest {
   protected:
     void SetUp() override {
-        FensterTest::SetUp();
-        fs::copy(demoVorlage(), wurzel / "bib", fs::copy_options::recursive);
-        bib = platform::programPath((wurzel / "bib").string());
-        z.strAppPfad = platform::programPath(std::string(TESSARA_BINARY_DIR) + "/app");
-        z.strIniDatei = z.strCTemp + "Tessara9.0.ini";
-        z.strSprache = "deutsch";
-        z.benutzer = &benutzer;
-        plattform.desktop = &desktop;
-        IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0", bib);
-        IniSetValue(z, z.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
+        HauptfensterTest::SetUp();
         // A full AutoCAD host on the scripted desktop, taking the AutoLISP route.
         IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "NewInsertRoutine", "1");
         desktop.addWindow("AutoCAD 2018 - [Zeichnung1.dwg]");
         cad.typAcadVersionInfo.strACadVersion = "AutoCAD 2018";
         cad.typAcadVersionInfo.strAcadTitel = "AutoCAD 2018";
-        fenster = std::make_unique<FrmBlockverwaltung>(z, cad);
-        QSignalSpy gemalt(fenster.get(), &FrmBlockverwaltung::seiteGemalt);
-        fenster->laden();
-        EXPECT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
+        hauptfensterLaden();
         fenster->modell().fctMarkierungenAlleLoeschen();  // the demo's marks would go in instead
         fenster->resize(1180, 900);
         fenster->show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(fenster.get()));
-    }
-    void TearDown() override {
-        fenster.reset();
-        FensterTest::TearDown();
-    }
-    template <class T>
-    T* kind(QObject* in, const QString& name) {
-        auto* w = in->findChild<T*>(name);
-        EXPECT_NE(w, nullptr) << name.toStdString();
-        return w;
     }
     FrmDatenbankSuche* sucheOeffnen() {
         kind<QAction>(fenster.get(), "mnuDatenbankSuche")->trigger();
@@ -115,12 +80,6 @@ class Suche : public FensterTest {
             for (int x = 0; x < b.width(); ++x) anders += b.pixel(x, y) != b.pixel(0, 0);
         return anders > 50;
     }
-
-    std::string bib;
-    SkriptBenutzer benutzer;
-    platform::MemoryDesktop desktop;
-    CadVerbindung cad;
-    std::unique_ptr<FrmBlockverwaltung> fenster;
 };
 
 TEST_F(Suche, OneHitWithDirectInsertionGoesToTheInsertCommandAndIntoTheRecentList) {

@@ -4,11 +4,15 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QSignalSpy>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <memory>
 
 #include "platform/environment.h"
+#include "startup/einstellungen.h"
+#include "ui/frm_blockverwaltung.h"
 
 namespace tessara::uitest {
 
@@ -53,6 +57,50 @@ void FensterTest::TearDown() {
 std::string FensterTest::protokoll() const {
     std::ifstream in(wurzel / "fehler.txt", std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+namespace {
+
+const std::filesystem::path& demoVorlage() {
+    static const std::filesystem::path vorlage = [] {
+        auto p = std::filesystem::temp_directory_path() /
+                 ("tessara_ui_demo_" + std::to_string(::getpid()));
+        std::filesystem::remove_all(p);
+        const std::string befehl =
+            std::string(TESSARA_CLI) + " make-demo-library " + p.string() + " >/dev/null";
+        EXPECT_EQ(std::system(befehl.c_str()), 0);
+        return p;
+    }();
+    return vorlage;
+}
+
+}  // namespace
+
+void HauptfensterTest::SetUp() {
+    FensterTest::SetUp();
+    std::filesystem::copy(demoVorlage(), wurzel / "bib", std::filesystem::copy_options::recursive);
+    bib = platform::programPath((wurzel / "bib").string());
+    z.strAppPfad = platform::programPath(std::string(TESSARA_BINARY_DIR) + "/app");
+    z.strIniDatei = z.strCTemp + "Tessara9.0.ini";
+    z.strSprache = "deutsch";
+    z.benutzer = &benutzer;
+    plattform.desktop = &desktop;
+    IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0", bib);
+    IniSetValue(z, z.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
+}
+
+void HauptfensterTest::TearDown() {
+    fenster.reset();
+    FensterTest::TearDown();
+}
+
+FrmBlockverwaltung& HauptfensterTest::hauptfensterLaden(const typSetupWerte& w) {
+    SetupInRegistrierdatenbankSpeichern(z, w);
+    fenster = std::make_unique<FrmBlockverwaltung>(z, cad);
+    QSignalSpy gemalt(fenster.get(), &FrmBlockverwaltung::seiteGemalt);
+    fenster->laden();
+    EXPECT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
+    return *fenster;
 }
 
 void bildschirmfoto(QWidget* fenster, const QString& name) {

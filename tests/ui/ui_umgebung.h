@@ -7,10 +7,16 @@
 #include <QString>
 #include <QWidget>
 #include <filesystem>
+#include <memory>
 
+#include "cad/cad_verbindung.h"
+#include "platform/memory/memory_desktop.h"
 #include "platform/memory/memory_registry.h"
 #include "platform/platform.h"
+#include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
+#include "startup/registry_werte.h"
+#include "ui/frm_blockverwaltung.h"
 
 namespace tessara::uitest {
 
@@ -25,6 +31,31 @@ class FensterTest : public ::testing::Test {
     platform::MemoryRegistry registry;
     platform::Platform plattform;
     ProgrammZustand z;
+};
+
+// The main window on a copy of the demo library (made once a run by
+// tessara-cli), with a Settings file naming it and the box about the CAD
+// connection switched off.
+class HauptfensterTest : public FensterTest {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+    // Stores the setup values, makes the window and runs its load until its
+    // first Page is painted.
+    FrmBlockverwaltung& hauptfensterLaden(const typSetupWerte& w = {});
+    // A child of the window by object name; fails the test when missing.
+    template <class T>
+    T* kind(QObject* in, const QString& name) {
+        auto* w = in->template findChild<T*>(name);
+        EXPECT_NE(w, nullptr) << name.toStdString();
+        return w;
+    }
+
+    std::string bib;  // the library directory, program form
+    SkriptBenutzer benutzer;
+    platform::MemoryDesktop desktop;
+    CadVerbindung cad;
+    std::unique_ptr<FrmBlockverwaltung> fenster;
 };
 
 // build/screenshots/<name>.png; fails the test when it cannot be written.
