@@ -5,6 +5,8 @@
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QListWidget>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <filesystem>
 
 #include "authoring/datei_layout.h"
@@ -46,6 +48,18 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
       laden_(fctLadeAblauf()),
       entladen_(fctEntladeAblauf()) {
     ui_->setupUi(this);
+    // The side bar scrolls when the window is lower than its content, as on
+    // a laptop screen, instead of pushing the window past the screen's edge.
+    auto* rollen = new QScrollArea(ui_->centralwidget);
+    rollen->setObjectName(QStringLiteral("seitenleisteRollen"));
+    rollen->setWidgetResizable(true);
+    rollen->setFrameShape(QFrame::NoFrame);
+    rollen->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    ui_->mitte->replaceWidget(ui_->seitenleisteFlaeche, rollen);
+    rollen->setWidget(ui_->seitenleisteFlaeche);
+    const int leiste = rollen->verticalScrollBar()->sizeHint().width();
+    rollen->setMinimumWidth(ui_->seitenleisteFlaeche->minimumWidth() + leiste);
+    rollen->setMaximumWidth(ui_->seitenleisteFlaeche->maximumWidth() + leiste);
     ui_->labSchreibschutz->hide();
     ui_->statusbar->addWidget(new QLabel(this), 1);
     ui_->statusbar->findChild<QLabel*>()->setObjectName(QStringLiteral("labStatus"));

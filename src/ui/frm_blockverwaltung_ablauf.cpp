@@ -189,10 +189,13 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
              [this] { modell_.setAnzahlDerBilder(setup_.longAnzahlDerBilder); });
     l.setzen("Formular auf Grösse Angleichen", [this] {
         const auto g = fctFensterGeometrieLesen(z_);
+        const QRect frei = screen() ? screen()->availableGeometry() : QRect();
         if (g.booGroesse && g.lonFrmWidth >= 400 && g.lonFrmHeight >= 300)
             resize(g.lonFrmWidth, g.lonFrmHeight);
+        else if (!frei.isNull())  // first start: the designed size, but never past the screen
+            resize(std::min(width(), frei.width() * 9 / 10),
+                   std::min(height(), frei.height() * 9 / 10));
         if (g.booPosition && setup_.longFensterpositionSpeichern) {
-            const QRect frei = screen() ? screen()->availableGeometry() : QRect();
             const QPoint p(g.longCurrentX, g.longCurrentY);
             if (frei.isNull() || frei.adjusted(-50, -50, -100, -100).contains(p)) move(p);
         }
