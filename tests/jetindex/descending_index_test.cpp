@@ -211,14 +211,14 @@ TEST(JetDescendingIndex, EveryKeyTypeWrittenAndRead) {
         {"L", ColumnType::Long},     {"I", ColumnType::Integer}, {"B", ColumnType::Byte},
         {"C", ColumnType::Currency}, {"S", ColumnType::Single},  {"D", ColumnType::Double},
         {"T", ColumnType::DateTime}};
-    TableSpec spec{"Keys", {{"Id", ColumnType::Long, 0, true, false}}, {}};
-    spec.indexes.push_back({"PrimaryKey", {{"Id", true}}, true, true});
+    TableSpec tabelle{"Keys", {{"Id", ColumnType::Long, 0, true, false}}, {}};
+    tabelle.indexes.push_back({"PrimaryKey", {{"Id", true}}, true, true});
     for (const auto& [name, type] : columns) {
-        spec.columns.push_back({name, type});
-        spec.indexes.push_back({"Down" + name, {{name, false}}, false, false});
+        tabelle.columns.push_back({name, type});
+        tabelle.indexes.push_back({"Down" + name, {{name, false}}, false, false});
     }
-    spec.columns.push_back({"X", ColumnType::Text, 30});
-    spec.indexes.push_back({"UpIDownX", {{"I", true}, {"X", false}}, false, false});
+    tabelle.columns.push_back({"X", ColumnType::Text, 30});
+    tabelle.indexes.push_back({"UpIDownX", {{"I", true}, {"X", false}}, false, false});
 
     std::mt19937 rng(20261125u);
     auto valueOf = [&](ColumnType type) -> Value {
@@ -253,7 +253,7 @@ TEST(JetDescendingIndex, EveryKeyTypeWrittenAndRead) {
     {
         auto db = copy.open();
         Writer w(db);
-        w.createTable(spec);
+        w.createTable(tabelle);
         ASSERT_EQ(w.unwritableReason("Keys"), "");
         for (int i = 0; i < 300; ++i) {
             Row r = rowOf(i);

@@ -310,7 +310,7 @@ TEST_F(Relationships, CheckFindsAReferenceWithoutItsRow) {
 
 TEST_F(Relationships, RefusedCreationsLeaveTheFileUntouched) {
     struct Case {
-        RelationshipSpec spec;
+        RelationshipSpec beziehung;
         const char* message;
     } cases[] = {
         {{"R", "Table1", {"otherfk3"}, "Table1", {"otherfk1"}, true},
@@ -327,7 +327,7 @@ TEST_F(Relationships, RefusedCreationsLeaveTheFileUntouched) {
         const std::string path = scratch.copy("indexTestV2000.mdb");
         const auto before = fileBytes(path);
         try {
-            Writer(openWritable(path)).createRelationship(c.spec);
+            Writer(openWritable(path)).createRelationship(c.beziehung);
             ADD_FAILURE() << "not refused";
         } catch (const Error& e) {
             EXPECT_NE(std::string(e.what()).find(c.message), std::string::npos) << e.what();
