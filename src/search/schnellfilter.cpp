@@ -14,10 +14,12 @@ constexpr char kTrenner = '\x01';
 // nothing, and a long row must not keep a cancelled scan going.
 constexpr std::size_t kPruefabstand = 16;
 
-bool hatSpalte(const db::Recordset& rs, const std::string& spalte) {
-    for (const auto& f : rs.fieldInfos())
-        if (sql::textEquals(f.name, spalte)) return true;
-    return false;
+// The field's position in the record set, or -1.
+int spalte(const db::Recordset& rs, const std::string& name) {
+    const auto& felder = rs.fieldInfos();
+    for (std::size_t i = 0; i < felder.size(); ++i)
+        if (sql::textEquals(felder[i].name, name)) return static_cast<int>(i);
+    return -1;
 }
 
 }  // namespace
@@ -32,53 +34,52 @@ std::string fctSchnellfilterFalten(std::string_view text) {
 
 std::shared_ptr<const SchnellSchnappschuss> fctSchnellSchnappschussLesen(
     db::Connection& con, const std::string& strTabelle) {
+    // Sorted by the SQL layer, which makes each row's sort key once.
     db::Recordset rs;
     if (strTabelle == "tblBlockInfo")
         rs.open(
             "SELECT Block, OrdnerID, SlideLib, BlkName0, BlkName1, BlkName2, BlkName3, BlkName4, "
-            "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9 FROM tblBlockInfo",
+            "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9 FROM tblBlockInfo ORDER BY Block",
             con);
     else
-        rs.open("SELECT * FROM [" + strTabelle + "]", con);
-    std::vector<std::string> namen;
+        rs.open("SELECT * FROM [" + strTabelle + "] ORDER BY Block", con);
+    // Every field by its position, looked up once for all rows.
+    std::vector<int> namen;
     for (int v = 0; v < 5; ++v)
-        if (hatSpalte(rs, "BlkName" + std::to_string(v)))
-            namen.push_back("BlkName" + std::to_string(v));
-    if (namen.empty() && hatSpalte(rs, "BlkName")) namen.push_back("BlkName");
-    std::vector<std::string> merkmale;
+        if (const int i = spalte(rs, "BlkName" + std::to_string(v)); i >= 0) namen.push_back(i);
+    if (namen.empty())
+        if (const int i = spalte(rs, "BlkName"); i >= 0) namen.push_back(i);
+    std::vector<int> merkmale;
     for (int m = 0; m < 10; ++m)
-        if (hatSpalte(rs, "M" + std::to_string(m))) merkmale.push_back("M" + std::to_string(m));
-    const bool ordner = hatSpalte(rs, "OrdnerID");
-    const bool slide = hatSpalte(rs, "SlideLib");
+        if (const int i = spalte(rs, "M" + std::to_string(m)); i >= 0) merkmale.push_back(i);
+    const int block = spalte(rs, "Block"), ordner = spalte(rs, "OrdnerID"),
+              slide = spalte(rs, "SlideLib"), m0 = spalte(rs, "M0");
+    auto text = [&rs](int i) { return i < 0 ? std::string() : rs.value(i).toString(); };
 
     auto zeilen = std::make_shared<SchnellSchnappschuss>();
     zeilen->reserve(static_cast<std::size_t>(std::max(0L, rs.recordCount())));
     if (rs.recordCount() > 0) rs.moveFirst();
     for (; rs.recordCount() > 0 && !rs.eof(); rs.moveNext()) {
         typSchnellZeile z;
-        z.Block = rs.text("Block");
-        if (ordner) {
-            const auto v = rs.value("OrdnerID");
+        z.Block = text(block);
+        if (ordner >= 0) {
+            const auto v = rs.value(ordner);
             z.OrdnerID = v.isNull() ? 0 : static_cast<long>(v.asInt());
         }
-        if (slide) z.SlideLib = rs.text("SlideLib");
+        z.SlideLib = text(slide);
         std::string alle = kTrenner + z.Block;
         for (std::size_t v = 0; v < namen.size(); ++v) {
-            z.BlkName[v] = rs.text(namen[v]);
+            z.BlkName[v] = text(namen[v]);
             alle += kTrenner + z.BlkName[v];
         }
-        for (const auto& m : merkmale) {
-            const std::string t = rs.text(m);
-            if (m == "M0") z.M0 = t;
+        for (const int m : merkmale) {
+            const std::string t = text(m);
+            if (m == m0) z.M0 = t;
             alle += kTrenner + t;
         }
         z.gefaltet = sql::utf8Encode(sql::foldCase(alle));
         zeilen->push_back(std::move(z));
     }
-    std::stable_sort(zeilen->begin(), zeilen->end(),
-                     [](const typSchnellZeile& a, const typSchnellZeile& b) {
-                         return sql::compareGeneral(a.Block, b.Block) < 0;
-                     });
     return zeilen;
 }
 

@@ -1,5 +1,6 @@
 #include "jet/sql/binding.h"
 
+#include <optional>
 #include <unordered_set>
 
 namespace sql::detail {
@@ -243,7 +244,43 @@ private:
     std::vector<bool>* used_;
 };
 
+// "T.key IN (SELECT T.key FROM T WHERE w)" over the statement's own table T,
+// key its one-column primary key: a row is in the set exactly when w holds
+// for the row itself (the key is unique and never Null). The search window
+// composes its block-name term so; asked as w, the table is read once
+// instead of twice. Answers the inner source when the shape fits.
+std::optional<Source> sameRowSubquery(const std::shared_ptr<Storage>& db, const Source* outer,
+                                      const Expr& e) {
+    const SelectStmt& sub = *e.select;
+    if (!outer || outer->joined() || !sub.from || sub.from->externalPath || !sub.joins.empty() ||
+        sub.distinct || sub.top || !sub.where || sub.items.size() != 1 || !sub.items[0].expr ||
+        sub.items[0].expr->kind != Expr::Kind::Column || e.left->kind != Expr::Kind::Column)
+        return std::nullopt;
+    if (!textEquals(sub.from->name, outer->name)) return std::nullopt;
+    Source inner = openSelectSource(db, sub);
+    if (inner.storage != outer->storage || inner.table->name() != outer->table->name() ||
+        inner.columns.size() != outer->columns.size())
+        return std::nullopt;
+    const int left = outer->find(e.left->qualifier, e.left->name);
+    const int right = inner.find(sub.items[0].expr->qualifier, sub.items[0].expr->name);
+    if (left < 0 || left != right) return std::nullopt;
+    for (const auto& ix : outer->table->indexes())
+        if (ix.primary && ix.columns.size() == 1 &&
+            textEquals(ix.columns[0].name, outer->columns[left].name))
+            return inner;
+    return std::nullopt;
+}
+
 Eval ExprCompiler::compileInSelect(const Expr& e) {
+    if (auto inner = sameRowSubquery(db_, source_, e)) {
+        // Compiled against the subquery's own names; its rows are laid out
+        // as the statement's, so w reads the statement's row in place.
+        ExprCompiler c(db_, &*inner, used_);
+        for (const auto& item : e.select->items) c.compile(*item.expr);
+        Eval w = c.compile(*e.select->where);
+        const bool neg = e.negated;
+        return [w, neg](const Row& r) { return truth(isTrue(w(r)) != neg); };
+    }
     Eval a = compile(*e.left);
     std::shared_ptr<Storage> db = db_;
     std::shared_ptr<SelectStmt> sub = e.select;

@@ -79,13 +79,13 @@ class EngineTable : public Table {
               const std::vector<bool>& needed) override {
         jet::Table t = db_->table(name_);
         const std::size_t n = t.def().columns.size();
-        Row row;
         // Columns nobody asked for are not even decoded: a search reads a
-        // handful of tblBlockInfo's 130 columns.
+        // handful of tblBlockInfo's 130 columns. Each row overwrites them
+        // all before anybody looks, the others stay Null.
+        const std::vector<std::size_t> lesen = positions(needed, n);
+        Row row(n);
         t.scanLazy([&](const jet::RowView& v) {
-            row.assign(n, Value());
-            for (std::size_t i = 0; i < n && i < needed.size(); ++i)
-                if (needed[i]) row[i] = engine::fromJet(v.value(i));
+            for (std::size_t i : lesen) row[i] = engine::fromJet(v.value(i));
             return visit(toSql(v.id()), row);
         });
     }
@@ -97,14 +97,16 @@ class EngineTable : public Table {
         const std::size_t n = t.def().columns.size();
         // Columns never asked for stay Null; the others are overwritten for
         // every row before anybody looks at them.
+        const std::vector<std::size_t> zuerst = positions(forKeep, n);
+        std::vector<bool> rest = needed;
+        for (std::size_t i : zuerst)
+            if (i < rest.size()) rest[i] = false;
+        const std::vector<std::size_t> danach = positions(rest, n);
         Row row(n);
         t.scanLazy([&](const jet::RowView& v) {
-            for (std::size_t i = 0; i < n && i < forKeep.size(); ++i)
-                if (forKeep[i]) row[i] = engine::fromJet(v.value(i));
+            for (std::size_t i : zuerst) row[i] = engine::fromJet(v.value(i));
             if (!keep(row)) return true;
-            for (std::size_t i = 0; i < n && i < needed.size(); ++i)
-                if (needed[i] && !(i < forKeep.size() && forKeep[i]))
-                    row[i] = engine::fromJet(v.value(i));
+            for (std::size_t i : danach) row[i] = engine::fromJet(v.value(i));
             return visit(toSql(v.id()), row);
         });
     }
@@ -194,6 +196,13 @@ class EngineTable : public Table {
     }
 
   private:
+    // The marked positions below n, ascending.
+    static std::vector<std::size_t> positions(const std::vector<bool>& marked, std::size_t n) {
+        std::vector<std::size_t> out;
+        for (std::size_t i = 0; i < n && i < marked.size(); ++i)
+            if (marked[i]) out.push_back(i);
+        return out;
+    }
     std::shared_ptr<const jet::TableDef> def() const { return db_->tableDef(name_); }
     static jet::Row toJetRow(const jet::TableDef& d, const Row& row) {
         jet::Row r;

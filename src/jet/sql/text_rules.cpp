@@ -151,8 +151,30 @@ std::u32string foldCase(std::string_view s) {
     return out;
 }
 
+namespace {
+
+bool plainAscii(std::string_view s) {
+    for (char c : s)
+        if (static_cast<unsigned char>(c) >= 0x80) return false;
+    return true;
+}
+
+inline char asciiLowerByte(char c) {
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c;
+}
+
+}  // namespace
+
 bool textEquals(std::string_view a, std::string_view b) {
     if (a.size() == b.size() && a == b) return true;
+    // Column names and most texts are plain ASCII: folded, they are equal
+    // exactly when they are equal byte for byte but for case.
+    if (plainAscii(a) && plainAscii(b)) {
+        if (a.size() != b.size()) return false;
+        for (std::size_t i = 0; i < a.size(); ++i)
+            if (asciiLowerByte(a[i]) != asciiLowerByte(b[i])) return false;
+        return true;
+    }
     return foldCase(a) == foldCase(b);
 }
 
@@ -307,19 +329,33 @@ bool LikePattern::matchItem(const Item& it, char32_t c) const {
     return false;
 }
 
+namespace {
+
+// Whether a character of the text folds to ASCII letters: ß and ẞ (to
+// "ss") and İ (to "i"), in UTF-8 or as a stray Latin-1 byte (0xDF). Other
+// characters fold to characters beyond ASCII, so they can neither take part
+// in an ASCII literal nor hide one.
+bool foldsIntoAscii(std::string_view t) {
+    for (std::size_t i = 0; i < t.size(); ++i) {
+        const auto c = static_cast<unsigned char>(t[i]);
+        if (c < 0x80) continue;
+        if (c == 0xDF) return true;
+        const auto n = i + 1 < t.size() ? static_cast<unsigned char>(t[i + 1]) : 0;
+        if ((c == 0xC3 && n == 0x9F) || (c == 0xC4 && n == 0xB0)) return true;
+        const auto n2 = i + 2 < t.size() ? static_cast<unsigned char>(t[i + 2]) : 0;
+        if (c == 0xE1 && n == 0xBA && n2 == 0x9E) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
 bool LikePattern::matches(std::string_view text) const {
     // An ASCII literal found among the bytes is a match whatever else the text
-    // holds; only text with other characters (ß folds to "ss") needs the full way.
+    // holds; only text with characters that fold into ASCII (ß folds to "ss")
+    // needs the full way.
     if (asciiLiteral_ && matchesAscii(text)) return true;
-    if (asciiLiteral_) {
-        bool ascii = true;
-        for (char c : text)
-            if (static_cast<unsigned char>(c) >= 0x80) {
-                ascii = false;
-                break;
-            }
-        if (ascii) return false;
-    }
+    if (asciiLiteral_ && !foldsIntoAscii(text)) return false;
     return matchesFolded(foldCase(text));
 }
 

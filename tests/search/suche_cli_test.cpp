@@ -1,0 +1,159 @@
+// tessara-cli search over the demo library: --print-sql prints the golden
+// statements, the hits are the rows `tessara-cli sql` reads filtered by a
+// reference rule, and bad input ends in one line and a non-zero exit.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "anweisungen_golden.h"
+#include "jet/mdbtools.h"
+
+namespace tessara::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class SucheCli : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        verzeichnis =
+            fs::temp_directory_path() / ("tessara_suche_cli_" + std::to_string(::getpid()));
+        fs::remove_all(verzeichnis);
+        int status = -1;
+        jettest::run(
+            cli() + " make-demo-library " + jettest::quote(verzeichnis.string()) + " >/dev/null",
+            &status);
+        ASSERT_EQ(status, 0);
+    }
+    static void TearDownTestSuite() {
+        std::error_code ec;
+        fs::remove_all(verzeichnis, ec);
+    }
+    static std::string cli() { return jettest::quote(TESSARA_CLI); }
+    static std::string mdb() { return (verzeichnis / "dbTessara.mdb").string(); }
+
+    // Standard output (or with fehler, standard error alone) and exit status.
+    static std::string lauf(const std::string& befehl, const std::vector<std::string>& args,
+                            int& status, bool fehler = false) {
+        std::string zeile = cli() + " " + befehl;
+        for (const auto& a : args) zeile += " " + jettest::quote(a);
+        return jettest::run(zeile + (fehler ? " 2>&1 >/dev/null" : " 2>/dev/null"), &status);
+    }
+
+    static fs::path verzeichnis;
+};
+
+fs::path SucheCli::verzeichnis;
+
+TEST_F(SucheCli, PrintSqlGivesTheGoldenStatements) {
+    int verglichen = 0;
+    for (const auto& f : fctAnweisungsFaelle()) {
+        // The demo library is a tblBlockInfo library; a quote is refused.
+        bool hochkomma = false;
+        for (const auto& t : f.k.txtBenennung) hochkomma = hochkomma || t.find('\'') != t.npos;
+        if (f.tabelle != "tblBlockInfo" || hochkomma) continue;
+        std::vector<std::string> args{mdb(), "--print-sql"};
+        if (f.k.checkAktuellerOrdner)
+            args.insert(args.end(), {"--folder", std::to_string(f.ordnerNr)});
+        if (f.k.checkGanzeWoerter) args.push_back("--whole");
+        if (f.k.chkAnsichtenVarianten) args.push_back("--views");
+        for (int i = 0; i < kSuchFelder; ++i)
+            if (!f.k.txtBenennung[i].empty())
+                args.push_back(
+                    (i == kFeldBlockname ? std::string("name") : "M" + std::to_string(i)) + "=" +
+                    f.k.txtBenennung[i]);
+        int status = -1;
+        EXPECT_EQ(lauf("search", args, status), f.erwartet + "\n") << f.name;
+        EXPECT_EQ(status, 0) << f.name;
+        ++verglichen;
+    }
+    EXPECT_GE(verglichen, 6);
+}
+
+TEST_F(SucheCli, HitsAreTheRowsSqlReadsFilteredByTheCriteria) {
+    const std::string spalten =
+        "Nr, Block, OrdnerID, SlideLib, BlkName0, BlkName1, BlkName2, BlkName3, BlkName4, M0, AX1, "
+        "AX2, AX3, AX4";
+    int status = -1;
+    auto alle = jettest::parseCsv(
+        lauf("sql", {mdb(), "SELECT " + spalten + ", M2 FROM tblBlockInfo"}, status));
+    ASSERT_EQ(status, 0);
+    ASSERT_GT(alle.size(), 100u);
+    auto enthaelt = [](std::string wert, const std::string& klein) {
+        std::transform(wert.begin(), wert.end(), wert.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        return wert.find(klein) != std::string::npos;
+    };
+    std::vector<jettest::CsvRow> erwartet;
+    for (std::size_t r = 1; r < alle.size(); ++r) {
+        const auto& z = alle[r];
+        bool name = false;
+        for (int v = 4; v <= 8; ++v) name = name || enthaelt(z[v].text, "dn");
+        if (name && enthaelt(z[9].text, "ventil") && enthaelt(z[14].text, "pn 16"))
+            erwartet.push_back(jettest::CsvRow(z.begin(), z.begin() + 14));
+    }
+    ASSERT_GE(erwartet.size(), 5u) << "the case must find several rows";
+    auto gefunden = jettest::parseCsv(
+        lauf("search", {mdb(), "--views", "M0=VENTIL", "M2=pn 16", "name=dn"}, status));
+    ASSERT_EQ(status, 0);
+    ASSERT_FALSE(gefunden.empty());
+    std::string kopf;
+    for (const auto& c : gefunden.front()) kopf += (kopf.empty() ? "" : ", ") + c.text;
+    EXPECT_EQ(kopf, spalten);
+    gefunden.erase(gefunden.begin());
+    auto schluessel = [](const jettest::CsvRow& z) {
+        std::string s;
+        for (const auto& c : z) s += (c.quoted ? "\"" : "") + c.text + "\x01";
+        return s;
+    };
+    std::vector<std::string> a, b;
+    for (const auto& z : erwartet) a.push_back(schluessel(z));
+    for (const auto& z : gefunden) b.push_back(schluessel(z));
+    std::sort(a.begin(), a.end());
+    std::sort(b.begin(), b.end());
+    EXPECT_EQ(b, a);
+}
+
+TEST_F(SucheCli, BadInputEndsInOneLineAndANonZeroExit) {
+    const fs::path kaputt = verzeichnis / "kaputt.mdb";
+    {
+        std::ofstream f(kaputt, std::ios::binary);
+        for (int i = 0; i < 8192; ++i) f.put(static_cast<char>(i * 37));
+    }
+    struct Fall {
+        std::vector<std::string> args;
+        int status;
+        std::string teil;  // part of the line on standard error
+    };
+    const std::vector<Fall> faelle = {
+        {{mdb(), "M3=O'Brien"}, 2, "quote"},
+        {{mdb(), "--print-sql", "M3=O'Brien"}, 2, "quote"},
+        {{mdb(), "M10=a"}, 2, "not a field"},
+        {{mdb(), "Benennung=a"}, 2, "not a field"},
+        {{mdb()}, 2, "no search text"},
+        {{mdb(), "M0=", "name="}, 2, "no search text"},
+        {{mdb(), "M0=a", "m0=b"}, 2, "twice"},
+        {{mdb(), "--folder", "eins", "M0=a"}, 2, "Folder Nr"},
+        {{mdb(), "--folder"}, 2, "--folder"},
+        {{mdb(), "--fast", "M0=a"}, 2, "unknown option"},
+        {{(verzeichnis / "fehlt.mdb").string(), "M0=a"}, 1, "no such file"},
+        {{kaputt.string(), "M0=a"}, 1, ""},
+        // The window's own statement: the table runs into WHERE.
+        {{mdb(), "name=Kugelhahn"}, 1, "--views"},
+    };
+    for (const auto& f : faelle) {
+        std::string aufruf;
+        for (const auto& a : f.args) aufruf += " " + a;
+        int status = -1;
+        const std::string fehler = lauf("search", f.args, status, true);
+        EXPECT_EQ(status, f.status) << aufruf;
+        EXPECT_EQ(std::count(fehler.begin(), fehler.end(), '\n'), 1) << aufruf << ": " << fehler;
+        EXPECT_NE(fehler.find(f.teil), std::string::npos) << aufruf << ": " << fehler;
+    }
+}
+
+}  // namespace
+}  // namespace tessara::test
