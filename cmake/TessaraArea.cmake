@@ -6,8 +6,18 @@ set(TESSARA_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wno-u
 # Builds one static library from the *.cpp files of the current source
 # directory and of the listed subdirectories. An area without sources yet
 # becomes an INTERFACE library so that dependants link either way.
+#
+# The order in which the areas are added is their layering: an area may
+# depend only on areas added before it, so no two areas can ever link each
+# other. A dependency on an area not yet added stops the configuration.
 function(tessara_area target)
   cmake_parse_arguments(A "QT" "" "DIRS;DEPS" ${ARGN})
+  foreach(d IN LISTS A_DEPS)
+    if(d MATCHES "^tessara_" AND NOT TARGET ${d})
+      message(FATAL_ERROR "${target} depends on ${d}, which is not below it: an area may use "
+                          "only the areas added before it (see the top-level CMakeLists.txt)")
+    endif()
+  endforeach()
   file(GLOB srcs CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   foreach(d IN LISTS A_DIRS)
     file(GLOB more CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${d}/*.cpp)

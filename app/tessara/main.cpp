@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "cad/cad_verbindung.h"
+#include "entry/start_ablauf.h"
 #include "platform/platform.h"
 #include "platform/posix/file_registry.h"
 #include "platform/posix/posix_environment.h"
 #include "platform/posix/unix_instance_channel.h"
 #include "platform/system_clock.h"
 #include "platform/x11/x11_desktop.h"
-#include "startup/start_ablauf.h"
 #include "ui/frm_blockverwaltung.h"
 #include "ui/qt_benutzer.h"
 

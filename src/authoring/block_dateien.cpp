@@ -10,17 +10,14 @@ bool DateienLöschenSlideLibBlockzeichnung(ProgrammZustand& z, const std::string
                                           const std::string& ordnerNr, const std::string& blockNr,
                                           bool bibliothek) {
     Prozedur p(z, "DateienLöschenSlideLibBlockzeichnung ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Blockzeichnung löschen");
         bool zeichnung = DeleteAFile(z, basisVerzeichnis + fctZeichnungDatei(ordnerNr, blockNr, 0));
         p.step("SlideLib löschen");
         bool dia =
             DeleteAFile(z, basisVerzeichnis + fctSlideLibEintrag(ordnerNr, blockNr, bibliothek));
         return zeichnung && dia;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 }  // namespace tessara

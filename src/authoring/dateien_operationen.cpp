@@ -6,14 +6,12 @@
 #include <fstream>
 #include <system_error>
 
-#include "platform/environment.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 namespace fs = std::filesystem;
 namespace {
-
-fs::path nativ(const std::string& pfad) { return fs::path(platform::nativePath(pfad)); }
 
 std::string klein(std::string s) {
     for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -45,7 +43,7 @@ bool listeFuellen(Prozedur& p, const std::string& verzeichnis, const std::string
                   std::vector<std::string>& liste) {
     std::error_code ec;
     std::vector<std::string> namen;
-    fs::directory_iterator it(nativ(verzeichnis), ec);
+    fs::directory_iterator it(fctNativerPfad(verzeichnis), ec);
     if (ec) return gescheitert(p, ec, verzeichnis);
     for (const auto& e : it) {
         std::error_code ec2;
@@ -63,29 +61,21 @@ bool listeFuellen(Prozedur& p, const std::string& verzeichnis, const std::string
     return true;
 }
 
-std::string ohneEndBackslash(std::string s) {
-    while (s.size() > 1 && s.back() == '\\' && !(s.size() == 3 && s[1] == ':')) s.pop_back();
-    return s;
-}
-
 }  // namespace
 
 bool DeleteAFile(ProgrammZustand& z, const std::string& datei) {
     Prozedur p(z, "DeleteAFile ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Datei löschen");
         std::error_code ec;
-        fs::path f = nativ(datei);
+        fs::path f = fctNativerPfad(datei);
         if (!fs::is_regular_file(f, ec)) {
             p.fehler("Datei nicht gefunden: " + datei, 53);
             return false;
         }
         if (!fs::remove(f, ec) || ec) return gescheitert(p, ec, datei);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool DeleteAFile(ProgrammZustand& z, const std::string& verzeichnis, const std::string& dateiName) {
@@ -96,10 +86,10 @@ bool DeleteAFile(ProgrammZustand& z, const std::string& verzeichnis, const std::
 
 bool MoveAFile(ProgrammZustand& z, const std::string& von, const std::string& nach) {
     Prozedur p(z, "MoveAFile ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Datei verschieben");
         std::error_code ec;
-        fs::path a = nativ(von), b = nativ(nach);
+        fs::path a = fctNativerPfad(von), b = fctNativerPfad(nach);
         if (!fs::is_regular_file(a, ec)) {
             p.fehler("Datei nicht gefunden: " + von, 53);
             return false;
@@ -111,32 +101,26 @@ bool MoveAFile(ProgrammZustand& z, const std::string& von, const std::string& na
         verschieben(a, b, ec);
         if (ec) return gescheitert(p, ec, von + " -> " + nach);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool CopyAFile(ProgrammZustand& z, const std::string& von, const std::string& nach) {
     Prozedur p(z, "CopyAFile ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Datei kopieren");
         std::error_code ec;
-        fs::copy_file(nativ(von), nativ(nach), fs::copy_options::overwrite_existing, ec);
-        if (ec) return gescheitert(p, ec, von + " -> " + nach);
+        if (!fctDateiKopieren(von, nach, ec)) return gescheitert(p, ec, von + " -> " + nach);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool CopyAFolder(ProgrammZustand& z, const std::string& von, const std::string& nach) {
     Prozedur p(z, "CopyAFolder ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Verzeichnis kopieren");
         std::error_code ec;
-        fs::path a = nativ(ohneEndBackslash(von)), b = nativ(ohneEndBackslash(nach));
+        fs::path a = fctNativerPfad(fctOhneBackslash(von)),
+                 b = fctNativerPfad(fctOhneBackslash(nach));
         if (!fs::is_directory(a, ec)) {
             p.fehler("Pfad nicht gefunden: " + von, 76);
             return false;
@@ -146,18 +130,15 @@ bool CopyAFolder(ProgrammZustand& z, const std::string& von, const std::string& 
         fs::copy(a, b, fs::copy_options::recursive | fs::copy_options::overwrite_existing, ec);
         if (ec) return gescheitert(p, ec, von + " -> " + nach);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool DeleteAFolder(ProgrammZustand& z, const std::string& verzeichnis) {
     Prozedur p(z, "DeleteAFolder ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Verzeichnis löschen");
         std::error_code ec;
-        fs::path a = nativ(ohneEndBackslash(verzeichnis));
+        fs::path a = fctNativerPfad(fctOhneBackslash(verzeichnis));
         if (!fs::is_directory(a, ec)) {
             p.fehler("Pfad nicht gefunden: " + verzeichnis, 76);
             return false;
@@ -165,18 +146,16 @@ bool DeleteAFolder(ProgrammZustand& z, const std::string& verzeichnis) {
         fs::remove_all(a, ec);
         if (ec) return gescheitert(p, ec, verzeichnis);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool MoveAFolder(ProgrammZustand& z, const std::string& von, const std::string& nach) {
     Prozedur p(z, "MoveAFolder ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Verzeichnis verschieben");
         std::error_code ec;
-        fs::path a = nativ(ohneEndBackslash(von)), b = nativ(ohneEndBackslash(nach));
+        fs::path a = fctNativerPfad(fctOhneBackslash(von)),
+                 b = fctNativerPfad(fctOhneBackslash(nach));
         if (!fs::is_directory(a, ec)) {
             p.fehler("Pfad nicht gefunden: " + von, 76);
             return false;
@@ -188,15 +167,12 @@ bool MoveAFolder(ProgrammZustand& z, const std::string& von, const std::string& 
         verschieben(a, b, ec);
         if (ec) return gescheitert(p, ec, von + " -> " + nach);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool SearchDWGFiles(ProgrammZustand& z, const std::string& verzeichnis) {
     Prozedur p(z, "SearchDWGFiles ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("dwg-Dateien suchen");
         std::vector<std::string> namen;
         std::string dwg = "dwg";
@@ -206,7 +182,7 @@ bool SearchDWGFiles(ProgrammZustand& z, const std::string& verzeichnis) {
         std::string text;
         for (const auto& n : namen) text += basis + n + "\r\n";
         p.step("txtDWGFiles schreiben");
-        std::ofstream out(nativ(z.strCTemp + "txtDWGFiles" + ".txt"),
+        std::ofstream out(fctNativerPfad(z.strCTemp + "txtDWGFiles" + ".txt"),
                           std::ios::binary | std::ios::trunc);
         out << fctNachWindows1252(text);
         out.close();
@@ -215,82 +191,60 @@ bool SearchDWGFiles(ProgrammZustand& z, const std::string& verzeichnis) {
             return false;
         }
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctSearchFiles(ProgrammZustand& z, const std::string& verzeichnis,
                     std::vector<std::string>& liste) {
     Prozedur p(z, "fctSearchFiles ");
-    try {
-        return listeFuellen(p, verzeichnis, nullptr, liste);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    return p.geschuetzt(false, [&] { return listeFuellen(p, verzeichnis, nullptr, liste); });
 }
 
 bool fctSearchFiles(ProgrammZustand& z, const std::string& verzeichnis, const std::string& endung,
                     std::vector<std::string>& liste) {
     Prozedur p(z, "fctSearchFiles ");
-    try {
+    return p.geschuetzt(false, [&] {
         return listeFuellen(p, verzeichnis, endung.empty() ? nullptr : &endung, liste);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::vector<std::string> fctSearchFilesAry(ProgrammZustand& z, const std::string& verzeichnis,
                                            const std::string& endung) {
     Prozedur p(z, "fctSearchFilesAry ");
-    try {
+    return p.geschuetzt({}, [&] {
         std::vector<std::string> liste;
         listeFuellen(p, verzeichnis, endung.empty() ? nullptr : &endung, liste);
         return liste;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return {};
-    }
+    });
 }
 
 bool fctFolderExist(ProgrammZustand& z, const std::string& verzeichnis) {
     Prozedur p(z, "fctFolderExist ");
-    try {
-        std::error_code ec;
-        return fs::is_directory(nativ(ohneEndBackslash(verzeichnis)), ec);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    return p.geschuetzt(false,
+                        [&] { return fctVerzeichnisExistiert(fctOhneBackslash(verzeichnis)); });
 }
 
 bool fctFolderExistAnlegen(ProgrammZustand& z, const std::string& verzeichnis) {
     Prozedur p(z, "fctFolderExistAnlegen ");
-    try {
+    return p.geschuetzt(false, [&] {
         std::error_code ec;
-        fs::path v = nativ(ohneEndBackslash(verzeichnis));
+        fs::path v = fctNativerPfad(fctOhneBackslash(verzeichnis));
         if (fs::is_directory(v, ec)) return true;
         p.step("Verzeichnis anlegen");
         fs::create_directories(v, ec);
         if (ec) return gescheitert(p, ec, verzeichnis);
         return fs::is_directory(v, ec);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::string fctFolderExistRueckgabe(ProgrammZustand& z, const std::string& dateiPfad) {
     Prozedur p(z, "fctFolderExistRueckgabe ");
-    try {
+    return p.geschuetzt({}, [&]() -> std::string {
         auto pos = dateiPfad.rfind('\\');
         if (pos == std::string::npos) return {};
         std::string verzeichnis = dateiPfad.substr(0, pos + 1);
         std::error_code ec;
-        fs::path v = nativ(ohneEndBackslash(verzeichnis));
+        fs::path v = fctNativerPfad(fctOhneBackslash(verzeichnis));
         if (!fs::is_directory(v, ec)) {
             p.step("Verzeichnis anlegen");
             fs::create_directories(v, ec);
@@ -300,25 +254,17 @@ std::string fctFolderExistRueckgabe(ProgrammZustand& z, const std::string& datei
             }
         }
         return verzeichnis;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return {};
-    }
+    });
 }
 
 bool fctFolderExistMitDatei(ProgrammZustand& z, const std::string& dateiPfad) {
     Prozedur p(z, "fctFolderExistMitDatei ");
-    try {
-        return !fctFolderExistRueckgabe(z, dateiPfad).empty();
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    return p.geschuetzt(false, [&] { return !fctFolderExistRueckgabe(z, dateiPfad).empty(); });
 }
 
 PfadTeile fctPfadVollAufteilen(ProgrammZustand& z, const std::string& pfad) {
     Prozedur p(z, "fctPfadVollAufteilen ");
-    try {
+    return p.geschuetzt({}, [&] {
         PfadTeile t;
         std::string rest = pfad;
         if (pfad.size() >= 2 && pfad[0] == '\\' && pfad[1] == '\\') {
@@ -347,22 +293,19 @@ PfadTeile fctPfadVollAufteilen(ProgrammZustand& z, const std::string& pfad) {
             t.name = datei;
         }
         return t;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return {};
-    }
+    });
 }
 
 bool fctReadOnlyMitVerzeichnis(ProgrammZustand& z, const std::string& verzeichnis,
                                std::string* fehlerText) {
     Prozedur p(z, "fctReadOnlyMitVerzeichnis ");
     try {
-        std::string test = ohneEndBackslash(verzeichnis) + "\\Test.txt";
+        std::string test = fctOhneBackslash(verzeichnis) + "\\Test.txt";
         if (!verzeichnis.empty() && verzeichnis.back() == '\\' &&
-            ohneEndBackslash(verzeichnis) == verzeichnis)
+            fctOhneBackslash(verzeichnis) == verzeichnis)
             test = verzeichnis + "Test.txt";  // a drive root such as "C:\"
         p.step("Testdatei schreiben");
-        fs::path f = nativ(test);
+        fs::path f = fctNativerPfad(test);
         {
             std::ofstream out(f, std::ios::binary | std::ios::trunc);
             if (out) out << "TEst\r\n";
@@ -388,7 +331,7 @@ bool fctReadOnlyMitVerzeichnis(ProgrammZustand& z, const std::string& verzeichni
 
 std::string fctPfadAuf34ZeichenKuerzen(ProgrammZustand& z, const std::string& pfad) {
     Prozedur p(z, "fctPfadAuf34ZeichenKuerzen ");
-    try {
+    return p.geschuetzt(pfad, [&] {
         if (pfad.size() < 35) return pfad;
         std::string ende = pfad.substr(pfad.size() - 32);
         auto bs = ende.find('\\');
@@ -400,28 +343,21 @@ std::string fctPfadAuf34ZeichenKuerzen(ProgrammZustand& z, const std::string& pf
         // such a path is shortened only when the result really is shorter.
         if (pfad.size() >= 38 || kurz.size() < pfad.size()) return kurz;
         return pfad;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return pfad;
-    }
+    });
 }
 
 std::string fctBackslashAmEndeAnfuegen(ProgrammZustand& z, const std::string& text) {
     Prozedur p(z, "fctBackslashAmEndeAnfuegen ");
-    if (!text.empty() && text.back() == '\\') return text;
-    return text + "\\";
+    return fctBackslashAmEndeAnfuegen(text);
 }
 
 std::vector<std::string> fctDateiNameAuslesen(ProgrammZustand& z, const std::string& verzeichnis) {
     Prozedur p(z, "fctDateiNameAuslesen ");
-    try {
+    return p.geschuetzt({}, [&] {
         std::vector<std::string> liste;
         listeFuellen(p, verzeichnis, nullptr, liste);
         return liste;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return {};
-    }
+    });
 }
 
 std::string fctDateiEndungUmbenennen(ProgrammZustand& z, const std::string& dateiName,
@@ -438,9 +374,9 @@ std::string fctDateiEndungUmbenennen(ProgrammZustand& z, const std::string& date
 
 bool WriteIntorTxtFile(ProgrammZustand& z, const std::string& datei, const std::string& text) {
     Prozedur p(z, "WriteIntorTxtFile ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Textdatei schreiben");
-        std::ofstream out(nativ(datei), std::ios::binary | std::ios::trunc);
+        std::ofstream out(fctNativerPfad(datei), std::ios::binary | std::ios::trunc);
         if (!out) {
             p.fehler("Datei kann nicht geöffnet werden: " + datei, 75);
             return false;
@@ -452,10 +388,7 @@ bool WriteIntorTxtFile(ProgrammZustand& z, const std::string& datei, const std::
             return false;
         }
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::string fctNachWindows1252(const std::string& utf8) {

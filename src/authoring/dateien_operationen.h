@@ -1,9 +1,10 @@
 #pragma once
-// modDateienOperationen: the small file layer through which the program
-// copies, moves, deletes and lists files. Paths come in the program's
-// backslash form and are converted with platform::nativePath only here.
-// Every operation runs under the common error handler with its own name and
-// answers false (or an empty value) instead of throwing.
+// modDateienOperationen: the file operations the program names, through
+// which it copies, moves, deletes and lists files. Paths come in the
+// program's backslash form; the path rules and the conversion at the
+// file-system boundary are those of startup/pfade.h, which these operations
+// build on. Every operation runs under the common error handler with its own
+// name and answers false (or an empty value) instead of throwing.
 #include <string>
 #include <vector>
 

@@ -6,6 +6,7 @@
 #include "authoring/dateien_operationen.h"
 #include "platform/environment.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 namespace slide {
@@ -69,24 +70,21 @@ void buildLibraryFile(const std::string& libraryNativePath,
 bool fctSlideBibliothekErstellen(ProgrammZustand& z, const std::string& bibliothek,
                                  const std::vector<std::string>& dias) {
     Prozedur p(z, "fctSlideBibliothekErstellen ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("SlideLib erstellen");
         std::vector<std::string> nativ;
         for (const auto& d : dias) nativ.push_back(platform::nativePath(d));
         slide::buildLibraryFile(platform::nativePath(bibliothek), nativ);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctSlideBibliothekAusDialiste(ProgrammZustand& z, const std::string& bibliothek,
                                    const std::string& dialiste) {
     Prozedur p(z, "fctSlideBibliothekAusDialiste ");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Dialiste lesen");
-        std::ifstream in(platform::nativePath(dialiste), std::ios::binary);
+        std::ifstream in(fctNativerPfad(dialiste), std::ios::binary);
         if (!in) {
             p.fehler("Dialiste nicht gefunden: " + dialiste, 53);
             return false;
@@ -95,24 +93,18 @@ bool fctSlideBibliothekAusDialiste(ProgrammZustand& z, const std::string& biblio
         p.step("SlideLib erstellen");
         slide::buildLibraryFile(platform::nativePath(bibliothek), liste);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool DialisteSchreiben(ProgrammZustand& z, const std::string& arbeitsVerzeichnis,
                        const std::vector<std::string>& diaCodes) {
     Prozedur p(z, "DialisteSchreiben ");
-    try {
+    return p.geschuetzt(false, [&] {
         std::string text;
         for (const auto& code : diaCodes)
             text += arbeitsVerzeichnis + "\\" + code + ".sld" + "\r\n";
         return WriteIntorTxtFile(z, arbeitsVerzeichnis + "\\dialist.txt", text);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::string fctSlidelibBefehl(const std::string& arbeitsVerzeichnis,
@@ -130,13 +122,10 @@ std::string fctSlidelibBatZeile(const std::string& arbeitsVerzeichnis,
 bool fctSlidelibBatSchreiben(ProgrammZustand& z, const std::string& arbeitsVerzeichnis,
                              const std::string& bibliothek) {
     Prozedur p(z, "fctSlidelibBatSchreiben ");
-    try {
+    return p.geschuetzt(false, [&] {
         return WriteIntorTxtFile(z, arbeitsVerzeichnis + "\\Slidelib.bat",
                                  fctSlidelibBatZeile(arbeitsVerzeichnis, bibliothek) + "\r\n");
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 }  // namespace tessara

@@ -7,9 +7,9 @@
 #include "authoring/datei_layout.h"
 #include "authoring/dateien_operationen.h"
 #include "platform/case_fold.h"
-#include "platform/environment.h"
 #include "startup/benutzer.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 
@@ -17,13 +17,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool vorhanden(const std::string& programmPfad) {
-    std::error_code ec;
-    return fs::is_regular_file(platform::nativePath(programmPfad), ec);
-}
-
 void verschiebenFallsDa(ProgrammZustand& z, const std::string& von, const std::string& nach) {
-    if (vorhanden(von)) MoveAFile(z, von, nach);
+    if (fctDateiExistiert(von)) MoveAFile(z, von, nach);
 }
 
 // Files of the Variant directory whose names begin with the old block
@@ -33,7 +28,7 @@ void variantenVerschieben(ProgrammZustand& z, const std::string& verzeichnis,
                           const std::string& alt, const std::string& neu,
                           const std::string& endung) {
     std::error_code ec;
-    const fs::path nativ = platform::nativePath(verzeichnis);
+    const fs::path nativ = fctNativerPfad(verzeichnis);
     if (!fs::is_directory(nativ, ec)) return;
     for (const auto& e : fs::directory_iterator(nativ, ec)) {
         if (!e.is_regular_file(ec)) continue;
@@ -121,7 +116,7 @@ bool DateienUmEinePositionVerschieben(ProgrammZustand& z, db::Recordset& rsBlock
                                       const std::string& strBasis, const std::string& strOrdnerNr,
                                       const std::string& strAlt, const std::string& strNeu) {
     Prozedur p(z, "DateienUmEinePositionVerschieben");
-    try {
+    return p.geschuetzt(false, [&] {
         const std::string slideLib = rsBlock.text("SlideLib");
         const bool einzeldia = !slideLib.empty() && fctSlideLibIstEinzeldia(slideLib);
 
@@ -156,10 +151,7 @@ bool DateienUmEinePositionVerschieben(ProgrammZustand& z, db::Recordset& rsBlock
             rsBlock.update();
         }
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 }  // namespace tessara

@@ -1,15 +1,14 @@
 #include "cad/block_einfuegen.h"
 
-#include <filesystem>
 #include <fstream>
 
 #include "cad/cad_einstellungen.h"
 #include "cad/einfuege_texte.h"
 #include "cad/lt_skript.h"
 #include "platform/desktop.h"
-#include "platform/environment.h"
 #include "platform/platform.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 
@@ -31,20 +30,15 @@ struct GehalteneVariablen {
 
 bool WriteInsertLsp(ProgrammZustand& z, const std::string& strDatei) {
     Prozedur p(z, "WriteInsertLsp");
-    try {
-        std::error_code ec;
-        const std::filesystem::path pfad(platform::nativePath(strDatei));
-        if (pfad.has_parent_path()) std::filesystem::create_directories(pfad.parent_path(), ec);
-        std::ofstream f(pfad, std::ios::binary | std::ios::trunc);
+    return p.geschuetzt(false, [&] {
+        fctDateiVerzeichnisAnlegen(strDatei);
+        std::ofstream f(fctNativerPfad(strDatei), std::ios::binary | std::ios::trunc);
         if (!f) throw std::runtime_error("Datei kann nicht geschrieben werden: " + strDatei);
         for (const auto& zeile : fctInsertLspZeilen()) f << zeile << "\r\n";
         f.close();
         if (!f) throw std::runtime_error("Datei kann nicht geschrieben werden: " + strDatei);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 void fctLispVariablenZuordnen(AcadDokument& dok, const typBlockDaten& b) {

@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 
-#include "platform/environment.h"
 #include "platform/platform.h"
 #include "startup/benutzer.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 
@@ -108,14 +107,13 @@ bool fctFensterAktivieren(platform::Desktop& desktop, const std::string& strTite
 
 bool fctPfadPruefen(const std::string& strPfad) {
     if (strPfad.empty()) return false;
-    std::error_code ec;
-    return std::filesystem::exists(platform::nativePath(strPfad), ec);
+    return fctPfadExistiert(strPfad);
 }
 
 bool ACAD_Connect(ProgrammZustand& z, CadVerbindung& v, bool booNurAutomation, bool booOhneMeldung,
                   bool& booLtGewaehlt) {
     Prozedur p(z, "ACAD_Connect");
-    try {
+    return p.geschuetzt(false, [&] {
         v.acadApp.reset();
         auto& info = v.typAcadVersionInfo;
 
@@ -237,15 +235,12 @@ bool ACAD_Connect(ProgrammZustand& z, CadVerbindung& v, bool booNurAutomation, b
             z.benutzer->meldung(meldung(v, 118), meldung(v, 117), Symbol::Information, Knoepfe::Ok);
         }
         return false;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctAcadObjektHolen(ProgrammZustand& z, CadVerbindung& v, bool booNichtStarten) {
     Prozedur p(z, "fctAcadObjektHolen");
-    try {
+    return p.geschuetzt(false, [&] {
         std::shared_ptr<AcadAnwendung> app;
         if (v.automation) {
             try {
@@ -263,15 +258,12 @@ bool fctAcadObjektHolen(ProgrammZustand& z, CadVerbindung& v, bool booNichtStart
         }
         if (app) v.acadApp = app;
         return app != nullptr;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::string ACAD_Start(ProgrammZustand& z, CadVerbindung& v, const std::string& strDatei) {
     Prozedur p(z, "ACAD_Start");
-    try {
+    return p.geschuetzt({}, [&]() -> std::string {
         subDebugLog(z, "ACAD_Start(1) ");
         if (!fctAcadObjektHolen(z, v, true)) return {};
         if (v.acadApp->DocumentsCount() == 0) {
@@ -307,25 +299,19 @@ std::string ACAD_Start(ProgrammZustand& z, CadVerbindung& v, const std::string& 
         }
         subDebugLog(z, "ACAD_Start(1) danach ");
         return strCurrPath;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return {};
-    }
+    });
 }
 
 bool fctAcadDokumentSchliessen(ProgrammZustand& z, CadVerbindung& v) {
     Prozedur p(z, "fctAcadDokumentSchliessen");
-    try {
+    return p.geschuetztNurLog(false, [&] {
         if (!v.acadApp) return false;
         auto dok = v.acadApp->ActiveDocument();
         if (!dok) return false;
         dok->Close();
         dok.reset();
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return false;
-    }
+    });
 }
 
 bool fctAcadAktivieren(ProgrammZustand& z, CadVerbindung& v) {

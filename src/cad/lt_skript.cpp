@@ -1,15 +1,14 @@
 #include "cad/lt_skript.h"
 
-#include <filesystem>
 #include <fstream>
 
 #include "cad/einfuege_texte.h"
 #include "platform/clock.h"
 #include "platform/desktop.h"
-#include "platform/environment.h"
 #include "platform/platform.h"
 #include "startup/benutzer.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 #include "startup/zeichensatz.h"
 
 namespace tessara {
@@ -35,19 +34,6 @@ void debugHinweis(ProgrammZustand& z, bool mitTemp) {
                        "Backslash änder mit: sReplaceBackslash in der Datei: " + z.strIniDatei;
     if (mitTemp) text += "\r" + std::string("Ort der Skriptdatei änder: sCTemp");
     z.benutzer->meldung(text, "Info", Symbol::Information, Knoepfe::Ok);
-}
-
-bool dateiKopieren(const std::string& von, const std::string& nach) {
-    std::error_code ec;
-    std::filesystem::copy_file(platform::nativePath(von), platform::nativePath(nach),
-                               std::filesystem::copy_options::overwrite_existing, ec);
-    return !ec;
-}
-
-void verzeichnisAnlegen(const std::string& strDatei) {
-    std::error_code ec;
-    const auto pfad = std::filesystem::path(platform::nativePath(strDatei)).parent_path();
-    if (!pfad.empty()) std::filesystem::create_directories(pfad, ec);
 }
 
 }  // namespace
@@ -134,20 +120,16 @@ std::vector<std::string> fctSkriptStartBefehle(bool booUndoMarke,
 bool fctSkriptSchreiben(ProgrammZustand& z, const std::string& strDatei,
                         const std::vector<std::string>& zeilen) {
     Prozedur p(z, "fctSkriptSchreiben");
-    try {
-        std::error_code ec;
-        std::filesystem::create_directories(platform::nativePath("c:\\temp"), ec);
-        verzeichnisAnlegen(strDatei);
-        std::ofstream f(platform::nativePath(strDatei), std::ios::binary | std::ios::trunc);
+    return p.geschuetztNurLog(false, [&] {
+        fctVerzeichnisAnlegen("c:\\temp");
+        fctDateiVerzeichnisAnlegen(strDatei);
+        std::ofstream f(fctNativerPfad(strDatei), std::ios::binary | std::ios::trunc);
         if (!f) throw std::runtime_error("Datei kann nicht geschrieben werden: " + strDatei);
         for (const auto& zeile : zeilen) f << fctUtf8NachAnsi(zeile) << "\r\n";
         f.close();
         if (!f) throw std::runtime_error("Datei kann nicht geschrieben werden: " + strDatei);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return false;
-    }
+    });
 }
 
 std::string fctExplizitenNamenBereinigen(const std::string& strName) {
@@ -162,7 +144,7 @@ std::string fctExplizitenNamenBereinigen(const std::string& strName) {
 bool fctSlideMitLTErstellen(ProgrammZustand& z, CadVerbindung& v, const typCadEinstellungen& e,
                             const std::string& strSlideDatei) {
     Prozedur p(z, "fctSlideMitLTErstellen");
-    try {
+    return p.geschuetzt(false, [&] {
         auto* d = desktopVon(z);
         if (!fctSkriptSchreiben(z, skriptDatei(z), fctSkriptSlide(strSlideDatei))) return false;
         if (!d || !fctAcadAktivieren(z, v)) return false;
@@ -178,16 +160,13 @@ bool fctSlideMitLTErstellen(ProgrammZustand& z, CadVerbindung& v, const typCadEi
             }
             if (d->isKeyDown(platform::Key::Escape)) return false;
         }
-    } catch (const std::exception& e2) {
-        p.fehler(e2);
-        return false;
-    }
+    });
 }
 
 bool fctOpenFileMitLT(ProgrammZustand& z, CadVerbindung& v, const typCadEinstellungen& e,
                       const std::string& strDwgDatei) {
     Prozedur p(z, "fctOpenFileMitLT");
-    try {
+    return p.geschuetzt(false, [&] {
         auto* d = desktopVon(z);
         if (!fctSkriptSchreiben(z, skriptDatei(z), fctSkriptOeffnen(strDwgDatei))) return false;
         debugHinweis(z, false);
@@ -197,10 +176,7 @@ bool fctOpenFileMitLT(ProgrammZustand& z, CadVerbindung& v, const typCadEinstell
             fctTastenSchuetzen(fctSkriptPfadGetippt(skriptDatei(z), e.sReplaceBackslash));
         tippen(z, *d, fctTastenfolge(fctSkriptStartBefehle(false, pfad)));
         return true;
-    } catch (const std::exception& e2) {
-        p.fehler(e2);
-        return false;
-    }
+    });
 }
 
 bool subScriptSchreibenFuerLT(ProgrammZustand& z, const typCadEinstellungen& e,
@@ -219,7 +195,7 @@ bool subScriptSchreibenFuerLT(ProgrammZustand& z, const typCadEinstellungen& e,
 LtErgebnis ACadLtBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v, const typCadEinstellungen& e,
                                 const LtEinfuegung& ein) {
     Prozedur p(z, "ACadLtBlockEinfuegen");
-    try {
+    return p.geschuetzt(LtErgebnis::Fehler, [&] {
         const auto& a = ein.auftrag;
         p.step("Zeichnungspfad");
         std::string zeichnung =
@@ -232,7 +208,7 @@ LtErgebnis ACadLtBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v, const typC
         if (!expliziterName.empty()) {
             p.step("Kopie unter Blockname");
             const std::string kopie = ein.strKopieVerzeichnis + expliziterName + ".dwg";
-            if (dateiKopieren(zeichnung, kopie)) {
+            if (fctDateiKopieren(zeichnung, kopie)) {
                 zeichnung = kopie;
             } else {
                 subDebugLog(z, "Copy False: SpeicherortDerBlockzeichnung: " + zeichnung);
@@ -279,17 +255,14 @@ LtErgebnis ACadLtBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v, const typC
         }
         d->sleepMs(500);
         return LtErgebnis::Eingefuegt;
-    } catch (const std::exception& e2) {
-        p.fehler(e2);
-        return LtErgebnis::Fehler;
-    }
+    });
 }
 
 LtBlockNeuErgebnis ACadLtBlockNeu(ProgrammZustand& z, CadVerbindung& v,
                                   const typCadEinstellungen& e, const LtBlockNeu& neu) {
     Prozedur p(z, "ACadLtBlockNeu");
     LtBlockNeuErgebnis r;
-    try {
+    return p.geschuetzt(r, [&] {
         p.step("Zieldateien");
         if (neu.booVariante) {
             r.strZeichnung = fctVariantenZeichnungsPfad(neu.strBibliothek, neu.strOrdnerNr,
@@ -299,7 +272,7 @@ LtBlockNeuErgebnis ACadLtBlockNeu(ProgrammZustand& z, CadVerbindung& v,
                 fctZeichnungsPfad(neu.strBibliothek, neu.strOrdnerNr, neu.strBlockNr, neu.ansicht);
             r.strSlide = r.strZeichnung.substr(0, r.strZeichnung.size() - 4) + ".sld";
         }
-        verzeichnisAnlegen(r.strZeichnung);
+        fctDateiVerzeichnisAnlegen(r.strZeichnung);
         const auto zeilen = neu.booVariante ? fctSkriptWblockVariante(r.strZeichnung)
                                             : fctSkriptWblockNeu(r.strSlide, r.strZeichnung);
         if (!fctSkriptSchreiben(z, skriptDatei(z), zeilen)) return r;
@@ -348,10 +321,7 @@ LtBlockNeuErgebnis ACadLtBlockNeu(ProgrammZustand& z, CadVerbindung& v,
         tippen(z, *d, fctTastenfolge({"_undo", "_b"}));
         subDebugLog(z, "Blockdaten in Datenbank abspeichern");
         return r;
-    } catch (const std::exception& e2) {
-        p.fehler(e2);
-        return r;
-    }
+    });
 }
 
 }  // namespace tessara

@@ -12,9 +12,9 @@
 #include <unordered_map>
 
 #include "platform/case_fold.h"
-#include "platform/environment.h"
 #include "startup/fehler_log.h"
 #include "startup/ini_datei.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 
@@ -51,11 +51,6 @@ Speicher& speicher() {
     return s;
 }
 
-fs::path nativ(const std::string& programmPfad) {
-    const std::string n = platform::nativePath(programmPfad);
-    return fs::path(std::u8string(n.begin(), n.end()));
-}
-
 std::shared_ptr<const BeschriftungsText> auswerten(const IniText& ini) {
     auto t = std::make_shared<BeschriftungsText>();
     for (const std::string& s : ini.sektionen()) {
@@ -73,7 +68,7 @@ std::shared_ptr<const BeschriftungsText> auswerten(const IniText& ini) {
 // unreadable file reads as empty; the missing keys then report it.
 std::shared_ptr<const BeschriftungsText> datei(ProgrammZustand& z, const std::string& strDatei) {
     std::error_code ec;
-    const fs::path p = nativ(strDatei);
+    const fs::path p = fctNativerPfad(strDatei);
     const bool vorhanden = fs::is_regular_file(p, ec);
     const auto zeit = vorhanden ? fs::last_write_time(p, ec) : fs::file_time_type{};
     const auto groesse = vorhanden ? fs::file_size(p, ec) : 0;
@@ -122,9 +117,7 @@ std::string fctBeschriftungsDatei(const ProgrammZustand& z, BeschriftungsArt art
 }
 
 bool fctBeschriftungsFileZuordnenIni(ProgrammZustand& z) {
-    std::error_code ec;
-    return std::filesystem::is_regular_file(
-        platform::nativePath(fctBeschriftungsDatei(z, BeschriftungsArt::Frm)), ec);
+    return fctDateiExistiert(fctBeschriftungsDatei(z, BeschriftungsArt::Frm));
 }
 
 std::optional<std::string> fctBeschriftungWert(ProgrammZustand& z, BeschriftungsArt art,
@@ -185,7 +178,7 @@ bool fctFehlendeBeschriftungMelden(ProgrammZustand& z, BeschriftungsArt art,
     // the run, and counted as one it would soon silence the real error boxes.
     const std::string zeile =
         std::string(was) + " fehlt: " + strSchluessel + " (" + strDatei + ")\r\n";
-    std::ofstream out(nativ(fctErrorDatei(z)), std::ios::binary | std::ios::app);
+    std::ofstream out(fctNativerPfad(fctErrorDatei(z)), std::ios::binary | std::ios::app);
     if (out) out.write(zeile.data(), static_cast<std::streamsize>(zeile.size()));
     return true;
 }

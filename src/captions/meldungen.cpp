@@ -81,7 +81,7 @@ bool fctMsgbox(ProgrammZustand& z, MsgboxArt art, const std::vector<MsgboxZeile>
                int intGruppe, const std::string& strNichtMehrAnzeigen) {
     Prozedur p(z, "fctMsgbox");
     const bool booFrage = art == MsgboxArt::Frage;
-    try {
+    return p.geschuetztNurLog(!booFrage, [&] {
         const bool abschaltbar = !strNichtMehrAnzeigen.empty();
         if (abschaltbar) {
             p.step("MsgboxAnzeigen lesen");
@@ -110,10 +110,7 @@ bool fctMsgbox(ProgrammZustand& z, MsgboxArt art, const std::vector<MsgboxZeile>
             fctMsgboxNichtMehrAnzeigenSpeichern(z, strNichtMehrAnzeigen);
         }
         return ergebnis;
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return !booFrage;
-    }
+    });
 }
 
 void subMsgboxInfoEinzeilig(ProgrammZustand& z, long n1, int g, const MsgboxZusatz& zusatz) {

@@ -8,8 +8,8 @@
 #include "authoring/datei_layout.h"
 #include "library/schema.h"
 #include "library/zugriff.h"
-#include "platform/environment.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 
@@ -38,11 +38,6 @@ constexpr Raster kRaster[8] = {{4, 2},  {9, 3},  {16, 4}, {20, 5},
 std::string dreiZeichen(std::string s) {
     s.resize(3, ' ');
     return s;
-}
-
-std::string ohneBlanks(const std::string& s) {
-    const auto e = s.find_last_not_of(' ');
-    return e == std::string::npos ? std::string() : s.substr(0, e + 1);
 }
 
 // fctBlocknummer into a string that is already there, so that filling the
@@ -90,7 +85,7 @@ bool NavigationsModell::fctCodeTabelleLesen(const std::string& strDatei) {
     Prozedur p(z_, "fctCodeTabelleLesen");
     // The table is read once and sized for the Page on every rebuild: the
     // file holds some 43 000 lines and a Page flip must not read it again.
-    std::ifstream in(platform::nativePath(strDatei), std::ios::binary);
+    std::ifstream in(fctNativerPfad(strDatei), std::ios::binary);
     if (!in) {
         fehlerText_ = strDatei;
         p.fehler("Codetabelle fehlt: " + strDatei, 0, true);
@@ -193,7 +188,7 @@ long NavigationsModell::letzteSeite() const {
 
 bool NavigationsModell::OrdnerInArrayEinlesen() {
     Prozedur p(z_, "OrdnerInArrayEinlesen", true);
-    try {
+    return p.geschuetztNurLog(false, [&] {
         const std::string strAktuell =
             aktuellerOrdner() ? aktuellerOrdner()->OrdnerNr : std::string();
         aryOrdner_.clear();
@@ -222,34 +217,28 @@ bool NavigationsModell::OrdnerInArrayEinlesen() {
         for (std::size_t i = 0; i < aryOrdner_.size(); ++i)
             if (aryOrdner_[i].OrdnerNr == strAktuell) intOrdnerIndex_ = static_cast<int>(i);
         rs.moveFirst();
-        if (intOrdnerIndex_ >= 0) rs.find("OrdnerNr Like '" + ohneBlanks(strAktuell) + "'");
+        if (intOrdnerIndex_ >= 0) rs.find("OrdnerNr Like '" + fctOhneBlanks(strAktuell) + "'");
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return false;
-    }
+    });
 }
 
 bool NavigationsModell::subRsSeitenNeuEinlesen() {
     Prozedur p(z_, "subRsSeitenNeuEinlesen", true);
     const auto* o = aktuellerOrdner();
     if (!o) return false;
-    try {
+    return p.geschuetztNurLog(false, [&] {
         if (db_.rsSeiten.state() == db::adStateOpen) db_.rsSeiten.close();
         db_.rsSeiten.open(
             "SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = " +
                 std::to_string(o->Nr) + " ORDER BY SeitenName",
             db_.con, db::adOpenKeyset, db::adLockOptimistic);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return false;
-    }
+    });
 }
 
 bool NavigationsModell::SeitenInArrayEinlesen() {
     Prozedur p(z_, "SeitenInArrayEinlesen", true);
-    try {
+    return p.geschuetztNurLog(false, [&] {
         arySeiten_.clear();
         seitenListe_.clear();
         db::Recordset& rs = db_.rsSeiten;
@@ -271,40 +260,31 @@ bool NavigationsModell::SeitenInArrayEinlesen() {
                 arySeiten_[i] = rs.text("SeitenName");
         }
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return false;
-    }
+    });
 }
 
 bool NavigationsModell::RecordsetRsBlockInfo0NeuEinlesen() {
     Prozedur p(z_, "RecordsetRsBlockInfo0NeuEinlesen", true);
     const auto* o = aktuellerOrdner();
     if (!o) return false;
-    try {
+    return p.geschuetztNurLog(false, [&] {
         if (db_.rsBlockInfo0.state() == db::adStateOpen) db_.rsBlockInfo0.close();
         db_.rsBlockInfo0.open(std::string(kBlockInfoTeil1) + kBlockInfoTeil2 +
                                   "WHERE OrdnerID = " + std::to_string(o->Nr),
                               db_.con, db::adOpenStatic, db::adLockReadOnly);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return false;
-    }
+    });
 }
 
 bool NavigationsModell::RecordsetRsBlockInfo0EinzelEinlesen(const std::string& strBlockNr) {
     Prozedur p(z_, "RecordsetRsBlockInfo0EinzelEinlesen", true);
-    try {
+    return p.geschuetztNurLog(false, [&] {
         if (db_.rsBlockInfo0.state() == db::adStateOpen) db_.rsBlockInfo0.close();
         db_.rsBlockInfo0.open(std::string(kBlockInfoTeil1) + kBlockInfoTeil2 +
                                   "WHERE Block LIKE '" + strBlockNr + "'",
                               db_.con, db::adOpenStatic, db::adLockReadOnly);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return false;
-    }
+    });
 }
 
 bool NavigationsModell::blockFinden(const std::string& strBlockNr) {
@@ -317,7 +297,7 @@ bool NavigationsModell::blockFinden(const std::string& strBlockNr) {
 
 void NavigationsModell::BlocknummernEinlesen(long k) {
     Prozedur p(z_, std::to_string(k) + " BlocknummernEinlesen ", true);
-    try {
+    p.geschuetztNurLog([&] {
         const auto* o = aktuellerOrdner();
         if (!o || k < 0 || k >= static_cast<long>(aryCodes_.size())) return;
         p.step("Blocknummer bilden");
@@ -351,9 +331,7 @@ void NavigationsModell::BlocknummernEinlesen(long k) {
             m.moveFirst();
             s.booMarkiert = m.find("BlockNr LIKE '" + nr + "'");
         }
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-    }
+    });
 }
 
 std::vector<std::string> NavigationsModell::lisBlockBenennungAktualisieren() const {
@@ -398,13 +376,11 @@ bool NavigationsModell::seitenFuellen() {
 
 bool NavigationsModell::subSeiteNeuAnzeigen() {
     Prozedur p(z_, "subSeiteNeuAnzeigen", true);
-    try {
+    p.geschuetztNurLog([&] {
         p.step("Requery");
         if (db_.rsBlockInfo0.state() == db::adStateOpen) db_.rsBlockInfo0.requery();
         if (db_.rsMarkierteBloecke.state() == db::adStateOpen) db_.rsMarkierteBloecke.requery();
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-    }
+    });
     return seitenFuellen();
 }
 
@@ -435,18 +411,16 @@ bool NavigationsModell::ordnerAktivieren(int intIndex, long lngSeite) {
     // rsBlockInfo0: the set has just been read, and reading a Folder of
     // 10 000 Blocks a second time was a third of the program's start.
     Prozedur p(z_, "ArrayTBloeckeNeuEinlesenBeiOrdnerwechsel", true);
-    try {
+    p.geschuetztNurLog([&] {
         p.step("Requery");
         if (db_.rsMarkierteBloecke.state() == db::adStateOpen) db_.rsMarkierteBloecke.requery();
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-    }
+    });
     return seitenFuellen() && ok;
 }
 
 bool NavigationsModell::comboxOrdner_Click(int intIndex) {
     Prozedur p(z_, "comboxOrdner_Click", true);
-    try {
+    return p.geschuetztNurLog(false, [&] {
         if (intIndex < 0 || intIndex >= static_cast<int>(aryOrdner_.size())) return false;
         p.step("Ordner prüfen");
         db::Recordset& rs = db_.rsOrdner;
@@ -454,10 +428,7 @@ bool NavigationsModell::comboxOrdner_Click(int intIndex) {
         rs.moveFirst();
         if (!rs.find("OrdnerName Like '" + aryOrdner_[intIndex].OrdnerName + "%'")) return false;
         return ordnerAktivieren(intIndex, 0);
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return false;
-    }
+    });
 }
 
 bool NavigationsModell::fctOrdnerWaehlen(const std::string& strOrdnerNr, long lngSeite) {
@@ -466,7 +437,7 @@ bool NavigationsModell::fctOrdnerWaehlen(const std::string& strOrdnerNr, long ln
         if (aryOrdner_[i].OrdnerNr == nr) {
             ordnerAktivieren(static_cast<int>(i), lngSeite);
             db_.rsOrdner.moveFirst();
-            db_.rsOrdner.find("OrdnerNr Like '" + ohneBlanks(nr) + "'");
+            db_.rsOrdner.find("OrdnerNr Like '" + fctOhneBlanks(nr) + "'");
             return true;
         }
     return false;
@@ -511,7 +482,7 @@ bool NavigationsModell::GeheZuSeite(long lngSeite) {
 long NavigationsModell::absoluterSlot(const std::string& strBlockNr) const {
     const auto* o = aktuellerOrdner();
     if (strBlockNr.size() < 5) return -1;
-    const std::size_t vorne = o ? ohneBlanks(o->OrdnerNr).size() : 3;
+    const std::size_t vorne = o ? fctOhneBlanks(o->OrdnerNr).size() : 3;
     if (strBlockNr.size() < vorne + 4) return -1;
     const std::string code = strBlockNr.substr(strBlockNr.size() - 3);
     const std::string mitte = strBlockNr.substr(vorne, strBlockNr.size() - 3 - vorne);
@@ -586,7 +557,7 @@ DoppelklickAktion NavigationsModell::fctListeDoppelklick(int intEintrag, long lo
 
 bool NavigationsModell::fctMarkierungSetzen(int intPosition, bool booMarkiert) {
     Prozedur p(z_, "fctMarkierungSetzen", true);
-    try {
+    return p.geschuetztNurLog(false, [&] {
         if (intPosition < 0 || intPosition >= static_cast<int>(slots_.size())) return false;
         typSlot& s = slots_[intPosition];
         db::Recordset& m = db_.rsMarkierteBloecke;
@@ -608,17 +579,14 @@ bool NavigationsModell::fctMarkierungSetzen(int intPosition, bool booMarkiert) {
             m.setValue("BlockNr", s.strBlockNr);
             m.setValue("SpeicherOrtSlide", s.strSlideLib);
             m.setValue("SpeicherOrtDWG",
-                       fctZeichnungDatei(o ? ohneBlanks(o->OrdnerNr) : "", s.strBlockNr, 0));
+                       fctZeichnungDatei(o ? fctOhneBlanks(o->OrdnerNr) : "", s.strBlockNr, 0));
             m.setValue("MarkierteAnsicht", 0);
             m.setValue("NummerEinfuegepkt", 1);
             m.update();
         }
         s.booMarkiert = booMarkiert;
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-        return false;
-    }
+    });
 }
 
 bool NavigationsModell::fctMarkierungenAlleLoeschen() {

@@ -109,23 +109,23 @@ const std::vector<typBeziehung>& fctKatalogBeziehungen() {
 bool Mk_Datenbank(ProgrammZustand& z, const db::StorageOpener& oeffner, const std::string& strPfad) {
     Prozedur p(z, "Mk_Datenbank ");
     bool alles = true;
+    // A failing step is logged, and creation goes on with the next.
     auto schritt = [&](const std::string& label, const auto& aktion) {
         p.step(label);
-        try {
+        const bool ok = p.geschuetzt(false, [&] {
             aktion();
-        } catch (const std::exception& e) {
-            p.fehler(e);
-            alles = false;
-        }
+            return true;
+        });
+        alles = alles && ok;
     };
 
+    // The opener makes the file; the connection and the catalogue both work
+    // on the store it answers.
+    db::Connection con(oeffner);
+    schritt("Datenbank anlegen", [&] { con.openStorage(oeffner(strPfad, true), strPfad); });
+    if (con.state() != db::adStateOpen) return false;
     db::Catalog cat;
-    bool angelegt = false;
-    schritt("Datenbank anlegen", [&] {
-        cat.create(fctJetVerbindung(strPfad), oeffner);
-        angelegt = true;
-    });
-    if (!angelegt) return false;
+    cat.setActiveConnection(con);
 
     for (const auto& t : fctKatalogTabellen()) {
         subDebugLog(z, "Tabelle erstellen : " + t.name);
@@ -143,12 +143,7 @@ bool Mk_Datenbank(ProgrammZustand& z, const db::StorageOpener& oeffner, const st
         });
     }
 
-    db::Connection con(oeffner);
-    schritt("Index", [&] {
-        con.openStorage(cat.storage(), strPfad);
-        con.execute(kIndexAnweisung);
-    });
-    if (con.state() != db::adStateOpen) return false;
+    schritt("Index", [&] { con.execute(kIndexAnweisung); });
 
     schritt("Standardwerte tblDefMenue", [&] {
         db::Recordset rs;
@@ -189,10 +184,10 @@ bool Mk_Datenbank(ProgrammZustand& z, const db::StorageOpener& oeffner, const st
 bool subMk_TblMarkierteBloecke(ProgrammZustand& z, const db::StorageOpener& oeffner,
                                const std::string& strPfad) {
     Prozedur p(z, "subMk_TblMarkierteBloecke");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Verbindung öffnen");
         db::Connection con(oeffner);
-        con.open(std::string("Provider=Microsoft.Jet.OLEDB.4.0;") + "Data Source=" + strPfad);
+        con.open(fctJetVerbindung(strPfad));
         db::Catalog cat;
         cat.setActiveConnection(con);
         typTabelle t{"tblMarkierteBloecke", markierteSpalten()};
@@ -202,10 +197,7 @@ bool subMk_TblMarkierteBloecke(ProgrammZustand& z, const db::StorageOpener& oeff
         subDebugLog(z, "Tabelle erstellen : " + t.name);
         cat.appendTable(katalogTabelle(t));
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 }  // namespace tessara

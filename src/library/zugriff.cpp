@@ -43,7 +43,7 @@ bool fctConnectionOeffnen(ProgrammZustand& z, db::Connection& con, const std::st
                           const std::string& strServer, const std::string& strUser,
                           const std::string& strPasswort, int intModus) {
     Prozedur p(z, "fctConnectionOeffnen");
-    try {
+    return p.geschuetzt(false, [&] {
         if (con.state() == db::adStateOpen) con.close();
         if (!strServer.empty()) {
             p.step("Server");
@@ -64,15 +64,12 @@ bool fctConnectionOeffnen(ProgrammZustand& z, db::Connection& con, const std::st
         con.cursorLocation = db::adUseClient;
         con.open();
         return con.state() == db::adStateOpen;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctAlleEintraegLoeschen(ProgrammZustand& z, db::Recordset& rs) {
     Prozedur p(z, "fctAlleEintraegLoeschen");
-    try {
+    return p.geschuetzt(false, [&] {
         if (rs.recordCount() > 0) {
             rs.moveFirst();
             while (!rs.eof()) {
@@ -81,68 +78,51 @@ bool fctAlleEintraegLoeschen(ProgrammZustand& z, db::Recordset& rs) {
             }
         }
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctRsFind(ProgrammZustand& z, db::Recordset& rs, const std::string& strSpalte,
                const std::string& strWert) {
     Prozedur p(z, "fctRsFind");
-    try {
-        return finden(z, p, rs, strSpalte + " LIKE '" + strWert + "'");
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    return p.geschuetzt(false,
+                        [&] { return finden(z, p, rs, strSpalte + " LIKE '" + strWert + "'"); });
 }
 
 bool fctRsFindStringEnthalten(ProgrammZustand& z, db::Recordset& rs, const std::string& strSpalte,
                               const std::string& strWert) {
     Prozedur p(z, "fctRsFindStringEnthalten");
-    try {
-        return finden(z, p, rs, strSpalte + " LIKE '%" + strWert + "%'");
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    return p.geschuetzt(false,
+                        [&] { return finden(z, p, rs, strSpalte + " LIKE '%" + strWert + "%'"); });
 }
 
 bool fctRsFindMitZuruecksetzen(ProgrammZustand& z, db::Recordset& rs,
                                const std::string& strSpalte, const std::string& strWert) {
     Prozedur p(z, "fctRsFindMitZuruecksetzen");
-    try {
+    return p.geschuetzt(false, [&] {
         const long vorher = rs.state() == db::adStateOpen ? rs.absolutePosition() : -1;
         if (finden(z, p, rs, strSpalte + " LIKE '" + strWert + "'")) return true;
         if (vorher > 0) rs.setAbsolutePosition(vorher);
         return false;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 long fctRsEinlesenAllgemein(ProgrammZustand& z, db::Connection& con, db::Recordset& rs,
                             const std::string& strTabelle, const std::string& strSortSpalte) {
     Prozedur p(z, "fctRsEinlesenAllgemein");
-    try {
+    return p.geschuetzt(0, [&] {
         std::string s = "SELECT * FROM [" + strTabelle + "]";
         if (!strSortSpalte.empty()) s += " ORDER BY " + strSortSpalte;
         schliessenFallsOffen(rs);
         rs.open(s, con, db::adOpenKeyset, db::adLockOptimistic);
         return rs.recordCount();
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return 0;
-    }
+    });
 }
 
 bool fctRsEinlesenMitEinemKriterium(ProgrammZustand& z, db::Connection& con, db::Recordset& rs,
                                     const std::string& strTabelle, const std::string& strSpalte,
                                     const std::string& strWert, bool booNumerisch) {
     Prozedur p(z, "fctRsEinlesenMitEinemKriterium");
-    try {
+    return p.geschuetzt(false, [&] {
         const std::string s =
             booNumerisch ? "SELECT * FROM [" + strTabelle + "] WHERE [" + strSpalte + "] = " + strWert
                          : "SELECT * FROM [" + strTabelle + "] WHERE [" + strSpalte + "] LIKE '" +
@@ -158,23 +138,17 @@ bool fctRsEinlesenMitEinemKriterium(ProgrammZustand& z, db::Connection& con, db:
         const long n = rs.recordCount();
         subDebugLog(z, s + "; Rcordcount: " + std::to_string(n));
         return n > 0;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctRsEinlesenMitKriterium(ProgrammZustand& z, db::Connection& con, db::Recordset& rs,
                                const std::string& strSql) {
     Prozedur p(z, "fctRsEinlesenMitKriterium");
-    try {
+    return p.geschuetzt(false, [&] {
         schliessenFallsOffen(rs);
         rs.open(strSql, con, db::adOpenKeyset, db::adLockOptimistic);
         return rs.recordCount() > 0;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctSpalteVorhanden(const db::Recordset& rs, const std::string& strSpalte) {
@@ -189,7 +163,7 @@ bool fctSpalteAnlegenFallsNichtVorhanden(ProgrammZustand& z, db::Connection& con
                                          const std::string& strSpalte, const std::string& strTyp,
                                          const std::optional<std::string>& startWert) {
     Prozedur p(z, "fctSpalteAnlegenFallsNichtVorhanden");
-    try {
+    return p.geschuetzt(false, [&] {
         if (fctSpalteVorhanden(rs, strSpalte)) return true;
         p.step("Spalte anlegen");
         con.execute("ALTER TABLE " + strTabelle + " ADD COLUMN " + strSpalte + " " + strTyp);
@@ -198,10 +172,7 @@ bool fctSpalteAnlegenFallsNichtVorhanden(ProgrammZustand& z, db::Connection& con
             con.execute("UPDATE " + strTabelle + " SET " + strSpalte + " = " + *startWert);
         }
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctSpalteNichtVorhandenOhneEintrag0(ProgrammZustand& z, const db::StorageOpener& oeffner,
@@ -209,7 +180,7 @@ bool fctSpalteNichtVorhandenOhneEintrag0(ProgrammZustand& z, const db::StorageOp
                                          const std::string& strTabelle,
                                          const std::string& strSpalte) {
     Prozedur p(z, "fctSpalteNichtVorhandenOhneEintrag0");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("conSpaltenTest öffnen");
         db::Connection con(oeffner);
         if (!fctConnectionOeffnen(z, con, strPfad)) return false;
@@ -219,36 +190,27 @@ bool fctSpalteNichtVorhandenOhneEintrag0(ProgrammZustand& z, const db::StorageOp
         db::Recordset rs;
         rs.open(s, con, db::adOpenStatic, db::adLockReadOnly);
         return rs.recordCount() == 0;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctWerteVonSpalteUebertragen(ProgrammZustand& z, db::Connection& con,
                                   const std::string& strTabelle, const std::string& strZiel,
                                   const std::string& strQuelle) {
     Prozedur p(z, "fctWerteVonSpalteUebertragen");
-    try {
+    return p.geschuetzt(false, [&] {
         con.execute("UPDATE " + strTabelle + " SET " + strZiel + " = " + strQuelle);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::string fctWertInSpalteAuslesen(ProgrammZustand& z, db::Recordset& rs,
                                     const std::string& strSpalte) {
     Prozedur p(z, "fctWertInSpalteAuslesen");
-    try {
+    return p.geschuetzt({}, [&]() -> std::string {
         if (rs.state() != db::adStateOpen || rs.recordCount() < 1) return {};
         rs.moveFirst();
         return rs.text(strSpalte);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return {};
-    }
+    });
 }
 
 bool fctWertInSpalteSpeichern(ProgrammZustand& z, db::Connection& con, db::Recordset& rs,
@@ -256,7 +218,7 @@ bool fctWertInSpalteSpeichern(ProgrammZustand& z, db::Connection& con, db::Recor
                               const std::string& strSchluesselWert, const std::string& strSpalte,
                               const std::string& strWert) {
     Prozedur p(z, "fctWertInSpalteSpeichern");
-    try {
+    return p.geschuetzt(false, [&] {
         for (int versuch = 0; versuch < 2; ++versuch) {
             p.step("Zeile lesen");
             const bool vorhanden = fctRsEinlesenMitEinemKriterium(z, con, rs, strTabelle,
@@ -282,23 +244,17 @@ bool fctWertInSpalteSpeichern(ProgrammZustand& z, db::Connection& con, db::Recor
             return true;
         }
         return false;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctPruefenWertVorhandenTrue(ProgrammZustand& z, db::Connection& con,
                                  const std::string& strTabelle, const std::string& strSpalte,
                                  const std::string& strWert) {
     Prozedur p(z, "fctPruefenWertVorhandenTrue");
-    try {
+    return p.geschuetzt(false, [&] {
         return zaehlen(con, "SELECT " + strSpalte + " FROM " + strTabelle + " WHERE " + strSpalte +
                                 " LIKE '" + strWert + "'") >= 1;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctPruefenWertVorhandenGroesser1True(ProgrammZustand& z, db::Connection& con,
@@ -306,13 +262,10 @@ bool fctPruefenWertVorhandenGroesser1True(ProgrammZustand& z, db::Connection& co
                                           const std::string& strSpalte,
                                           const std::string& strWert) {
     Prozedur p(z, "fctPruefenWertVorhandenGroesser1True");
-    try {
+    return p.geschuetzt(false, [&] {
         return zaehlen(con, "SELECT " + strSpalte + " FROM " + strTabelle + " WHERE " + strSpalte +
                                 " LIKE '" + strWert + "'") > 1;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::string fctPruefenWertVorhandenMitRueckgabeWert(ProgrammZustand& z, db::Connection& con,
@@ -320,17 +273,14 @@ std::string fctPruefenWertVorhandenMitRueckgabeWert(ProgrammZustand& z, db::Conn
                                                     const std::string& strSpalte,
                                                     const std::string& strWert) {
     Prozedur p(z, "fctPruefenWertVorhandenMitRueckgabeWert");
-    try {
+    return p.geschuetzt("Fehler", [&]() -> std::string {
         db::Recordset rs;
         rs.open("SELECT * FROM " + strTabelle + " WHERE " + strSpalte + " LIKE '" + strWert + "'",
                 con, db::adOpenStatic, db::adLockReadOnly);
         if (rs.recordCount() < 1) return "0";
         rs.moveFirst();
         return rs.text(strSpalte);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return "Fehler";
-    }
+    });
 }
 
 long fctRsSuchenMitMuster(ProgrammZustand& z, db::Connection& con, db::Recordset& rs,
@@ -338,7 +288,7 @@ long fctRsSuchenMitMuster(ProgrammZustand& z, db::Connection& con, db::Recordset
                           const std::string& strSpalte, const std::string& strWert,
                           const std::string& strSortSpalte) {
     Prozedur p(z, "fctRsSuchenMitMuster");
-    try {
+    return p.geschuetzt(0, [&]() -> long {
         if (con.state() != db::adStateOpen) {
             p.fehler("es gibt keine Verbindung zur Datenbank", 0, true);
             return 0;
@@ -349,10 +299,7 @@ long fctRsSuchenMitMuster(ProgrammZustand& z, db::Connection& con, db::Recordset
         schliessenFallsOffen(rs);
         rs.open(s, con, db::adOpenStatic, db::adLockReadOnly);
         return rs.recordCount();
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return 0;
-    }
+    });
 }
 
 }  // namespace tessara

@@ -29,7 +29,7 @@ std::string spalteM(int i) { return "M" + std::to_string(i); }
 std::optional<typBlockEigenschaften> fctBlockEigenschaftenLesen(ProgrammZustand& z,
                                                                 NavigationsModell& m, long lngNr) {
     Prozedur p(z, "fctBlockEigenschaftenLesen");
-    try {
+    return p.geschuetzt(std::nullopt, [&]() -> std::optional<typBlockEigenschaften> {
         db::Recordset rs;
         rs.open("SELECT * FROM " + z.strTblBlockInfo + " WHERE Nr = " + std::to_string(lngNr),
                 m.datenbank().con);
@@ -44,16 +44,13 @@ std::optional<typBlockEigenschaften> fctBlockEigenschaftenLesen(ProgrammZustand&
         b.LyColor = rs.text("LyColor");
         b.LyLine = rs.text("LyLine");
         return b;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return std::nullopt;
-    }
+    });
 }
 
 bool fctBlockEigenschaftenSpeichern(ProgrammZustand& z, NavigationsModell& m,
                                     const typBlockEigenschaften& b) {
     Prozedur p(z, "fctBlockEigenschaftenSpeichern");
-    try {
+    return p.geschuetzt(false, [&] {
         struct Grenze {
             const std::string* wert;
             std::size_t laenge;
@@ -98,10 +95,7 @@ bool fctBlockEigenschaftenSpeichern(ProgrammZustand& z, NavigationsModell& m,
         }
         if (!da) fctMsgbox(z, MsgboxArt::Info, {kMsgBlockVerschwunden});
         return da;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 }  // namespace tessara

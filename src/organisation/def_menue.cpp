@@ -68,23 +68,21 @@ std::vector<std::string> benutzer(db::Connection& con, long lngNr) {
 std::vector<typDefMenue> fctDefMenuesLesen(ProgrammZustand& z, NavigationsModell& m) {
     Prozedur p(z, "fctDefMenuesLesen");
     std::vector<typDefMenue> menues;
-    try {
+    p.geschuetzt([&] {
         db::Connection& con = m.datenbank().con;
         db::Recordset rs;
         rs.open("SELECT * FROM tblDefMenue ORDER BY Nr", con);
         for (; !rs.eof(); rs.moveNext()) menues.push_back(ausZeile(rs));
         p.step("Ordner der Menüs");
         for (auto& d : menues) d.ordner = benutzer(con, d.Nr);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-    }
+    });
     return menues;
 }
 
 std::optional<typDefMenue> fctDefMenueDesOrdners(ProgrammZustand& z, NavigationsModell& m,
                                                  long lngOrdnerNr) {
     Prozedur p(z, "fctDefMenueDesOrdners");
-    try {
+    return p.geschuetzt(std::nullopt, [&]() -> std::optional<typDefMenue> {
         db::Connection& con = m.datenbank().con;
         db::Recordset o;
         o.open("SELECT NrTblDefMenue FROM tblOrdner WHERE Nr = " + std::to_string(lngOrdnerNr),
@@ -97,16 +95,13 @@ std::optional<typDefMenue> fctDefMenueDesOrdners(ProgrammZustand& z, Navigations
             if (!rs.eof()) return ausZeile(rs);
         }
         return std::nullopt;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return std::nullopt;
-    }
+    });
 }
 
 bool fctDefMenueSpeichern(ProgrammZustand& z, NavigationsModell& m, const typDefMenue& d,
                           bool booGlobalUeberschreiben) {
     Prozedur p(z, "fctDefMenueSpeichern");
-    try {
+    return p.geschuetzt(false, [&] {
         for (int i = 0; i < kDefMenueZeilen; ++i)
             for (const std::string* w : {&d.Benennung[i], &d.Standardwert[i]})
                 if (zeichen(*w) > kWertLaenge) {
@@ -135,15 +130,12 @@ bool fctDefMenueSpeichern(ProgrammZustand& z, NavigationsModell& m, const typDef
             return false;
         }
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 long fctDefMenueNeu(ProgrammZustand& z, NavigationsModell& m, const typDefMenue* vorlage) {
     Prozedur p(z, "fctDefMenueNeu");
-    try {
+    return p.geschuetzt(0, [&] {
         typDefMenue d;
         if (vorlage) {
             d = *vorlage;
@@ -163,15 +155,12 @@ long fctDefMenueNeu(ProgrammZustand& z, NavigationsModell& m, const typDefMenue*
         const long nr = zahl(rs, "Nr");
         e.commit();
         return nr;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return 0;
-    }
+    });
 }
 
 bool fctDefMenueLoeschen(ProgrammZustand& z, NavigationsModell& m, long lngNr) {
     Prozedur p(z, "fctDefMenueLoeschen");
-    try {
+    return p.geschuetzt(false, [&] {
         if (lngNr == 1) {
             fctMsgbox(z, MsgboxArt::Info, {kMsgDefMenue1});
             return false;
@@ -200,15 +189,12 @@ bool fctDefMenueLoeschen(ProgrammZustand& z, NavigationsModell& m, long lngNr) {
             }
         }
         return namen.empty() || benutzt(namen);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctDefMenueZuordnen(ProgrammZustand& z, NavigationsModell& m, long lngNr) {
     Prozedur p(z, "fctDefMenueZuordnen");
-    try {
+    return p.geschuetzt(false, [&] {
         const auto* o = m.aktuellerOrdner();
         if (!o) return false;
         db::Connection& con = m.datenbank().con;
@@ -220,10 +206,7 @@ bool fctDefMenueZuordnen(ProgrammZustand& z, NavigationsModell& m, long lngNr) {
                     " WHERE Nr = " + std::to_string(o->Nr));
         e.commit();
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::string fctAttributName(const typDefMenue& d, int i) {

@@ -2,8 +2,8 @@
 
 #include <fstream>
 
-#include "platform/environment.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 
@@ -14,7 +14,7 @@ bool fctOrdnerCodesEinlesen(ProgrammZustand& z, const std::string& strDatei, lon
     if (lngBis < 0) return true;
     aryOrdnerCodes.reserve(static_cast<std::size_t>(lngBis) + 1);
     p.step("Datei öffnen");
-    std::ifstream in(platform::nativePath(strDatei), std::ios::binary);
+    std::ifstream in(fctNativerPfad(strDatei), std::ios::binary);
     std::string zeile;
     for (long i = 0; i <= lngBis; ++i) {
         if (!in || !std::getline(in, zeile)) {
@@ -28,7 +28,7 @@ bool fctOrdnerCodesEinlesen(ProgrammZustand& z, const std::string& strDatei, lon
         if (i > 0 && i % kOrdnerCodeUmbruch == 0) {
             p.step("Datei erneut öffnen");
             in.close();
-            in.open(platform::nativePath(strDatei), std::ios::binary);
+            in.open(fctNativerPfad(strDatei), std::ios::binary);
         }
     }
     return true;

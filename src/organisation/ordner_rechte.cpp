@@ -13,7 +13,8 @@ namespace tessara {
 
 namespace {
 
-std::string ohneBlanks(const std::string& s) {
+// Trim: blanks and tabs off both ends of a name in the list.
+std::string getrimmt(const std::string& s) {
     const auto a = s.find_first_not_of(" \t");
     if (a == std::string::npos) return {};
     return s.substr(a, s.find_last_not_of(" \t") - a + 1);
@@ -24,7 +25,7 @@ std::vector<std::string> namen(const std::string& strRechte) {
     std::size_t anfang = 0;
     while (anfang <= strRechte.size()) {
         const auto ende = std::min(strRechte.find(';', anfang), strRechte.size());
-        if (auto n = ohneBlanks(strRechte.substr(anfang, ende - anfang)); !n.empty())
+        if (auto n = getrimmt(strRechte.substr(anfang, ende - anfang)); !n.empty())
             liste.push_back(n);
         anfang = ende + 1;
     }
@@ -38,7 +39,7 @@ bool fctOrdnerErlaubt(const std::string& strOrdnerRechte, const std::string& str
     if (liste.empty()) return true;
     for (const auto& n : liste)
         if (platform::equalsIgnoreCase(n, kRechteAlle) ||
-            platform::equalsIgnoreCase(n, ohneBlanks(strAnmeldeName)))
+            platform::equalsIgnoreCase(n, getrimmt(strAnmeldeName)))
             return true;
     return false;
 }
@@ -46,7 +47,7 @@ bool fctOrdnerErlaubt(const std::string& strOrdnerRechte, const std::string& str
 bool fctOrdnerRechteSpeichern(ProgrammZustand& z, NavigationsModell& m, long lngNr,
                               const std::string& strRechte, const std::string& strAnmeldeName) {
     Prozedur p(z, "fctOrdnerRechteSpeichern");
-    try {
+    return p.geschuetzt(false, [&] {
         std::string rechte;
         for (const auto& n : namen(strRechte)) rechte += (rechte.empty() ? "" : ";") + n;
         if (rechte.empty()) rechte = kRechteAlle;
@@ -68,10 +69,7 @@ bool fctOrdnerRechteSpeichern(ProgrammZustand& z, NavigationsModell& m, long lng
         rs.update();
         e.commit();
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 }  // namespace tessara

@@ -13,6 +13,7 @@
 #include "organisation/schreib_einheit.h"
 #include "startup/einstellungen.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 
@@ -20,11 +21,6 @@ namespace {
 
 constexpr const char* kSortSpalte = "NrTblOrdnen";
 constexpr const char* kOhneOrdnung = "SELECT * FROM [tblOrdner]";
-
-std::string rechtsOhneBlanks(const std::string& s) {
-    const auto e = s.find_last_not_of(' ');
-    return e == std::string::npos ? std::string() : s.substr(0, e + 1);
-}
 
 long zahl(const db::Recordset& rs, const char* feld) {
     const sql::Value v = rs.value(feld);
@@ -71,7 +67,7 @@ enum class Ergebnis {
 std::optional<std::string> fctNamePruefen(ProgrammZustand& z, const std::string& strName) {
     const auto a = strName.find_first_not_of(' ');
     const std::string name =
-        a == std::string::npos ? std::string() : rechtsOhneBlanks(strName.substr(a));
+        a == std::string::npos ? std::string() : fctOhneBlanks(strName.substr(a));
     for (const unsigned char c : name) {
         if (c < 0x20 ||
             std::string_view("'[]%*?#").find(static_cast<char>(c)) != std::string_view::npos) {
@@ -96,7 +92,7 @@ void subOrdnerSortierenSpeichern(ProgrammZustand& z, bool booNachName) {
 
 bool fctNrTblOrdnenAnlegen(ProgrammZustand& z, NavigationsModell& m) {
     Prozedur p(z, "fctNrTblOrdnenAnlegen");
-    try {
+    return p.geschuetzt(false, [&] {
         typDatenbank& d = m.datenbank();
         if (fctSpalteVorhanden(d.rsOrdner, kSortSpalte)) return true;
         {
@@ -113,15 +109,12 @@ bool fctNrTblOrdnenAnlegen(ProgrammZustand& z, NavigationsModell& m) {
         }
         d.rsOrdner.requery();
         return fctSpalteVorhanden(d.rsOrdner, kSortSpalte);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctOrdnerReihenfolgeLesen(ProgrammZustand& z, NavigationsModell& m, bool booNachName) {
     Prozedur p(z, "fctOrdnerReihenfolgeLesen");
-    try {
+    return p.geschuetzt(false, [&] {
         typDatenbank& d = m.datenbank();
         db::Recordset& rs = d.rsOrdner;
         if (rs.state() != db::adStateOpen)
@@ -135,10 +128,7 @@ bool fctOrdnerReihenfolgeLesen(ProgrammZustand& z, NavigationsModell& m, bool bo
         rs.close();
         rs.open(sql, d.con, db::adOpenKeyset, db::adLockOptimistic);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::vector<typOrdnerZeile> fctOrdnerZeilen(ProgrammZustand& z, NavigationsModell& m) {
@@ -161,7 +151,7 @@ std::vector<typOrdnerZeile> fctOrdnerZeilen(ProgrammZustand& z, NavigationsModel
 bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& strName,
                   std::string* strCode) {
     Prozedur p(z, "frmOrdnerNeu.cmbOk_Click");
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("NrTblOrdnen prüfen");
         if (!fctNrTblOrdnenAnlegen(z, m)) return false;
         const auto name = fctNamePruefen(z, strName);
@@ -229,16 +219,13 @@ bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& s
         p.step("Requery");
         m.OrdnerInArrayEinlesen();
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctOrdnerUmbenennen(ProgrammZustand& z, NavigationsModell& m, const std::string& strAlt,
                          const std::string& strNeu) {
     Prozedur p(z, "frmOrdnerUmbenennen.cmbOk_Click");
-    try {
+    return p.geschuetzt(false, [&] {
         const auto neu = fctNamePruefen(z, strNeu);
         if (!neu) return false;
         if (neu->empty()) {
@@ -260,7 +247,7 @@ bool fctOrdnerUmbenennen(ProgrammZustand& z, NavigationsModell& m, const std::st
                 // the exact name (blanks on the right aside) is the Folder.
                 rs.moveFirst();
                 while (!rs.eof() && rs.find("Ordnername Like '%" + strAlt + "%'")) {
-                    if (rechtsOhneBlanks(rs.text("OrdnerName")) == strAlt) {
+                    if (fctOhneBlanks(rs.text("OrdnerName")) == strAlt) {
                         r = Ergebnis::Ok;
                         break;
                     }
@@ -284,15 +271,12 @@ bool fctOrdnerUmbenennen(ProgrammZustand& z, NavigationsModell& m, const std::st
         }
         m.OrdnerInArrayEinlesen();
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctOrdnerLoeschen(ProgrammZustand& z, NavigationsModell& m, long lngNr) {
     Prozedur p(z, "frmOrdnerverwaltung.cmbLoeschen_Click");
-    try {
+    return p.geschuetzt(false, [&] {
         typDatenbank& d = m.datenbank();
         db::Recordset& rs = d.rsOrdner;
         const std::string strNr = std::to_string(lngNr);
@@ -315,7 +299,7 @@ bool fctOrdnerLoeschen(ProgrammZustand& z, NavigationsModell& m, long lngNr) {
                 l.r = Ergebnis::Verschwunden;
                 return l;
             }
-            l.code = rechtsOhneBlanks(rs.text("OrdnerNr"));
+            l.code = fctOhneBlanks(rs.text("OrdnerNr"));
             db::Recordset bloecke;
             bloecke.open(
                 "SELECT Block, OrdnerID FROM " + z.strTblBlockInfo + " WHERE OrdnerID = " + strNr,
@@ -386,16 +370,13 @@ bool fctOrdnerLoeschen(ProgrammZustand& z, NavigationsModell& m, long lngNr) {
         if (rs.recordCount() > 0) rs.moveFirst();
         m.OrdnerInArrayEinlesen();
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctWertVersetzen(ProgrammZustand& z, int intRichtung, db::Recordset& rs, long lngPosition,
                       const std::string& strFeld) {
     Prozedur p(z, "fctWertVersetzen");
-    try {
+    return p.geschuetzt(false, [&] {
         rs.setAbsolutePosition(lngPosition);
         const sql::Value erster = rs.value(strFeld);
         if (intRichtung == 1)
@@ -414,16 +395,13 @@ bool fctWertVersetzen(ProgrammZustand& z, int intRichtung, db::Recordset& rs, lo
         rs.update();
         rs.requery();
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctOrdnerVerschieben(ProgrammZustand& z, NavigationsModell& m, long lngZeile, int intRichtung,
                           long* lngNeueZeile) {
     Prozedur p(z, "imgAufAb_Click");
-    try {
+    return p.geschuetzt(false, [&] {
         if (fctOrdnerSortierenLesen(z)) {
             subMsgboxInfoVierZeilig121(z, kMsgSortiert1, kMsgSortiert2, kMsgSortiert3,
                                        kMsgSortiert4);
@@ -452,16 +430,13 @@ bool fctOrdnerVerschieben(ProgrammZustand& z, NavigationsModell& m, long lngZeil
         if (lngNeueZeile) *lngNeueZeile = neu;
         m.OrdnerInArrayEinlesen();
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctOrdnerNeuAnlegen(ProgrammZustand& z, NavigationsModell& m, const std::string& strName,
                          const std::string& strCode) {
     Prozedur p(z, "fctOrdnerNeuAnlegen", true);
-    try {
+    return p.geschuetzt(false, [&] {
         typDatenbank& d = m.datenbank();
         db::Recordset& rs = d.rsOrdner;
         std::string code = strCode;
@@ -504,16 +479,13 @@ bool fctOrdnerNeuAnlegen(ProgrammZustand& z, NavigationsModell& m, const std::st
         m.OrdnerInArrayEinlesen();
         m.fctOrdnerWaehlen(code);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctCboOrdnerNeuAnzeigen(ProgrammZustand& z, NavigationsModell& m, const std::string& strName,
                              bool booReihenfolgeBehalten) {
     Prozedur p(z, "fctCboOrdnerNeuAnzeigen", true);
-    try {
+    return p.geschuetzt(false, [&] {
         const std::string name = !strName.empty()      ? strName
                                  : m.aktuellerOrdner() ? m.aktuellerOrdner()->OrdnerName
                                                        : std::string();
@@ -527,10 +499,7 @@ bool fctCboOrdnerNeuAnzeigen(ProgrammZustand& z, NavigationsModell& m, const std
         // order: its index is the Folder's place in the array, not in rsOrdner.
         const int i = m.fctOrdnerIndex(name);
         return i >= 0 && m.comboxOrdner_Click(i);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 }  // namespace tessara

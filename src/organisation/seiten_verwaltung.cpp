@@ -110,7 +110,7 @@ bool seiteSchreiben(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
 bool fctSeiteNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& strSeitenNr,
                  const std::string& strSeitenname) {
     Prozedur p(z, "frmSeiteNeu.cmbOk_Click");
-    try {
+    return p.geschuetzt(false, [&] {
         const auto name = fctNamePruefen(z, strSeitenname);
         if (!name) return false;
         if (strSeitenNr.empty() || name->empty()) {
@@ -131,27 +131,19 @@ bool fctSeiteNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& st
             return false;
         }
         return seiteSchreiben(z, m, nr, *name, true);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctSeiteAendern(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
                      const std::string& strName) {
     Prozedur p(z, "fctSeiteAendern", true);
-    try {
-        return seiteSchreiben(z, m, lngSeitenNr, strName, false);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    return p.geschuetzt(false, [&] { return seiteSchreiben(z, m, lngSeitenNr, strName, false); });
 }
 
 bool fctSeiteUmbenennen(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
                         const std::string& strNeu) {
     Prozedur p(z, "frmSeiteUmbenennen.cmbOk_Click");
-    try {
+    return p.geschuetzt(false, [&] {
         const auto neu = fctNamePruefen(z, strNeu);
         if (!neu) return false;
         if (neu->empty()) {
@@ -183,10 +175,7 @@ bool fctSeiteUmbenennen(ProgrammZustand& z, NavigationsModell& m, long lngSeiten
             return false;
         }
         return fctSeiteInCboEinlesen(z, m);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctSeiteLoeschen(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr) {
@@ -237,7 +226,7 @@ typSeitenListe fctSeitenAnzeigen(ProgrammZustand& z, NavigationsModell& m) {
 bool fctSeiteAnlegenOhneKontrolle(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
                                   const std::string& strName) {
     Prozedur p(z, "fctSeiteAnlegenOhneKontrolle", true);
-    try {
+    return p.geschuetzt(false, [&] {
         const auto* o = m.aktuellerOrdner();
         if (!o || !seitenOffen(m)) return false;
         db::Recordset& rs = m.datenbank().rsSeiten;
@@ -252,10 +241,7 @@ bool fctSeiteAnlegenOhneKontrolle(ProgrammZustand& z, NavigationsModell& m, long
         }
         fctSeiteInCboEinlesen(z, m);
         return m.GeheZuSeite(lngSeitenNr - 1);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 std::string fctSeitenNameMitIndex(const std::string& strName, int intIndex) {

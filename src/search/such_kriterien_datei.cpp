@@ -9,9 +9,9 @@
 #include <stdexcept>
 #include <vector>
 
-#include "platform/environment.h"
 #include "startup/fehler_log.h"
 #include "startup/ini_datei.h"
+#include "startup/pfade.h"
 #include "startup/zeichensatz.h"
 
 namespace tessara {
@@ -102,14 +102,14 @@ std::string fctMitStandardEndung(const std::string& strDatei) {
 
 bool fctKriterienSpeichern(ProgrammZustand& z, Benutzer& b, const typSuchKriterien& k) {
     Prozedur p(z, "combutDatei_Click", true);
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Dateiname abfragen");
         std::string datei =
             b.dateiWaehlen(kKriterienTitelSpeichern, kKriterienDateiname, kKriterienFilter, true);
         if (datei.empty()) return false;
         datei = fctMitStandardEndung(datei);
         p.step("Datei schreiben");
-        std::ofstream aus(platform::nativePath(datei), std::ios::binary | std::ios::trunc);
+        std::ofstream aus(fctNativerPfad(datei), std::ios::binary | std::ios::trunc);
         const std::string zeit = [] {
             const auto jetzt =
                 std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
@@ -122,31 +122,25 @@ bool fctKriterienSpeichern(ProgrammZustand& z, Benutzer& b, const typSuchKriteri
         aus.close();
         if (!aus) throw std::runtime_error("Die Datei kann nicht geschrieben werden: " + datei);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 bool fctKriterienLaden(ProgrammZustand& z, Benutzer& b, typSuchKriterien& k) {
     Prozedur p(z, "cmbLaden_Click", true);
-    try {
+    return p.geschuetzt(false, [&] {
         p.step("Dateiname abfragen");
         const std::string datei =
             b.dateiWaehlen(kKriterienTitelLaden, kKriterienDateiname, kKriterienFilter, false);
         if (datei.empty()) return false;
         p.step("Datei lesen");
-        std::ifstream ein(platform::nativePath(datei), std::ios::binary);
+        std::ifstream ein(fctNativerPfad(datei), std::ios::binary);
         if (!ein) throw std::runtime_error("Die Datei kann nicht gelesen werden: " + datei);
         std::string bytes(kLeseGrenze, '\0');
         ein.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         bytes.resize(static_cast<std::size_t>(ein.gcount()));
         subKriterienAusDateiText(bytes, k);
         return true;
-    } catch (const std::exception& e) {
-        p.fehler(e);
-        return false;
-    }
+    });
 }
 
 }  // namespace tessara

@@ -2,35 +2,20 @@
 
 #include <charconv>
 #include <cmath>
-#include <filesystem>
-#include <system_error>
 #include <vector>
 
 #include "platform/case_fold.h"
-#include "platform/environment.h"
 #include "startup/fehler_log.h"
 #include "startup/ini_datei.h"
+#include "startup/pfade.h"
 
 namespace tessara {
-
-namespace fs = std::filesystem;
 
 namespace {
 
 // VB's run-time error "Path/File access error": what the program's own
 // error log has always shown for a file it could not read.
 constexpr long kDateizugriffsfehler = 75;
-
-bool dateiExistiert(const std::string& programmPfad) {
-    const std::string n = platform::nativePath(programmPfad);
-    std::error_code ec;
-    return fs::exists(fs::path(std::u8string(n.begin(), n.end())), ec);
-}
-
-std::string ohneBackslash(std::string s) {
-    while (s.size() > 1 && s.back() == '\\') s.pop_back();
-    return s;
-}
 
 std::optional<double> ganzzahlig(std::optional<double> v, double min, double max) {
     if (!v) return std::nullopt;
@@ -190,9 +175,7 @@ void subVerzeichnisVorgabeAktualisieren(ProgrammZustand& z, const std::string& s
                                         int intModus) {
     if (intModus == 1) {
         if (strVerzeichnis == z.strVerzeichnisVorgabe) return;
-        z.strVerzeichnisVorgabe = strVerzeichnis;
-        if (z.strVerzeichnisVorgabe.empty() || z.strVerzeichnisVorgabe.back() != '\\')
-            z.strVerzeichnisVorgabe.push_back('\\');
+        z.strVerzeichnisVorgabe = fctBackslashAmEndeAnfuegen(strVerzeichnis);
         fctWertAllgInIniSpeichern(z, "VerzeichnisVorgabe", z.strVerzeichnisVorgabe);
         return;
     }
@@ -244,9 +227,9 @@ void subSpeichernTessaraIniDatei(ProgrammZustand& z) {
 
 bool fctIniDateiErsterStart(ProgrammZustand& z) {
     Prozedur p(z, "fctIniDateiErsterStart");
-    if (!dateiExistiert(z.strIniDatei)) {
+    if (!fctDateiExistiert(z.strIniDatei)) {
         const std::string alt = z.strAppPfad + "\\TessaraV8.ini";
-        if (dateiExistiert(alt)) {
+        if (fctDateiExistiert(alt)) {
             p.step("alte Ini-Datei umschreiben");
             subAlteTessaraIniDateiUmschreiben(z, alt, z.strIniDatei);
         } else {
@@ -284,7 +267,7 @@ bool subAlteTessaraIniDateiUmschreiben(ProgrammZustand& z, const std::string& st
     std::vector<std::string> verzeichnisse;
     auto schonDa = [&](const std::string& v) {
         for (const auto& d : verzeichnisse)
-            if (platform::equalsIgnoreCase(ohneBackslash(d), ohneBackslash(v))) return true;
+            if (fctGleichesVerzeichnis(d, v)) return true;
         return false;
     };
     auto nurZiffern = [](std::string_view s) {
@@ -329,9 +312,7 @@ bool subAlteTessaraIniDateiUmschreiben(ProgrammZustand& z, const std::string& st
 // dbTessara.ini.
 
 std::string fctDbIniDatei(const std::string& strDbVerzeichnis) {
-    std::string d = strDbVerzeichnis;
-    if (!d.empty() && d.back() == '\\') d.pop_back();
-    return d + "\\dbTessara.ini";
+    return fctBackslashAmEndeAnfuegen(strDbVerzeichnis) + "dbTessara.ini";
 }
 
 typDbPosition fctDbPositionLesen(ProgrammZustand& z, const std::string& strDbVerzeichnis) {

@@ -19,25 +19,21 @@
 #include <chrono>
 #include <cstdint>
 #include <ctime>
-#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <mutex>
-#include <system_error>
 
 #include "jet/error.h"
 #include "jet/sql/error.h"
 #include "platform/automation.h"
 #include "platform/clock.h"
-#include "platform/environment.h"
 #include "platform/platform.h"
 #include "startup/benutzer.h"
 #include "startup/einstellungen.h"
 #include "startup/ini_datei.h"
+#include "startup/pfade.h"
 
 namespace tessara {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -109,18 +105,12 @@ long minutenSeit(std::chrono::system_clock::time_point a, std::chrono::system_cl
     return static_cast<long>((floor<minutes>(b) - floor<minutes>(a)).count());
 }
 
-void cTempAnlegen() {
-    std::error_code ec;
-    const std::string n = platform::nativePath("c:\\temp");
-    fs::create_directories(fs::path(std::u8string(n.begin(), n.end())), ec);
-}
+void cTempAnlegen() { fctVerzeichnisAnlegen("c:\\temp"); }
 
 // Appends; false (and nothing else) when the file cannot be written.
 bool anhaengen(const std::string& programmPfad, const std::string& text) {
-    const std::string n = platform::nativePath(programmPfad);
     std::lock_guard<std::mutex> lock(logSperre());
-    std::ofstream out(fs::path(std::u8string(n.begin(), n.end())),
-                      std::ios::binary | std::ios::app);
+    std::ofstream out(fctNativerPfad(programmPfad), std::ios::binary | std::ios::app);
     if (!out) return false;
     out.write(text.data(), static_cast<std::streamsize>(text.size()));
     out.close();
@@ -215,7 +205,7 @@ void subDebugLog(ProgrammZustand& z, const std::string& zeile) {
 bool fctGetCDebug(ProgrammZustand& z, const std::string& strIniDatei,
                   const std::string& strSektion) {
     Prozedur p(z, "fctGetCDebug");
-    try {
+    p.geschuetztNurLog([&] {
         const std::string sektion = strSektion.empty() ? kAllgemeineDaten : strSektion;
         p.step("Debug-Werte lesen");
         const std::string strDebug = IniGetValue(z, strIniDatei, sektion, "strDebug");
@@ -246,9 +236,7 @@ bool fctGetCDebug(ProgrammZustand& z, const std::string& strIniDatei,
                 "Frage", Symbol::Frage, Knoepfe::OkAbbrechen);
             if (a == Antwort::Abbrechen) z.booDebug = false;
         }
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-    }
+    });
     return z.booDebug;
 }
 

@@ -2,21 +2,24 @@
 // The common error handler and the procedure/step context.
 //
 // Procedures never throw to their callers. Each opens a Prozedur guard, marks
-// its steps, and turns a caught exception into a log record:
+// its steps, and runs its body guarded, so that an exception becomes a log
+// record and the procedure answers its stated value instead:
 //
 //   bool fctEtwas(ProgrammZustand& z) {
 //       Prozedur p(z, "fctEtwas");
-//       try {
+//       return p.geschuetzt(false, [&] {
 //           p.step("Werte zuordnen");
 //           ...
 //           return true;
-//       } catch (const std::exception& e) {
-//           p.fehler(e);            // or p.fehler(e, true) for log only
-//           return false;
-//       }
+//       });
 //   }
+//
+// (p.geschuetztNurLog writes the record without the message box.) A
+// procedure that must do more than answer a value on an error catches
+// std::exception itself and hands it to p.fehler(e).
 #include <exception>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "startup/programm_zustand.h"
@@ -58,7 +61,39 @@ public:
     void fehler(const std::exception& e, bool booNurLog = false);
     void fehler(const std::string& beschreibung, long nummer = 0, bool booNurLog = false);
 
-private:
+    // Runs the procedure's body. An exception it throws goes to fehler and
+    // the procedure answers `sonst` instead; a body that answers nothing just
+    // ends. ...NurLog writes the record without showing the message box.
+    template <class Rumpf>
+    using Ergebnis = std::invoke_result_t<Rumpf&>;
+
+    template <class Rumpf>
+    Ergebnis<Rumpf> geschuetzt(const std::type_identity_t<Ergebnis<Rumpf>>& sonst, Rumpf&& rumpf) {
+        return ausfuehren(rumpf, false, sonst);
+    }
+    template <class Rumpf>
+    requires std::is_void_v<Ergebnis<Rumpf>>
+    void geschuetzt(Rumpf&& rumpf) { ausfuehren(rumpf, false); }
+    template <class Rumpf>
+    Ergebnis<Rumpf> geschuetztNurLog(const std::type_identity_t<Ergebnis<Rumpf>>& sonst,
+                                     Rumpf&& rumpf) {
+        return ausfuehren(rumpf, true, sonst);
+    }
+    template <class Rumpf>
+    requires std::is_void_v<Ergebnis<Rumpf>>
+    void geschuetztNurLog(Rumpf&& rumpf) { ausfuehren(rumpf, true); }
+
+  private:
+    template <class Rumpf, class... Sonst>
+    Ergebnis<Rumpf> ausfuehren(Rumpf& rumpf, bool booNurLog, const Sonst&... sonst) {
+        try {
+            return rumpf();
+        } catch (const std::exception& e) {
+            fehler(e, booNurLog);
+            if constexpr (sizeof...(Sonst) == 1) return (sonst, ...);
+        }
+    }
+
     ProgrammZustand& z_;
     std::string name_;
     std::string vorher_;

@@ -1,7 +1,7 @@
 #pragma once
 // Program-wide state: one object, owned by the entry point and passed by
 // reference to every operation. Tests build their own. Paths are held in the
-// program's backslash form; platform::nativePath converts at the boundary.
+// program's backslash form; startup/pfade.h converts at the boundary.
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -33,7 +33,8 @@ struct FehlerKontext {
 };
 
 struct ProgrammZustand {
-    // Fixed by Main (step 1, 6, 9).
+    // The program's fixed values, set here once; Main (entry/start_ablauf)
+    // fills in what depends on the machine.
     std::vector<std::string> aryVersion{"8.5", "9.0"};
     std::string strExeName = "tessara9.0.exe";
     std::string strKurzName = "tessara9";

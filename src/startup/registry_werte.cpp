@@ -1,11 +1,11 @@
 #include "startup/registry_werte.h"
 
-#include "platform/case_fold.h"
 #include "platform/environment.h"
 #include "platform/platform.h"
 #include "platform/registry.h"
 #include "startup/einstellungen.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 
@@ -20,23 +20,10 @@ platform::Registry* registry(ProgrammZustand& z) {
     return z.plattform ? z.plattform->registry : nullptr;
 }
 
-std::string ohneBackslash(std::string s) {
-    while (s.size() > 1 && s.back() == '\\') s.pop_back();
-    return s;
-}
-
-// The directory part of a database path: everything before the last "\".
-std::string verzeichnisVon(const std::string& strDb) {
-    const std::size_t bs = strDb.rfind('\\');
-    return bs == std::string::npos ? std::string() : strDb.substr(0, bs);
-}
-
 }  // namespace
 
 std::string fctDbDatei(const std::string& strVerzeichnis) {
-    std::string d = strVerzeichnis;
-    if (!d.empty() && d.back() == '\\') d.pop_back();
-    return d + "\\dbTessara.mdb";
+    return fctBackslashAmEndeAnfuegen(strVerzeichnis) + "dbTessara.mdb";
 }
 
 std::string fctSetupSchluessel(const ProgrammZustand& z) { return z.strRegRoot + "\\Setup"; }
@@ -333,12 +320,11 @@ bool EintraegeAusRegistrierdatenbank(ProgrammZustand& z) {
     const std::string eintrag1 =
         reg ? reg->readString(Hive::CurrentUser, z.strRegRoot, "Eintrag1").value_or(std::string())
             : std::string();
-    const std::string verzeichnis = ohneBackslash(verzeichnisVon(eintrag1));
+    const std::string verzeichnis = fctVerzeichnisVon(eintrag1);
     bool inListe = false;
     if (!verzeichnis.empty()) {
         for (const auto& d : z.aryDbVerzeichnis)
-            if (fctDbEintragGueltig(d) && platform::equalsIgnoreCase(ohneBackslash(d), verzeichnis))
-                inListe = true;
+            if (fctDbEintragGueltig(d) && fctGleichesVerzeichnis(d, verzeichnis)) inListe = true;
     }
     if (inListe) {
         z.strAktuelleDb = eintrag1;

@@ -13,8 +13,8 @@
 #include <string>
 
 #include "captions/beschriftung.h"
+#include "entry/start_ablauf.h"
 #include "startup/fehler_log.h"
-#include "startup/start_ablauf.h"
 
 namespace tessara::ui {
 
@@ -130,7 +130,7 @@ class Beschrifter {
 
 void subFormularBeschriften(ProgrammZustand& z, QWidget* form) {
     Prozedur p(z, "subFormularBeschriften");
-    try {
+    p.geschuetztNurLog([&] {
         if (!form) return;
         const std::string f = form->objectName().toStdString();
         p.step("Fenstertitel");
@@ -142,9 +142,7 @@ void subFormularBeschriften(ProgrammZustand& z, QWidget* form) {
             form->setWindowTitle(qs(fctFensterTitel(z, fctSteuerelementText(z, f, ""))));
         p.step("Steuerelemente beschriften");
         Beschrifter(z, f).objekt(form);
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-    }
+    });
 }
 
 QString fctText(ProgrammZustand& z, const QString& form, const QString& control) {

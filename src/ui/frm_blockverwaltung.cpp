@@ -20,6 +20,7 @@
 #include "platform/environment.h"
 #include "platform/platform.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 #include "ui/beschriften.h"
 #include "ui/frm_blockverwaltung_suche.h"
 #include "ui/frm_blockverwaltung_verwaltung.h"
@@ -491,7 +492,7 @@ bool FrmBlockverwaltung::fctSperrenCmdBeiSchreibschutz() {
     // A write-protected directory, or a database file marked read-only.
     std::error_code ec;
     const auto rechte =
-        std::filesystem::status(platform::nativePath(modell_.strDatenbank()), ec).permissions();
+        std::filesystem::status(fctNativerPfad(modell_.strDatenbank()), ec).permissions();
     const bool dateiNurLesen =
         !ec && (rechte & std::filesystem::perms::owner_write) == std::filesystem::perms::none;
     booSchreibschutz_ = !strDbVerzeichnis_.empty() &&

@@ -12,11 +12,11 @@
 
 #include "cad/block_daten.h"
 #include "cad/cad_verbindung.h"
+#include "entry/start_ablauf.h"
 #include "library/navigation_model.h"
 #include "startup/programm_zustand.h"
 #include "startup/registry_werte.h"
 #include "startup/schritt_ablauf.h"
-#include "startup/start_ablauf.h"
 #include "ui/dia_maler.h"
 #include "ui/preview_cache.h"
 

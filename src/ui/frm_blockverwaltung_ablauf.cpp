@@ -5,7 +5,6 @@
 #include <QInputDialog>
 #include <QPointer>
 #include <QScreen>
-#include <filesystem>
 #include <iostream>
 
 #include "authoring/datei_layout.h"
@@ -22,6 +21,7 @@
 #include "platform/platform.h"
 #include "startup/einstellungen.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 #include "ui/beschriften.h"
 #include "ui/frm_blockverwaltung.h"
 #include "ui/frm_blockverwaltung_verwaltung.h"
@@ -41,26 +41,6 @@ constexpr long kVerzeichnisFehlt = 404;
 constexpr long kCodeTabelleFehlt = 405;
 constexpr long kEinstellungUngueltig = 406;
 constexpr long kKeinBlock = 407;
-
-bool verzeichnisDa(const std::string& programmPfad) {
-    std::error_code ec;
-    return std::filesystem::is_directory(platform::nativePath(programmPfad), ec);
-}
-
-bool dateiDa(const std::string& programmPfad) {
-    std::error_code ec;
-    return std::filesystem::is_regular_file(platform::nativePath(programmPfad), ec);
-}
-
-std::string verzeichnisVon(const std::string& strDb) {
-    const auto schnitt = strDb.find_last_of('\\');
-    return schnitt == std::string::npos ? std::string() : strDb.substr(0, schnitt);
-}
-
-std::string ohneBlanks(std::string s) {
-    while (!s.empty() && s.back() == ' ') s.pop_back();
-    return s;
-}
 
 }  // namespace
 
@@ -119,8 +99,9 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
             fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kEinstellungUngueltig)});
     });
     l.setzen("nach vorhandener Db suchen", [this] {
-        if (!z_.strAktuelleDb.empty() && !verzeichnisDa(verzeichnisVon(z_.strAktuelleDb)))
-            meldenMitPfad(kVerzeichnisFehlt, verzeichnisVon(z_.strAktuelleDb));
+        if (!z_.strAktuelleDb.empty() &&
+            !fctVerzeichnisExistiert(fctVerzeichnisVon(z_.strAktuelleDb)))
+            meldenMitPfad(kVerzeichnisFehlt, fctVerzeichnisVon(z_.strAktuelleDb));
     });
     l.setzen(
         "erste Datenbank wird eingebunden",
@@ -132,8 +113,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
                                   z_.strTessaraRoot)
                             : std::string();
             if (dir.empty()) return;
-            std::string d = dir;
-            while (d.size() > 3 && d.back() == '\\') d.pop_back();
+            const std::string d = fctOhneBackslash(dir);
             if (z_.aryDbVerzeichnis.size() == 1 && !fctDbEintragGueltig(z_.aryDbVerzeichnis[0]))
                 z_.aryDbVerzeichnis[0] = d;
             else
@@ -143,7 +123,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
         [this] { return z_.strAktuelleDb.empty(); });
     l.setzen(
         "im Verzeichnis besteht schon eine Db", [] {},
-        [this] { return dateiDa(z_.strAktuelleDb); });
+        [this] { return fctDateiExistiert(z_.strAktuelleDb); });
     l.setzen(
         "Db wird neu angelegt",
         [this] {
@@ -151,9 +131,9 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
                 meldenMitPfad(kBibliothekNichtOeffnen, z_.strAktuelleDb);
         },
         [this] {
-            return !z_.strAktuelleDb.empty() && !dateiDa(z_.strAktuelleDb) &&
-                   verzeichnisDa(verzeichnisVon(z_.strAktuelleDb)) &&
-                   !fctReadOnlyMitVerzeichnis(z_, verzeichnisVon(z_.strAktuelleDb));
+            return !z_.strAktuelleDb.empty() && !fctDateiExistiert(z_.strAktuelleDb) &&
+                   fctVerzeichnisExistiert(fctVerzeichnisVon(z_.strAktuelleDb)) &&
+                   !fctReadOnlyMitVerzeichnis(z_, fctVerzeichnisVon(z_.strAktuelleDb));
         });
     l.setzen("setupeinstellungen zuweisen", [this] {
         subOrdnerAnsichtSetzen(*this);
@@ -174,7 +154,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     l.setzen("OptionsGruppeAnzeigen", [this] { einfuegeOptionenZeigen(); });
     l.setzen("VerzeichnisOhneDb zuweisen", [this] {
         if (!z_.strAktuelleDb.empty())
-            subVerzeichnisVorgabeAktualisieren(z_, verzeichnisVon(z_.strAktuelleDb), 1);
+            subVerzeichnisVorgabeAktualisieren(z_, fctVerzeichnisVon(z_.strAktuelleDb), 1);
     });
     l.setzen("Blockverwaltung beschriften", [this] {
         // The picture-size items come from the caption files too.
@@ -202,7 +182,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     });
     l.setzen("Verbindung zur Datenbank herstellen", [this] {
         if (start_) start_->schritt(3, 4, {});
-        if (!z_.strAktuelleDb.empty() && dateiDa(z_.strAktuelleDb))
+        if (!z_.strAktuelleDb.empty() && fctDateiExistiert(z_.strAktuelleDb))
             bibliothekOeffnen(z_.strAktuelleDb);
         verzeichnisBoxFuellen();
     });
@@ -271,7 +251,7 @@ void FrmBlockverwaltung::positionSpeichern() {
     const auto* o = modell_.aktuellerOrdner();
     if (!modell_.offen() || !o || strDbVerzeichnis_.empty()) return;
     typDbPosition pos;
-    pos.strAktuelleOrdnerNr = ohneBlanks(o->OrdnerNr);
+    pos.strAktuelleOrdnerNr = fctOhneBlanks(o->OrdnerNr);
     pos.s1 = static_cast<std::int16_t>(modell_.intSeite());
     pos.Pos = modell_.intPosition();
     subDbPositionSpeichern(z_, strDbVerzeichnis_, pos);
@@ -287,14 +267,14 @@ bool FrmBlockverwaltung::bibliothekOeffnen(const std::string& strDb) {
     modell_.subSchliessen();
     strDbVerzeichnis_.clear();
     booSchreibschutz_ = false;
-    const std::string dir = verzeichnisVon(strDb);
+    const std::string dir = fctVerzeichnisVon(strDb);
     p.step("Verzeichnis prüfen");
-    if (!verzeichnisDa(dir)) {
+    if (!fctVerzeichnisExistiert(dir)) {
         meldenMitPfad(kVerzeichnisFehlt, dir);
         Anzeigen();
         return false;
     }
-    if (!dateiDa(strDb)) {
+    if (!fctDateiExistiert(strDb)) {
         p.step("Db wird neu angelegt");
         if (fctReadOnlyMitVerzeichnis(z_, dir) ||
             !Mk_Datenbank(z_, db::jetOpener(platform::nativePath), strDb)) {
@@ -360,14 +340,13 @@ void FrmBlockverwaltung::datenbankWechseln(const std::string& strPfad) {
     std::string endung = db.size() >= 4 ? db.substr(db.size() - 4) : std::string();
     for (auto& c : endung) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     if (endung != ".mdb") {
-        while (db.size() > 3 && db.back() == '\\') db.pop_back();
-        db = fctDbDatei(db);
+        db = fctDbDatei(fctOhneBackslash(db));
     }
-    const std::string dir = verzeichnisVon(db);
+    const std::string dir = fctVerzeichnisVon(db);
     p.step("aryVerzeichnisseDatenbank erweitern");
     bool bekannt = false;
     for (const auto& d : z_.aryDbVerzeichnis) bekannt = bekannt || d == dir;
-    if (!bekannt && verzeichnisDa(dir)) {
+    if (!bekannt && fctVerzeichnisExistiert(dir)) {
         if (z_.aryDbVerzeichnis.size() == 1 && !fctDbEintragGueltig(z_.aryDbVerzeichnis[0]))
             z_.aryDbVerzeichnis[0] = dir;
         else
@@ -475,7 +454,7 @@ std::vector<typEinfuegeAuftrag> FrmBlockverwaltung::markierteAuftraege() {
 void FrmBlockverwaltung::cmbEinfuegen_Click() {
     Prozedur p(z_, "cmbEinfuegen_Click", true);
     if (booEinfuegenLaeuft_ || !modell_.offen()) return;
-    try {
+    p.geschuetzt([&] {
         // Marking is active when the selected slot is one of the marked
         // blocks: then the marked blocks go in one after another. An
         // unmarked slot inserts itself alone, however many others are marked.
@@ -497,9 +476,7 @@ void FrmBlockverwaltung::cmbEinfuegen_Click() {
             auftraege.push_back(std::move(a));
         }
         einfuegen(std::move(auftraege), markiert);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-    }
+    });
 }
 
 bool FrmBlockverwaltung::einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bool booMarkiert) {

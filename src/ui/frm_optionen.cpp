@@ -69,7 +69,7 @@ void FrmOptionen::einsammeln(typSetupWerte& w) const {
 
 void FrmOptionen::cmbOk_Click() {
     Prozedur p(z_, "cmbOk_Click", true);
-    try {
+    p.geschuetzt([&] {
         p.step("Werte übernehmen");
         // Values this window does not show are mended too, so that what is
         // saved can be shown again; an unfinished scale ("-", "") becomes 1.
@@ -79,9 +79,7 @@ void FrmOptionen::cmbOk_Click() {
         werte_ = neu;
         p.step("Werte speichern");
         SetupInRegistrierdatenbankSpeichern(z_, werte_);
-    } catch (const std::exception& e) {
-        p.fehler(e);
-    }
+    });
     accept();
 }
 

@@ -106,7 +106,7 @@ void FrmSuchergebnis::fuellen() {
     auto& m = haupt_.modell();
     // Page names by Folder and Page number, read once for all hits.
     std::map<std::pair<long, long>, std::string> seitenNamen;
-    try {
+    p.geschuetztNurLog([&] {
         p.step("Seiten lesen");
         db::Recordset rs;
         rs.open("SELECT NrTblOrdner, SeitenNr, SeitenName FROM tblSeiten", m.datenbank().con);
@@ -117,9 +117,7 @@ void FrmSuchergebnis::fuellen() {
                     seitenNamen[{static_cast<long>(o.asInt()), static_cast<long>(s.asInt())}] =
                         rs.text("SeitenName");
             }
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-    }
+    });
     grid_->setSortingEnabled(false);
     grid_->setRowCount(static_cast<int>(treffer_.size()));
     vorschau_.clear();

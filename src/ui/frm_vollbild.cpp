@@ -103,16 +103,14 @@ void FrmVollbild::showEvent(QShowEvent* e) {
 
 void FrmVollbild::bildMalen() {
     Prozedur p(z_, "FrmVollbild.bildMalen", true);
-    try {
+    p.geschuetztNurLog([&] {
         p.step("Vollbild malen");
         const QSize groesse = sldVollbild_->bildGroesse();
         if (groesse.isEmpty()) return;
         QImage bild = cache_.bild(strBildname_, groesse, hintergrund_);
         bild.setDevicePixelRatio(sldVollbild_->devicePixelRatioF());
         sldVollbild_->setBild(bild);
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-    }
+    });
 }
 
 }  // namespace tessara

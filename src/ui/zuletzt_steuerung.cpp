@@ -8,6 +8,7 @@
 
 #include "search/zuletzt_eingefuegt.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 #include "ui/such_aktionen.h"
 
 namespace tessara {
@@ -17,11 +18,6 @@ namespace {
 const QSize kBild(48, 36);
 
 QString q(const std::string& s) { return QString::fromStdString(s); }
-
-std::string verzeichnisVon(const std::string& strDb) {
-    const auto schnitt = strDb.find_last_of('\\');
-    return schnitt == std::string::npos ? std::string() : strDb.substr(0, schnitt);
-}
 
 }  // namespace
 
@@ -76,7 +72,7 @@ void ZuletztSteuerung::bibliothekPruefen() {
     if (db == strDb_) return;
     strDb_ = db;
     liste_ = db.empty() ? std::vector<std::string>()
-                        : fctZuletztLesen(haupt_.zustand(), verzeichnisVon(db));
+                        : fctZuletztLesen(haupt_.zustand(), fctVerzeichnisVon(db));
     zeigen();
 }
 
@@ -84,7 +80,7 @@ void ZuletztSteuerung::nachEinfuegung(int eingefuegt) {
     bibliothekPruefen();
     if (eingefuegt <= 0 || strDb_.empty() || haupt_.zuletztEingefuegt().empty()) return;
     liste_ = fctZuletztErgaenzen(liste_, haupt_.zuletztEingefuegt());
-    fctZuletztSpeichern(haupt_.zustand(), verzeichnisVon(strDb_), liste_);
+    fctZuletztSpeichern(haupt_.zustand(), fctVerzeichnisVon(strDb_), liste_);
     zeigen();
 }
 
@@ -103,7 +99,7 @@ void ZuletztSteuerung::zeigen() {
     for (const auto& nr : liste_)
         if (nr.find('\'') == std::string::npos)
             bedingung += (bedingung.empty() ? "" : " OR ") + std::string("Block = '") + nr + "'";
-    try {
+    p.geschuetztNurLog([&] {
         p.step("Blöcke lesen");
         db::Recordset rs;
         if (!bedingung.empty())
@@ -112,9 +108,7 @@ void ZuletztSteuerung::zeigen() {
         if (rs.state() == db::adStateOpen && rs.recordCount() > 0)
             for (rs.moveFirst(); !rs.eof(); rs.moveNext())
                 daten[rs.text("Block")] = {rs.text("SlideLib"), rs.text("M0")};
-    } catch (const std::exception& e) {
-        p.fehler(e, true);
-    }
+    });
     QStringList bilder;
     for (const auto& nr : liste_) {
         const auto it = daten.find(nr);

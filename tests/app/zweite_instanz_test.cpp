@@ -1,12 +1,13 @@
 // Real processes: a running Tessara window and later starts of the program
-// that hand their command line to it through the instance channel.
+// that hand their command line to it through the instance channel. A second
+// start brings the running window forward, so they run on an X server of
+// their own.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <fcntl.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -17,44 +18,48 @@
 #include <thread>
 #include <vector>
 
+#include "eigener_x_server.h"
+
 extern char** environ;
 
 namespace {
+
+::testing::Environment* const xServer =
+    ::testing::AddGlobalTestEnvironment(new tessara::test::EigenesDisplay);
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 class ZweiteInstanz : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_NE(std::getenv("DISPLAY"), nullptr) << "runs under xvfb-run (make test)";
-        dir = fs::temp_directory_path() / ("tessara_e2e_" + std::to_string(::getpid()));
-        fs::remove_all(dir);
-        fs::create_directories(dir / "run");
-        fs::permissions(dir / "run", fs::perms::owner_all);
-        // The test's own environment (display, X authority) with private
-        // places for everything the program writes.
-        const std::vector<std::string> eigene = {
-            "HOME=" + dir.string(), "XDG_RUNTIME_DIR=" + (dir / "run").string(),
-            "XDG_CONFIG_HOME=" + (dir / "cfg").string(),
-            "TESSARA_COMMON_APPDATA=" + (dir / "common").string()};
-        for (char** e = environ; *e; ++e) {
-            const std::string v = *e;
-            bool ersetzt = false;
-            for (const auto& x : eigene)
-                if (v.compare(0, x.find('=') + 1, x, 0, x.find('=') + 1) == 0) ersetzt = true;
-            if (!ersetzt) env.push_back(v);
-        }
-        env.insert(env.end(), eigene.begin(), eigene.end());
-        // A library to open, and the boxes that would wait for a hand on
-        // the mouse switched off as a user switches them off.
-        fs::create_directories(dir / "bib");
-        fs::create_directories(dir / "bib2");
-        fs::create_directories(dir / "common" / "Tessara");
-        std::ofstream(dir / "common" / "Tessara" / "Tessara9.0.ini")
-            << "[AllgemeineDaten]\r\nDbVerzeichnis0=" << (dir / "bib").string()
-            << "\r\n[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
-    }
+  void SetUp() override {
+      dir = fs::temp_directory_path() / ("tessara_e2e_" + std::to_string(::getpid()));
+      fs::remove_all(dir);
+      fs::create_directories(dir / "run");
+      fs::permissions(dir / "run", fs::perms::owner_all);
+      // The test's own environment (display, X authority) with private
+      // places for everything the program writes.
+      const std::vector<std::string> eigene = {
+          "HOME=" + dir.string(), "XDG_RUNTIME_DIR=" + (dir / "run").string(),
+          "XDG_CONFIG_HOME=" + (dir / "cfg").string(),
+          "TESSARA_COMMON_APPDATA=" + (dir / "common").string()};
+      for (char** e = environ; *e; ++e) {
+          const std::string v = *e;
+          bool ersetzt = false;
+          for (const auto& x : eigene)
+              if (v.compare(0, x.find('=') + 1, x, 0, x.find('=') + 1) == 0) ersetzt = true;
+          if (!ersetzt) env.push_back(v);
+      }
+      env.insert(env.end(), eigene.begin(), eigene.end());
+      // A library to open, and the boxes that would wait for a hand on
+      // the mouse switched off as a user switches them off.
+      fs::create_directories(dir / "bib");
+      fs::create_directories(dir / "bib2");
+      fs::create_directories(dir / "common" / "Tessara");
+      std::ofstream(dir / "common" / "Tessara" / "Tessara9.0.ini")
+          << "[AllgemeineDaten]\r\nDbVerzeichnis0=" << (dir / "bib").string()
+          << "\r\n[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
+  }
     void TearDown() override {
         if (erste > 0) {
             ::kill(erste, SIGTERM);
@@ -147,8 +152,10 @@ TEST_F(ZweiteInstanz, ReichtIhreAnfragenAnDasLaufendeProgrammWeiter) {
     EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;a", 2)) << lesen(log);
 
     // One or three ";"-pieces: nothing is handed over, the start still ends.
+    // A request handed over after it is carried out after anything it sent.
     EXPECT_EQ(warten(starten({"/s", "a;b;c"}, dir / "z4.txt"), 20s), 0);
-    std::this_thread::sleep_for(300ms);
+    EXPECT_EQ(warten(starten({"lblkeinfuegen"}, dir / "z5.txt"), 20s), 0);
+    ASSERT_TRUE(erscheint(log, "Blockanfrage: 0010017;a", 3)) << lesen(log);
     EXPECT_EQ(lesen(log).find("Blockanfrage: a"), std::string::npos);
 }
 

@@ -27,7 +27,7 @@ class Win32DesktopTest : public ::testing::Test {
                             WS_OVERLAPPEDWINDOW, 10, 10, 400, 300, nullptr, nullptr, inst, nullptr);
         if (!host_ && GetEnvironmentVariableW(L"DISPLAY", nullptr, 0) == 0)
             GTEST_FAIL()
-                << "wine has no X display (DISPLAY unset); `make test` runs under xvfb-run";
+                << "wine has no X display (DISPLAY unset); `make test` gives it one of its own";
         ASSERT_NE(host_, nullptr) << "no window could be created";
         edit_ =
             CreateWindowExW(0, L"EDIT", L"", WS_CHILD | WS_VISIBLE | ES_MULTILINE | ES_WANTRETURN,

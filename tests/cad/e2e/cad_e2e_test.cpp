@@ -1,7 +1,8 @@
 // End to end: the CAD bridge against the simulated host (tools/simhost) on a
 // real X server, typing through the real X11 desktop. A helper thread plays
 // the user: it waits until the host asks for a pick and then clicks or
-// presses Escape through XTest, as a hand on the mouse would.
+// presses Escape through XTest, as a hand on the mouse would, holding it
+// until the bridge has seen it.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -20,7 +21,6 @@
 #include "platform/memory/fake_clock.h"
 #include "platform/platform.h"
 #include "platform/system_clock.h"
-#include "platform/x11/x11_desktop.h"
 #include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
 
@@ -62,6 +62,14 @@ class SimHostE2E : public ::testing::Test {
         bool lt = false;
         ASSERT_TRUE(ACAD_Connect(z, v, false, true, lt));
     }
+    // The user's hand: a pick (button 1 left, 3 right) or Escape, held until
+    // the bridge has seen it.
+    void klicken(unsigned int knopf, int x, int y) {
+        Hand().klick(knopf, x, y,
+                     desktop.haltenBisGesehen(knopf == 1 ? platform::Key::LeftButton
+                                                         : platform::Key::RightButton));
+    }
+    void escapeDruecken() { Hand().escape(desktop.haltenBisGesehen(platform::Key::Escape)); }
     void zeichnungAnlegen(const std::string& rel, const std::string& inhalt) {
         fs::create_directories((verzeichnis / "c" / rel).parent_path());
         std::ofstream(verzeichnis / "c" / rel, std::ios::binary) << inhalt;
@@ -69,7 +77,7 @@ class SimHostE2E : public ::testing::Test {
 
     fs::path verzeichnis, log;
     pid_t host = 0;
-    platform::X11Desktop desktop;
+    BeobachteterDesktop desktop;
     platform::SystemClock uhr;
     platform::Platform plattform;
     SkriptBenutzer benutzer;
@@ -121,7 +129,7 @@ TEST_F(SimHostE2E, SlideErscheint) {
     // The slide wait has no bound of its own (the user ends it with Escape):
     // should the host never write, the hand presses Escape so the test ends.
     std::thread wache([&] {
-        if (!warteAufLog(log, "MSLIDE c:", 30s)) Hand().escape();
+        if (!warteAufLog(log, "MSLIDE c:", 30s)) escapeDruecken();
     });
     const bool ok = fctSlideMitLTErstellen(z, v, e, "c:\\Bib\\001\\0010A0.sld");
     wache.join();
@@ -155,7 +163,7 @@ TEST_F(SimHostE2E, EinfuegungMitKlick) {
     zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
     verbinden();
     std::thread nutzer([&] {
-        if (warteAufLog(log, "INSERT WARTET AUF PUNKT")) Hand().klick(1, 120, 150);
+        if (warteAufLog(log, "INSERT WARTET AUF PUNKT")) klicken(1, 120, 150);
     });
     const auto r = ACadLtBlockEinfuegen(z, v, e, ventil());
     nutzer.join();
@@ -178,7 +186,7 @@ TEST_F(SimHostE2E, EinfuegungEscape) {
     zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
     verbinden();
     std::thread nutzer([&] {
-        if (warteAufLog(log, "INSERT WARTET AUF PUNKT")) Hand().escape();
+        if (warteAufLog(log, "INSERT WARTET AUF PUNKT")) escapeDruecken();
     });
     const auto r = ACadLtBlockEinfuegen(z, v, e, ventil());
     nutzer.join();
@@ -194,10 +202,10 @@ TEST_F(SimHostE2E, MehrfachEinfuegenBisEscape) {
     // Two picks, then Escape at the third prompt for a point.
     std::thread nutzer([&] {
         if (!warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 1)) return;
-        Hand().klick(1, 120, 150);
+        klicken(1, 120, 150);
         if (!warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 2)) return;
-        Hand().klick(1, 220, 180);
-        if (warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 3)) Hand().escape();
+        klicken(1, 220, 180);
+        if (warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 3)) escapeDruecken();
     });
     const LtEinfuegung ventilLt = ventil();
     EinfuegeAnfrage a;
@@ -230,7 +238,7 @@ TEST_F(SimHostE2E, XrefOhneLayersteuerungAusDerEinstellungsdatei) {
     z.strIniDatei = "c:\\Programme\\Tessara9.0.ini";
     verbinden();
     std::thread nutzer([&] {
-        if (warteAufLog(log, "XREF WARTET AUF PUNKT")) Hand().klick(1, 140, 160);
+        if (warteAufLog(log, "XREF WARTET AUF PUNKT")) klicken(1, 140, 160);
     });
     const LtEinfuegung ventilLt = ventil();
     EinfuegeAnfrage a;
@@ -258,7 +266,7 @@ TEST_F(SimHostE2E, NeuerBlockMitRechtsklick) {
     hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
     verbinden();
     std::thread nutzer([&] {
-        if (warteAufLog(log, "WBLOCK WAEHLT OBJEKTE")) Hand().klick(3, 300, 200);
+        if (warteAufLog(log, "WBLOCK WAEHLT OBJEKTE")) klicken(3, 300, 200);
     });
     LtBlockNeu neu{"c:\\Bib\\", "001", "0010C", 0, false};
     const auto r = ACadLtBlockNeu(z, v, e, neu);

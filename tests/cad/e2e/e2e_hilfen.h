@@ -1,33 +1,65 @@
 #pragma once
 // What the end-to-end tests share: the private X server of the test process,
-// reading the simulated host's log with bounded waits, and starting the host.
+// the desktop that tells when the program has seen a key held down, reading
+// the simulated host's log with bounded waits, and starting the host.
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
+#include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 
-#include "platform/desktop.h"
+#include "eigener_x_server.h"
+#include "platform/x11/x11_desktop.h"
 #include "x_hand.h"
 
 namespace tessara::test {
 
 // A private X server for the test process: windowed tests running beside it
 // on a shared display would take the keyboard focus the typing relies on.
-class XServer : public ::testing::Environment {
+// Inline: registered once, however many test files include this.
+inline ::testing::Environment* const xserver =
+    ::testing::AddGlobalTestEnvironment(new EigenesDisplay);
+
+// The real X11 desktop, telling when the program under test has seen a key
+// or mouse button held down. The hand holds it until then, as a user holds
+// the button until the pick is taken, and no longer: a held key repeats.
+class BeobachteterDesktop : public platform::X11Desktop {
   public:
-    void SetUp() override { pid_ = xvfbStarten(); }
-    void TearDown() override { prozessBeenden(pid_); }
+    bool isKeyDown(platform::Key taste) override {
+        const bool unten = X11Desktop::isKeyDown(taste);
+        if (unten) {
+            std::lock_guard<std::mutex> sperre(m_);
+            gesehen_.insert(taste);
+            cv_.notify_all();
+        }
+        return unten;
+    }
+    // Holds the hand on `taste` until the program has seen it down; bounded,
+    // so that a program that never looks fails its test instead of hanging.
+    std::function<void()> haltenBisGesehen(platform::Key taste) {
+        {
+            std::lock_guard<std::mutex> sperre(m_);
+            gesehen_.erase(taste);  // seen while it was down before, not this time
+        }
+        return [this, taste] {
+            std::unique_lock<std::mutex> sperre(m_);
+            cv_.wait_for(sperre, std::chrono::seconds(20),
+                         [&] { return gesehen_.count(taste) > 0; });
+        };
+    }
 
   private:
-    pid_t pid_ = 0;
+    std::mutex m_;
+    std::condition_variable cv_;
+    std::set<platform::Key> gesehen_;
 };
-
-// Inline: registered once, however many test files include this.
-inline ::testing::Environment* const xserver = ::testing::AddGlobalTestEnvironment(new XServer);
 
 inline std::string lesen(const std::filesystem::path& p) {
     std::ifstream f(p, std::ios::binary);
@@ -66,7 +98,8 @@ inline std::string zeilenRest(const std::string& log, const std::string& anfang)
 }
 
 // Waits, bounded, until a window whose title begins with the text is on the
-// desktop; its handle, 0 when none came.
+// desktop; its handle, 0 when none came. (It looks again and again: a title
+// set after the window is mapped tells the root window nothing.)
 inline platform::WindowHandle warteAufFenster(platform::Desktop& desktop,
                                               const std::string& titel) {
     const auto ende = std::chrono::steady_clock::now() + std::chrono::seconds(20);

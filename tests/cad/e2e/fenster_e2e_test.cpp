@@ -123,7 +123,9 @@ TEST_F(FensterE2E, EnterFuegtDenGewaehltenBlockEin) {
     ASSERT_EQ(desktop.foregroundWindow(), fenster);
     Hand().enter();
     ASSERT_TRUE(warteAufLog(log, "INSERT WARTET AUF PUNKT")) << lesen(log) << lesen(ausgabe);
-    Hand().klick(1, 120, 150);
+    // The pick is held until the host has the insertion: the program types
+    // its answers only once it has seen the button down.
+    Hand().klick(1, 120, 150, [&] { warteAufLog(log, "INSERT block="); });
 
     ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
     const std::string l = lesen(log);

@@ -7,11 +7,8 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
 #include <string_view>
 #include <thread>
 
@@ -27,38 +24,30 @@ Hand::~Hand() {
     if (dpy_) XCloseDisplay(static_cast<Display*>(dpy_));
 }
 
-void Hand::klick(unsigned int knopf, int x, int y) {
+void Hand::klick(unsigned int knopf, int x, int y, const std::function<void()>& halten) {
     auto* d = static_cast<Display*>(dpy_);
     if (!d) return;
     XTestFakeMotionEvent(d, -1, x, y, CurrentTime);
     XTestFakeButtonEvent(d, knopf, True, CurrentTime);
     XSync(d, False);
-    std::this_thread::sleep_for(400ms);  // held while the program polls
+    halten();
     XTestFakeButtonEvent(d, knopf, False, CurrentTime);
     XSync(d, False);
 }
 
-void Hand::escape() { taste(XK_Escape, true); }
+void Hand::escape(const std::function<void()>& halten) { taste(XK_Escape, halten); }
 
-void Hand::enter() { taste(XK_Return, false); }
+void Hand::enter() { taste(XK_Return, {}); }
 
-void Hand::taste(unsigned long keysym, bool halten) {
+void Hand::taste(unsigned long keysym, const std::function<void()>& halten) {
     auto* d = static_cast<Display*>(dpy_);
     if (!d) return;
     const KeyCode k = XKeysymToKeycode(d, keysym);
     XTestFakeKeyEvent(d, k, True, CurrentTime);
     XSync(d, False);
-    if (halten) std::this_thread::sleep_for(400ms);  // held while the program polls
+    if (halten) halten();
     XTestFakeKeyEvent(d, k, False, CurrentTime);
     XSync(d, False);
-}
-
-bool xDisplayOffen() {
-    if (Display* d = XOpenDisplay(nullptr)) {
-        XCloseDisplay(d);
-        return true;
-    }
-    return false;
 }
 
 pid_t prozessStarten(const std::vector<std::string>& args, const std::vector<std::string>& umgebung,
@@ -99,40 +88,6 @@ void prozessBeenden(pid_t pid) {
     }
     kill(pid, SIGKILL);
     waitpid(pid, &status, 0);
-}
-
-pid_t xvfbStarten() {
-    // Xvfb picks a free display itself and names it on the pipe, so test
-    // processes started side by side never meet on one server.
-    int fds[2];
-    if (pipe(fds) != 0) return 0;
-    const std::string fd = std::to_string(fds[1]);
-    pid_t pid = prozessStarten({"/usr/bin/Xvfb", "-displayfd", fd, "-screen", "0", "1024x768x24",
-                                "-nolisten", "tcp", "-noreset"});
-    close(fds[1]);
-    if (!pid) {
-        close(fds[0]);
-        return 0;
-    }
-    std::string nummer;
-    char c;
-    while (read(fds[0], &c, 1) == 1 && c != '\n') nummer += c;
-    close(fds[0]);
-    if (nummer.empty()) {
-        prozessBeenden(pid);
-        return 0;
-    }
-    const std::string name = ":" + nummer;
-    for (int i = 0; i < 100; ++i) {
-        if (Display* d = XOpenDisplay(name.c_str())) {
-            XCloseDisplay(d);
-            setenv("DISPLAY", name.c_str(), 1);
-            return pid;
-        }
-        std::this_thread::sleep_for(50ms);
-    }
-    prozessBeenden(pid);
-    return 0;
 }
 
 }  // namespace tessara::test

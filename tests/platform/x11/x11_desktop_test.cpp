@@ -1,21 +1,16 @@
-// The X11 desktop against a real X server (the test run's Xvfb): a window of
-// our own is found by its title, activated, typed into through XTest, and
-// the key events it receives are read back.
+// The X11 desktop against a real X server, one of the test's own (focus and
+// typed keys must not meet the windows of other tests): a window of ours is
+// found by its title, activated, typed into through XTest, and the key
+// events it receives are read back.
 // clang-format off
 // GoogleTest first: Xlib's macros (None, Bool) would break its templates.
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "eigener_x_server.h"
 #include "platform/x11/x11_desktop.h"
 
 #include <X11/Xatom.h>
@@ -25,9 +20,16 @@
 #include <X11/keysym.h>
 // clang-format on
 
-extern "C" char** environ;
-
 namespace {
+
+using tessara::test::EigenerXServer;
+using tessara::test::warteAufDesktop;
+using tessara::test::warteAufVerbindung;
+using Uhr = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+::testing::Environment* const xServer =
+    ::testing::AddGlobalTestEnvironment(new tessara::test::EigenesDisplay);
 
 // A top-level window in its own connection, as another program's window is.
 class TestWindow {
@@ -42,26 +44,29 @@ class TestWindow {
         XChangeProperty(dpy_, win_, netWmName, utf8, 8, PropModeReplace,
                         reinterpret_cast<const unsigned char*>(title.data()),
                         static_cast<int>(title.size()));
-        XSelectInput(dpy_, win_, KeyPressMask | StructureNotifyMask | FocusChangeMask);
-        // On screen within a generous bound. A window manager that is still
-        // starting may drop the map request, so it is repeated as a user
-        // would click again.
-        auto until = std::chrono::steady_clock::now() + std::chrono::seconds(15);
-        auto nextMap = std::chrono::steady_clock::now();
-        while (std::chrono::steady_clock::now() < until) {
-            if (std::chrono::steady_clock::now() >= nextMap) {
-                XMapWindow(dpy_, win_);
-                nextMap += std::chrono::seconds(1);
-            }
-            XSync(dpy_, False);
+        XSelectInput(dpy_, win_,
+                     KeyPressMask | StructureNotifyMask | FocusChangeMask | VisibilityChangeMask);
+        // On screen once the server reports it mapped and visible (under a
+        // window manager, inside its frame), within a generous bound. A
+        // manager that is still starting may drop the map request, so it is
+        // repeated, as a user would click again, when a second brings nothing.
+        auto sichtbar = [this] {
             XWindowAttributes a;
-            if (XGetWindowAttributes(dpy_, win_, &a) && a.map_state == IsViewable) {
-                mapped_ = true;
-                break;
+            return XGetWindowAttributes(dpy_, win_, &a) && a.map_state == IsViewable;
+        };
+        const auto ende = Uhr::now() + 15s;
+        while (!mapped_ && Uhr::now() < ende) {
+            XMapWindow(dpy_, win_);
+            XSync(dpy_, False);
+            const auto nochmal = std::min(ende, Uhr::now() + 1s);
+            while (!(mapped_ = sichtbar()) && Uhr::now() < nochmal) {
+                XEvent e;
+                while (XCheckTypedWindowEvent(dpy_, win_, MapNotify, &e) ||
+                       XCheckTypedWindowEvent(dpy_, win_, VisibilityNotify, &e)) {
+                }
+                warteAufVerbindung(ConnectionNumber(dpy_), nochmal);
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
-        XSync(dpy_, False);
     }
     ~TestWindow() {
         if (dpy_) XCloseDisplay(dpy_);
@@ -69,12 +74,14 @@ class TestWindow {
     bool ok() const { return dpy_ != nullptr && mapped_; }
     Window id() const { return win_; }
 
-    // The text of the key presses received, Return as "\r"; waits until
-    // `expected` characters arrived or a generous bound passes.
+    // The text of the key presses received, Return as "\r": all that the
+    // server has sent so far, and more as it comes until `expected`
+    // characters arrived or a generous bound passes.
     std::string typedText(std::size_t expected) {
         std::string text;
-        auto until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (text.size() < expected && std::chrono::steady_clock::now() < until) {
+        const auto ende = Uhr::now() + 10s;
+        XSync(dpy_, False);
+        for (;;) {
             while (XPending(dpy_)) {
                 XEvent e;
                 XNextEvent(dpy_, &e);
@@ -92,7 +99,8 @@ class TestWindow {
                 else if (n > 0)
                     text.append(buf, static_cast<std::size_t>(n));
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            if (text.size() >= expected || Uhr::now() >= ende) break;
+            warteAufVerbindung(ConnectionNumber(dpy_), ende);
         }
         return text;
     }
@@ -106,8 +114,7 @@ class TestWindow {
 class X11DesktopTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        if (!desktop_.connected())
-            GTEST_FAIL() << "no X display (DISPLAY unset); run under xvfb-run as `make test` does";
+        if (!desktop_.connected()) GTEST_FAIL() << "no X display: Xvfb did not start";
         ASSERT_TRUE(desktop_.canType()) << "the X server lacks the XTEST extension";
     }
     platform::X11Desktop desktop_;
@@ -193,126 +200,45 @@ TEST_F(X11DesktopTest, ReadsKeyAndButtonState) {
     XCloseDisplay(d);
 }
 
-// An X server of our own with an EWMH window manager (openbox) on it, so
-// the _NET_CLIENT_LIST and _NET_ACTIVE_WINDOW route is exercised as on a
-// user's desktop, without disturbing the shared test display.
-class ManagedDisplay {
-  public:
-    ManagedDisplay() {
-        int fds[2];
-        if (pipe(fds) != 0) return;
-        fcntl(fds[0], F_SETFD, FD_CLOEXEC);
-        std::string fd = std::to_string(fds[1]);
-        xvfb_ = spawn({"Xvfb", "-displayfd", fd, "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset"},
-                      {});
-        close(fds[1]);
-        std::string number;
-        char c;
-        while (read(fds[0], &c, 1) == 1 && c != '\n') number += c;
-        close(fds[0]);
-        if (number.empty()) return;
-        name_ = ":" + number;
-        wm_ = spawn({"openbox", "--sm-disable"}, {"DISPLAY=" + name_});
-        // Ready once the manager announces itself on the root window.
-        Display* d = XOpenDisplay(name_.c_str());
-        if (!d) return;
-        Atom check = XInternAtom(d, "_NET_SUPPORTING_WM_CHECK", False);
-        auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        while (std::chrono::steady_clock::now() < until) {
-            Atom type;
-            int format;
-            unsigned long n = 0, after;
-            unsigned char* data = nullptr;
-            XGetWindowProperty(d, DefaultRootWindow(d), check, 0, 1, False, XA_WINDOW, &type,
-                               &format, &n, &after, &data);
-            if (data) XFree(data);
-            if (n == 1) {
-                ready_ = true;
-                break;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
-        XCloseDisplay(d);
-    }
-    ~ManagedDisplay() {
-        for (pid_t p : {wm_, xvfb_})
-            if (p > 0) {
-                kill(p, SIGTERM);
-                waitpid(p, nullptr, 0);
-            }
-    }
-    bool ready() const { return ready_; }
-    const char* name() const { return name_.c_str(); }
-
-  private:
-    static pid_t spawn(std::vector<std::string> args, std::vector<std::string> extraEnv) {
-        std::vector<char*> argv, envp;
-        for (auto& a : args) argv.push_back(a.data());
-        argv.push_back(nullptr);
-        for (auto& e : extraEnv) envp.push_back(e.data());
-        for (char** e = environ; *e; ++e)
-            if (extraEnv.empty() || std::string(*e).rfind("DISPLAY=", 0) != 0) envp.push_back(*e);
-        envp.push_back(nullptr);
-        posix_spawn_file_actions_t fa;
-        posix_spawn_file_actions_init(&fa);
-        posix_spawn_file_actions_addopen(&fa, 1, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&fa, 2, "/dev/null", O_WRONLY, 0);
-        pid_t pid = -1;
-        if (posix_spawnp(&pid, argv[0], &fa, nullptr, argv.data(), envp.data()) != 0) pid = -1;
-        posix_spawn_file_actions_destroy(&fa);
-        return pid;
-    }
-    pid_t xvfb_ = -1, wm_ = -1;
-    std::string name_;
-    bool ready_ = false;
-};
-
-// Waits, within a generous bound, until the window manager has made `w` the
-// active window (it does so asynchronously).
-bool becomesForeground(platform::X11Desktop& d, Window w) {
-    auto until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (std::chrono::steady_clock::now() < until) {
-        if (d.foregroundWindow() == w) return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return false;
-}
-
+// An X server with an EWMH window manager (openbox) on it, so the
+// _NET_CLIENT_LIST and _NET_ACTIVE_WINDOW route is exercised as on a user's
+// desktop. The manager answers asynchronously: each step waits until the
+// root window reports the change.
 TEST(X11DesktopUnderAWindowManager, FindsActivatesAndTypesThroughEwmh) {
-    ManagedDisplay server;
-    ASSERT_TRUE(server.ready())
+    EigenerXServer server(true);
+    ASSERT_TRUE(server.bereit())
         << "Xvfb with openbox did not come up (scripts/setup-deps installs both)";
-    platform::X11Desktop desktop(server.name());
+    platform::X11Desktop desktop(server.name().c_str());
     ASSERT_TRUE(desktop.connected());
-    TestWindow host("AutoCAD LT 2015 - [Zeichnung1.dwg]", server.name());
-    TestWindow other("Bricscad Pro V10 - [Plan.dwg]", server.name());
+    TestWindow host("AutoCAD LT 2015 - [Zeichnung1.dwg]", server.name().c_str());
+    TestWindow other("Bricscad Pro V10 - [Plan.dwg]", server.name().c_str());
     ASSERT_TRUE(host.ok() && other.ok());
 
     // The manager lists its clients once it has taken them on.
     std::vector<platform::WindowInfo> windows;
-    auto until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (windows.size() < 2 && std::chrono::steady_clock::now() < until) {
+    warteAufDesktop(server.name(), [&] {
         windows = desktop.topLevelWindows();
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
+        return windows.size() >= 2;
+    });
     ASSERT_EQ(windows.size(), 2u);
     bool found = false;
     for (const auto& w : windows)
         if (w.handle == host.id()) found = w.title == "AutoCAD LT 2015 - [Zeichnung1.dwg]";
     EXPECT_TRUE(found);
 
+    auto imVordergrund = [&](Window w) {
+        return warteAufDesktop(server.name(), [&] { return desktop.foregroundWindow() == w; });
+    };
     ASSERT_TRUE(desktop.activateByTitle("Bricscad"));
-    EXPECT_TRUE(becomesForeground(desktop, other.id()));
+    EXPECT_TRUE(imVordergrund(other.id()));
     ASSERT_TRUE(desktop.activateByTitle("autocad lt"));
-    ASSERT_TRUE(becomesForeground(desktop, host.id()));
+    ASSERT_TRUE(imVordergrund(host.id()));
     // The activated window is on top, and listed first as in the z-order.
     auto topFirst = [&] {
         auto w = desktop.topLevelWindows();
         return w.empty() ? platform::WindowHandle(0) : w.front().handle;
     };
-    until = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (topFirst() != host.id() && std::chrono::steady_clock::now() < until)
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    warteAufDesktop(server.name(), [&] { return topFirst() == host.id(); });
     EXPECT_EQ(topFirst(), host.id());
     ASSERT_TRUE(desktop.sendKeys("LINE{ENTER}"));
     EXPECT_EQ(host.typedText(5), "LINE\r");

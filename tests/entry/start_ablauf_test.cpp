@@ -1,7 +1,7 @@
 // Main's three roles over real directories in a temporary folder, with the
 // in-process doubles of the platform layer standing for the desktop and the
-// instance channel (the two-process hand-over runs in start_prozess_test).
-#include "startup/start_ablauf.h"
+// instance channel (the two-process hand-over runs in tests/app).
+#include "entry/start_ablauf.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

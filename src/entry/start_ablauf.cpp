@@ -1,7 +1,4 @@
-#include "start_ablauf.h"
-
-#include <filesystem>
-#include <system_error>
+#include "entry/start_ablauf.h"
 
 #include "captions/beschriftung.h"
 #include "platform/environment.h"
@@ -10,6 +7,7 @@
 #include "startup/benutzer.h"
 #include "startup/einstellungen.h"
 #include "startup/fehler_log.h"
+#include "startup/pfade.h"
 
 namespace tessara {
 
@@ -20,21 +18,6 @@ constexpr const char* kAllg = "AllgemeineDaten";
 constexpr const char* kStartKlasse = "Tessara_8_5.clsTessaraStart";
 // The edition number in front of the running version in the window title.
 constexpr const char* kEdition = "1";
-
-bool dateiExistiert(const std::string& programmPfad) {
-    std::error_code ec;
-    return std::filesystem::is_regular_file(platform::nativePath(programmPfad), ec);
-}
-
-void verzeichnisAnlegen(const std::string& programmPfad) {
-    std::error_code ec;
-    std::filesystem::create_directories(platform::nativePath(programmPfad), ec);
-}
-
-std::string mitBackslash(std::string s) {
-    if (s.empty() || s.back() != '\\') s.push_back('\\');
-    return s;
-}
 
 platform::InstanceChannel* kanal(ProgrammZustand& z) {
     return z.plattform ? z.plattform->instance : nullptr;
@@ -126,25 +109,23 @@ bool clsStart::initialisieren(ProgrammZustand& z) {
     Prozedur p(z, "Main");
     auto* env = z.plattform ? z.plattform->environment : nullptr;
 
+    // The versions, names, registry root and the other fixed values are the
+    // defaults of ProgrammZustand; Main only finds what depends on the machine.
     p.step("Werte zuordnen");
-    z.aryVersion = {"8.5", "9.0"};
-    z.strExeName = "tessara9.0.exe";
-    z.strKurzName = "tessara9";
-    z.strCTemp = "c:\\temp\\";
     if (env) z.strAppPfad = env->applicationDirectory();
 
     p.step("Ini-Datei suchen");
     z.strIniDatei = z.strAppPfad + "\\Tessara9.0.ini";
-    if (!dateiExistiert(z.strIniDatei) && env) {
+    if (!fctDateiExistiert(z.strIniDatei) && env) {
         const std::string gemeinsam = env->commonAppData();
         z.strIniDatei = gemeinsam + "\\Tessara\\Tessara9.0.ini";
-        verzeichnisAnlegen(gemeinsam + "\\Tessara");
+        fctVerzeichnisAnlegen(gemeinsam + "\\Tessara");
         z.strCTemp = gemeinsam + "\\Tessara\\";
     }
 
     p.step("Temp-Verzeichnis prüfen");
     const std::string sCTemp = IniGetValue(z, z.strIniDatei, kAllg, "sCTemp");
-    if (!sCTemp.empty()) z.strCTemp = mitBackslash(sCTemp);
+    if (!sCTemp.empty()) z.strCTemp = fctBackslashAmEndeAnfuegen(sCTemp);
     if (z.strCTemp.find(' ') != std::string::npos && z.benutzer) {
         Antwort a = z.benutzer->meldung(
             "ist auf Ihrem Computer noch Windows XP installiert?\r(oder schon Vista oder Windows 7)",
@@ -157,17 +138,14 @@ bool clsStart::initialisieren(ProgrammZustand& z) {
                                     z.strCTemp + "\rBitte wählen Sie eine Pfad ohne Leerzeichen.",
                                 "Info", Symbol::Information, Knoepfe::Ok);
             std::string neu = z.benutzer->ordnerWaehlen("Temp-Verzeichnis", z.strCTemp);
-            if (!neu.empty()) z.strCTemp = mitBackslash(neu);
+            if (!neu.empty()) z.strCTemp = fctBackslashAmEndeAnfuegen(neu);
         }
         fctWertAllgInIniSpeichern(z, "sCTemp", z.strCTemp);
     }
-    verzeichnisAnlegen(z.strCTemp);
+    fctVerzeichnisAnlegen(z.strCTemp);
 
     p.step("Dateinamen festlegen");
     z.strErrorDatei = z.strCTemp + "txtErrorTessara9.0.txt";
-    z.strBeschriftDatei = "\\txtBeschriftTessara9.0";
-    z.strRegRoot = "Software\\Vendel\\Tessara\\9.0";
-    z.strRegKurz = "Tsa9.0";
     z.strVersionInfoDatei = z.strAppPfad + "\\InfoVersion.lis";
     z.strIconDatei = z.strAppPfad + "\\tessara.ico";
 
@@ -181,10 +159,7 @@ bool clsStart::initialisieren(ProgrammZustand& z) {
         z.benutzer->meldung("Prgramm startet im Debug-Modus", "Info", Symbol::Information,
                             Knoepfe::Ok);
 
-    p.step("Vorgaben");
-    z.strTessaraRoot = "c:\\Tessara\\";
-    z.strTblBlockInfo = "tblBlockInfo";
-    z.strBlockVerzeichnis = "Block";
+    p.step("Vorgaben");  // root, table and directory names: ProgrammZustand's defaults too
 
     p.step("Beschriftungsdatei zuordnen");
     if (!fctBeschriftungsFileZuordnenIni(z)) {
