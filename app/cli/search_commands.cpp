@@ -15,6 +15,7 @@
 #include <ostream>
 
 #include "cli/cli.h"
+#include "cli/csv_wert.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
 #include "jet/sql/text_rules.h"
@@ -83,47 +84,6 @@ std::string lesen(const cli::Args& a, Aufruf& auf) {
     return {};
 }
 
-std::string inAnfuehrung(const std::string& s) {
-    std::string out = "\"";
-    for (char c : s) {
-        if (c == '"') out += '"';
-        out += c;
-    }
-    return out + "\"";
-}
-
-// One value as `sql` prints it.
-std::string csvWert(const sql::Value& v, const sql::ResultColumn& spalte) {
-    if (spalte.type == sql::ColumnType::Currency && !v.isNull()) {
-        char buf[64];
-        std::snprintf(buf, sizeof buf, "%.4f", v.asDouble());
-        return buf;
-    }
-    switch (v.kind()) {
-        case sql::Value::Kind::Null:
-            return {};
-        case sql::Value::Kind::Bool:
-            return v.asInt() ? "1" : "0";
-        case sql::Value::Kind::Int:
-        case sql::Value::Kind::Double:
-            return v.toString();
-        case sql::Value::Kind::Date:
-            return inAnfuehrung(jet::formatDate(v.asDouble()));
-        case sql::Value::Kind::Text:
-            return inAnfuehrung(v.textRef());
-        case sql::Value::Kind::Binary: {
-            static const char* hex = "0123456789ABCDEF";
-            std::string out;
-            for (unsigned char c : v.textRef()) {
-                out += hex[c >> 4];
-                out += hex[c & 15];
-            }
-            return out;
-        }
-    }
-    return {};
-}
-
 // The library's block table: tblBlockInfo, or the Inventor table in a
 // library that has only that one.
 std::string blockTabelle(sql::Storage& st) {
@@ -171,7 +131,7 @@ int runSearch(const cli::Args& args, std::istream&, std::ostream& out, std::ostr
         if (rs.recordCount() > 0) rs.moveFirst();
         for (; rs.recordCount() > 0 && !rs.eof(); rs.moveNext()) {
             for (std::size_t i = 0; i < spalten.size(); ++i)
-                out << (i ? "," : "") << csvWert(rs.value(static_cast<int>(i)), spalten[i]);
+                out << (i ? "," : "") << cli::csvValue(rs.value(static_cast<int>(i)), spalten[i]);
             out << "\n";
         }
         return 0;

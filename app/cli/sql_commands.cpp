@@ -7,47 +7,12 @@
 #include <ostream>
 
 #include "cli/cli.h"
+#include "csv_wert.h"
 #include "jet/sql/engine_storage.h"
 #include "jet/sql/error.h"
 #include "jet/sql/executor.h"
-#include "jet/value.h"
 
 namespace {
-
-std::string quoted(const std::string& s) {
-    std::string out = "\"";
-    for (char c : s) {
-        if (c == '"') out += '"';
-        out += c;
-    }
-    return out + "\"";
-}
-
-std::string csvValue(const sql::Value& v, const sql::ResultColumn& column) {
-    if (column.type == sql::ColumnType::Currency && !v.isNull()) {
-        char buf[64];
-        std::snprintf(buf, sizeof buf, "%.4f", v.asDouble());
-        return buf;
-    }
-    switch (v.kind()) {
-        case sql::Value::Kind::Null: return {};
-        case sql::Value::Kind::Bool: return v.asInt() ? "1" : "0";
-        case sql::Value::Kind::Int:
-        case sql::Value::Kind::Double: return v.toString();
-        case sql::Value::Kind::Date: return quoted(jet::formatDate(v.asDouble()));
-        case sql::Value::Kind::Text: return quoted(v.textRef());
-        case sql::Value::Kind::Binary: {
-            static const char* hex = "0123456789ABCDEF";
-            std::string out;
-            for (unsigned char c : v.textRef()) {
-                out += hex[c >> 4];
-                out += hex[c & 15];
-            }
-            return out;
-        }
-    }
-    return {};
-}
 
 int runSql(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     if (args.size() != 2) {
@@ -64,7 +29,7 @@ int runSql(const cli::Args& args, std::istream&, std::ostream& out, std::ostream
         for (std::size_t i = 0; i < r.rows.columns.size(); ++i) out << (i ? "," : "") << r.rows.columns[i].name;
         out << "\n";
         for (const auto& row : r.rows.rows) {
-            for (std::size_t i = 0; i < row.size(); ++i) out << (i ? "," : "") << csvValue(row[i], r.rows.columns[i]);
+            for (std::size_t i = 0; i < row.size(); ++i) out << (i ? "," : "") << cli::csvValue(row[i], r.rows.columns[i]);
             out << "\n";
         }
         return 0;
