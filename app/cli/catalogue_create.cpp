@@ -2,7 +2,7 @@
 // the program uses for a new library, so the two can never drift apart.
 #include <filesystem>
 #include <ostream>
-#include <unistd.h>
+#include <random>
 
 #include "cli/cli.h"
 #include "db/jet_opener.h"
@@ -19,7 +19,7 @@ int createCatalogueDatabase(const std::string& path, std::ostream& err) {
     // first entry becomes the command's error line.
     std::error_code ec;
     const fs::path log = fs::temp_directory_path(ec) /
-                         ("tessara-cli-create-" + std::to_string(::getpid()) + ".log");
+                         ("tessara-cli-create-" + std::to_string(std::random_device{}()) + ".log");
     z.strErrorDatei = log.string();
     const bool ok = tessara::Mk_Datenbank(z, db::jetOpener(), path);
     fs::remove(log, ec);
