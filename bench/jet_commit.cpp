@@ -14,7 +14,7 @@
 #include <filesystem>
 #include <string>
 
-#include "jet/database.h"
+#include "jet/read/database.h"
 
 namespace {
 

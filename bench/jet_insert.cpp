@@ -15,8 +15,8 @@
 #include <random>
 #include <string>
 
-#include "jet/database.h"
-#include "jet/writer.h"
+#include "jet/read/database.h"
+#include "jet/write/writer.h"
 
 namespace {
 

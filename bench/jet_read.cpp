@@ -20,10 +20,10 @@
 #include <sstream>
 #include <string>
 
-#include "jet/csv_export.h"
-#include "jet/database.h"
-#include "jet/index_cursor.h"
-#include "jet/table.h"
+#include "jet/read/csv_export.h"
+#include "jet/read/database.h"
+#include "jet/read/index_cursor.h"
+#include "jet/read/table.h"
 
 namespace {
 

@@ -25,8 +25,8 @@
 #include "grosse_bibliothek.h"
 #include "library/navigation_model.h"
 #include "platform/environment.h"
-#include "ui/dia_maler.h"
 #include "ui/preview_cache.h"
+#include "ui/slide_page_painter.h"
 
 namespace {
 

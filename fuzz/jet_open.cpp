@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "jet/check.h"
-#include "jet/database.h"
+#include "jet/check/check.h"
+#include "jet/read/database.h"
 
 // Seeds the first corpus directory with the Access-made test files when it
 // is empty (they may not be copied into the repository).

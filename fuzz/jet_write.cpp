@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "jet/check.h"
-#include "jet/database.h"
-#include "jet/page_file.h"
-#include "jet/table.h"
-#include "jet/writer.h"
+#include "jet/check/check.h"
+#include "jet/read/database.h"
+#include "jet/read/table.h"
+#include "jet/store/page_file.h"
+#include "jet/write/writer.h"
 
 namespace {
 

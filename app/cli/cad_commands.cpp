@@ -8,8 +8,8 @@
 #include "cli/cli.h"
 #include "platform/environment.h"
 #include "platform/platform.h"
+#include "platform/system.h"
 #include "platform/system_clock.h"
-#include "platform/x11/x11_desktop.h"
 #include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
 
@@ -37,10 +37,10 @@ class KonsolenBenutzer : public tessara::Benutzer {
 
 int cadConnect(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     bool lt = !args.empty() && args[0] == "--lt";
-    platform::X11Desktop desktop;
+    auto desktop = platform::systemDesktop();
     platform::SystemClock uhr;
     platform::Platform plattform;
-    plattform.desktop = &desktop;
+    plattform.desktop = desktop.get();
     plattform.clock = &uhr;
     KonsolenBenutzer benutzer(err);
     tessara::ProgrammZustand z;

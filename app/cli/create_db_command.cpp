@@ -5,7 +5,7 @@
 #include <ostream>
 
 #include "cli/cli.h"
-#include "jet/writer.h"
+#include "jet/write/writer.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "jet/value.h"
+#include "jet/format/value.h"
 
 namespace cli {
 

@@ -4,10 +4,10 @@
 #include <ostream>
 
 #include "cli/cli.h"
-#include "jet/check.h"
-#include "jet/csv_export.h"
-#include "jet/database.h"
-#include "jet/table.h"
+#include "jet/check/check.h"
+#include "jet/read/csv_export.h"
+#include "jet/read/database.h"
+#include "jet/read/table.h"
 
 namespace {
 

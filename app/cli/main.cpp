@@ -1,8 +1,13 @@
 #include <algorithm>
+#include <chrono>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <thread>
 
 #include "cli/cli.h"
+#include "jet/store/journal.h"
+#include "platform/console.h"
 
 namespace cli {
 namespace {
@@ -29,21 +34,36 @@ void printHelp(std::ostream& out) {
             << "\n";
     }
 }
+// Crash tests of another build stop this one in the middle of a commit and
+// kill it there: TESSARA_HALT_AT_STEP names the commit step (see
+// jet::setCrashHook) at which the tool says so on stderr and waits.
+void haltAtStepFromEnvironment() {
+    const char* step = std::getenv("TESSARA_HALT_AT_STEP");
+    if (!step || !*step) return;
+    jet::setCrashHook([wanted = std::string(step)](const char* s) {
+        if (wanted != s) return;
+        std::cerr << "halted at " << s << std::endl;
+        for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
+    });
+}
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2) {
+    platform::binaryStandardStreams();
+    haltAtStepFromEnvironment();
+    const std::vector<std::string> argument = platform::commandLineArguments(argc, argv);
+    if (argument.empty()) {
         printHelp(std::cerr);
         return 2;
     }
-    std::string name = argv[1];
+    std::string name = argument[0];
     if (name == "--help" || name == "-h" || name == "help") {
         printHelp(std::cout);
         return 0;
     }
     for (const auto& e : cli::subcommands()) {
         if (e.name == name) {
-            cli::Args args(argv + 2, argv + argc);
+            cli::Args args(argument.begin() + 1, argument.end());
             try {
                 return e.run(args, std::cin, std::cout, std::cerr);
             } catch (const std::exception& ex) {

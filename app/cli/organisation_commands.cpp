@@ -12,7 +12,7 @@
 #include "organisation/ordner_verwaltung.h"
 #include "organisation/seiten_verwaltung.h"
 #include "platform/environment.h"
-#include "platform/posix/posix_environment.h"
+#include "platform/system.h"
 #include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
 
@@ -48,7 +48,7 @@ class Bibliothek {
     Bibliothek(const std::string& befehl, std::ostream& err)
         : befehl_(befehl), err_(err), m_(z_, db::jetOpener(platform::nativePath)) {
         z_.benutzer = &benutzer_;
-        z_.strAppPfad = platform::PosixEnvironment().applicationDirectory();
+        z_.strAppPfad = platform::systemEnvironment()->applicationDirectory();
         z_.strSprache = "deutsch";
         std::error_code ec;
         const fs::path log = fs::temp_directory_path(ec) / "tessara-cli-organisation.log";

@@ -18,8 +18,8 @@
 #include "cli/csv_wert.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
+#include "jet/format/value.h"
 #include "jet/sql/text_rules.h"
-#include "jet/value.h"
 #include "search/datenbank_suche.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "authoring/dia_zeichner.h"
 #include "authoring/slide.h"
+#include "authoring/slide_canvas.h"
 
 namespace tessara::demo {
 

@@ -23,10 +23,11 @@
 #include <limits>
 #include <mutex>
 
-#include "jet/error.h"
+#include "jet/format/error.h"
 #include "jet/sql/error.h"
 #include "platform/automation.h"
 #include "platform/clock.h"
+#include "platform/files.h"
 #include "platform/platform.h"
 #include "startup/benutzer.h"
 #include "startup/einstellungen.h"
@@ -67,14 +68,7 @@ std::chrono::system_clock::time_point jetzt(const ProgrammZustand& z) {
 }
 
 std::tm ortszeit(std::chrono::system_clock::time_point t) {
-    const std::time_t tt = std::chrono::system_clock::to_time_t(t);
-    std::tm tm{};
-#ifdef _WIN32
-    localtime_s(&tm, &tt);
-#else
-    localtime_r(&tt, &tm);
-#endif
-    return tm;
+    return platform::localTime(std::chrono::system_clock::to_time_t(t));
 }
 
 std::string zweistellig(int n) { return (n < 10 ? "0" : "") + std::to_string(n); }

@@ -8,15 +8,9 @@
 #include <iterator>
 #include <system_error>
 
-#ifdef _WIN32
-#include <process.h>
-#else
-#include <fcntl.h>
-#include <unistd.h>
-#endif
-
 #include "platform/case_fold.h"
 #include "platform/environment.h"
+#include "platform/files.h"
 #include "startup/zeichensatz.h"
 
 namespace tessara {
@@ -273,53 +267,16 @@ IniStatus fctIniLaden(const std::string& strDatei, IniText& text, std::string& s
     return IniStatus::Ok;
 }
 
-namespace {
-
-bool allesSchreiben(const fs::path& p, const std::string& bytes) {
-#ifdef _WIN32
-    std::ofstream out(p, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    return static_cast<bool>(out);
-#else
-    const int fd = ::open(p.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (fd < 0) return false;
-    std::size_t geschrieben = 0;
-    while (geschrieben < bytes.size()) {
-        const ssize_t n = ::write(fd, bytes.data() + geschrieben, bytes.size() - geschrieben);
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            ::close(fd);
-            return false;
-        }
-        geschrieben += static_cast<std::size_t>(n);
-    }
-    // On disk before the rename makes it the Settings file.
-    const bool ok = ::fsync(fd) == 0;
-    return ::close(fd) == 0 && ok;
-#endif
-}
-
-long prozessNummer() {
-#ifdef _WIN32
-    return _getpid();
-#else
-    return static_cast<long>(::getpid());
-#endif
-}
-
-}  // namespace
-
 bool fctIniSpeichern(const std::string& strDatei, const IniText& text) {
     static std::atomic<unsigned> zaehler{0};
     // No name, no file (the temporary file would land in the working directory).
     if (strDatei.empty()) return false;
     const fs::path ziel = nativ(strDatei);
     fs::path temp = ziel;
-    temp += ".tmp" + std::to_string(prozessNummer()) + "_" + std::to_string(zaehler++);
+    temp += ".tmp" + std::to_string(platform::processId()) + "_" + std::to_string(zaehler++);
 
     std::error_code ec;
-    if (!allesSchreiben(temp, text.bytes())) {
+    if (!platform::writeFileDurably(temp, text.bytes())) {
         fs::remove(temp, ec);
         return false;
     }

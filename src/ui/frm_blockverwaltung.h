@@ -17,8 +17,8 @@
 #include "startup/programm_zustand.h"
 #include "startup/registry_werte.h"
 #include "startup/schritt_ablauf.h"
-#include "ui/dia_maler.h"
 #include "ui/preview_cache.h"
+#include "ui/slide_page_painter.h"
 
 namespace Ui {
 class frmBlockverwaltung;

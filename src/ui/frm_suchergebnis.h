@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "search/datenbank_suche.h"
-#include "ui/dia_maler.h"
 #include "ui/frm_blockverwaltung.h"
+#include "ui/slide_page_painter.h"
 
 class QTableWidget;
 class QTableWidgetItem;

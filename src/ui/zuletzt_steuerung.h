@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "ui/dia_maler.h"
 #include "ui/frm_blockverwaltung.h"
+#include "ui/slide_page_painter.h"
 
 class QListWidget;
 class QWidget;

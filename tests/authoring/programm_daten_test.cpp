@@ -10,7 +10,7 @@
 #include "authoring/code_tabelle.h"
 #include "authoring/datei_layout.h"
 #include "authoring/demo_bibliothek.h"
-#include "authoring/dia_zeichner.h"
+#include "authoring/slide_canvas.h"
 #include "authoring/slide_library.h"
 #include "temp_verzeichnis.h"
 

@@ -9,7 +9,7 @@
 #include <filesystem>
 
 #include "authoring/aci_farben.h"
-#include "authoring/dia_zeichner.h"
+#include "authoring/slide_canvas.h"
 #include "authoring/slide_library.h"
 #include "slide_test_daten.h"
 

@@ -5,12 +5,12 @@
 
 #include <algorithm>
 
+#include "catalogue_fixture.h"
 #include "db/connection.h"
 #include "db/memory_opener.h"
 #include "jet/sql/error.h"
 #include "jet/sql/memory_storage.h"
 #include "jet/sql/text_rules.h"
-#include "sql/catalogue_fixture.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 
 #include "db/jet_opener.h"
 #include "db/recordset.h"
-#include "jet/check.h"
-#include "jet/database.h"
+#include "jet/check/check.h"
+#include "jet/read/database.h"
 #include "library/datenbank.h"
 #include "library/schema.h"
 #include "startup/benutzer.h"

@@ -6,10 +6,11 @@
 #include <filesystem>
 #include <fstream>
 
+#include "db/memory_opener.h"
 #include "db/recordset.h"
 #include "library/datenbank.h"
-#include "library/katalog_fixture.h"
 #include "platform/environment.h"
+#include "startup/benutzer.h"
 
 namespace tessara {
 namespace {
@@ -21,7 +22,7 @@ protected:
         z.booDebug = false;
     }
     std::shared_ptr<sql::MemoryFiles> files = std::make_shared<sql::MemoryFiles>();
-    db::StorageOpener oeffner = test::speicherOeffner(files);
+    db::StorageOpener oeffner = db::memoryOpener(files);
     SkriptBenutzer benutzer;
     ProgrammZustand z;
 };

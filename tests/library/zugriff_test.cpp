@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include "db/memory_opener.h"
 #include "db/recordset.h"
 #include "library/datenbank.h"
-#include "library/katalog_fixture.h"
 #include "library/schema.h"
+#include "startup/benutzer.h"
 
 namespace tessara {
 namespace {
@@ -35,7 +36,7 @@ protected:
     int neueFehler() const { return z.fehler.intFehlerAnzahl - fehlerVorher; }
 
     std::shared_ptr<sql::MemoryFiles> files = std::make_shared<sql::MemoryFiles>();
-    db::StorageOpener oeffner = test::speicherOeffner(files);
+    db::StorageOpener oeffner = db::memoryOpener(files);
     std::string pfad = "c:\\lib\\dbTessara.mdb";
     SkriptBenutzer benutzer;
     ProgrammZustand z;

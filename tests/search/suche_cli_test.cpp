@@ -9,7 +9,7 @@
 #include <fstream>
 
 #include "anweisungen_golden.h"
-#include "jet/mdbtools.h"
+#include "jet/support/mdbtools.h"
 
 namespace tessara::test {
 namespace {

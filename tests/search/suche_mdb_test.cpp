@@ -6,7 +6,7 @@
 #include <set>
 
 #include "db/catalog.h"
-#include "jet/mdbtools.h"
+#include "jet/support/mdbtools.h"
 #include "search/datenbank_suche.h"
 #include "such_umgebung.h"
 

@@ -1,10 +1,10 @@
 // Errors in Jet's own words and kinds; a failing statement changes nothing.
 #include <gtest/gtest.h>
 
+#include "catalogue_fixture.h"
 #include "jet/sql/error.h"
 #include "jet/sql/executor.h"
 #include "jet/sql/memory_storage.h"
-#include "sql/catalogue_fixture.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 
+#include "catalogue_fixture.h"
 #include "jet/sql/error.h"
 #include "jet/sql/executor.h"
 #include "jet/sql/memory_storage.h"
-#include "sql/catalogue_fixture.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include <filesystem>
 #include <functional>
 
+#include "catalogue_fixture.h"
 #include "jet/sql/engine_storage.h"
 #include "jet/sql/error.h"
 #include "jet/sql/executor.h"
 #include "jet/sql/memory_storage.h"
-#include "sql/catalogue_fixture.h"
 
 namespace {
 

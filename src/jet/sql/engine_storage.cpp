@@ -3,14 +3,14 @@
 #include <filesystem>
 #include <map>
 
-#include "jet/database.h"
-#include "jet/index_cursor.h"
-#include "jet/relationships.h"
+#include "jet/read/database.h"
+#include "jet/read/index_cursor.h"
+#include "jet/read/table.h"
 #include "jet/sql/engine_values.h"
 #include "jet/sql/error.h"
 #include "jet/sql/text_rules.h"
-#include "jet/table.h"
-#include "jet/writer.h"
+#include "jet/write/relationships.h"
+#include "jet/write/writer.h"
 
 namespace sql {
 

@@ -1,8 +1,8 @@
 #pragma once
 // Values and column definitions between the engine's model and the SQL layer's.
+#include "jet/format/value.h"
+#include "jet/read/table_def.h"
 #include "jet/sql/storage.h"
-#include "jet/table_def.h"
-#include "jet/value.h"
 
 namespace sql::engine {
 

@@ -2,7 +2,7 @@
 // Errors of the SQL layer and the record sets, in Jet's and ADO's own words.
 #include <string>
 
-#include "jet/error.h"
+#include "jet/format/error.h"
 
 namespace sql {
 

@@ -1,0 +1,168 @@
+#include "jet/read/database.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include "jet/format/text.h"
+#include "jet/read/row_reader.h"
+#include "jet/store/journal.h"
+
+namespace jet {
+
+std::shared_ptr<Database> Database::open(const std::string& path, OpenOptions options) {
+    // A writer that died inside its commit left the file half written.
+    recoverHotJournal(path);
+    auto db = fromStore(std::make_unique<FilePageStore>(path, options.writable), options);
+    db->path_ = path;
+    return db;
+}
+
+std::shared_ptr<Database> Database::fromMemory(std::vector<std::uint8_t> bytes) {
+    return fromStore(std::make_unique<MemoryPageStore>(std::move(bytes)), {});
+}
+
+std::shared_ptr<Database> Database::fromStore(std::unique_ptr<PageStore> store,
+                                              OpenOptions options) {
+    std::shared_ptr<Database> db(new Database());
+    db->init(std::move(store), options);
+    return db;
+}
+
+void Database::init(std::unique_ptr<PageStore> store, const OpenOptions& options) {
+    if (store->pageCount() < 1) throw Error("not a Jet database", errnum::kNotDatabase);
+    pages_ = std::make_unique<PageCache>(std::move(store), options.cachePages);
+    header_ = parseHeader(*pages_->page(0));
+    if (pages_->pageCount() <= kCatalogueTdefPage)
+        throwCorrupt(kCatalogueTdefPage, "beyond the end of the file");
+    pages_->setDatabaseKey(header_.databaseKey);
+    catalogue();  // a file whose catalogue cannot be read is refused at once
+}
+
+const std::vector<CatalogEntry>& Database::catalogue() {
+    if (catalogueRead_) return catalogue_;
+    auto def = tableDefAt(kCatalogueTdefPage, "MSysObjects");
+    int cId = def->columnPosition("Id"), cParent = def->columnPosition("ParentId"),
+        cName = def->columnPosition("Name"), cType = def->columnPosition("Type"),
+        cFlags = def->columnPosition("Flags");
+    if (cId < 0 || cName < 0 || cType < 0)
+        throwCorrupt(kCatalogueTdefPage, "MSysObjects lacks its key columns");
+    std::vector<CatalogEntry> out;
+    auto asInt = [](const Value& v) -> std::int64_t {
+        if (auto p = std::get_if<std::int32_t>(&v)) return *p;
+        if (auto p = std::get_if<std::int16_t>(&v)) return *p;
+        if (auto p = std::get_if<std::uint8_t>(&v)) return *p;
+        return 0;
+    };
+    RowReader(*pages_, *def).scan([&](RowId id, const Row& r) {
+        CatalogEntry e;
+        e.row = id;
+        e.id = std::int32_t(asInt(r[std::size_t(cId)]));
+        if (cParent >= 0) e.parentId = std::int32_t(asInt(r[std::size_t(cParent)]));
+        if (auto s = std::get_if<std::string>(&r[std::size_t(cName)])) e.name = *s;
+        e.type = std::int16_t(asInt(r[std::size_t(cType)]));
+        if (cFlags >= 0) e.flags = std::uint32_t(asInt(r[std::size_t(cFlags)]));
+        out.push_back(std::move(e));
+        return true;
+    });
+    catalogue_ = std::move(out);
+    catalogueRead_ = true;
+    return catalogue_;
+}
+
+const CatalogEntry* Database::findObject(const std::string& name, std::int16_t type) {
+    for (const CatalogEntry& e : catalogue())
+        if (e.type == type && equalsNoCase(e.name, name)) return &e;
+    return nullptr;
+}
+
+std::vector<std::string> Database::tableNames(bool includeSystem) {
+    std::vector<std::string> out;
+    for (const CatalogEntry& e : catalogue()) {
+        if (e.type != objtype::kTable) continue;
+        bool system = e.isSystem() || e.name.rfind("MSys", 0) == 0;
+        if (system && !includeSystem) continue;
+        out.push_back(e.name);
+    }
+    return out;
+}
+
+bool Database::hasTable(const std::string& name) { return findObject(name) != nullptr; }
+
+std::shared_ptr<const TableDef> Database::tableDefAt(std::uint32_t page, const std::string& name) {
+    auto it = defs_.find(page);
+    if (it != defs_.end()) return it->second;
+    auto def = readTableDef(*pages_, page);
+    def->name = name;
+    defs_[page] = def;
+    return def;
+}
+
+std::shared_ptr<const TableDef> Database::tableDef(const std::string& name) {
+    const CatalogEntry* e = findObject(name);
+    // MSysObjects lies on page 2 even before it holds its own row (a new file).
+    if (!e && equalsNoCase(name, "MSysObjects"))
+        return tableDefAt(kCatalogueTdefPage, "MSysObjects");
+    if (!e) throw Error("no such table: " + name, errnum::kNoSuchTable);
+    if (e->tdefPage() == 0 || e->tdefPage() >= pages_->pageCount())
+        throwCorrupt(e->tdefPage(), "table " + name + " has no definition page");
+    return tableDefAt(e->tdefPage(), e->name);
+}
+
+std::vector<Relationship> Database::relationships() {
+    std::vector<Relationship> out;
+    if (!hasTable("MSysRelationships")) return out;
+    auto def = tableDef("MSysRelationships");
+    const TableDef& d = *def;
+    int cCol = d.columnPosition("szColumn"), cObj = d.columnPosition("szObject"),
+        cRefCol = d.columnPosition("szReferencedColumn"),
+        cRefObj = d.columnPosition("szReferencedObject"),
+        cName = d.columnPosition("szRelationship"), cIdx = d.columnPosition("icolumn"),
+        cFlags = d.columnPosition("grbit");
+    if (cCol < 0 || cObj < 0 || cRefCol < 0 || cRefObj < 0 || cName < 0) return out;
+    struct Part {
+        std::int32_t index;
+        std::string col, refCol;
+    };
+    std::vector<std::pair<Relationship, std::vector<Part>>> rels;
+    auto text = [](const Value& v) { return toText(v); };
+    RowReader(*pages_, d).scan([&](RowId, const Row& r) {
+        std::string name = text(r[std::size_t(cName)]);
+        auto it = std::find_if(rels.begin(), rels.end(),
+                               [&](const auto& x) { return x.first.name == name; });
+        if (it == rels.end()) {
+            Relationship rel;
+            rel.name = name;
+            rel.table = text(r[std::size_t(cObj)]);
+            rel.relatedTable = text(r[std::size_t(cRefObj)]);
+            if (cFlags >= 0)
+                if (auto p = std::get_if<std::int32_t>(&r[std::size_t(cFlags)])) rel.flags = *p;
+            rels.push_back({rel, {}});
+            it = rels.end() - 1;
+        }
+        std::int32_t idx = 0;
+        if (cIdx >= 0)
+            if (auto p = std::get_if<std::int32_t>(&r[std::size_t(cIdx)])) idx = *p;
+        it->second.push_back({idx, text(r[std::size_t(cCol)]), text(r[std::size_t(cRefCol)])});
+        return true;
+    });
+    for (auto& [rel, parts] : rels) {
+        std::stable_sort(parts.begin(), parts.end(),
+                         [](const Part& a, const Part& b) { return a.index < b.index; });
+        for (const Part& p : parts) {
+            rel.columns.push_back(p.col);
+            rel.relatedColumns.push_back(p.refCol);
+        }
+        out.push_back(std::move(rel));
+    }
+    return out;
+}
+
+void Database::reload() {
+    catalogueRead_ = false;
+    catalogue_.clear();
+    defs_.clear();
+    pages_->clear();
+    pages_->store().refresh();
+}
+
+}  // namespace jet

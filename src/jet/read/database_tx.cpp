@@ -1,0 +1,189 @@
+// Units of work. The pages a unit writes stay in the page cache (dirty) and
+// are seen by this Database's readers; nothing reaches the file before the
+// outermost commit. Commit: take the commit byte exclusively (readers of
+// other processes wait), write the original bytes of every page to be
+// overwritten and the original length into the journal and sync it, write
+// the pages, sync the file, delete the journal (the commit point), release.
+// A crash before the deletion leaves a hot journal that the next open (or the
+// next read of any process, or the next begin) rolls back.
+#include <utility>
+#include <vector>
+
+#include "jet/read/database.h"
+#include "jet/read/usage_map.h"
+#include "jet/store/journal.h"
+
+namespace jet {
+
+namespace {
+
+void commitToFile(PageCache& pages, FilePageStore& store,
+                  const std::vector<std::pair<std::uint32_t, PageRef>>& dirty) {
+    store.lockCommit();
+    try {
+        const std::uint64_t originalSize = store.sizeBytes();
+        const std::uint32_t originalPages = store.pageCount();
+        std::vector<std::pair<std::uint32_t, std::vector<std::uint8_t>>> originals;
+        for (const auto& [n, bytes] : dirty) {
+            if (n >= originalPages) continue;
+            std::vector<std::uint8_t> raw(kPageSize);
+            store.read(n, raw.data());
+            originals.emplace_back(n, std::move(raw));
+        }
+        try {
+            writeJournal(store.path(), originalSize, originals);
+            for (const auto& [n, bytes] : dirty) {
+                PageBytes out = pages.encoded(n, *bytes);
+                store.write(n, out.data());
+                crashPoint("page");
+            }
+            store.sync();
+            crashPoint("file-synced");
+            removeJournal(store.path());
+        } catch (...) {
+            // Still holding both locks: put the file back at once. Should
+            // even that fail, the journal stays for the next open.
+            try {
+                rollbackJournal(store.file(), store.path());
+            } catch (...) {
+            }
+            store.refresh();
+            throw;
+        }
+        crashPoint("committed");
+    } catch (...) {
+        store.unlockCommit();
+        throw;
+    }
+    store.unlockCommit();
+}
+
+// Jet's global map on page 1 lists the pages it may hand out again, pages
+// past the end of the file among them; a page this engine appends must
+// leave that list, or Jet would later give it to something else.
+void claimInGlobalMap(PageCache& pages, std::uint32_t n) {
+    if (pages.pageCount() <= kGlobalUsageMapPage) return;
+    PageBytes page = *pages.page(kGlobalUsageMapPage);
+    if (page[0] != std::uint8_t(PageType::Data) || u16(page.data() + datapage::kRowCount) == 0)
+        return;
+    const std::uint16_t first = u16(page.data() + datapage::kRowTable);
+    if (first & (datapage::kDeletedFlag | datapage::kOverflowFlag)) return;
+    const std::size_t at = first & datapage::kOffsetMask;
+    // The map is row 0, which runs to the end of the page: inline, or (in
+    // larger files) a list of usage-map pages as in any reference map.
+    if (at < datapage::kRowTable + 2 || at + 5 > kPageSize) return;
+    if (page[at] == 1) {
+        const std::size_t slot = n / kPagesPerMapPage;
+        if (slot >= (kPageSize - at - 1) / 4) return;
+        const std::uint32_t mapPage = u32(page.data() + at + 1 + 4 * slot);
+        if (mapPage == 0 || mapPage >= pages.pageCount()) return;
+        PageBytes map = *pages.page(mapPage);
+        if (map[0] != std::uint8_t(PageType::UsageMap)) return;
+        const std::size_t bit = n % kPagesPerMapPage;
+        std::uint8_t& byte = map[4 + bit / 8];
+        if (!(byte & (1u << (bit % 8)))) return;
+        byte = std::uint8_t(byte & ~(1u << (bit % 8)));
+        pages.put(mapPage, map);
+        return;
+    }
+    if (page[at] != 0) return;
+    const std::uint32_t start = u32(page.data() + at + 1);
+    const std::size_t bits = (kPageSize - at - 5) * 8;
+    if (n < start || n - start >= bits) return;
+    const std::size_t bit = n - start;
+    std::uint8_t& byte = page[at + 5 + bit / 8];
+    if (!(byte & (1u << (bit % 8)))) return;
+    byte = std::uint8_t(byte & ~(1u << (bit % 8)));
+    pages.put(kGlobalUsageMapPage, page);
+}
+
+}  // namespace
+
+bool Database::writable() const { return pages_->store().writable(); }
+
+void Database::begin() {
+    if (!writable())
+        throw Error("Cannot update. Database or object is read-only.", errnum::kReadOnly);
+    if (txDepth_ > 0) {
+        ++txDepth_;
+        return;
+    }
+    if (auto* file = dynamic_cast<FilePageStore*>(&pages_->store())) {
+        file->lockWriter();
+        try {
+            // A writer that died in its commit may have left a hot journal.
+            if (journalExists(file->path())) {
+                file->lockCommit();
+                try {
+                    rollbackJournal(file->file(), file->path());
+                } catch (...) {
+                    file->unlockCommit();
+                    throw;
+                }
+                file->unlockCommit();
+            }
+            // A trailing partial page would be overwritten by the first page
+            // appended, and the journal could not bring its bytes back.
+            file->refresh();
+            if (file->sizeBytes() % kPageSize != 0)
+                throw Error(
+                    "cannot write " + file->path() + ": its length is not a whole number of pages",
+                    errnum::kCorrupt);
+        } catch (...) {
+            file->unlockWriter();
+            throw;
+        }
+    }
+    // Another process may have written since this Database last read.
+    reload();
+    pages_->beginUnit();
+    txDepth_ = 1;
+}
+
+void Database::commit() {
+    if (txDepth_ == 0) return;
+    if (--txDepth_ > 0) return;
+    auto dirty = pages_->dirtyPages();
+    auto* file = dynamic_cast<FilePageStore*>(&pages_->store());
+    try {
+        if (!dirty.empty()) {
+            if (file) {
+                commitToFile(*pages_, *file, dirty);
+            } else {
+                for (const auto& [n, bytes] : dirty) {
+                    PageBytes out = pages_->encoded(n, *bytes);
+                    pages_->store().write(n, out.data());
+                }
+                pages_->store().sync();
+            }
+        }
+    } catch (...) {
+        pages_->endUnit(false);
+        reload();
+        if (file) file->unlockWriter();
+        throw;
+    }
+    pages_->endUnit(true);
+    if (file) file->unlockWriter();
+}
+
+void Database::rollback() {
+    if (txDepth_ == 0) return;
+    txDepth_ = 0;
+    pages_->endUnit(false);
+    reload();
+    if (auto* file = dynamic_cast<FilePageStore*>(&pages_->store())) file->unlockWriter();
+}
+
+std::uint32_t Database::allocatePage(PageType type) {
+    if (txDepth_ == 0) throw Error("allocatePage outside a unit of work");
+    std::uint32_t n = pages_->pageCount();
+    PageBytes bytes(kPageSize, 0);
+    bytes[0] = std::uint8_t(type);
+    bytes[1] = 0x01;
+    pages_->put(n, bytes);
+    claimInGlobalMap(*pages_, n);
+    return n;
+}
+
+}  // namespace jet

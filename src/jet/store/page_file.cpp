@@ -1,0 +1,243 @@
+#include "jet/store/page_file.h"
+
+#include <cstring>
+
+#include "jet/format/error.h"
+#include "jet/store/file_lock.h"
+#include "jet/store/journal.h"
+
+namespace jet {
+
+FilePageStore::FilePageStore(const std::string& path, bool writable)
+    : path_(path),
+      file_(path, writable ? os::OpenMode::ReadWrite : os::OpenMode::ReadOnly),
+      writable_(writable) {
+    if (!file_.isOpen())
+        throw Error("cannot open " + path + ": " + file_.lastError(),
+                    file_.missing() ? errnum::kFileNotFound : 0);
+    if (!file_.size(size_)) throw Error("cannot read " + path);
+}
+
+FilePageStore::~FilePageStore() = default;
+
+std::uint32_t FilePageStore::pageCount() const { return std::uint32_t(size_ / kPageSize); }
+
+void FilePageStore::lockForReading() {
+    filelock::lock(file_, filelock::kCommitByte, filelock::Mode::Shared);
+    // Under the shared commit byte no commit is writing; a journal seen now
+    // was left by a writer that died (a writer holding the writer byte, as
+    // this store may, has rolled back any such journal).
+    if (!writerHeld_ && journalExists(path_)) {
+        filelock::unlock(file_, filelock::kCommitByte);
+        recoverHotJournal(path_);
+        refresh();
+        filelock::lock(file_, filelock::kCommitByte, filelock::Mode::Shared);
+    }
+}
+
+void FilePageStore::read(std::uint32_t page, std::uint8_t* out) {
+    if (commitHeld_ || readsHeld_ > 0) return readUnlocked(page, out);
+    lockForReading();
+    try {
+        readUnlocked(page, out);
+    } catch (...) {
+        filelock::unlock(file_, filelock::kCommitByte);
+        throw;
+    }
+    filelock::unlock(file_, filelock::kCommitByte);
+}
+
+void FilePageStore::beginReads() {
+    if (readsHeld_ == 0 && !commitHeld_) lockForReading();
+    ++readsHeld_;
+}
+
+void FilePageStore::endReads() {
+    if (readsHeld_ == 0) return;
+    if (--readsHeld_ == 0 && !commitHeld_) filelock::unlock(file_, filelock::kCommitByte);
+}
+
+void FilePageStore::readUnlocked(std::uint32_t page, std::uint8_t* out) {
+    if (page >= pageCount()) refresh();  // another process may have appended
+    if (page >= pageCount()) throwCorrupt(page, "beyond the end of the file");
+    if (!file_.read(out, kPageSize, std::uint64_t(page) * kPageSize))
+        throw Error("read error in " + path_ + " at page " + std::to_string(page));
+}
+
+void FilePageStore::write(std::uint32_t page, const std::uint8_t* data) {
+    if (!writable_) throw Error("the database is open read-only", errnum::kReadOnly);
+    if (page > pageCount())
+        throw Error("page " + std::to_string(page) + " is beyond the end of the file");
+    if (!file_.write(data, kPageSize, std::uint64_t(page) * kPageSize))
+        throw Error("write error in " + path_ + " at page " + std::to_string(page));
+    std::uint64_t end = (std::uint64_t(page) + 1) * kPageSize;
+    if (end > size_) size_ = end;
+}
+
+void FilePageStore::sync() {
+    if (!file_.sync()) throw Error("cannot flush the database file to disk: " + file_.lastError());
+}
+
+void FilePageStore::refresh() {
+    std::uint64_t bytes = 0;
+    if (file_.size(bytes)) size_ = bytes;
+}
+
+void FilePageStore::lockWriter() {
+    if (writerHeld_) return;
+    filelock::lock(file_, filelock::kWriterByte, filelock::Mode::Exclusive);
+    writerHeld_ = true;
+}
+
+void FilePageStore::unlockWriter() {
+    if (!writerHeld_) return;
+    filelock::unlock(file_, filelock::kWriterByte);
+    writerHeld_ = false;
+}
+
+void FilePageStore::lockCommit() {
+    if (commitHeld_) return;
+    filelock::lock(file_, filelock::kCommitByte, filelock::Mode::Exclusive);
+    commitHeld_ = true;
+}
+
+void FilePageStore::unlockCommit() {
+    if (!commitHeld_) return;
+    // A run of reads still under way keeps the byte, shared again.
+    if (readsHeld_ > 0)
+        filelock::lock(file_, filelock::kCommitByte, filelock::Mode::Shared);
+    else
+        filelock::unlock(file_, filelock::kCommitByte);
+    commitHeld_ = false;
+}
+
+void MemoryPageStore::read(std::uint32_t page, std::uint8_t* out) {
+    if (page >= pageCount()) throwCorrupt(page, "beyond the end of the file");
+    std::memcpy(out, bytes_.data() + std::size_t(page) * kPageSize, kPageSize);
+}
+
+void MemoryPageStore::write(std::uint32_t page, const std::uint8_t* data) {
+    if (!writable_) throw Error("the database is open read-only", errnum::kReadOnly);
+    if (page > pageCount())
+        throw Error("page " + std::to_string(page) + " is beyond the end of the file");
+    std::size_t need = (std::size_t(page) + 1) * kPageSize;
+    if (bytes_.size() < need) bytes_.resize(need);
+    std::memcpy(bytes_.data() + std::size_t(page) * kPageSize, data, kPageSize);
+}
+
+PageCache::PageCache(std::unique_ptr<PageStore> store, std::size_t capacity)
+    : store_(std::move(store)), capacity_(capacity < 8 ? 8 : capacity) {}
+
+void PageCache::code(std::uint32_t n, std::uint8_t* bytes) const {
+    if (dbKey_ == 0 || n == 0) return;
+    std::uint8_t key[4];
+    put32(key, dbKey_ ^ n);
+    rc4Xor(key, 4, bytes, kPageSize);
+}
+
+std::uint32_t PageCache::pageCount() const {
+    std::uint32_t n = store_->pageCount();
+    if (!dirty_.empty() && dirty_.rbegin()->first >= n) n = dirty_.rbegin()->first + 1;
+    return n;
+}
+
+void PageCache::cache(std::uint32_t n, PageRef bytes) {
+    if (slots_.size() >= capacity_) {
+        slots_.erase(lru_.back());
+        lru_.pop_back();
+    }
+    lru_.push_front(n);
+    slots_[n] = Slot{std::move(bytes), lru_.begin()};
+}
+
+PageRef PageCache::page(std::uint32_t n) {
+    if (!dirty_.empty()) {
+        auto d = dirty_.find(n);
+        if (d != dirty_.end()) return d->second;
+    }
+    auto it = slots_.find(n);
+    if (it != slots_.end()) {
+        lru_.splice(lru_.begin(), lru_, it->second.pos);
+        return it->second.bytes;
+    }
+    auto bytes = std::make_shared<PageBytes>(kPageSize);
+    store_->read(n, bytes->data());
+    code(n, bytes->data());
+    cache(n, bytes);
+    return bytes;
+}
+
+static const char* pageTypeName(PageType t) {
+    switch (t) {
+        case PageType::Header:
+            return "the header page";
+        case PageType::Data:
+            return "a data page";
+        case PageType::TableDef:
+            return "a table definition page";
+        case PageType::IndexNode:
+            return "an index node page";
+        case PageType::IndexLeaf:
+            return "an index leaf page";
+        case PageType::UsageMap:
+            return "a usage map page";
+    }
+    return "a page";
+}
+
+PageRef PageCache::page(std::uint32_t n, PageType expected) {
+    PageRef p = page(n);
+    if ((*p)[0] != static_cast<std::uint8_t>(expected))
+        throwCorrupt(n, std::string("expected ") + pageTypeName(expected) + ", found type " +
+                            std::to_string((*p)[0]));
+    return p;
+}
+
+void PageCache::put(std::uint32_t n, const PageBytes& bytes) {
+    if (bytes.size() != kPageSize) throw Error("page " + std::to_string(n) + " has the wrong size");
+    if (inUnit_) {
+        if (n > pageCount())
+            throw Error("page " + std::to_string(n) + " is beyond the end of the file");
+        invalidate(n);
+        dirty_[n] = std::make_shared<const PageBytes>(bytes);
+        return;
+    }
+    PageBytes out = encoded(n, bytes);
+    store_->write(n, out.data());
+    invalidate(n);
+    cache(n, std::make_shared<PageBytes>(bytes));
+}
+
+PageBytes PageCache::encoded(std::uint32_t n, const PageBytes& bytes) const {
+    PageBytes out = bytes;
+    code(n, out.data());
+    return out;
+}
+
+void PageCache::invalidate(std::uint32_t n) {
+    auto it = slots_.find(n);
+    if (it == slots_.end()) return;
+    lru_.erase(it->second.pos);
+    slots_.erase(it);
+}
+
+void PageCache::clear() {
+    slots_.clear();
+    lru_.clear();
+}
+
+void PageCache::beginUnit() { inUnit_ = true; }
+
+std::vector<std::pair<std::uint32_t, PageRef>> PageCache::dirtyPages() const {
+    return {dirty_.begin(), dirty_.end()};
+}
+
+void PageCache::endUnit(bool keep) {
+    inUnit_ = false;
+    auto pages = std::move(dirty_);
+    dirty_.clear();
+    if (!keep) return;
+    for (auto& [n, bytes] : pages) cache(n, std::move(bytes));
+}
+
+}  // namespace jet

@@ -1,0 +1,183 @@
+#pragma once
+// Page access: a file (or a memory image) seen as 4096-byte pages, with a
+// small cache of decoded pages. A page handed out stays valid while the
+// caller holds its PageRef, even when the cache drops it.
+//
+// NOTES ON THE LOCKS OF A FILE
+//
+// Processes (and Database objects of one process) that share a file agree
+// through two byte locks of file_lock.h and the rollback journal of
+// journal.h. A FilePageStore is in one of these states:
+//
+//   NONE     no lock. Between reads; nothing cached may be trusted to be
+//            current, but a page read is never half written.
+//   READING  the commit byte shared: while one page is read, or for a run of
+//            reads (beginReads .. endReads). Any number of readers; no
+//            commit writes meanwhile. Taking it, the store first rolls back
+//            a hot journal (one left by a writer that died in its commit).
+//   UNIT     the writer byte exclusive, for the whole unit of work (begin ..
+//            commit or rollback): one writer at a time. Its changed pages
+//            stay in the PageCache, unseen by anyone else; readers go on
+//            reading the file as it was. Reads inside a unit take the commit
+//            byte shared as in READING.
+//   COMMIT   the writer byte and the commit byte exclusive: the journal is
+//            written and synced, then the pages, then the file synced, and
+//            the journal's deletion is the commit point. No reader reads
+//            meanwhile, so a reader sees the file wholly before or wholly
+//            after the unit. A run of reads under way in the same store keeps
+//            the commit byte, shared again, when the commit ends.
+//
+// Invariants: a store holds the commit byte exclusively only while it holds
+// the writer byte; the journal exists only under the writer byte of a live
+// writer or as a hot journal of a dead one, and whoever takes the writer byte
+// (or the commit byte, with no writer left) rolls a hot journal back before
+// reading. The operating-system calls under all this are in os.h.
+#include <cstdint>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "jet/format/format.h"
+#include "jet/store/os.h"
+
+namespace jet {
+
+using PageBytes = std::vector<std::uint8_t>;
+using PageRef = std::shared_ptr<const PageBytes>;
+
+// Raw storage of pages. read() fills exactly kPageSize bytes or throws.
+class PageStore {
+  public:
+    virtual ~PageStore() = default;
+    virtual std::uint32_t pageCount() const = 0;  // whole pages in the store
+    virtual void read(std::uint32_t page, std::uint8_t* out) = 0;
+    virtual void write(std::uint32_t page, const std::uint8_t* data) = 0;  // may extend by one page
+    virtual bool writable() const = 0;
+    virtual void sync() {}
+    virtual void refresh() {}  // another process may have changed the length
+    // Around a run of reads (a table scan): the store may take its read
+    // lock once for the run instead of once a page. Calls nest.
+    virtual void beginReads() {}
+    virtual void endReads() {}
+};
+
+class ReadSection {
+  public:
+    explicit ReadSection(PageStore& store) : store_(store) { store_.beginReads(); }
+    ~ReadSection() { store_.endReads(); }
+    ReadSection(const ReadSection&) = delete;
+    ReadSection& operator=(const ReadSection&) = delete;
+
+  private:
+    PageStore& store_;
+};
+
+// A file opened read-only (writable=false) or read-write. Uses positioned
+// reads; nothing is read before it is asked for.
+class FilePageStore : public PageStore {
+  public:
+    FilePageStore(const std::string& path, bool writable);
+    ~FilePageStore() override;
+    FilePageStore(const FilePageStore&) = delete;
+    FilePageStore& operator=(const FilePageStore&) = delete;
+    std::uint32_t pageCount() const override;
+    void read(std::uint32_t page, std::uint8_t* out) override;
+    void write(std::uint32_t page, const std::uint8_t* data) override;
+    bool writable() const override { return writable_; }
+    void sync() override;
+    void refresh() override;
+    void beginReads() override;
+    void endReads() override;
+    os::File& file() { return file_; }
+    const std::string& path() const { return path_; }
+    std::uint64_t sizeBytes() const { return size_; }
+
+    // The locks of a unit of work (file_lock.h). Every read takes the commit
+    // byte shared unless this store holds it itself, and rolls back a hot
+    // journal it finds (left by a writer that died in its commit) first.
+    void lockWriter();
+    void unlockWriter();
+    void lockCommit();
+    void unlockCommit();
+    bool holdsWriter() const { return writerHeld_; }
+
+  private:
+    void readUnlocked(std::uint32_t page, std::uint8_t* out);
+    void lockForReading();  // the commit byte shared, after any hot journal is rolled back
+    std::string path_;
+    os::File file_;
+    bool writable_;
+    std::uint64_t size_ = 0;
+    bool writerHeld_ = false;
+    bool commitHeld_ = false;
+    int readsHeld_ = 0;
+};
+
+// A database image in memory (fuzzing, tests). A trailing partial page is ignored.
+class MemoryPageStore : public PageStore {
+  public:
+    explicit MemoryPageStore(std::vector<std::uint8_t> bytes, bool writable = false)
+        : bytes_(std::move(bytes)), writable_(writable) {}
+    std::uint32_t pageCount() const override { return std::uint32_t(bytes_.size() / kPageSize); }
+    void read(std::uint32_t page, std::uint8_t* out) override;
+    void write(std::uint32_t page, const std::uint8_t* data) override;
+    bool writable() const override { return writable_; }
+    const std::vector<std::uint8_t>& bytes() const { return bytes_; }
+
+  private:
+    std::vector<std::uint8_t> bytes_;
+    bool writable_;
+};
+
+// Pages as the engine sees them: unmasked (encoded databases are decoded
+// with the database key) and cached. Between beginUnit() and endUnit() the
+// pages put() are held in memory (dirty, never evicted) and seen by page();
+// the unit's commit writes them to the store.
+class PageCache {
+  public:
+    explicit PageCache(std::unique_ptr<PageStore> store, std::size_t capacity = 1024);
+    PageStore& store() { return *store_; }
+    // Counts pages appended by the open unit.
+    std::uint32_t pageCount() const;
+    // Throws "corrupt page N: beyond the end of the file" for a page that does not exist.
+    PageRef page(std::uint32_t n);
+    // The page's type byte, checked: throws "corrupt page N: expected ..." otherwise.
+    PageRef page(std::uint32_t n, PageType expected);
+    // Writes a page through to the store (encoding it if needed) and caches
+    // it; inside a unit keeps it dirty instead. n may be one past the end.
+    void put(std::uint32_t n, const PageBytes& bytes);
+    void invalidate(std::uint32_t n);
+    void clear();  // drops cached pages, never the unit's dirty ones
+
+    void beginUnit();
+    bool inUnit() const { return inUnit_; }
+    // The unit's pages, ascending, unmasked.
+    std::vector<std::pair<std::uint32_t, PageRef>> dirtyPages() const;
+    // The page as the store holds it (encoded with the database key).
+    PageBytes encoded(std::uint32_t n, const PageBytes& bytes) const;
+    // keep: the dirty pages reached the store and stay cached; otherwise they
+    // are dropped.
+    void endUnit(bool keep);
+    void setDatabaseKey(std::uint32_t key) { dbKey_ = key; }
+    std::uint32_t databaseKey() const { return dbKey_; }
+
+  private:
+    void code(std::uint32_t n, std::uint8_t* bytes) const;
+    std::unique_ptr<PageStore> store_;
+    std::size_t capacity_;
+    std::uint32_t dbKey_ = 0;
+    std::list<std::uint32_t> lru_;
+    struct Slot {
+        PageRef bytes;
+        std::list<std::uint32_t>::iterator pos;
+    };
+    std::unordered_map<std::uint32_t, Slot> slots_;
+    void cache(std::uint32_t n, PageRef bytes);
+    bool inUnit_ = false;
+    std::map<std::uint32_t, PageRef> dirty_;
+};
+
+}  // namespace jet

@@ -1,0 +1,21 @@
+#pragma once
+// The few file and process services the standard library leaves to the
+// system, for the areas above platform/ that must not call it themselves.
+#include <ctime>
+#include <filesystem>
+#include <string>
+
+namespace platform {
+
+// Writes bytes into a new or emptied file and puts them on the disk before
+// it returns, so that a rename which follows publishes the whole content or
+// none of it. False when any step failed.
+bool writeFileDurably(const std::filesystem::path& path, const std::string& bytes);
+
+// This process's number, to tell the temporary files of two processes apart.
+long processId();
+
+// The broken-down local time of t (thread-safe).
+std::tm localTime(std::time_t t);
+
+}  // namespace platform

@@ -1,0 +1,130 @@
+// tessara-cli's tables, schema, export and check against mdbtools.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "jet/support/mdbtools.h"
+
+namespace {
+
+using jettest::quote;
+using jettest::run;
+
+std::string cli(const std::string& args, int* status) {
+    return run(quote(TESSARA_CLI) + " " + args + " 2>&1", status);
+}
+
+std::vector<std::string> lines(const std::string& s) {
+    std::vector<std::string> out;
+    std::size_t at = 0;
+    while (at < s.size()) {
+        std::size_t nl = s.find('\n', at);
+        if (nl == std::string::npos) nl = s.size();
+        out.push_back(s.substr(at, nl - at));
+        at = nl + 1;
+    }
+    return out;
+}
+
+class CliFile : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(CliFile, TablesListsWhatMdbTablesLists) {
+    std::string path = jettest::testFile(GetParam());
+    int status = -1;
+    std::string ours = cli("tables " + quote(path), &status);
+    EXPECT_EQ(status, 0);
+    std::string theirs = run("mdb-tables -1 " + quote(path));
+    EXPECT_EQ(lines(ours), lines(theirs));
+}
+
+// Same shape as mdb-export: header, quoting, NULLs, number and date forms.
+TEST_P(CliFile, ExportPrintsTheRowsMdbExportPrints) {
+    std::string path = jettest::testFile(GetParam());
+    for (const std::string& table : lines(run("mdb-tables -1 " + quote(path)))) {
+        SCOPED_TRACE(table);
+        int status = -1;
+        std::string ours = cli("export " + quote(path) + " " + quote(table), &status);
+        EXPECT_EQ(status, 0);
+        std::string theirs = run("mdb-export " + quote(path) + " " + quote(table));
+        auto a = jettest::parseCsv(ours), b = jettest::parseCsv(theirs);
+        ASSERT_FALSE(a.empty());
+        ASSERT_FALSE(b.empty());
+        auto flat = [](const std::vector<jettest::CsvRow>& rows, std::size_t from) {
+            std::vector<std::string> out;
+            for (std::size_t i = from; i < rows.size(); ++i) {
+                std::string line;
+                for (const auto& c : rows[i])
+                    line += (c.quoted ? "\"" + c.text + "\"" : c.text) + "|";
+                out.push_back(line);
+            }
+            return out;
+        };
+        EXPECT_EQ(flat(a, 0)[0], flat(b, 0)[0]);  // header
+        auto ra = flat(a, 1), rb = flat(b, 1);
+        std::sort(ra.begin(), ra.end());
+        std::sort(rb.begin(), rb.end());
+        EXPECT_EQ(ra, rb);
+    }
+}
+
+TEST_P(CliFile, CheckFindsNoFaults) {
+    int status = -1;
+    std::string out = cli("check " + quote(jettest::testFile(GetParam())), &status);
+    EXPECT_EQ(status, 0) << out;
+    EXPECT_EQ(out, "no faults found\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    TestData, CliFile, ::testing::ValuesIn(jettest::testFiles()), [](const auto& param) {
+        return std::string(param.param).substr(0, std::string(param.param).find('.'));
+    });
+
+TEST(JetCli, SchemaShowsColumnsIndexesAndRelationships) {
+    int status = -1;
+    std::string out = cli("schema " + quote(jettest::testFile("indexTestV2000.mdb")), &status);
+    EXPECT_EQ(status, 0);
+    for (const char* want :
+         {"TABLE Table1 (4 rows)", "  COLUMN id Long Integer size 4",
+          "  COLUMN data Text(50) size 50", "  INDEX PrimaryKey (id ASC) PRIMARY KEY",
+          "  INDEX Table2Table1 (otherfk1 ASC) FOREIGN KEY",
+          "RELATIONSHIP Table2Table1 Table1(otherfk1) REFERENCES Table2(id)"}) {
+        EXPECT_NE(std::find(lines(out).begin(), lines(out).end(), std::string(want)),
+                  lines(out).end())
+            << want << "\n"
+            << out;
+    }
+    out = cli("schema " + quote(jettest::testFile("compIndexTestV2000.mdb")), &status);
+    EXPECT_NE(out.find("\n  INDEX CD_AGENTE (CD_AGENTE DESC)\n"), std::string::npos) << out;
+    out = cli("schema " + quote(jettest::testFile("testV2000.mdb")), &status);
+    for (const char* want :
+         {"  COLUMN I Boolean size 1", "  COLUMN H Currency size 8", "  COLUMN G DateTime size 8",
+          "  COLUMN data Replication ID size 16 AUTOGUID"}) {
+        auto l = lines(out);
+        EXPECT_NE(std::find(l.begin(), l.end(), std::string(want)), l.end()) << want;
+    }
+}
+
+TEST(JetCli, FailuresAreOneLineAndNonZero) {
+    struct Case {
+        std::string args;
+        std::string contains;
+    };
+    const Case cases[] = {
+        {"export /nonexistent/x.mdb T", "cannot open /nonexistent/x.mdb"},
+        {"export " + quote(jettest::testFile("testV2000.mdb")) + " NoSuchTable",
+         "no such table: NoSuchTable"},
+        {"tables " + quote(std::string(TESSARA_SOURCE_DIR) + "/CMakeLists.txt"),
+         "not a Jet database"},
+        {"export", "usage: tessara-cli export PATH TABLE"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args);
+        int status = 0;
+        std::string out = cli(c.args, &status);
+        EXPECT_NE(status, 0);
+        EXPECT_NE(out.find(c.contains), std::string::npos) << out;
+        EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1) << out;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,251 @@
+// Units of work: what this Database and the file show before and after
+// commit and rollback, nesting, page allocation, and the writer lock between
+// two Database objects of one process and between processes.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "jet/check/check.h"
+#include "jet/read/database.h"
+#include "jet/store/file_lock.h"
+#include "jet/store/journal.h"
+#include "jet/support/tx_support.h"
+
+namespace {
+
+using namespace txtest;
+
+constexpr std::size_t kCounter = 8;  // where the tests keep a number in their own page
+
+std::uint32_t counterOf(jet::Database& db, std::uint32_t page) {
+    return jet::u32(db.pages().page(page)->data() + kCounter);
+}
+
+void setCounter(jet::Database& db, std::uint32_t page, std::uint32_t value) {
+    jet::PageBytes p = *db.pages().page(page);
+    jet::put32(p.data() + kCounter, value);
+    db.pages().put(page, p);
+}
+
+std::uint32_t fileCounter(const std::string& path, std::uint32_t page) {
+    auto bytes = fileBytes(path);
+    if (bytes.size() < (page + 1) * std::size_t(jet::kPageSize)) return 0xFFFFFFFFu;
+    return jet::u32(bytes.data() + std::size_t(page) * jet::kPageSize + kCounter);
+}
+
+// A committed page of our own at the end of a copy of the file; its number.
+std::uint32_t addCounterPage(const std::string& path) {
+    auto db = jet::Database::open(path, {.writable = true});
+    db->begin();
+    std::uint32_t n = db->allocatePage(jet::PageType::UsageMap);
+    db->commit();
+    return n;
+}
+
+TEST(UnitOfWorkTest, PagesAreSeenInsideTheUnitAndReachTheFileOnlyAtCommit) {
+    TempDir dir;
+    std::string path = dir.copy("delTestV2000.mdb");
+    const std::uint32_t page = addCounterPage(path);
+    auto db = jet::Database::open(path, {.writable = true});
+    const auto before = fileBytes(path);
+    db->begin();
+    setCounter(*db, page, 41);
+    std::uint32_t added = db->allocatePage(jet::PageType::UsageMap);
+    EXPECT_EQ(added, page + 1);
+    EXPECT_EQ(db->allocatePage(jet::PageType::UsageMap), page + 2) << "pending pages are counted";
+    EXPECT_EQ(db->pages().pageCount(), page + 3);
+    EXPECT_EQ(counterOf(*db, page), 41u);
+    db->reload();  // a definition change mid-unit must not lose the unit's pages
+    EXPECT_EQ(counterOf(*db, page), 41u);
+    EXPECT_TRUE(fileBytes(path) == before);
+    EXPECT_FALSE(exists(jet::journalPath(path)));
+    db->commit();
+    EXPECT_FALSE(db->inTransaction());
+    EXPECT_EQ(fileCounter(path, page), 41u);
+    EXPECT_EQ(fileBytes(path).size(), std::size_t(page + 3) * jet::kPageSize);
+    EXPECT_FALSE(exists(jet::journalPath(path)));
+    auto again = jet::Database::open(path);
+    EXPECT_EQ(counterOf(*again, page), 41u);
+    EXPECT_EQ(jet::checkDatabase(*again), std::vector<std::string>{});
+}
+
+TEST(UnitOfWorkTest, RollbackDropsPagesAndAllocations) {
+    TempDir dir;
+    std::string path = dir.copy("delTestV2000.mdb");
+    const std::uint32_t page = addCounterPage(path);
+    auto db = jet::Database::open(path, {.writable = true});
+    const auto before = fileBytes(path);
+    db->begin();
+    setCounter(*db, page, 7);
+    db->allocatePage(jet::PageType::Data);
+    db->rollback();
+    EXPECT_FALSE(db->inTransaction());
+    EXPECT_EQ(counterOf(*db, page), 0u);
+    EXPECT_EQ(db->pages().pageCount(), page + 1);
+    EXPECT_TRUE(fileBytes(path) == before);
+    // The lock went with the unit: another unit can start and commit.
+    db->begin();
+    setCounter(*db, page, 8);
+    db->commit();
+    EXPECT_EQ(fileCounter(path, page), 8u);
+}
+
+TEST(UnitOfWorkTest, OnlyTheOutermostCommitEndsTheUnit) {
+    TempDir dir;
+    std::string path = dir.copy("delTestV2000.mdb");
+    const std::uint32_t page = addCounterPage(path);
+    auto db = jet::Database::open(path, {.writable = true});
+    db->begin();
+    db->begin();
+    setCounter(*db, page, 5);
+    db->commit();
+    EXPECT_TRUE(db->inTransaction());
+    EXPECT_EQ(fileCounter(path, page), 0u);
+    setCounter(*db, page, 6);
+    db->commit();
+    EXPECT_FALSE(db->inTransaction());
+    EXPECT_EQ(fileCounter(path, page), 6u);
+    // A rollback inside a nested unit abandons the whole unit.
+    db->begin();
+    db->begin();
+    setCounter(*db, page, 9);
+    db->rollback();
+    EXPECT_FALSE(db->inTransaction());
+    db->commit();  // the outer caller's commit finds nothing to do
+    EXPECT_EQ(fileCounter(path, page), 6u);
+    EXPECT_EQ(counterOf(*db, page), 6u);
+}
+
+TEST(UnitOfWorkTest, WritingNeedsAWritableDatabaseAndAUnit) {
+    TempDir dir;
+    std::string path = dir.copy("delTestV2000.mdb");
+    auto ro = jet::Database::open(path);
+    try {
+        ro->begin();
+        ADD_FAILURE() << "begin on a read-only database";
+    } catch (const jet::Error& e) {
+        EXPECT_EQ(e.number(), jet::errnum::kReadOnly);
+    }
+    EXPECT_FALSE(ro->inTransaction());
+    auto db = jet::Database::open(path, {.writable = true});
+    EXPECT_THROW(db->allocatePage(jet::PageType::Data), jet::Error);
+    // A file with a trailing partial page is not written to.
+    { std::ofstream(path, std::ios::binary | std::ios::app).write("xyz", 3); }
+    auto odd = jet::Database::open(path, {.writable = true});
+    EXPECT_THROW(odd->begin(), jet::Error);
+    EXPECT_FALSE(odd->inTransaction());
+    // The refused begin released the writer lock: another descriptor gets it at once.
+    jet::os::File other(path, jet::os::OpenMode::ReadWrite);
+    ASSERT_TRUE(other.isOpen());
+    EXPECT_TRUE(jet::filelock::lock(other, jet::filelock::kWriterByte,
+                                    jet::filelock::Mode::Exclusive, false));
+}
+
+TEST(UnitOfWorkTest, MemoryImagesCommitWithoutAJournal) {
+    auto image = fileBytes(testFile("delTestV2000.mdb"));
+    auto store = std::make_unique<jet::MemoryPageStore>(image, true);
+    auto* raw = store.get();
+    auto db = jet::Database::fromStore(std::move(store));
+    db->begin();
+    std::uint32_t n = db->allocatePage(jet::PageType::UsageMap);
+    setCounter(*db, n, 77);
+    EXPECT_EQ(raw->pageCount(), n);
+    db->commit();
+    ASSERT_EQ(raw->pageCount(), n + 1);
+    EXPECT_EQ(jet::u32(raw->bytes().data() + std::size_t(n) * jet::kPageSize + kCounter), 77u);
+}
+
+TEST(UnitOfWorkTest, SecondDatabaseOfTheSameProcessWaitsForTheUnit) {
+    TempDir dir;
+    std::string path = dir.copy("delTestV2000.mdb");
+    const std::uint32_t page = addCounterPage(path);
+    auto a = jet::Database::open(path, {.writable = true});
+    auto b = jet::Database::open(path, {.writable = true});
+    a->begin();
+    setCounter(*a, page, 1);
+    {
+        jet::os::File other(path, jet::os::OpenMode::ReadWrite);
+        ASSERT_TRUE(other.isOpen());
+        EXPECT_FALSE(jet::filelock::lock(other, jet::filelock::kWriterByte,
+                                         jet::filelock::Mode::Exclusive, false));
+    }
+    std::atomic<bool> started{false};
+    std::uint32_t seenByB = 0;
+    std::thread t([&] {
+        b->begin();
+        started = true;
+        seenByB = counterOf(*b, page);
+        setCounter(*b, page, seenByB + 1);
+        b->commit();
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_FALSE(started.load()) << "b began while a held the unit";
+    a->commit();
+    t.join();
+    EXPECT_EQ(seenByB, 1u) << "b must read a's committed page, not its stale cache";
+    EXPECT_EQ(fileCounter(path, page), 2u);
+}
+
+TEST(UnitOfWorkTest, TwoProcessesIncrementingACounterLoseNoUpdate) {
+    TempDir dir;
+    std::string path = dir.copy("delTestV2000.mdb");
+    const std::uint32_t page = addCounterPage(path);
+    constexpr int kEach = 150;
+    // Each process keeps its Database open across units, so a stale cache
+    // or a missing lock would lose increments.
+    auto worker = [&] {
+        auto db = jet::Database::open(path, {.writable = true});
+        for (int i = 0; i < kEach; ++i) {
+            db->begin();
+            std::uint32_t v = counterOf(*db, page);
+            std::this_thread::yield();
+            setCounter(*db, page, v + 1);
+            db->commit();
+        }
+        return 0;
+    };
+    pid_t p1 = spawn(worker), p2 = spawn(worker);
+    EXPECT_EQ(exitCode(waitFor(p1)), 0);
+    EXPECT_EQ(exitCode(waitFor(p2)), 0);
+    EXPECT_EQ(fileCounter(path, page), std::uint32_t(2 * kEach));
+    EXPECT_FALSE(exists(jet::journalPath(path)));
+}
+
+TEST(UnitOfWorkTest, ReaderOfAnotherProcessNeverSeesAHalfWrittenPage) {
+    TempDir dir;
+    std::string path = dir.copy("delTestV2000.mdb");
+    const std::uint32_t page = addCounterPage(path);
+    {
+        auto db = jet::Database::open(path, {.writable = true});
+        db->begin();
+        db->pages().put(page, jet::PageBytes(jet::kPageSize, 0));
+        db->commit();
+    }
+    // The writer fills the page with one byte value per unit; the reader
+    // must always find a page of one value.
+    pid_t writer = spawn([&] {
+        auto db = jet::Database::open(path, {.writable = true});
+        for (int i = 1; i <= 200; ++i) {
+            db->begin();
+            jet::PageBytes p(jet::kPageSize, std::uint8_t(i));
+            db->pages().put(page, p);
+            db->commit();
+        }
+        return 0;
+    });
+    auto reader = jet::Database::open(path);
+    int torn = 0, reads = 0;
+    while (::waitpid(writer, nullptr, WNOHANG) == 0) {
+        reader->pages().invalidate(page);
+        auto p = reader->pages().page(page);
+        ++reads;
+        if (std::count(p->begin(), p->end(), (*p)[0]) != std::ptrdiff_t(jet::kPageSize)) ++torn;
+    }
+    EXPECT_GT(reads, 0);
+    EXPECT_EQ(torn, 0);
+    EXPECT_EQ(fileBytes(path)[std::size_t(page) * jet::kPageSize + 100], 200);
+}
+
+}  // namespace

@@ -1,0 +1,121 @@
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+
+#include "jet/support/mdbtools.h"
+
+namespace jettest {
+
+namespace {
+// The Access-made files: the general ones, and those kept apart for index
+// properties (descending columns, IgnoreNulls, Unique, Required).
+const char* const kDirectories[] = {"mdb", "mdb-index"};
+}  // namespace
+
+std::string testFile(const std::string& name) {
+    for (const char* dir : kDirectories) {
+        std::filesystem::path p = std::filesystem::path(TESSARA_TESTDATA) / dir / name;
+        if (std::filesystem::exists(p)) return p.string();
+    }
+    return std::string(TESSARA_TESTDATA) + "/mdb/" + name;
+}
+
+std::vector<std::string> testFiles() {
+    std::vector<std::string> out;
+    for (const char* dir : kDirectories)
+        for (const auto& e :
+             std::filesystem::directory_iterator(std::filesystem::path(TESSARA_TESTDATA) / dir))
+            if (e.path().extension() == ".mdb") out.push_back(e.path().filename().string());
+    std::sort(out.begin(), out.end());
+    return out;
+}
+
+std::string quote(const std::string& arg) {
+    std::string out = "'";
+    for (char c : arg) {
+        if (c == '\'')
+            out += "'\\''";
+        else
+            out += c;
+    }
+    return out + "'";
+}
+
+std::string run(const std::string& command, int* status) {
+    std::string out;
+    FILE* p = ::popen(command.c_str(), "r");
+    if (!p) {
+        if (status) *status = -1;
+        return out;
+    }
+    std::array<char, 65536> buf;
+    std::size_t n;
+    while ((n = std::fread(buf.data(), 1, buf.size(), p)) > 0) out.append(buf.data(), n);
+    int rc = ::pclose(p);
+    if (status) *status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
+    return out;
+}
+
+bool haveMdbTools() {
+    int status = 0;
+    run("command -v mdb-export >/dev/null 2>&1", &status);
+    return status == 0;
+}
+
+std::vector<CsvRow> parseCsv(const std::string& s) {
+    std::vector<CsvRow> rows;
+    CsvRow row;
+    Cell cell;
+    std::size_t i = 0;
+    bool any = false;
+    while (i < s.size()) {
+        char c = s[i];
+        if (c == '"' && cell.text.empty() && !cell.quoted) {
+            cell.quoted = true;
+            ++i;
+            while (i < s.size()) {
+                if (s[i] == '"') {
+                    if (i + 1 < s.size() && s[i + 1] == '"') {
+                        cell.text += '"';
+                        i += 2;
+                        continue;
+                    }
+                    ++i;
+                    break;
+                }
+                cell.text += s[i++];
+            }
+            any = true;
+            continue;
+        }
+        if (c == ',') {
+            row.push_back(std::move(cell));
+            cell = Cell{};
+            ++i;
+            any = true;
+            continue;
+        }
+        if (c == '\n') {
+            row.push_back(std::move(cell));
+            cell = Cell{};
+            rows.push_back(std::move(row));
+            row.clear();
+            any = false;
+            ++i;
+            continue;
+        }
+        cell.text += c;
+        any = true;
+        ++i;
+    }
+    if (any) {
+        row.push_back(std::move(cell));
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+}  // namespace jettest

@@ -1,0 +1,339 @@
+// Relationships with referential integrity: the ones Access made in
+// indexTestV2000.mdb and ones made through the catalogue interface, kept on
+// every statement as Jet keeps them; each file checked and read back by
+// mdb-export.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include "db/catalog.h"
+#include "db/jet_opener.h"
+#include "jet/sql/engine_storage.h"
+#include "jet/sql/error.h"
+#include "jet/sql/executor.h"
+#include "jet/write/relationships.h"
+#include "rows_support.h"
+
+namespace {
+
+using namespace jet;
+using namespace rowstest;
+
+// mdb-export's rows of table, the first columns of each joined by ':',
+// rows by ' '.
+std::string exported(const std::string& path, const std::string& table, std::size_t columns) {
+    std::string out;
+    for (const auto& row : exportRows(path, table)) {
+        if (!out.empty()) out += ' ';
+        for (std::size_t i = 0; i < columns && i < row.size(); ++i) out += (i ? ":" : "") + row[i];
+    }
+    return out;
+}
+
+// Runs one statement on the file; the error's number and message, or 0 and "".
+std::pair<long, std::string> run(const std::string& path, const std::string& statement) {
+    try {
+        sql::Executor(sql::openEngineStorage(path, false)).execute(statement);
+    } catch (const sql::Error& e) {
+        return {e.number(), e.what()};
+    }
+    return {0, ""};
+}
+
+std::string check(const std::string& path) { return faults(*Database::open(path)); }
+
+class Relationships : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
+    }
+    Scratch scratch;
+};
+
+// indexTestV2000: Table1.otherfk1 refers to Table2.id (cascading deletes),
+// Table1.otherfk2 to Table3.id (cascading updates).
+TEST_F(Relationships, AccessMadeRelationshipsHoldOnEveryStatement) {
+    const char* const t1 = "0:0:10 1:1:11 2:1:11 3:2:13";
+    struct Case {
+        const char* statement;
+        long refused;  // Jet's number, 0: done
+        const char* message;
+        const char* table1;  // id:otherfk1:otherfk2 after a statement that was done
+        const char* table2;
+        const char* table3;
+    } cases[] = {
+        {"INSERT INTO Table1 (id, otherfk1, otherfk2, data) VALUES (4, 2, 12, 'neu')", 0, "",
+         "0:0:10 1:1:11 2:1:11 3:2:13 4:2:12", "0 1 2", "10 11 12 13"},
+        {"INSERT INTO Table1 (id, data) VALUES (4, 'ohne Bezug')", 0, "",
+         "0:0:10 1:1:11 2:1:11 3:2:13 4::", "0 1 2", "10 11 12 13"},
+        {"UPDATE Table1 SET otherfk2 = 12 WHERE id = 0", 0, "", "0:0:12 1:1:11 2:1:11 3:2:13",
+         "0 1 2", "10 11 12 13"},
+        {"UPDATE Table2 SET data = 'x' WHERE id = 1", 0, "", t1, "0 1 2", "10 11 12 13"},
+        {"DELETE FROM Table1 WHERE id = 3", 0, "", "0:0:10 1:1:11 2:1:11", "0 1 2", "10 11 12 13"},
+        {"DELETE FROM Table3 WHERE id = 12", 0, "", t1, "0 1 2", "10 11 13"},
+        {"UPDATE Table3 SET id = 21 WHERE id = 11", 0, "", "0:0:10 1:1:21 2:1:21 3:2:13", "0 1 2",
+         "10 21 12 13"},
+        {"DELETE FROM Table2 WHERE id = 1", 0, "", "0:0:10 3:2:13", "0 2", "10 11 12 13"},
+        {"INSERT INTO Table1 (id, otherfk1) VALUES (4, 99)", 3201,
+         "You cannot add or change a record because a related record is required in table "
+         "'Table2'.",
+         "", "", ""},
+        {"UPDATE Table1 SET otherfk2 = 99 WHERE id = 0", 3201, "in table 'Table3'.", "", "", ""},
+        // Rows 0 to 2 find their Table2 row, row 3 does not: nothing changes.
+        {"UPDATE Table1 SET otherfk1 = id", 3201, "in table 'Table2'.", "", "", ""},
+        {"DELETE FROM Table3 WHERE id = 13", 3200,
+         "The record cannot be deleted or changed because table 'Table1' includes related records.",
+         "", "", ""},
+        {"UPDATE Table2 SET id = 7 WHERE id = 2", 3200, "table 'Table1' includes related records",
+         "", "", ""},
+        {"DELETE FROM Table3", 3200, "table 'Table1' includes related records", "", "", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.statement);
+        const std::string path = scratch.copy("indexTestV2000.mdb");
+        const auto before = fileBytes(path);
+        auto [number, message] = run(path, c.statement);
+        EXPECT_EQ(number, c.refused) << message;
+        EXPECT_NE(message.find(c.message), std::string::npos) << message;
+        EXPECT_EQ(check(path), "");
+        if (c.refused) {
+            EXPECT_TRUE(fileBytes(path) == before);
+            continue;
+        }
+        EXPECT_EQ(exported(path, "Table1", 3), c.table1);
+        EXPECT_EQ(exported(path, "Table2", 1), c.table2);
+        EXPECT_EQ(exported(path, "Table3", 1), c.table3);
+    }
+}
+
+// The catalogue's Folders, Pages, Blocks and Variants with enforced keys:
+// Pages go with their Folder, a Folder holding Blocks stays, a deleted
+// Block leaves its Variants without one.
+TEST_F(Relationships, EnforcedForeignKeysMadeThroughTheCatalogue) {
+    const std::string path = (scratch.dir() / "katalog.mdb").string();
+    db::Catalog cat;
+    cat.create("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path, db::jetOpener());
+    auto table = [&](const std::string& name, const std::string& text, const std::string& ref,
+                     const std::string& refTable, db::RuleEnum onDelete) {
+        db::CatalogTable t;
+        t.name = name;
+        t.appendColumn("Nr", db::adInteger).autoIncrement = true;
+        t.appendColumn(text, db::adVarWChar, 50).nullable = true;
+        if (!ref.empty()) t.appendColumn(ref, db::adInteger).nullable = true;
+        t.keys.push_back({"PrimaryKey", db::adKeyPrimary, {"Nr"}, "", {}});
+        if (!ref.empty()) {
+            db::CatalogKey k{refTable + "_" + name, db::adKeyForeign, {ref}, refTable, {"Nr"}};
+            k.enforce = true;
+            k.deleteRule = onDelete;
+            t.keys.push_back(k);
+        }
+        cat.appendTable(t);
+    };
+    table("tblOrdner", "Ordnername", "", "", db::adRINone);
+    table("tblSeiten", "SeitenName", "NrTblOrdner", "tblOrdner", db::adRICascade);
+    table("tblBlockInfo", "Block", "OrdnerID", "tblOrdner", db::adRINone);
+    table("tblVariationBloecke", "BlockName", "BlockID", "tblBlockInfo", db::adRISetNull);
+    const db::CatalogTable variants = cat.table("tblVariationBloecke");
+    ASSERT_EQ(variants.keys.size(), 2u);
+    EXPECT_TRUE(variants.keys[1].enforce);
+    EXPECT_EQ(variants.keys[1].deleteRule, db::adRISetNull);
+    EXPECT_EQ(variants.keys[1].updateRule, db::adRINone);
+
+    struct Step {
+        const char* statement;
+        long refused;
+        const char* message;
+        const char* table;  // its rows after the step: Nr:text:reference
+        const char* rows;
+    } steps[] = {
+        {"INSERT INTO tblOrdner (Ordnername) VALUES ('A')", 0, "", "tblOrdner", "1:A"},
+        {"INSERT INTO tblOrdner (Ordnername) VALUES ('B')", 0, "", "tblOrdner", "1:A 2:B"},
+        {"INSERT INTO tblSeiten (SeitenName, NrTblOrdner) VALUES ('1', 1)", 0, "", "tblSeiten",
+         "1:1:1"},
+        {"INSERT INTO tblSeiten (SeitenName, NrTblOrdner) VALUES ('2', 9)", 3201,
+         "a related record is required in table 'tblOrdner'.", "tblSeiten", "1:1:1"},
+        {"INSERT INTO tblBlockInfo (Block, OrdnerID) VALUES ('00010', 1)", 0, "", "tblBlockInfo",
+         "1:00010:1"},
+        {"INSERT INTO tblBlockInfo (Block) VALUES ('frei')", 0, "", "tblBlockInfo",
+         "1:00010:1 2:frei:"},
+        {"INSERT INTO tblVariationBloecke (BlockName, BlockID) VALUES ('V', 1)", 0, "",
+         "tblVariationBloecke", "1:V:1"},
+        {"DELETE FROM tblOrdner WHERE Nr = 1", 3200,
+         "The record cannot be deleted or changed because table 'tblBlockInfo' includes related "
+         "records.",
+         "tblOrdner", "1:A 2:B"},
+        {"UPDATE tblBlockInfo SET OrdnerID = 3", 3201, "in table 'tblOrdner'.", "tblBlockInfo",
+         "1:00010:1 2:frei:"},
+        {"UPDATE tblBlockInfo SET OrdnerID = 2 WHERE Nr = 1", 0, "", "tblBlockInfo",
+         "1:00010:2 2:frei:"},
+        {"DELETE FROM tblOrdner WHERE Nr = 1", 0, "", "tblSeiten", ""},
+        {"DELETE FROM tblBlockInfo WHERE Nr = 1", 0, "", "tblVariationBloecke", "1:V:"},
+    };
+    for (const Step& s : steps) {
+        SCOPED_TRACE(s.statement);
+        const auto before = fileBytes(path);
+        auto [number, message] = run(path, s.statement);
+        EXPECT_EQ(number, s.refused) << message;
+        EXPECT_NE(message.find(s.message), std::string::npos) << message;
+        if (s.refused) {
+            EXPECT_TRUE(fileBytes(path) == before);
+        }
+        EXPECT_EQ(check(path), "");
+        EXPECT_EQ(exported(path, s.table, 3), s.rows);
+    }
+}
+
+// The two entries of a relationship, as the engine reads them, in words:
+// which side, cascades, and how its index is shared.
+std::string describe(Database& db, const std::string& table, const std::string& entry) {
+    auto def = db.tableDef(table);
+    for (const ForeignKeyLink& link : foreignKeyLinks(db, *def)) {
+        const Index& li = def->indexes[link.logical];
+        if (li.name != entry) continue;
+        std::string s = link.referenced ? "referenced by " : "referring to ";
+        s += link.otherName + "." + link.other->indexes[link.otherLogical].name;
+        s += link.cascadeUpdates ? ", cascading updates" : "";
+        s += link.cascadeDeletes ? ", cascading deletes" : "";
+        s += link.cascadeNull ? ", setting Null" : "";
+        const RealIndex& real = def->realIndexes[li.realIndex];
+        for (const Index& other : def->indexes)
+            if (&other != &li && other.realIndex == li.realIndex)
+                s += ", shares index " + other.name;
+        s += (real.flags & idxflag::kUnique) ? ", unique" : ", not unique";
+        return s;
+    }
+    return "no relationship entry " + entry;
+}
+
+std::int32_t grbitOf(Database& db, const std::string& name) {
+    for (const Relationship& r : db.relationships())
+        if (r.name == name) return r.flags;
+    return -1;
+}
+
+// The entries the engine writes for a new relationship have the shape of
+// those Access wrote for Table2Table1; its cascade bytes read as Access
+// meant them (0x04 on plain entries means nothing).
+TEST_F(Relationships, CreatedLikeAccessCreatesThem) {
+    const std::string path = scratch.copy("indexTestV2000.mdb");
+    {
+        auto db = openWritable(path);
+        EXPECT_EQ(describe(*db, "Table1", "Table2Table1"),
+                  "referring to Table2..rC, cascading deletes, not unique");
+        EXPECT_EQ(describe(*db, "Table2", ".rC"),
+                  "referenced by Table1.Table2Table1, cascading deletes, shares index PrimaryKey, "
+                  "unique");
+        EXPECT_EQ(describe(*db, "Table3", ".rC"),
+                  "referenced by Table1.Table3Table1, cascading updates, shares index PrimaryKey, "
+                  "unique");
+        std::size_t cascading = 0;
+        for (const std::string& t : db->tableNames(true))
+            for (const Index& li : db->tableDef(t)->indexes)
+                if (!li.isRelationshipSide())
+                    cascading += li.cascadeDeletes + li.cascadeUpdates + li.cascadeNull;
+        EXPECT_EQ(cascading, 0u);
+
+        Writer w(db);
+        w.createTable({"Table4",
+                       {{"id", ColumnType::Long}, {"t2", ColumnType::Long}},
+                       {{"PrimaryKey", {{"id", true}}, true, true}}});
+        Row r{std::int32_t(11), std::int32_t(2)};
+        w.insert("Table4", r);
+        w.createRelationship(
+            {"Table2Table4", "Table4", {"t2"}, "Table2", {"id"}, true, false, true});
+        w.createRelationship(
+            {"Table3Table4", "Table4", {"id"}, "Table3", {"id"}, true, true, false, false});
+    }
+    auto db = Database::open(path);
+    EXPECT_EQ(describe(*db, "Table4", "Table2Table4"),
+              "referring to Table2..rD, cascading deletes, not unique");
+    EXPECT_EQ(describe(*db, "Table2", ".rD"),
+              "referenced by Table4.Table2Table4, cascading deletes, shares index .rC, shares "
+              "index PrimaryKey, unique");
+    EXPECT_EQ(describe(*db, "Table4", "Table3Table4"),
+              "referring to Table3..rD, cascading updates, shares index PrimaryKey, unique");
+    EXPECT_EQ(grbitOf(*db, "Table2Table4"), relflag::kCascadeDeletes);
+    EXPECT_EQ(grbitOf(*db, "Table3Table4"), relflag::kCascadeUpdates | relflag::kOneToOne);
+    EXPECT_EQ(faults(*db), "");
+    db.reset();
+    EXPECT_EQ(exported(path, "Table4", 2), "11:2");
+    // The new relationship works like Access's: Table2's row 2 takes Table4's row with it.
+    EXPECT_EQ(run(path, "DELETE FROM Table2 WHERE id = 2"), std::make_pair(0L, std::string()));
+    EXPECT_EQ(exported(path, "Table4", 2), "");
+    EXPECT_EQ(exported(path, "Table1", 1), "0 1 2");
+    EXPECT_EQ(check(path), "");
+}
+
+// A table related to itself: a row may refer to its own key, and a
+// cascading delete runs down the chain, also under a statement that names
+// rows the cascade took already.
+TEST_F(Relationships, TableRelatedToItself) {
+    const std::string path = (scratch.dir() / "self.mdb").string();
+    createDatabase(path);
+    {
+        Writer w(openWritable(path));
+        w.createTable({"Emp",
+                       {{"id", ColumnType::Long}, {"boss", ColumnType::Long}},
+                       {{"PrimaryKey", {{"id", true}}, true, true}}});
+        w.createRelationship({"EmpEmp", "Emp", {"boss"}, "Emp", {"id"}, true, true, true});
+    }
+    for (const char* insert : {"INSERT INTO Emp VALUES (1, Null)", "INSERT INTO Emp VALUES (2, 1)",
+                               "INSERT INTO Emp VALUES (3, 2)", "INSERT INTO Emp VALUES (4, 4)",
+                               "UPDATE Emp SET id = 5, boss = 5 WHERE id = 4"})
+        EXPECT_EQ(run(path, insert), std::make_pair(0L, std::string())) << insert;
+    EXPECT_EQ(run(path, "INSERT INTO Emp VALUES (6, 7)").first, 3201);
+    EXPECT_EQ(run(path, "UPDATE Emp SET id = 11 WHERE id = 1"), std::make_pair(0L, std::string()));
+    EXPECT_EQ(exported(path, "Emp", 2), "11: 2:11 3:2 5:5");
+    EXPECT_EQ(run(path, "DELETE FROM Emp WHERE id <> 5"), std::make_pair(0L, std::string()));
+    EXPECT_EQ(exported(path, "Emp", 2), "5:5");
+    EXPECT_EQ(check(path), "");
+}
+
+// A reference that lost its row (a file written by something that ignored
+// the rule) is a fault of the file.
+TEST_F(Relationships, CheckFindsAReferenceWithoutItsRow) {
+    const std::string path = scratch.copy("indexTestV2000.mdb");
+    std::vector<std::uint8_t> bytes = fileBytes(path);
+    // Table1's row 3 holds id 3, otherfk1 2, otherfk2 13; 14 is no id of Table3.
+    const std::vector<std::uint8_t> row3{3, 0, 0, 0, 2, 0, 0, 0, 13, 0, 0, 0};
+    auto at = std::search(bytes.begin(), bytes.end(), row3.begin(), row3.end());
+    ASSERT_NE(at, bytes.end());
+    at[8] = 14;
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+    EXPECT_NE(check(path).find("table Table1, relationship Table3Table1: row 62:3 refers to a row "
+                               "that table Table3 does not hold"),
+              std::string::npos)
+        << check(path);
+}
+
+TEST_F(Relationships, RefusedCreationsLeaveTheFileUntouched) {
+    struct Case {
+        RelationshipSpec beziehung;
+        const char* message;
+    } cases[] = {
+        {{"R", "Table1", {"otherfk3"}, "Table1", {"otherfk1"}, true},
+         "No unique index found for the referenced field of the primary table."},
+        {{"R", "Table2", {"id"}, "Table3", {"id"}, true}, "violates referential integrity rules"},
+        {{"R", "Table1", {"data"}, "Table2", {"id"}, true}, "the same data types"},
+        {{"R", "Table1", {"otherfk3"}, "Table2", {"id"}, false, true},
+         "need referential integrity"},
+        {{"R", "Table1", {"otherfk3"}, "Table2", {"id"}, true, false, true, true}, "not both"},
+        {{"Table2Table1", "Table1", {"otherfk3"}, "Table2", {"id"}, true}, "already exists"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.message);
+        const std::string path = scratch.copy("indexTestV2000.mdb");
+        const auto before = fileBytes(path);
+        try {
+            Writer(openWritable(path)).createRelationship(c.beziehung);
+            ADD_FAILURE() << "not refused";
+        } catch (const Error& e) {
+            EXPECT_NE(std::string(e.what()).find(c.message), std::string::npos) << e.what();
+        }
+        EXPECT_TRUE(fileBytes(path) == before);
+    }
+}
+
+}  // namespace

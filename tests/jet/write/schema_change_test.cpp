@@ -1,0 +1,283 @@
+// Schema changes on Access-made files: columns added to a table holding
+// rows (old rows read the new columns as Null, new rows carry values) and
+// documented relationships, each read back by our reader and by mdbtools.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "jet/check/check.h"
+#include "jet/format/error.h"
+#include "jet/read/database.h"
+#include "jet/read/table.h"
+#include "jet/support/mdbtools.h"
+#include "jet/write/writer.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct TempCopy {
+    fs::path dir, file;
+    explicit TempCopy(const std::string& name) {
+        dir = fs::temp_directory_path() / ("jetcreate-" + std::to_string(::getpid()) + "-" + name);
+        fs::create_directories(dir);
+        file = dir / name;
+        fs::copy_file(jettest::testFile(name), file, fs::copy_options::overwrite_existing);
+    }
+    ~TempCopy() { fs::remove_all(dir); }
+};
+
+TEST(AddColumn, OldRowsReadNullAndNewRowsKeepValues) {
+    TempCopy copy("delTestV2000.mdb");  // "Table": rows, no index to keep
+    const std::string table = "Table";
+    const std::vector<jet::ColumnSpec> added = {
+        {"NewLong", jet::ColumnType::Long},     {"NewText", jet::ColumnType::Text, 20},
+        {"NewDouble", jet::ColumnType::Double}, {"NewFlag", jet::ColumnType::Boolean},
+        {"NewMemo", jet::ColumnType::Memo},     {"NewDate", jet::ColumnType::DateTime},
+    };
+    std::size_t before = 0, oldColumns = 0;
+    {
+        auto db = jet::Database::open(copy.file.string(), {.writable = true});
+        jet::Writer w(db);
+        oldColumns = db->tableDef(table)->columns.size();
+        before = db->table(table).rowIds().size();
+        ASSERT_GT(before, 0u);
+        for (const jet::ColumnSpec& c : added) w.addColumn(table, c);
+        EXPECT_THROW(w.addColumn(table, {"newlong", jet::ColumnType::Long}), jet::Error);
+        EXPECT_THROW(w.addColumn(table, {"Req", jet::ColumnType::Long, 0, false, false}),
+                     jet::Error);
+        EXPECT_THROW(w.addColumn("NoSuchTable", {"X", jet::ColumnType::Long}), jet::Error);
+        ASSERT_EQ(w.unwritableReason(table), "");
+        jet::Table t = db->table(table);
+        jet::Row row = *t.read(t.rowIds().front());
+        ASSERT_EQ(row.size(), oldColumns + added.size());
+        row[oldColumns] = std::int32_t(-42);
+        row[oldColumns + 1] = std::string("Ventil DN50 – ÄÖÜß");
+        row[oldColumns + 2] = 2.5;
+        row[oldColumns + 3] = true;
+        row[oldColumns + 4] = std::string(3000, 'm');
+        w.insert(table, row);
+        ++before;
+        // An index over rows that were there before it, the new column descending.
+        w.createIndex(table, {"ByNewLong", {{"NewLong", false}, {"NewDouble", true}}});
+        EXPECT_THROW(w.createIndex(table, {"bynewlong", {{"NewDouble", true}}}), jet::Error);
+        EXPECT_THROW(w.createIndex(table, {"X", {{"Nope", true}}}), jet::Error);
+    }
+    auto db = jet::Database::open(copy.file.string());
+    jet::Table t = db->table(table);
+    ASSERT_EQ(t.columns().size(), oldColumns + added.size());
+    std::size_t rows = 0, withValues = 0;
+    t.scan([&](jet::RowId, const jet::Row& r) {
+        if (!jet::isNull(r[oldColumns])) {
+            ++withValues;
+            EXPECT_EQ(r[oldColumns], jet::Value(std::int32_t(-42)));
+            EXPECT_EQ(r[oldColumns + 1], jet::Value(std::string("Ventil DN50 – ÄÖÜß")));
+            EXPECT_EQ(r[oldColumns + 4], jet::Value(std::string(3000, 'm')));
+            EXPECT_TRUE(jet::isNull(r[oldColumns + 5]));
+        } else {
+            for (std::size_t i = oldColumns; i < r.size(); ++i)
+                EXPECT_TRUE(jet::isNull(r[i]) || r[i] == jet::Value(false));
+        }
+        ++rows;
+        return true;
+    });
+    EXPECT_EQ(withValues, 1u);
+    EXPECT_EQ(rows, before);
+    const jet::Column* text = t.def().column("NewText");
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->displaySize(), 20);
+    EXPECT_TRUE(text->compressedUnicode());
+    EXPECT_EQ(text->sortOrder, 0x409);
+    ASSERT_EQ(t.indexCount(), 1u);
+    EXPECT_FALSE(t.def().realIndexes[0].columns[0].ascending);
+    EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
+
+    ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
+    int status = 0;
+    auto csv = jettest::parseCsv(jettest::run(
+        "mdb-export " + jettest::quote(copy.file.string()) + " " + jettest::quote(table), &status));
+    ASSERT_EQ(status, 0);
+    ASSERT_EQ(csv.size(), before + 1);
+    ASSERT_EQ(csv[0].size(), oldColumns + added.size());
+    for (std::size_t i = 0; i < added.size(); ++i)
+        EXPECT_EQ(csv[0][oldColumns + i].text, added[i].name);
+    std::size_t exported = 0;
+    for (std::size_t r = 1; r < csv.size(); ++r) {
+        if (csv[r][oldColumns].text == "-42") {
+            ++exported;
+            EXPECT_EQ(csv[r][oldColumns + 1].text, "Ventil DN50 – ÄÖÜß");
+            EXPECT_EQ(csv[r][oldColumns + 3].text, "1");
+            continue;
+        }
+        for (std::size_t i = oldColumns; i < csv[r].size(); ++i)
+            // A Jet Boolean lives in the null mask, so it has no Null: mdb-export says 0.
+            EXPECT_EQ(csv[r][i].text,
+                      added[i - oldColumns].type == jet::ColumnType::Boolean ? "0" : "")
+                << csv[0][i].text;
+    }
+    EXPECT_EQ(exported, 1u);
+    std::string schema =
+        jettest::run("mdb-schema " + jettest::quote(copy.file.string()) + " 2>/dev/null", &status);
+    EXPECT_NE(schema.find("[NewText]\t\t\tText (20)"), std::string::npos) << schema;
+}
+
+}  // namespace
+
+namespace {
+
+TEST(CreateRelationship, DocumentedRelationReadsBackEverywhere) {
+    TempCopy copy("indexTestV2000.mdb");
+    {
+        auto db = jet::Database::open(copy.file.string(), {.writable = true});
+        jet::Writer w(db);
+        w.createRelationship({"Table3Table2", "Table2", {"id"}, "Table3", {"id"}, false});
+        struct Bad {
+            jet::RelationshipSpec request;
+        };
+        for (const Bad& b : std::vector<Bad>{
+                 {{"Table3Table2", "Table2", {"id"}, "Table3", {"id"}, false}},  // exists
+                 {{"R", "Table2", {"nope"}, "Table3", {"id"}, false}},
+                 {{"R", "Nope", {"id"}, "Table3", {"id"}, false}},
+                 {{"R", "Table2", {"id"}, "Table3", {}, false}},
+                 // Enforced, but Table2's ids are not among Table3's.
+                 {{"R", "Table2", {"id"}, "Table3", {"id"}, true}}}) {
+            SCOPED_TRACE(b.request.name + " " + b.request.table);
+            EXPECT_THROW(w.createRelationship(b.request), jet::Error);
+        }
+    }
+    auto db = jet::Database::open(copy.file.string());
+    int found = 0;
+    for (const jet::Relationship& r : db->relationships()) {
+        if (r.name != "Table3Table2") continue;
+        ++found;
+        EXPECT_EQ(r.table, "Table2");
+        EXPECT_EQ(r.columns, std::vector<std::string>{"id"});
+        EXPECT_EQ(r.relatedTable, "Table3");
+        EXPECT_EQ(r.relatedColumns, std::vector<std::string>{"id"});
+        EXPECT_EQ(r.flags, 2);
+    }
+    EXPECT_EQ(found, 1);
+    EXPECT_EQ(db->relationships().size(), 5u);  // the four Access made, and ours
+    EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
+    ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
+    int status = 0;
+    std::string schema = jettest::run(
+        "mdb-schema --relations " + jettest::quote(copy.file.string()) + " postgres 2>&1", &status);
+    EXPECT_EQ(status, 0);
+    // mdbtools reads grbit 0x2 as "not enforced" and says so.
+    EXPECT_NE(schema.find("Relationship from \"Table2\" (\"id\") to \"Table3\"(\"id\") does "
+                          "not enforce integrity"),
+              std::string::npos)
+        << schema;
+}
+
+}  // namespace
+
+namespace {
+
+TEST(CreateTable, EveryColumnTypeWithKeysTakesRowsThatMdbtoolsReads) {
+    TempCopy copy("testV2000.mdb");
+    using T = jet::ColumnType;
+    const jet::TableSpec request{
+        "PARTS",
+        {{"ID", T::Long, 0, true},
+         {"NAME", T::Text, 40},
+         {"QTY", T::Integer},
+         {"SMALL", T::Byte},
+         {"WEIGHT", T::Double},
+         {"RATIO", T::Single},
+         {"PRICE", T::Currency},
+         {"MADE", T::DateTime},
+         {"OK", T::Boolean},
+         {"NOTES", T::Memo},
+         {"BLOB", T::OLE},
+         {"UID", T::Guid},
+         {"COUNT", T::Long}},
+        {{"PrimaryKey", {{"ID", true}}, true, true}, {"ByWeight", {{"WEIGHT", false}}}}};
+    {
+        auto db = jet::Database::open(copy.file.string(), {.writable = true});
+        jet::Writer w(db);
+        w.createTable(request);
+        EXPECT_THROW(w.createTable(request), jet::Error);  // exists
+        for (int i = 0; i < 3; ++i) {
+            jet::Row row(request.columns.size());
+            row[1] = std::string(i == 1 ? "Ventil DN50 – Edelstahl ÄÖÜß" : "Flansch");
+            row[2] = std::int16_t(-7 * i);
+            row[3] = std::uint8_t(200 + i);
+            row[4] = 1.5 * i;
+            row[5] = float(0.25);
+            row[6] = jet::Currency{123450000};
+            row[7] = jet::DateTime{45000.5};
+            row[8] = i == 2;
+            row[9] = std::string(i == 0 ? 5000 : 3, 'x');
+            row[12] = std::int32_t(i);  // the rest stays Null
+            w.insert("PARTS", row);
+            EXPECT_EQ(row[0], jet::Value(std::int32_t(i + 1)));  // autonumber
+        }
+    }
+    auto db = jet::Database::open(copy.file.string());
+    EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
+    const jet::TableDef& d = *db->tableDef("PARTS");
+    EXPECT_EQ(d.columns[1].displaySize(), 40);
+    EXPECT_TRUE(d.columns[1].compressedUnicode());
+    ASSERT_EQ(d.indexes.size(), 2u);
+    EXPECT_FALSE(d.realIndexes[1].columns[0].ascending);
+    const jet::CatalogEntry* e = db->findObject("PARTS");
+    ASSERT_NE(e, nullptr);
+    EXPECT_EQ(e->tdefPage(), d.page);
+    EXPECT_EQ(e->flags, 0u);
+
+    ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
+    int status = 0;
+    std::string path = jettest::quote(copy.file.string());
+    EXPECT_NE(jettest::run("mdb-tables -1 " + path, &status).find("PARTS\n"), std::string::npos);
+    auto csv = jettest::parseCsv(jettest::run("mdb-export " + path + " PARTS", &status));
+    ASSERT_EQ(status, 0);
+    ASSERT_EQ(csv.size(), 4u);
+    EXPECT_EQ(csv[0][0].text, "ID");
+    EXPECT_EQ(csv[2][0].text, "2");
+    EXPECT_EQ(csv[2][1].text, "Ventil DN50 – Edelstahl ÄÖÜß");
+    EXPECT_EQ(csv[2][2].text, "-7");
+    EXPECT_EQ(csv[2][3].text, "201");
+    EXPECT_EQ(csv[3][8].text, "1");
+    EXPECT_EQ(csv[1][9].text, std::string(5000, 'x'));
+    EXPECT_EQ(csv[1][10].text, "");
+    std::string schema = jettest::run("mdb-schema -T PARTS " + path + " 2>/dev/null", &status);
+    for (const char* want : {"[NAME]\t\t\tText (40)", "[ID]\t\t\tLong Integer",
+                             "[NOTES]\t\t\tMemo/Hyperlink", "[UID]\t\t\tReplication ID"})
+        EXPECT_NE(schema.find(want), std::string::npos) << want << "\n" << schema;
+}
+
+}  // namespace
+
+namespace {
+
+TEST(AddColumn, DefinitionGrowingOntoFurtherPagesStaysReadable) {
+    TempCopy copy("overflowTestV2000.mdb");
+    std::size_t oldColumns = 0;
+    {
+        auto db = jet::Database::open(copy.file.string(), {.writable = true});
+        jet::Writer w(db);
+        oldColumns = db->tableDef("Table1")->columns.size();
+        ASSERT_EQ(db->tableDef("Table1")->pages.size(), 1u);
+        for (int i = 0; i < 80; ++i)
+            w.addColumn("Table1",
+                        {"Extra column number " + std::to_string(i), jet::ColumnType::Text, 10});
+    }
+    auto db = jet::Database::open(copy.file.string());
+    auto def = db->tableDef("Table1");
+    EXPECT_GT(def->pages.size(), 1u);
+    EXPECT_EQ(def->columns.size(), oldColumns + 80);
+    EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
+    ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
+    int status = 0;
+    auto csv = jettest::parseCsv(
+        jettest::run("mdb-export " + jettest::quote(copy.file.string()) + " Table1", &status));
+    ASSERT_EQ(status, 0);
+    ASSERT_EQ(csv.size(), def->rowCount + 1);
+    EXPECT_EQ(csv[0].size(), oldColumns + 80);
+    EXPECT_EQ(csv[0].back().text, "Extra column number 79");
+}
+
+}  // namespace

@@ -1,0 +1,676 @@
+// Insert, update and delete on copies of the Access-made files: read back by
+// this engine (also after reopening), by mdb-export, and by the checker.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <random>
+
+#include "jet/format/error.h"
+#include "jet/read/usage_map.h"
+#include "jet/write/data_writer.h"
+#include "jet/write/row_encoder.h"
+#include "rows_support.h"
+
+using namespace jet;
+using rowstest::allRows;
+using rowstest::exportRows;
+using rowstest::faults;
+using rowstest::fileBytes;
+using rowstest::openWritable;
+
+namespace {
+
+Value text(const char* s) { return std::string(s); }
+
+// Every row as both readers see it: ours (toText) against mdb-export. Sorted,
+// since mdb-export lists a moved row where it lies, not where its pointer
+// is. Binary columns are left out (mdb-export prints raw bytes).
+void expectExportMatches(const std::string& path, const std::string& table) {
+    auto db = Database::open(path);
+    auto def = db->tableDef(table);
+    std::vector<std::vector<std::string>> ours;
+    for (const Row& r : allRows(*db, table)) {
+        std::vector<std::string> cells;
+        for (std::size_t k = 0; k < def->columns.size(); ++k) cells.push_back(toText(r[k]));
+        ours.push_back(std::move(cells));
+    }
+    auto theirs = exportRows(path, table);
+    for (auto* rows : {&ours, &theirs})
+        for (auto& cells : *rows)
+            for (std::size_t k = 0; k < cells.size() && k < def->columns.size(); ++k) {
+                ColumnType t = def->columns[k].type;
+                if (t == ColumnType::OLE || t == ColumnType::Binary || t == ColumnType::Guid)
+                    cells[k].clear();
+            }
+    std::sort(ours.begin(), ours.end());
+    std::sort(theirs.begin(), theirs.end());
+    ASSERT_EQ(theirs.size(), ours.size()) << table;
+    for (std::size_t i = 0; i < ours.size(); ++i) EXPECT_EQ(theirs[i], ours[i]) << table;
+}
+
+RowId onlyIdOf(Database& db, const std::string& table, std::size_t column, const Value& v) {
+    RowId found;
+    int n = 0;
+    db.table(table).scan([&](RowId id, const Row& r) {
+        if (r[column] == v) {
+            found = id;
+            ++n;
+        }
+        return true;
+    });
+    EXPECT_EQ(n, 1);
+    return found;
+}
+
+bool journalLeft(const std::string& path) { return std::filesystem::exists(path + "-journal"); }
+
+}  // namespace
+
+class RowWrites : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
+    }
+    rowstest::Scratch scratch;
+};
+
+TEST_F(RowWrites, InsertedRowsReadBackEverywhere) {
+    const DateTime date{28754.5};  // 09/21/78 12:00:00
+    struct Case {
+        const char* file;
+        const char* table;
+        std::vector<Row> rows;
+    } cases[] = {
+        {"delTestV2000.mdb",
+         "Table",
+         {{text("Ventil DN50 – Edelstahl ÄÖÜß"), text("x")},
+          {Value{}, text("")},
+          {std::string(50, 'w'), text("Anführungszeichen \" und, Komma")}}},
+        {"overflowTestV2000.mdb",
+         "Table1",
+         {{text("a"), {}, {}, {}, {}, {}, {}, {}, text("ten")},
+          {text("日本語"), text("ÄÖÜ"), text("x"), text("y"), text("z"), text("1"), text("2"),
+           text("3"), text("4")}}},
+        {"testV2000.mdb",
+         "Table1",
+         {{text("bcd"), text("efg"), std::uint8_t(7), std::int16_t(-3), std::int32_t(123456), 1.25,
+           date, Currency{12345}, true},
+          {text("yx"), {}, {}, {}, {}, {}, {}, {}, false}}},
+        // Tables without rows: their first data page is allocated.
+        {"testV2000.mdb", "Table3", {{std::int32_t(5), text("abc")}, {std::int32_t(6), {}}}},
+        {"bigIndexTestV2000.mdb", "Table1", {{text("abc"), text("ÄÖÜ – x")}, {{}, text("y")}}},
+    };
+    for (Case& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + " " + c.table);
+        const std::string path = scratch.copy(c.file);
+        const std::size_t before = exportRows(path, c.table).size();
+        std::vector<std::pair<RowId, Row>> written;
+        {
+            auto db = openWritable(path);
+            Writer w(db);
+            ASSERT_EQ(w.unwritableReason(c.table), "");
+            for (Row r : c.rows) {
+                RowId id = w.insert(c.table, r);
+                ASSERT_EQ(db->table(c.table).read(id), r);
+                written.emplace_back(id, r);
+            }
+            EXPECT_EQ(db->tableDef(c.table)->rowCount, before + c.rows.size());
+            EXPECT_EQ(faults(*db), "");
+        }
+        auto db = Database::open(path);
+        for (const auto& [id, r] : written) EXPECT_EQ(db->table(c.table).read(id), r);
+        EXPECT_EQ(faults(*db), "");
+        EXPECT_EQ(exportRows(path, c.table).size(), before + c.rows.size());
+        expectExportMatches(path, c.table);
+        EXPECT_FALSE(journalLeft(path));
+    }
+}
+
+// Thousands of rows: new pages are allocated and entered in the usage maps,
+// indexes grow, and both readers agree. Prints the time taken.
+TEST_F(RowWrites, ManyInsertsAllocatePages) {
+    struct Case {
+        const char* file;
+        const char* table;
+        int count;
+        bool batch;  // one unit around all inserts, else one unit each
+        std::function<Row(int)> make;
+    } cases[] = {
+        {"overflowTestV2000.mdb", "Table1", 10000, true,
+         [](int i) {
+             Row r(9);
+             r[0] = std::string("Zeile ") + std::to_string(i);
+             if (i % 3 == 0) r[4] = std::string("Größe ") + std::to_string(i * 7);
+             r[8] = std::string(i % 40, 'x');
+             return r;
+         }},
+        // Rows of a few bytes: a page numbers at most 256 rows.
+        {"delTestV2000.mdb", "Table", 1000, true, [](int) { return Row(2); }},
+        {"overflowTestV2000.mdb", "Table1", 300, false,
+         [](int i) {
+             Row r(9);
+             r[1] = std::to_string(i) + std::string(45, 'y');
+             return r;
+         }},
+        // Keys of letters Jet's General order is known for: a base-24 number.
+        {"testV2000.mdb", "Table1", 2000, true,
+         [](int i) {
+             static const char digits[] = "abcdefghijklmnopqrstuvxy";
+             std::string key = "k";
+             for (int v = i; v > 0; v /= 24) key += digits[v % 24];
+             Row r(9);
+             r[0] = key;
+             r[1] = key + "b";
+             r[4] = std::int32_t(i);
+             r[5] = i / 8.0;
+             r[8] = i % 2 == 0;
+             return r;
+         }},
+    };
+    for (Case& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + " " + c.table + " x" + std::to_string(c.count));
+        const std::string path = scratch.copy(c.file);
+        const std::size_t pagesBefore = std::filesystem::file_size(path) / kPageSize;
+        const std::size_t before = exportRows(path, c.table).size();
+        {
+            auto db = openWritable(path);
+            Writer w(db);
+            auto t0 = std::chrono::steady_clock::now();
+            if (c.batch) db->begin();
+            for (int i = 0; i < c.count; ++i) {
+                Row r = c.make(i);
+                w.insert(c.table, r);
+            }
+            if (c.batch) db->commit();
+            double ms =
+                std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - t0)
+                    .count();
+            std::printf("[ figures  ] %d inserts into %s (%s): %.0f ms, %.0f rows/s\n", c.count,
+                        c.table, c.batch ? "one unit" : "one unit each", ms,
+                        c.count / (ms / 1000.0));
+            EXPECT_EQ(faults(*db), "");
+        }
+        auto db = Database::open(path);
+        EXPECT_EQ(db->tableDef(c.table)->rowCount, before + std::size_t(c.count));
+        EXPECT_GT(db->table(c.table).dataPages().size(), 1u);
+        EXPECT_GT(std::filesystem::file_size(path) / kPageSize, pagesBefore);
+        EXPECT_EQ(faults(*db), "");
+        expectExportMatches(path, c.table);
+        // Data pages state their free space as it is.
+        for (std::uint32_t p : db->table(c.table).dataPages()) {
+            DataPage page = DataPage::load(db->pages(), p);
+            EXPECT_EQ(u16(db->pages().page(p)->data() + datapage::kFreeSpace), page.freeSpace());
+        }
+    }
+}
+
+TEST_F(RowWrites, UpdatesInPlaceAndBehindOverflowPointers) {
+    const std::string path = scratch.copy("overflowTestV2000.mdb");
+    auto db = openWritable(path);
+    Writer w(db);
+    // name in the first column, ch repeated len times in the other eight.
+    auto row = [](const std::string& name, const std::string& ch, std::size_t len) {
+        Row r(9);
+        std::string s;
+        for (std::size_t i = 0; i < len; ++i) s += ch;
+        r[0] = name;
+        for (std::size_t k = 1; k < 9; ++k) r[k] = s;
+        return r;
+    };
+    // Fill pages with rows of about 200 bytes.
+    std::vector<RowId> ids;
+    for (int i = 0; i < 60; ++i) {
+        Row r = row("r" + std::to_string(i) + "-", "x", 20);
+        ids.push_back(w.insert("Table1", r));
+    }
+    std::size_t count = allRows(*db, "Table1").size();
+    const RowId id = ids[3];
+    auto homeFlags = [&] { return rowBytes(db->pages(), id).flags; };
+    auto expectRow = [&](const Row& r, bool overflow, const char* step) {
+        SCOPED_TRACE(step);
+        EXPECT_EQ(db->table("Table1").read(id), r);
+        EXPECT_EQ((homeFlags() & datapage::kOverflowFlag) != 0, overflow);
+        EXPECT_EQ(allRows(*db, "Table1").size(), count);
+        EXPECT_EQ(onlyIdOf(*db, "Table1", 0, r[0]), id);
+        EXPECT_EQ(faults(*db), "");
+    };
+    Row same = row("r3-", "x", 20);
+    same[2] = std::string("kurz");
+    w.update("Table1", id, same);
+    expectRow(same, false, "in place, shorter");
+    // Text that does not compress, 50 characters a column: about 830 bytes.
+    Row big = row("big", "Ω", 50);
+    w.update("Table1", id, big);
+    expectRow(big, true, "moved behind an overflow pointer");
+    Row bigger = row("bigger", "Ж", 50);
+    w.update("Table1", id, bigger);
+    expectRow(bigger, true, "re-updated at its overflow target");
+    // Room on the row's own page brings it back.
+    ASSERT_EQ(ids[4].page, id.page);
+    w.remove("Table1", ids[4]);
+    --count;
+    Row small = row("klein", "k", 5);
+    w.update("Table1", id, small);
+    expectRow(small, false, "back on its own page");
+    w.update("Table1", id, big);
+    expectRow(big, true, "moved again");
+    // Rows Access left behind overflow pointers.
+    std::vector<RowId> accessMoved;
+    for (std::uint16_t s = 0; s < rowCountOf(*db->pages().page(27)); ++s)
+        if (rowBytes(db->pages(), RowId{27, s}).flags & datapage::kOverflowFlag)
+            accessMoved.push_back(RowId{27, s});
+    ASSERT_EQ(accessMoved.size(), 2u);
+    Row a = *db->table("Table1").read(accessMoved[0]);
+    a[8] = std::string("geändert");
+    w.update("Table1", accessMoved[0], a);
+    EXPECT_EQ(db->table("Table1").read(accessMoved[0]), a);
+    w.remove("Table1", accessMoved[1]);
+    w.remove("Table1", id);
+    EXPECT_EQ(db->table("Table1").read(id), std::nullopt);
+    EXPECT_EQ(allRows(*db, "Table1").size(), count - 2);
+    EXPECT_EQ(db->tableDef("Table1")->rowCount, count - 2);
+    EXPECT_EQ(exportRows(path, "Table1").size(), count - 2);  // every call is committed
+    EXPECT_EQ(faults(*db), "");
+    db.reset();
+    auto again = Database::open(path);
+    EXPECT_EQ(again->table("Table1").read(accessMoved[0]), a);
+    EXPECT_EQ(faults(*again), "");
+    expectExportMatches(path, "Table1");
+}
+
+// A table of the shape of indexTestV2000's Table1 without its relationships
+// (four Long columns and a Text), a primary key and three more indexes,
+// one descending and one on the text.
+void createLikeTable1(Writer& w, const std::string& name) {
+    TableSpec s;
+    s.name = name;
+    s.columns = {{"id", ColumnType::Long},
+                 {"otherfk1", ColumnType::Long},
+                 {"otherfk2", ColumnType::Long},
+                 {"data", ColumnType::Text, 100},
+                 {"otherfk3", ColumnType::Long}};
+    s.indexes = {{"PrimaryKey", {{"id", true}}, true, true},
+                 {"otherfk1", {{"otherfk1", true}}},
+                 {"otherfk2", {{"otherfk2", false}}},
+                 {"data", {{"data", true}}}};
+    w.createTable(s);
+}
+
+TEST_F(RowWrites, DeletesAndSlotsReused) {
+    const std::string path = scratch.copy("indexTestV2000.mdb");
+    auto db = openWritable(path);
+    Writer w(db);
+    createLikeTable1(w, "Kopie");
+    for (std::int32_t k = 1; k <= 4; ++k) {
+        Row r{k, std::int32_t(0), std::int32_t(0), Value{"r" + std::to_string(k)}, std::int32_t(0)};
+        w.insert("Kopie", r);
+    }
+    std::vector<RowId> ids = db->table("Kopie").rowIds();
+    ASSERT_EQ(ids.size(), 4u);
+    w.remove("Kopie", ids[1]);
+    w.remove("Kopie", ids[2]);
+    EXPECT_EQ(db->table("Kopie").read(ids[1]), std::nullopt);
+    EXPECT_EQ(faults(*db), "");
+    try {
+        w.remove("Kopie", ids[1]);
+        ADD_FAILURE() << "removed twice";
+    } catch (const Error& e) {
+        EXPECT_EQ(e.number(), rowerr::kRecordDeleted);
+    }
+    // The removed row's key is free again, and its slot is used again.
+    Row r{std::int32_t(2), std::int32_t(5), std::int32_t(6), text("wieder"), std::int32_t(0)};
+    RowId back = w.insert("Kopie", r);
+    EXPECT_EQ(back.page, ids[1].page);
+    EXPECT_TRUE(back == ids[1] || back == ids[2]);
+    EXPECT_EQ(db->tableDef("Kopie")->rowCount, 3u);
+    EXPECT_EQ(faults(*db), "");
+    db.reset();
+    EXPECT_EQ(exportRows(path, "Kopie").size(), 3u);
+    expectExportMatches(path, "Kopie");
+}
+
+// Writes that are refused leave every byte of the file as it was.
+TEST_F(RowWrites, RefusedWritesLeaveTheFileUntouched) {
+    struct Case {
+        const char* what;
+        const char* file;
+        std::function<void(Writer&, Database&)> act;
+        long number;           // 0: any
+        const char* contains;  // in the message
+    } cases[] = {
+        {"text too long", "delTestV2000.mdb",
+         [](Writer& w, Database&) {
+             Row r{std::string(51, 'a'), {}};
+             w.insert("Table", r);
+         },
+         rowerr::kFieldTooSmall, "too small"},
+        {"value of another type", "delTestV2000.mdb",
+         [](Writer& w, Database&) {
+             Row r{std::int32_t(5), {}};
+             w.insert("Table", r);
+         },
+         rowerr::kConversion, "conversion"},
+        {"duplicate primary key", "testV2000.mdb",
+         [](Writer& w, Database&) {
+             Row r{text("A"), {}, {}, {}, {}, {}, {}, {}, false};  // keys ignore case
+             w.insert("Table1", r);
+         },
+         rowerr::kDuplicate, rowerr::kDuplicateMessage},
+        {"update onto another row's key", "testV2000.mdb",
+         [](Writer& w, Database& db) {
+             std::vector<RowId> ids = db.table("Table1").rowIds();
+             Row r = *db.table("Table1").read(ids.at(0));
+             r[0] = (*db.table("Table1").read(ids.at(1)))[0];
+             w.update("Table1", ids[0], r);
+         },
+         rowerr::kDuplicate, "duplicate"},
+        {"Null primary key", "testV2000.mdb",
+         [](Writer& w, Database&) {
+             Row r{Value{}, {}, {}, {}, {}, {}, {}, {}, false};
+             w.insert("Table1", r);
+         },
+         rowerr::kNullKey, rowerr::kNullKeyMessage},
+        {"index this engine cannot keep", "testV2000.mdb",
+         [](Writer& w, Database&) {
+             Row r{text("n"), Value{}};
+             w.insert("Table4", r);
+         },
+         0, "Index PrimaryKey of table Table4 cannot be kept up to date"},
+        {"text key with a character of unknown sort code", "testV2000.mdb",
+         [](Writer& w, Database&) {
+             Row r{text("漢字"), {}, {}, {}, {}, {}, {}, {}, false};
+             w.insert("Table1", r);
+         },
+         0, "sort code"},
+        {"reference without its related row", "indexTestV2000.mdb",
+         [](Writer& w, Database&) {
+             Row r{std::int32_t(10), std::int32_t(99), std::int32_t(13), text("x"), std::int32_t(0)};
+             w.insert("Table1", r);
+         },
+         3201, "a related record is required in table 'Table2'"},
+        {"row larger than a page", "testV2000.mdb",
+         [](Writer& w, Database&) {
+             std::string omegas;
+             for (int i = 0; i < 50; ++i) omegas += "Ω";  // 100 bytes: does not compress
+             Row r(89, Value{omegas});
+             for (std::size_t k : {0, 9, 13, 74}) r[k] = text("key");  // the indexed columns
+             w.insert("Table2", r);
+         },
+         rowerr::kRecordTooLarge, "Record is too large"},
+        {"row that does not exist", "delTestV2000.mdb",
+         [](Writer& w, Database&) {
+             w.remove("Table", RowId{31, 1});
+         },
+         rowerr::kRecordDeleted, "deleted"},
+        {"row of another table", "delTestV2000.mdb",
+         [](Writer& w, Database&) {
+             w.update("Table", RowId{20, 0}, Row{text("a"), text("b")});
+         },
+         rowerr::kRecordDeleted, "no row"},
+        {"wrong number of values", "delTestV2000.mdb",
+         [](Writer& w, Database&) {
+             Row r{text("a")};
+             w.insert("Table", r);
+         },
+         rowerr::kConversion, "takes 2 values"},
+    };
+    for (Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::string path = scratch.copy(c.file);
+        const auto before = fileBytes(path);
+        {
+            auto db = openWritable(path);
+            Writer w(db);
+            try {
+                c.act(w, *db);
+                ADD_FAILURE() << "not refused";
+            } catch (const Error& e) {
+                if (c.number) {
+                    EXPECT_EQ(e.number(), c.number) << e.what();
+                }
+                EXPECT_NE(std::string(e.what()).find(c.contains), std::string::npos) << e.what();
+            }
+            EXPECT_FALSE(db->inTransaction());
+        }
+        EXPECT_TRUE(fileBytes(path) == before);
+        EXPECT_FALSE(journalLeft(path));
+    }
+    // The refusal of a table names the index before anything is tried.
+    auto db = Database::open(jettest::testFile("testV2000.mdb"));
+    EXPECT_NE(Writer(db).unwritableReason("Table4").find("Replication ID keys"), std::string::npos);
+    try {
+        Row r{text("a"), text("b")};
+        Writer(db).insert("Table", r);
+        ADD_FAILURE() << "wrote into a read-only database";
+    } catch (const Error& e) {
+        EXPECT_TRUE(e.number() == errnum::kReadOnly || e.number() == errnum::kNoSuchTable);
+    }
+}
+
+// OLE values inline, on one LVAL page and in chains, with the autonumber of
+// the same table (MSysNameMap: Id is an autonumber, NameMap an OLE column).
+TEST_F(RowWrites, LongValuesAndAutonumber) {
+    const std::string path = scratch.copy("indexTestV2000.mdb");
+    auto db = openWritable(path);
+    Writer w(db);
+    const std::uint32_t lastNumber = db->tableDef("MSysNameMap")->nextAutoNumber;
+    auto blob = [](std::size_t n) {
+        Binary b(n);
+        for (std::size_t i = 0; i < n; ++i) b[i] = std::uint8_t(i * 31 + n);
+        return b;
+    };
+    const std::size_t sizes[] = {0, 40, 64, 65, 3000, 4080, 4081, 50000};
+    std::vector<std::pair<RowId, Row>> rows;
+    for (std::size_t n : sizes) {
+        Row r{Value{}, std::string("Objekt ") + std::to_string(n), std::int32_t(1), Value{},
+              blob(n)};
+        RowId id = w.insert("MSysNameMap", r);
+        EXPECT_EQ(r[0], Value{std::int32_t(lastNumber + rows.size() + 1)}) << n;
+        EXPECT_EQ(db->table("MSysNameMap").read(id), r) << n;
+        rows.emplace_back(id, r);
+    }
+    EXPECT_EQ(db->tableDef("MSysNameMap")->nextAutoNumber, lastNumber + std::size(sizes));
+    EXPECT_EQ(faults(*db), "");
+    // LVAL pages are entered in the column's own usage map.
+    auto def = db->tableDef("MSysNameMap");
+    ASSERT_FALSE(def->varColumnMaps.empty());
+    UsageMap lvalPages = readUsageMap(db->pages(), def->varColumnMaps[0].usedPages);
+    EXPECT_GE(lvalPages.pages.size(), 14u);  // 50000 bytes alone take 13 pages
+    // Replace the chain by a small value, remove the single-page one: their
+    // LVAL rows are given back.
+    Row shrunk = rows.back().second;
+    shrunk[4] = blob(10);
+    w.update("MSysNameMap", rows.back().first, shrunk);
+    w.remove("MSysNameMap", rows[4].first);
+    std::size_t liveLval = 0;
+    for (std::uint32_t p : readUsageMap(db->pages(), def->varColumnMaps[0].usedPages).pages) {
+        PageRef pg = db->pages().page(p);
+        for (std::uint16_t s = 0; s < rowCountOf(*pg); ++s)
+            liveLval += !(rowBytes(pg, p, s).flags & datapage::kDeletedFlag);
+    }
+    // Access's own, 65 bytes, 4080 bytes, and 4081 bytes in two rows.
+    EXPECT_EQ(liveLval, 5u);
+    EXPECT_EQ(faults(*db), "");
+    db.reset();
+    auto again = openWritable(path);
+    EXPECT_EQ(again->table("MSysNameMap").read(rows.back().first), shrunk);
+    EXPECT_EQ(again->table("MSysNameMap").read(rows[6].first), rows[6].second);
+    EXPECT_EQ(again->table("MSysNameMap").read(rows[4].first), std::nullopt);
+    Row next{Value{}, text("danach"), std::int32_t(1), Value{}, Value{}};
+    Writer(again).insert("MSysNameMap", next);
+    EXPECT_EQ(next[0], Value{std::int32_t(lastNumber + std::size(sizes) + 1)});
+    EXPECT_EQ(faults(*again), "");
+}
+
+// The checker compares each data page's free-space figure with its rows.
+TEST_F(RowWrites, CheckerComparesFreeSpaceFigures) {
+    for (const std::string& file : jettest::testFiles()) {
+        auto db = Database::open(jettest::testFile(file));
+        EXPECT_EQ(faults(*db).find("data page"), std::string::npos) << file;
+    }
+    const std::string path = scratch.copy("delTestV2000.mdb");
+    {
+        std::fstream f(path, std::ios::in | std::ios::out | std::ios::binary);
+        f.seekp(31 * kPageSize + datapage::kFreeSpace);
+        const char wrong[2] = {0x10, 0x00};
+        f.write(wrong, 2);
+    }
+    auto db = Database::open(path);
+    EXPECT_NE(faults(*db).find("data page 31: header states 16 bytes free, the page has 4046"),
+              std::string::npos)
+        << faults(*db);
+}
+
+// A seeded run of inserts, key changes and deletes on a table with a
+// primary key and three more indexes: after every batch the rows equal a
+// model kept beside them, and the checker finds every index in step.
+TEST_F(RowWrites, RandomWritesKeepIndexesInStep) {
+    const std::string path = scratch.copy("indexTestV2000.mdb");
+    auto db = openWritable(path);
+    Writer w(db);
+    createLikeTable1(w, "Zufall");
+    std::map<std::int32_t, std::pair<RowId, Row>> model;
+    db->table("Zufall").scan([&](RowId id, const Row& r) {
+        model[std::get<std::int32_t>(r[0])] = {id, r};
+        return true;
+    });
+    std::mt19937 rng(20261122);
+    auto randomRow = [&](std::int32_t key) {
+        Row r{key, std::int32_t(rng() % 50), std::int32_t(rng() % 7), Value{}, std::int32_t(0)};
+        if (rng() % 3)
+            r[3] = "Wert " + std::to_string(rng() % 100000) + std::string(rng() % 40, 'v');
+        return r;
+    };
+    auto freeKey = [&] {
+        std::int32_t k;
+        do k = std::int32_t(rng() % 100000) - 50000;
+        while (model.count(k));
+        return k;
+    };
+    auto anyKey = [&] {
+        auto it = model.begin();
+        std::advance(it, rng() % model.size());
+        return it->first;
+    };
+    for (int round = 0; round < 4; ++round) {
+        db->begin();
+        for (int op = 0; op < 1500; ++op) {
+            const unsigned kind = rng() % 10;
+            if (kind < 6 || model.size() < 10) {
+                std::int32_t k = freeKey();
+                Row r = randomRow(k);
+                model[k] = {w.insert("Zufall", r), r};
+            } else if (kind < 8) {
+                std::int32_t k = anyKey();
+                auto [id, old] = model[k];
+                Row r = randomRow(rng() % 2 ? k : freeKey());
+                w.update("Zufall", id, r);
+                model.erase(k);
+                model[std::get<std::int32_t>(r[0])] = {id, r};
+            } else {
+                std::int32_t k = anyKey();
+                w.remove("Zufall", model[k].first);
+                model.erase(k);
+            }
+        }
+        db->commit();
+        SCOPED_TRACE(round);
+        ASSERT_EQ(faults(*db), "");
+        EXPECT_EQ(db->tableDef("Zufall")->rowCount, model.size());
+    }
+    // Rows that grew on full pages moved behind overflow pointers.
+    std::size_t moved = 0;
+    for (std::uint32_t p : db->table("Zufall").dataPages())
+        for (std::uint16_t s = 0; s < rowCountOf(*db->pages().page(p)); ++s)
+            moved += (rowBytes(db->pages(), RowId{p, s}).flags & 0xC000) == datapage::kOverflowFlag;
+    EXPECT_GT(moved, 0u);
+    db.reset();
+    auto again = Database::open(path);
+    std::size_t seen = 0;
+    again->table("Zufall").scan([&](RowId id, const Row& r) {
+        auto it = model.find(std::get<std::int32_t>(r[0]));
+        EXPECT_TRUE(it != model.end() && it->second.first == id && it->second.second == r);
+        ++seen;
+        return true;
+    });
+    EXPECT_EQ(seen, model.size());
+    EXPECT_EQ(faults(*again), "");
+    expectExportMatches(path, "Zufall");
+}
+
+// Memo values in every form, read back by mdb-export. No test file has a
+// user table with a Memo column, so a copy's MSysNameMap.NameMap (OLE) is
+// retyped as a Memo that allows compression.
+TEST_F(RowWrites, MemoValuesReadByMdbExport) {
+    const std::string path = scratch.copy("indexTestV2000.mdb");
+    std::uint32_t tdefPage = 0;
+    {
+        auto db = Database::open(path);
+        auto def = db->tableDef("MSysNameMap");
+        ASSERT_TRUE(def->realIndexes.empty());
+        tdefPage = def->page;
+    }
+    {
+        std::fstream f(path, std::ios::in | std::ios::out | std::ios::binary);
+        std::vector<char> page(kPageSize);
+        f.seekg(std::streamoff(tdefPage) * kPageSize);
+        f.read(page.data(), kPageSize);
+        bool patched = false;
+        for (std::size_t i = 0; i < 5; ++i) {
+            std::uint8_t* e = reinterpret_cast<std::uint8_t*>(page.data()) + tdef::kBlockEnd +
+                              tdef::kColumnEntry * i;
+            if (e[0] == std::uint8_t(ColumnType::OLE) && u16(e + 5) == 4) {
+                e[0] = std::uint8_t(ColumnType::Memo);
+                e[16] |= colmisc::kCompressedUnicode;
+                patched = true;
+            }
+        }
+        ASSERT_TRUE(patched);
+        f.seekp(std::streamoff(tdefPage) * kPageSize);
+        f.write(page.data(), kPageSize);
+    }
+    auto repeat = [](const std::string& unit, std::size_t n) {
+        std::string s;
+        for (std::size_t i = 0; i < n; ++i) s += unit;
+        return s;
+    };
+    const std::string memos[] = {
+        "",
+        "kurz",
+        repeat("Ventil DN50 – Edelstahl ÄÖÜß ", 3),  // compressed, beyond the inline limit
+        repeat("Ω", 1000),                           // 2000 bytes on one LVAL row
+        repeat("abc", 1500),                         // too long to compress: a chain
+        repeat("日本語", 9000),                      // 54000 bytes in a chain
+    };
+    std::vector<std::int32_t> ids;
+    {
+        auto db = openWritable(path);
+        Writer w(db);
+        for (const std::string& m : memos) {
+            Row r{Value{}, std::string("memo"), std::int32_t(0), Value{}, m};
+            RowId id = w.insert("MSysNameMap", r);
+            EXPECT_EQ(db->table("MSysNameMap").read(id), r) << m.size();
+            ids.push_back(std::get<std::int32_t>(r[0]));
+        }
+        EXPECT_EQ(faults(*db), "");
+    }
+    int status = 0;
+    auto csv = jettest::parseCsv(
+        jettest::run("mdb-export " + jettest::quote(path) + " MSysNameMap 2>/dev/null", &status));
+    ASSERT_EQ(status, 0);
+    std::size_t found = 0;
+    for (const auto& row : csv) {
+        if (row.size() != 5) continue;
+        for (std::size_t i = 0; i < ids.size(); ++i)
+            if (row[0].text == std::to_string(ids[i])) {
+                EXPECT_EQ(row[4].text, memos[i]) << "memo " << i;
+                ++found;
+            }
+    }
+    EXPECT_EQ(found, ids.size());
+}

@@ -1,0 +1,155 @@
+// The catalogue made as a real .mdb file by the Jet engine, read back by
+// mdbtools (an independent reader) and by the engine's own structure check.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+
+#include "db/jet_opener.h"
+#include "db/recordset.h"
+#include "jet/check/check.h"
+#include "jet/read/database.h"
+#include "library/datenbank.h"
+#include "library/schema.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
+
+namespace tessara {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string ausgabe(const std::string& befehl) {
+    std::string out;
+    if (FILE* p = popen(befehl.c_str(), "r")) {
+        char buf[4096];
+        std::size_t n;
+        while ((n = fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
+        pclose(p);
+    }
+    return out;
+}
+
+std::vector<std::string> zeilen(const std::string& text) {
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string z; std::getline(in, z);) out.push_back(z);
+    return out;
+}
+
+class EchteDatei : public ::testing::Test {
+protected:
+    void SetUp() override {
+        verzeichnis = fs::temp_directory_path() /
+                      ("tessara_kat_" + std::to_string(::getpid()) + "_" +
+                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(verzeichnis);
+        fs::create_directories(verzeichnis);
+        datei = verzeichnis / "dbTessara.mdb";
+        // The program writes backslash paths; the opener maps them to native ones.
+        oeffner = db::jetOpener([](const std::string& p) {
+            std::string n = p;
+            for (auto& c : n)
+                if (c == '\\') c = '/';
+            return n;
+        });
+        programmPfad = datei.string();
+        for (auto& c : programmPfad)
+            if (c == '/') c = '\\';
+        z.benutzer = &benutzer;
+    }
+    void TearDown() override {
+        std::error_code ec;
+        fs::remove_all(verzeichnis, ec);
+    }
+    std::string exportiert(const std::string& tabelle) {
+        return ausgabe("mdb-export '" + datei.string() + "' " + tabelle + " 2>&1");
+    }
+
+    fs::path verzeichnis, datei;
+    std::string programmPfad;
+    db::StorageOpener oeffner;
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+};
+
+TEST_F(EchteDatei, NeuerKatalogIstFuerMdbtoolsUndDiePruefungLesbar) {
+    ASSERT_TRUE(Mk_Datenbank(z, oeffner, programmPfad));
+
+    EXPECT_EQ(zeilen(ausgabe("mdb-tables -1 '" + datei.string() + "'")),
+              (std::vector<std::string>{"tblBlockInfo", "tblDefMenue", "tblOrdner", "tblSeiten",
+                                        "tblMarkierteBloecke", "tblVariationBloecke"}));
+    // Every table's header row lists Nr and the columns in their order.
+    for (const auto& t : fctKatalogTabellen()) {
+        SCOPED_TRACE(t.name);
+        std::string kopf = "Nr";
+        for (const auto& s : t.spalten) kopf += "," + s.name;
+        const auto z2 = zeilen(exportiert(t.name));
+        ASSERT_FALSE(z2.empty());
+        EXPECT_EQ(z2[0], kopf);
+    }
+    const auto ordner = zeilen(exportiert("tblOrdner"));
+    ASSERT_EQ(ordner.size(), 2u);
+    EXPECT_NE(ordner[1].find("\"000\",\"Standard-Ordner\",\"Alle\""), std::string::npos) << ordner[1];
+    const auto seiten = zeilen(exportiert("tblSeiten"));
+    ASSERT_EQ(seiten.size(), 2u);
+    EXPECT_EQ(seiten[1].rfind("1,", 0), 0u) << seiten[1];
+    const auto menue = zeilen(exportiert("tblDefMenue"));
+    ASSERT_EQ(menue.size(), 2u);
+    EXPECT_NE(menue[1].find("\"*****Frei*****\""), std::string::npos);
+
+    auto jetDb = jet::Database::open(datei.string());
+    EXPECT_EQ(jet::checkDatabase(*jetDb), std::vector<std::string>{});
+    std::vector<std::string> namen;
+    for (const auto& r : jetDb->relationships()) namen.push_back(r.name);
+    EXPECT_EQ(namen, (std::vector<std::string>{"tblDefMenue_tblOrdner", "tblOrdner_tblBlockInfo",
+                                               "tblOrdner_tblSeiten",
+                                               "tblBlockInfo_tblVariationBloecke"}));
+    auto def = jetDb->tableDef("tblBlockInfo");
+    bool absteigend = false;
+    for (const auto& ix : def->indexes)
+        if (ix.name == "OrdnerID")
+            absteigend = !def->realIndexes[ix.realIndex].columns.at(0).ascending;
+    EXPECT_TRUE(absteigend);
+}
+
+// Rows written through record sets and SQL reach the file and survive a reopen.
+TEST_F(EchteDatei, DatensaetzeUeberlebenDasWiederoeffnen) {
+    ASSERT_TRUE(Mk_Datenbank(z, oeffner, programmPfad));
+    {
+        db::Connection con(oeffner);
+        con.open(fctJetVerbindung(programmPfad));
+        db::Recordset rs;
+        rs.open("SELECT * FROM tblBlockInfo", con, db::adOpenKeyset, db::adLockOptimistic);
+        for (int i = 0; i < 300; ++i) {
+            rs.addNew();
+            rs.setValue("Block", "00100" + std::to_string(100 + i));
+            rs.setValue("OrdnerID", 1);
+            rs.setValue("M0", i % 3 ? "Kugelhahn DN" + std::to_string(i) : std::string("Ventil ölfrei"));
+            rs.update();
+        }
+        rs.close();
+        EXPECT_EQ(con.execute("DELETE FROM tblBlockInfo WHERE M0 LIKE 'Ventil%'"), 100);
+        EXPECT_EQ(con.execute("UPDATE tblBlockInfo SET M3 = 'Stahl' WHERE Nr <= 10"), 6);
+    }
+    db::Connection con(oeffner);
+    con.open(fctJetVerbindung(programmPfad));
+    db::Recordset rs;
+    rs.open("SELECT Nr, Block, M3 FROM tblBlockInfo ORDER BY Nr", con, db::adOpenKeyset, db::adLockOptimistic);
+    EXPECT_EQ(rs.recordCount(), 200);
+    rs.find("Block Like '00100102'");
+    ASSERT_FALSE(rs.eof());
+    EXPECT_EQ(rs.value("Nr").asInt(), 3);
+    EXPECT_EQ(rs.value("M3").toString(), "Stahl");
+    rs.close();
+    con.close();
+    auto jetDb = jet::Database::open(datei.string());
+    EXPECT_EQ(jet::checkDatabase(*jetDb), std::vector<std::string>{});
+    EXPECT_EQ(zeilen(exportiert("tblBlockInfo")).size(), 201u);
+}
+
+}  // namespace
+}  // namespace tessara
