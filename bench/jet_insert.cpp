@@ -35,7 +35,8 @@ jet::TableSpec blockInfo(bool indexed) {
     s.columns.push_back({"Nr", jet::ColumnType::Long, 0, true, false});
     s.columns.push_back({"OrdnerID", jet::ColumnType::Long});
     for (int i = 0; i < kTexts; ++i)
-        s.columns.push_back({"T" + std::to_string(i), jet::ColumnType::Text, std::uint16_t(i < 10 ? 144 : 50)});
+        s.columns.push_back(
+            {"T" + std::to_string(i), jet::ColumnType::Text, std::uint16_t(i < 10 ? 144 : 50)});
     for (int i = 0; i < kDoubles; ++i)
         s.columns.push_back({"D" + std::to_string(i), jet::ColumnType::Double});
     if (indexed) {
@@ -76,10 +77,14 @@ Figures writeRows(const std::filesystem::path& path, bool indexed) {
             std::snprintf(block, sizeof block, "%03d0%03d", k / 1000, k % 1000);
             for (int t = 0; t < kTexts; ++t) {
                 std::string s;
-                if (t == 0) s = block;
-                else if (t == 1) s = std::string(block) + ".sld";
-                else if (t < 10) s = std::string(nouns[rng() % 6]) + " DN" + std::to_string(10 + rng() % 90);
-                else if (t < 14) s = mats[rng() % 5];
+                if (t == 0)
+                    s = block;
+                else if (t == 1)
+                    s = std::string(block) + ".sld";
+                else if (t < 10)
+                    s = std::string(nouns[rng() % 6]) + " DN" + std::to_string(10 + rng() % 90);
+                else if (t < 14)
+                    s = mats[rng() % 5];
                 if (s.empty()) {
                     r.emplace_back();
                 } else {

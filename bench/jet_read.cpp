@@ -71,8 +71,7 @@ std::string insertBenchFile() {
     std::error_code ec;
     return std::filesystem::exists(p, ec) ? p.string() : std::string();
 }
-const bool kOwnFile =
-    std::getenv("TESSARA_JET_BENCH_MDB") != nullptr || !insertBenchFile().empty();
+const bool kOwnFile = std::getenv("TESSARA_JET_BENCH_MDB") != nullptr || !insertBenchFile().empty();
 const std::string kFile = std::getenv("TESSARA_JET_BENCH_MDB") ? env("TESSARA_JET_BENCH_MDB", "")
                           : kOwnFile                           ? insertBenchFile()
                                                                : grownFile(25000);

@@ -15,7 +15,8 @@ namespace {
 constexpr int kBlocks = 5000;
 const std::string kPath = "C:\\Bench\\dbTessara.mdb";
 const char* kSelect =
-    "SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, "
+    "SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, "
+    "AX2, AX3, AX4, "
     "LAYER, LYCOLOR, LYLINE FROM tblBlockInfo WHERE OrdnerID = 2";
 
 std::string code(int k) {
@@ -34,10 +35,14 @@ struct Library {
                                          {"SlideLib", sql::ColumnType::Text, 144, false, true},
                                          {"OrdnerID", sql::ColumnType::Long, 0, false, true},
                                          {"BlkName0", sql::ColumnType::Text, 32, false, true}};
-        for (int m = 0; m < 10; ++m) cols.push_back({"M" + std::to_string(m), sql::ColumnType::Text, 100, false, true});
-        for (int a = 1; a <= 4; ++a) cols.push_back({"AX" + std::to_string(a), sql::ColumnType::Double, 0, false, true});
-        for (const char* n : {"Layer", "LyLine", "LyColor"}) cols.push_back({n, sql::ColumnType::Text, 35, false, true});
-        auto t = s->createTable("tblBlockInfo", cols, {sql::IndexDef{"PrimaryKey", {{"Nr", false}}, true, true}});
+        for (int m = 0; m < 10; ++m)
+            cols.push_back({"M" + std::to_string(m), sql::ColumnType::Text, 100, false, true});
+        for (int a = 1; a <= 4; ++a)
+            cols.push_back({"AX" + std::to_string(a), sql::ColumnType::Double, 0, false, true});
+        for (const char* n : {"Layer", "LyLine", "LyColor"})
+            cols.push_back({n, sql::ColumnType::Text, 35, false, true});
+        auto t = s->createTable("tblBlockInfo", cols,
+                                {sql::IndexDef{"PrimaryKey", {{"Nr", false}}, true, true}});
         for (int i = 0; i < kBlocks; ++i) {
             sql::Row r(cols.size());
             std::string block = "001" + std::to_string(i / 1000) + code(i);
@@ -90,7 +95,7 @@ void BM_OpenAndFullScan(benchmark::State& state) {
 BENCHMARK(BM_OpenAndFullScan)->Unit(benchmark::kMillisecond);
 
 class Capture : public benchmark::ConsoleReporter {
-public:
+  public:
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const auto& r : runs) {
             double ms = r.GetAdjustedRealTime();
@@ -109,7 +114,8 @@ int main(int argc, char** argv) {
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     if (g_find > 0 && g_scan > 0)
-        std::printf("recordset_find: open + 72 Finds %.2f ms, open + full scan %.2f ms, ratio %.2fx\n", g_find, g_scan,
-                    g_find / g_scan);
+        std::printf(
+            "recordset_find: open + 72 Finds %.2f ms, open + full scan %.2f ms, ratio %.2fx\n",
+            g_find, g_scan, g_find / g_scan);
     return 0;
 }

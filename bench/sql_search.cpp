@@ -23,7 +23,8 @@ namespace {
 
 constexpr int kRows = 100000;
 const char* kQuery =
-    "SELECT Nr, Block, OrdnerID, SlideLib, BlkName0, M0 FROM tblBlockInfo WHERE M0 LIKE '%ventil%' AND M3 LIKE "
+    "SELECT Nr, Block, OrdnerID, SlideLib, BlkName0, M0 FROM tblBlockInfo WHERE M0 LIKE '%ventil%' "
+    "AND M3 LIKE "
     "'%stahl%'";
 
 std::vector<std::string> columnNames() {
@@ -41,7 +42,8 @@ struct Generated {
 const Generated& rows() {
     static Generated g = [] {
         Generated out;
-        const char* nouns[] = {"Ventil", "Kugelhahn", "Flansch", "Rohrbogen", "Schieber", "Rückschlagventil", "Muffe"};
+        const char* nouns[] = {"Ventil",   "Kugelhahn",        "Flansch", "Rohrbogen",
+                               "Schieber", "Rückschlagventil", "Muffe"};
         const char* mats[] = {"Stahl", "Edelstahl", "Messing", "PVC", "Guss"};
         std::mt19937 rng(42);
         for (int i = 0; i < kRows; ++i) {
@@ -53,7 +55,8 @@ const Generated& rows() {
             r[2] = sql::Value::text(std::string(block) + ".sld");
             r[3] = sql::Value::integer(1 + i / 1000);
             r[4] = sql::Value::text("B" + std::string(block));
-            r[9] = sql::Value::text(std::string(nouns[rng() % 7]) + " DN" + std::to_string(10 + rng() % 90));
+            r[9] = sql::Value::text(std::string(nouns[rng() % 7]) + " DN" +
+                                    std::to_string(10 + rng() % 90));
             r[12] = sql::Value::text(mats[rng() % 5]);
             r[10] = sql::Value::text("PN" + std::to_string(rng() % 40));
             out.rows.push_back(std::move(r));
@@ -71,7 +74,8 @@ std::shared_ptr<sql::MemoryStorage> memoryCatalogue() {
         if (n == "Nr" || n == "OrdnerID") d = {n, sql::ColumnType::Long, 0, n == "Nr", n != "Nr"};
         cols.push_back(d);
     }
-    auto t = db->createTable("tblBlockInfo", cols, {sql::IndexDef{"PrimaryKey", {{"Nr", false}}, true, true}});
+    auto t = db->createTable("tblBlockInfo", cols,
+                             {sql::IndexDef{"PrimaryKey", {{"Nr", false}}, true, true}});
     for (auto r : rows().rows) t->insert(r);
     db->counters().blankUnneeded = false;  // a plain store: rows as they are
     return db;
@@ -90,7 +94,8 @@ std::vector<sql::ColumnDef> catalogueColumns() {
 // The rows written once into a new .mdb file through the Jet engine.
 std::filesystem::path mdbFile() {
     static std::filesystem::path path = [] {
-        auto dir = std::filesystem::temp_directory_path() / ("tessara_bench_mdb_" + std::to_string(::getpid()));
+        auto dir = std::filesystem::temp_directory_path() /
+                   ("tessara_bench_mdb_" + std::to_string(::getpid()));
         std::filesystem::remove_all(dir);
         std::filesystem::create_directories(dir);
         auto file = dir / "blocks.mdb";
@@ -120,7 +125,8 @@ std::string sqliteLiteral(const sql::Value& v) {
 
 std::filesystem::path sqliteFile() {
     static std::filesystem::path path = [] {
-        auto dir = std::filesystem::temp_directory_path() / ("tessara_bench_" + std::to_string(::getpid()));
+        auto dir = std::filesystem::temp_directory_path() /
+                   ("tessara_bench_" + std::to_string(::getpid()));
         std::filesystem::create_directories(dir);
         auto db = dir / "blocks.sqlite";
         auto script = dir / "load.sql";
@@ -128,7 +134,10 @@ std::filesystem::path sqliteFile() {
         out << "PRAGMA journal_mode=OFF;\nBEGIN;\nCREATE TABLE tblBlockInfo (";
         auto names = columnNames();
         for (std::size_t i = 0; i < names.size(); ++i)
-            out << (i ? ", " : "") << names[i] << (names[i] == "Nr" ? " INTEGER PRIMARY KEY" : names[i] == "OrdnerID" ? " INTEGER" : " TEXT");
+            out << (i ? ", " : "") << names[i]
+                << (names[i] == "Nr"         ? " INTEGER PRIMARY KEY"
+                    : names[i] == "OrdnerID" ? " INTEGER"
+                                             : " TEXT");
         out << ");\n";
         for (const auto& r : rows().rows) {
             out << "INSERT INTO tblBlockInfo VALUES (";
@@ -138,7 +147,8 @@ std::filesystem::path sqliteFile() {
         out << "COMMIT;\n";
         out.close();
         std::string cmd = "sqlite3 '" + db.string() + "' < '" + script.string() + "' > /dev/null";
-        if (std::system(cmd.c_str()) != 0) std::fprintf(stderr, "sqlite3 could not load the rows\n");
+        if (std::system(cmd.c_str()) != 0)
+            std::fprintf(stderr, "sqlite3 could not load the rows\n");
         return db;
     }();
     return path;
@@ -168,7 +178,9 @@ double timeQuery(benchmark::State& state, const std::shared_ptr<sql::Storage>& d
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count() / double(n);
 }
 
-void BM_SqlLayerOverMemory(benchmark::State& state) { g_ours = timeQuery(state, memoryCatalogue()); }
+void BM_SqlLayerOverMemory(benchmark::State& state) {
+    g_ours = timeQuery(state, memoryCatalogue());
+}
 BENCHMARK(BM_SqlLayerOverMemory)->Unit(benchmark::kMillisecond);
 
 double g_mdb = 0;
@@ -209,12 +221,15 @@ int main(int argc, char** argv) {
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     if (g_mdb > 0 && g_peer > 0)
-        std::printf("sql_search: SQL layer over .mdb %.2f ms, sqlite3 %.2f ms per statement, ratio %.2fx "
-                    "(target <= 2)\n",
-                    g_mdb * 1e3, g_peer * 1e3, g_mdb / g_peer);
+        std::printf(
+            "sql_search: SQL layer over .mdb %.2f ms, sqlite3 %.2f ms per statement, ratio %.2fx "
+            "(target <= 2)\n",
+            g_mdb * 1e3, g_peer * 1e3, g_mdb / g_peer);
     if (g_ours > 0 && g_peer > 0)
-        std::printf("sql_search: SQL layer over memory %.2f ms, sqlite3 %.2f ms per statement, ratio %.2fx\n", g_ours * 1e3,
-                    g_peer * 1e3, g_ours / g_peer);
+        std::printf(
+            "sql_search: SQL layer over memory %.2f ms, sqlite3 %.2f ms per statement, ratio "
+            "%.2fx\n",
+            g_ours * 1e3, g_peer * 1e3, g_ours / g_peer);
     std::error_code ec;
     std::filesystem::remove_all(sqliteFile().parent_path(), ec);
     std::filesystem::remove_all(mdbFile().parent_path(), ec);

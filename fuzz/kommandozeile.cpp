@@ -1,11 +1,11 @@
 // Any bytes as a command line: evaluated without a crash, cut pieces stay
 // inside the line.
+#include "startup/kommandozeile.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
-
-#include "startup/kommandozeile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string zeile(reinterpret_cast<const char*>(data), size);

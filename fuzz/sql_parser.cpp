@@ -28,7 +28,9 @@ std::shared_ptr<sql::MemoryStorage> smallCatalogue() {
                      {"NrTblOrdner", sql::ColumnType::Long, 0, false, true}},
                     pk);
     sql::Executor ex(db);
-    ex.execute("INSERT INTO tblOrdner (OrdnerNr, Ordnername, Wert) VALUES ('000', 'Standard-Ordner', 1.5)");
+    ex.execute(
+        "INSERT INTO tblOrdner (OrdnerNr, Ordnername, Wert) VALUES ('000', 'Standard-Ordner', "
+        "1.5)");
     ex.execute("INSERT INTO tblOrdner (OrdnerNr, Ordnername) VALUES ('001', 'Öl')");
     ex.execute("INSERT INTO tblSeiten (SeitenNr, SeitenName, NrTblOrdner) VALUES (1, '1', 1)");
     return db;

@@ -10,10 +10,14 @@ using sql::Value;
 
 namespace {
 ColumnDef key() { return ColumnDef{"Nr", ColumnType::Long, 0, true, false}; }
-ColumnDef text(const std::string& n, int size) { return ColumnDef{n, ColumnType::Text, size, false, true}; }
+ColumnDef text(const std::string& n, int size) {
+    return ColumnDef{n, ColumnType::Text, size, false, true};
+}
 ColumnDef lng(const std::string& n) { return ColumnDef{n, ColumnType::Long, 0, false, true}; }
 ColumnDef dbl(const std::string& n) { return ColumnDef{n, ColumnType::Double, 0, false, true}; }
-std::vector<sql::IndexDef> primary() { return {sql::IndexDef{"PrimaryKey", {{"Nr", false}}, true, true}}; }
+std::vector<sql::IndexDef> primary() {
+    return {sql::IndexDef{"PrimaryKey", {{"Nr", false}}, true, true}};
+}
 
 sql::Row rowFor(sql::Table& t, const std::vector<std::pair<std::string, Value>>& values) {
     auto cols = t.columns();
@@ -43,7 +47,8 @@ void createSchema(sql::Storage& db) {
     for (int i = 0; i < 10; ++i) bi.push_back(text("M" + std::to_string(i), 100));
     for (int v = 0; v < 5; ++v)
         for (char p = 'A'; p <= 'F'; ++p)
-            for (char x : {'X', 'Y', 'Z'}) bi.push_back(dbl(std::string(1, p) + x + std::to_string(v)));
+            for (char x : {'X', 'Y', 'Z'})
+                bi.push_back(dbl(std::string(1, p) + x + std::to_string(v)));
     for (int i = 0; i < 5; ++i) bi.push_back(text("FktRuf" + std::to_string(i), 100));
     bi.push_back(text("Prg", 3));
     bi.push_back(text("Layer", 35));
@@ -58,15 +63,19 @@ void createSchema(sql::Storage& db) {
     }
     db.createTable("tblDefMenue", dm, primary());
     db.createTable("tblOrdner",
-                   {key(), text("OrdnerNr", 3), text("Ordnername", 100), text("OrdnerRechte", 100), lng("NrTblDefMenue"),
-                    lng("NrTblRechte")},
+                   {key(), text("OrdnerNr", 3), text("Ordnername", 100), text("OrdnerRechte", 100),
+                    lng("NrTblDefMenue"), lng("NrTblRechte")},
                    primary());
-    db.createTable("tblSeiten", {key(), lng("SeitenNr"), text("SeitenName", 100), lng("NrTblOrdner")}, primary());
-    db.createTable("tblMarkierteBloecke",
-                   {key(), text("BlockName", 100), text("BlockNr", 20), text("SpeicherOrtSlide", 100),
-                    text("SpeicherOrtDWG", 100), lng("MarkierteAnsicht"), lng("NummerEinfuegepkt")},
+    db.createTable("tblSeiten",
+                   {key(), lng("SeitenNr"), text("SeitenName", 100), lng("NrTblOrdner")},
                    primary());
-    db.createTable("tblVariationBloecke", {key(), text("BlockName", 100), lng("BlockID"), text("BlockDateiName", 100)},
+    db.createTable(
+        "tblMarkierteBloecke",
+        {key(), text("BlockName", 100), text("BlockNr", 20), text("SpeicherOrtSlide", 100),
+         text("SpeicherOrtDWG", 100), lng("MarkierteAnsicht"), lng("NummerEinfuegepkt")},
+        primary());
+    db.createTable("tblVariationBloecke",
+                   {key(), text("BlockName", 100), lng("BlockID"), text("BlockDateiName", 100)},
                    primary());
 }
 
@@ -82,7 +91,10 @@ Catalogue fill(sql::Storage& db, int blockCount) {
     sql::Row mr = rowFor(*dm, menu);
     dm->insert(mr);
 
-    c.folders = {{1, "000", "Standard-Ordner"}, {2, "001", "Armaturen"}, {3, "002", "Rohrleitungen"}, {4, "003", "Öl-Anlagen"}};
+    c.folders = {{1, "000", "Standard-Ordner"},
+                 {2, "001", "Armaturen"},
+                 {3, "002", "Rohrleitungen"},
+                 {4, "003", "Öl-Anlagen"}};
     auto ord = db.table("tblOrdner");
     for (const auto& f : c.folders) {
         sql::Row r = rowFor(*ord, {{"OrdnerNr", Value::text(f.code)},
@@ -108,7 +120,8 @@ Catalogue fill(sql::Storage& db, int blockCount) {
         }
     }
 
-    const char* nouns[] = {"Ventil", "Kugelhahn", "Flansch", "Öltank", "Schieber", "Rückschlagventil", "Straßenkappe"};
+    const char* nouns[] = {"Ventil",   "Kugelhahn",        "Flansch",     "Öltank",
+                           "Schieber", "Rückschlagventil", "Straßenkappe"};
     const char* materials[] = {"Stahl", "Edelstahl", "Messing", "PVC", ""};
     auto bi = db.table("tblBlockInfo");
     for (int i = 0; i < blockCount; ++i) {
@@ -127,7 +140,8 @@ Catalogue fill(sql::Storage& db, int blockCount) {
         c.blocks.push_back(b);
         std::vector<std::pair<std::string, Value>> vals{
             {"Block", Value::text(b.block)},
-            {"SlideLib", Value::text(i % 2 ? b.block + ".sld" : c.folders[b.ordnerId - 1].code + ".slb")},
+            {"SlideLib",
+             Value::text(i % 2 ? b.block + ".sld" : c.folders[b.ordnerId - 1].code + ".slb")},
             {"OrdnerID", Value::integer(b.ordnerId)},
             {"BlkName0", Value::text(b.blkName0)},
             {"M0", Value::text(b.m0)},
@@ -141,7 +155,8 @@ Catalogue fill(sql::Storage& db, int blockCount) {
 
     auto var = db.table("tblVariationBloecke");
     for (int i = 0; i < blockCount; i += 10) {
-        VariantSpec v{static_cast<int>(c.variants.size()) + 1, "Variante" + std::to_string(i), i + 1};
+        VariantSpec v{static_cast<int>(c.variants.size()) + 1, "Variante" + std::to_string(i),
+                      i + 1};
         c.variants.push_back(v);
         sql::Row r = rowFor(*var, {{"BlockName", Value::text(v.name)},
                                    {"BlockID", Value::integer(v.blockId)},

@@ -14,7 +14,8 @@
 namespace cli {
 
 using Args = std::vector<std::string>;  // arguments after the subcommand name
-using Handler = std::function<int(const Args&, std::istream& in, std::ostream& out, std::ostream& err)>;
+using Handler =
+    std::function<int(const Args&, std::istream& in, std::ostream& out, std::ostream& err)>;
 
 struct Subcommand {
     Subcommand(std::string name, std::string usage, std::string summary, Handler run);

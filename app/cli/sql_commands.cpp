@@ -26,10 +26,12 @@ int runSql(const cli::Args& args, std::istream&, std::ostream& out, std::ostream
             out << r.rowsAffected << "\n";
             return 0;
         }
-        for (std::size_t i = 0; i < r.rows.columns.size(); ++i) out << (i ? "," : "") << r.rows.columns[i].name;
+        for (std::size_t i = 0; i < r.rows.columns.size(); ++i)
+            out << (i ? "," : "") << r.rows.columns[i].name;
         out << "\n";
         for (const auto& row : r.rows.rows) {
-            for (std::size_t i = 0; i < row.size(); ++i) out << (i ? "," : "") << cli::csvValue(row[i], r.rows.columns[i]);
+            for (std::size_t i = 0; i < row.size(); ++i)
+                out << (i ? "," : "") << cli::csvValue(row[i], r.rows.columns[i]);
             out << "\n";
         }
         return 0;
@@ -39,6 +41,7 @@ int runSql(const cli::Args& args, std::istream&, std::ostream& out, std::ostream
     }
 }
 
-cli::Subcommand sqlCommand{"sql", "PATH STATEMENT", "run one Jet SQL statement (a SELECT prints CSV)", &runSql};
+cli::Subcommand sqlCommand{"sql", "PATH STATEMENT",
+                           "run one Jet SQL statement (a SELECT prints CSV)", &runSql};
 
 }  // namespace

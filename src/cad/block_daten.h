@@ -67,8 +67,8 @@ struct typVariante {
 // One pending insertion: the selected slot, or one row of the marked blocks.
 struct typEinfuegeAuftrag {
     typBlockDaten block;
-    int ansicht = 0;            // View 0 .. 4
-    int nummerEinfuegepkt = 1;  // 1: the drawing's base point; 2 ..: stored points A ..
+    int ansicht = 0;                     // View 0 .. 4
+    int nummerEinfuegepkt = 1;           // 1: the drawing's base point; 2 ..: stored points A ..
     std::vector<typVariante> varianten;  // the Block's Variants, empty when it has none
     // The Variant chosen before insertion; empty BlockDateiName: the Block itself.
     typVariante variante;

@@ -115,8 +115,8 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
                 r.eingefuegt += anzahl;
                 // The Escape that ends a series of insertions is no cancel:
                 // the next marked block follows.
-                if (anzahl > 0 && (ergebnis == LtErgebnis::Eingefuegt ||
-                                   ergebnis == LtErgebnis::Abgebrochen)) {
+                if (anzahl > 0 &&
+                    (ergebnis == LtErgebnis::Eingefuegt || ergebnis == LtErgebnis::Abgebrochen)) {
                     r.erledigteBloecke.push_back(b.Block);
                     continue;
                 }
@@ -131,11 +131,10 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
                                  : "NummerEinfuegepkt bei normalem Einfuegen");
             const int nr = auftrag.nummerEinfuegepkt;
             const std::string pfad =
-                booVariante ? fctVariantenZeichnungsPfad(a.strBibliothek, b.OrdnerNr,
-                                                         auftrag.variante.BlockDateiName,
-                                                         auftrag.ansicht)
-                            : fctZeichnungsPfad(a.strBibliothek, b.OrdnerNr, b.Block,
-                                                auftrag.ansicht);
+                booVariante
+                    ? fctVariantenZeichnungsPfad(a.strBibliothek, b.OrdnerNr,
+                                                 auftrag.variante.BlockDateiName, auftrag.ansicht)
+                    : fctZeichnungsPfad(a.strBibliothek, b.OrdnerNr, b.Block, auftrag.ansicht);
             const std::string name = fctBlockNameBereinigen(
                 booVariante ? auftrag.variante.BlockName : ansichtsName(b, auftrag.ansicht));
             const std::string angabe = fctBlockAngabe(name, pfad, o.checkBlock == 1);

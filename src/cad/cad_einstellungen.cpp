@@ -22,9 +22,10 @@ typCadEinstellungen fctCadEinstellungenLesen(const IniLeser& iniGetValue) {
 }
 
 typCadEinstellungen fctCadEinstellungenLesen(ProgrammZustand& z) {
-    return fctCadEinstellungenLesen([&z](const std::string& sektion, const std::string& schluessel) {
-        return IniGetValue(z, z.strIniDatei, sektion, schluessel);
-    });
+    return fctCadEinstellungenLesen(
+        [&z](const std::string& sektion, const std::string& schluessel) {
+            return IniGetValue(z, z.strIniDatei, sektion, schluessel);
+        });
 }
 
 typEinfuegeOptionen fctEinfuegeOptionenAusSetup(const typSetupWerte& w) {

@@ -229,7 +229,8 @@ std::vector<std::string> fctLispVariablenBefehle(const typBlockDaten& b) {
         return r + Q;
     };
     std::vector<std::pair<std::string, std::string>> werte = {{"Block", b.Block}};
-    for (std::size_t i = 0; i < b.M.size(); ++i) werte.emplace_back("M" + std::to_string(i), b.M[i]);
+    for (std::size_t i = 0; i < b.M.size(); ++i)
+        werte.emplace_back("M" + std::to_string(i), b.M[i]);
     werte.insert(werte.end(), {{"LAYER", b.Layer}, {"LYCOLOR", b.LyColor}, {"LYLINE", b.LyLine}});
     std::vector<std::string> r;
     for (const auto& [name, wert] : werte) {

@@ -8,7 +8,12 @@ namespace db {
 
 enum ObjectState { adStateClosed = 0, adStateOpen = 1 };
 enum CursorType { adOpenForwardOnly = 0, adOpenKeyset = 1, adOpenDynamic = 2, adOpenStatic = 3 };
-enum LockType { adLockReadOnly = 1, adLockPessimistic = 2, adLockOptimistic = 3, adLockBatchOptimistic = 4 };
+enum LockType {
+    adLockReadOnly = 1,
+    adLockPessimistic = 2,
+    adLockOptimistic = 3,
+    adLockBatchOptimistic = 4
+};
 enum CursorLocation { adUseServer = 2, adUseClient = 3 };
 enum SearchDirection { adSearchBackward = -1, adSearchForward = 1 };
 enum PositionEnum { adPosUnknown = -1, adPosBOF = -2, adPosEOF = -3 };

@@ -8,46 +8,75 @@ namespace db {
 
 sql::ColumnType columnTypeOf(DataType t) {
     switch (t) {
-        case adSmallInt: return sql::ColumnType::Integer;
-        case adInteger: return sql::ColumnType::Long;
-        case adSingle: return sql::ColumnType::Single;
-        case adDouble: return sql::ColumnType::Double;
-        case adCurrency: return sql::ColumnType::Currency;
-        case adDate: return sql::ColumnType::DateTime;
-        case adBoolean: return sql::ColumnType::Boolean;
-        case adUnsignedTinyInt: return sql::ColumnType::Byte;
-        case adGUID: return sql::ColumnType::Guid;
-        case adNumeric: return sql::ColumnType::Numeric;
+        case adSmallInt:
+            return sql::ColumnType::Integer;
+        case adInteger:
+            return sql::ColumnType::Long;
+        case adSingle:
+            return sql::ColumnType::Single;
+        case adDouble:
+            return sql::ColumnType::Double;
+        case adCurrency:
+            return sql::ColumnType::Currency;
+        case adDate:
+            return sql::ColumnType::DateTime;
+        case adBoolean:
+            return sql::ColumnType::Boolean;
+        case adUnsignedTinyInt:
+            return sql::ColumnType::Byte;
+        case adGUID:
+            return sql::ColumnType::Guid;
+        case adNumeric:
+            return sql::ColumnType::Numeric;
         case adWChar:
-        case adVarWChar: return sql::ColumnType::Text;
-        case adLongVarWChar: return sql::ColumnType::Memo;
-        case adVarBinary: return sql::ColumnType::Binary;
-        case adLongVarBinary: return sql::ColumnType::OLE;
+        case adVarWChar:
+            return sql::ColumnType::Text;
+        case adLongVarWChar:
+            return sql::ColumnType::Memo;
+        case adVarBinary:
+            return sql::ColumnType::Binary;
+        case adLongVarBinary:
+            return sql::ColumnType::OLE;
     }
     throw adoerrors::badArguments();
 }
 
 DataType dataTypeOf(sql::ColumnType t) {
     switch (t) {
-        case sql::ColumnType::Boolean: return adBoolean;
-        case sql::ColumnType::Byte: return adUnsignedTinyInt;
-        case sql::ColumnType::Integer: return adSmallInt;
-        case sql::ColumnType::Long: return adInteger;
-        case sql::ColumnType::Currency: return adCurrency;
-        case sql::ColumnType::Single: return adSingle;
-        case sql::ColumnType::Double: return adDouble;
-        case sql::ColumnType::DateTime: return adDate;
-        case sql::ColumnType::Binary: return adVarBinary;
-        case sql::ColumnType::Text: return adVarWChar;
-        case sql::ColumnType::OLE: return adLongVarBinary;
-        case sql::ColumnType::Memo: return adLongVarWChar;
-        case sql::ColumnType::Guid: return adGUID;
-        case sql::ColumnType::Numeric: return adNumeric;
+        case sql::ColumnType::Boolean:
+            return adBoolean;
+        case sql::ColumnType::Byte:
+            return adUnsignedTinyInt;
+        case sql::ColumnType::Integer:
+            return adSmallInt;
+        case sql::ColumnType::Long:
+            return adInteger;
+        case sql::ColumnType::Currency:
+            return adCurrency;
+        case sql::ColumnType::Single:
+            return adSingle;
+        case sql::ColumnType::Double:
+            return adDouble;
+        case sql::ColumnType::DateTime:
+            return adDate;
+        case sql::ColumnType::Binary:
+            return adVarBinary;
+        case sql::ColumnType::Text:
+            return adVarWChar;
+        case sql::ColumnType::OLE:
+            return adLongVarBinary;
+        case sql::ColumnType::Memo:
+            return adLongVarWChar;
+        case sql::ColumnType::Guid:
+            return adGUID;
+        case sql::ColumnType::Numeric:
+            return adNumeric;
     }
     return adVarWChar;
 }
 
-CatalogColumn& CatalogTable::appendColumn(const std::string& columnName, DataType type, int definedSize) {
+CatalogColumn& CatalogTable::appendColumn(const std::string& columnName, DataType type,
+                                          int definedSize) {
     for (const auto& c : columns)
         if (sql::textEquals(c.name, columnName)) throw adoerrors::badArguments();
     columns.push_back(CatalogColumn{columnName, type, definedSize, false, false});
@@ -93,7 +122,8 @@ void Catalog::appendTable(const CatalogTable& t) {
         for (const auto& c : k.columns) ix.columns.push_back({c, false});
         indexes.push_back(ix);
     }
-    for (const auto& i : t.indexes) indexes.push_back({i.name, i.columns, i.primaryKey, i.unique || i.primaryKey});
+    for (const auto& i : t.indexes)
+        indexes.push_back({i.name, i.columns, i.primaryKey, i.unique || i.primaryKey});
     s->createTable(t.name, cols, indexes);
     for (const auto& k : t.keys)
         if (k.type == adKeyForeign) appendKey(t.name, k);
@@ -110,7 +140,8 @@ void Catalog::appendKey(const std::string& table, const CatalogKey& key) {
         r.relatedTable = key.relatedTable;
         r.relatedColumns = key.relatedColumns;
         if (r.relatedColumns.empty()) r.relatedColumns.push_back("Nr");
-        if (key.updateRule == adRISetNull || key.updateRule == adRISetDefault || key.deleteRule == adRISetDefault)
+        if (key.updateRule == adRISetNull || key.updateRule == adRISetDefault ||
+            key.deleteRule == adRISetDefault)
             throw adoerrors::badArguments();
         r.enforce = key.enforce;
         r.cascadeUpdates = key.updateRule == adRICascade;
@@ -128,7 +159,8 @@ void Catalog::appendKey(const std::string& table, const CatalogKey& key) {
 }
 
 void Catalog::appendIndex(const std::string& table, const CatalogIndex& index) {
-    storage()->createIndex(table, {index.name, index.columns, index.primaryKey, index.unique || index.primaryKey});
+    storage()->createIndex(
+        table, {index.name, index.columns, index.primaryKey, index.unique || index.primaryKey});
 }
 
 CatalogTable Catalog::table(const std::string& name) {
@@ -138,7 +170,8 @@ CatalogTable Catalog::table(const std::string& name) {
     CatalogTable out;
     out.name = t->name();
     for (const auto& c : t->columns())
-        out.columns.push_back(CatalogColumn{c.name, dataTypeOf(c.type), c.type == sql::ColumnType::Text ? c.size : 0,
+        out.columns.push_back(CatalogColumn{c.name, dataTypeOf(c.type),
+                                            c.type == sql::ColumnType::Text ? c.size : 0,
                                             c.autoIncrement, c.nullable});
     for (const auto& ix : t->indexes()) {
         out.indexes.push_back({ix.name, ix.columns, ix.unique, ix.primary});

@@ -74,7 +74,7 @@ struct CatalogTable {
 };
 
 class Catalog {
-public:
+  public:
     // Makes a new, empty database and becomes connected to it; a file that
     // exists already is refused.
     void create(const std::string& connectionString, const StorageOpener& opener);
@@ -88,7 +88,7 @@ public:
 
     std::shared_ptr<sql::Storage> storage() const;
 
-private:
+  private:
     std::shared_ptr<sql::Storage> storage_;
 };
 

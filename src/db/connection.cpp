@@ -27,7 +27,8 @@ std::map<std::string, std::string> parseConnectionString(const std::string& text
         std::size_t semi = text.find(';', i);
         std::string part = text.substr(i, semi == std::string::npos ? std::string::npos : semi - i);
         std::size_t eq = part.find('=');
-        if (eq != std::string::npos) out[lowerAscii(trim(part.substr(0, eq)))] = trim(part.substr(eq + 1));
+        if (eq != std::string::npos)
+            out[lowerAscii(trim(part.substr(0, eq)))] = trim(part.substr(eq + 1));
         if (semi == std::string::npos) break;
         i = semi + 1;
     }
@@ -46,8 +47,10 @@ std::string Connection::property(const std::string& name) const {
 void Connection::open(const std::string& connectionString) {
     if (storage_) throw adoerrors::objectOpen();
     for (const auto& [k, v] : parseConnectionString(connectionString)) {
-        if (k == "provider") provider = v;
-        else properties_[k] = v;
+        if (k == "provider")
+            provider = v;
+        else
+            properties_[k] = v;
     }
     std::string p = lowerAscii(provider);
     if (p.rfind("microsoft.jet.oledb.4.0", 0) != 0) throw adoerrors::providerNotFound();

@@ -13,13 +13,14 @@ namespace db {
 
 // Opens (or, with create, makes) the database file at a path. The Jet engine
 // adapter supplies one for .mdb files; tests use in-memory stores.
-using StorageOpener = std::function<std::shared_ptr<sql::Storage>(const std::string& path, bool create)>;
+using StorageOpener =
+    std::function<std::shared_ptr<sql::Storage>(const std::string& path, bool create)>;
 
 // "Key=Value;Key=Value" as in ADO connection strings; keys case-insensitive.
 std::map<std::string, std::string> parseConnectionString(const std::string& text);
 
 class Connection {
-public:
+  public:
     explicit Connection(StorageOpener opener) : opener_(std::move(opener)) {}
 
     // Properties as ADO sets them before Open.
@@ -42,7 +43,7 @@ public:
     const std::string& path() const { return path_; }
     const StorageOpener& opener() const { return opener_; }
 
-private:
+  private:
     StorageOpener opener_;
     std::map<std::string, std::string> properties_;
     std::shared_ptr<sql::Storage> storage_;

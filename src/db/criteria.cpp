@@ -38,7 +38,7 @@ bool sameName(const std::string& a, const std::string& b) {
 }
 
 class CriteriaParser {
-public:
+  public:
     CriteriaParser(const std::string& text, const std::vector<sql::ResultColumn>& cols)
         : toks_(sql::tokenize(text)), cols_(cols) {}
 
@@ -48,7 +48,7 @@ public:
         return n;
     }
 
-private:
+  private:
     const Tok& peek() const { return toks_[pos_]; }
     const Tok& next() { return toks_[pos_ < toks_.size() - 1 ? pos_++ : pos_]; }
 
@@ -89,15 +89,17 @@ private:
     std::shared_ptr<Criteria::Node> compare() {
         auto n = std::make_shared<Criteria::Node>();
         const Tok& name = next();
-        if (name.kind != Tok::Kind::Word && name.kind != Tok::Kind::Bracketed) throw adoerrors::badArguments();
+        if (name.kind != Tok::Kind::Word && name.kind != Tok::Kind::Bracketed)
+            throw adoerrors::badArguments();
         for (std::size_t i = 0; i < cols_.size(); ++i)
             if (sameName(cols_[i].name, name.text)) n->column = static_cast<int>(i);
         if (n->column < 0) throw adoerrors::itemNotFound();
         const Tok& op = next();
         if (op.isWord("LIKE")) {
             n->op = "LIKE";
-        } else if (op.kind == Tok::Kind::Symbol && (op.text == "=" || op.text == "<>" || op.text == "<" ||
-                                                   op.text == "<=" || op.text == ">" || op.text == ">=")) {
+        } else if (op.kind == Tok::Kind::Symbol &&
+                   (op.text == "=" || op.text == "<>" || op.text == "<" || op.text == "<=" ||
+                    op.text == ">" || op.text == ">=")) {
             n->op = op.text;
         } else {
             throw adoerrors::badArguments();
@@ -113,8 +115,9 @@ private:
         } else if (v.kind == Tok::Kind::Number) {
             double d = std::strtod(v.text.c_str(), nullptr);
             if (negative) d = -d;
-            n->value = (d == static_cast<double>(static_cast<long long>(d))) ? sql::Value::integer(static_cast<long long>(d))
-                                                                             : sql::Value::real(d);
+            n->value = (d == static_cast<double>(static_cast<long long>(d)))
+                           ? sql::Value::integer(static_cast<long long>(d))
+                           : sql::Value::real(d);
         } else if (v.isWord("NULL")) {
             n->value = sql::Value();
         } else if (v.kind == Tok::Kind::Word && !negative) {
@@ -125,7 +128,8 @@ private:
         }
         if (n->op == "LIKE") {
             if (!n->value.isText()) throw adoerrors::badArguments();
-            n->pattern = std::make_shared<sql::LikePattern>(n->value.textRef(), sql::LikePattern::Dialect::Criteria);
+            n->pattern = std::make_shared<sql::LikePattern>(n->value.textRef(),
+                                                            sql::LikePattern::Dialect::Criteria);
         }
         return n;
     }
@@ -137,9 +141,12 @@ private:
 
 bool evaluate(const Criteria::Node& n, const sql::Row& row) {
     switch (n.kind) {
-        case Criteria::Node::And: return evaluate(*n.left, row) && evaluate(*n.right, row);
-        case Criteria::Node::Or: return evaluate(*n.left, row) || evaluate(*n.right, row);
-        case Criteria::Node::Compare: break;
+        case Criteria::Node::And:
+            return evaluate(*n.left, row) && evaluate(*n.right, row);
+        case Criteria::Node::Or:
+            return evaluate(*n.left, row) || evaluate(*n.right, row);
+        case Criteria::Node::Compare:
+            break;
     }
     const sql::Value& v = row[n.column];
     if (n.value.isNull()) {
@@ -153,7 +160,8 @@ bool evaluate(const Criteria::Node& n, const sql::Row& row) {
     int c;
     if (v.isNumber()) {
         double x = v.asDouble();
-        double y = n.value.isNumber() ? n.value.asDouble() : std::strtod(n.value.textRef().c_str(), nullptr);
+        double y = n.value.isNumber() ? n.value.asDouble()
+                                      : std::strtod(n.value.textRef().c_str(), nullptr);
         if (!n.value.isNumber()) {
             char* end = nullptr;
             std::strtod(n.value.textRef().c_str(), &end);
@@ -162,7 +170,8 @@ bool evaluate(const Criteria::Node& n, const sql::Row& row) {
         c = x < y ? -1 : x > y ? 1 : 0;
     } else {
         std::string a = v.toString(), b = n.value.toString();
-        c = (n.op == "=" || n.op == "<>") ? (sql::textEquals(a, b) ? 0 : 1) : sql::compareGeneral(a, b);
+        c = (n.op == "=" || n.op == "<>") ? (sql::textEquals(a, b) ? 0 : 1)
+                                          : sql::compareGeneral(a, b);
     }
     if (n.op == "=") return c == 0;
     if (n.op == "<>") return c != 0;
@@ -207,7 +216,8 @@ void Criteria::foldText(const sql::Value& v, std::string& out) {
     }
 }
 
-Criteria::Criteria(const std::string& text, const std::vector<sql::ResultColumn>& columns, bool allowJoins) {
+Criteria::Criteria(const std::string& text, const std::vector<sql::ResultColumn>& columns,
+                   bool allowJoins) {
     root_ = CriteriaParser(text, columns).parse(allowJoins);
     if (root_->kind == Node::Compare) columnType_ = columns[root_->column].type;
 }

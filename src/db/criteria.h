@@ -11,9 +11,10 @@
 namespace db {
 
 class Criteria {
-public:
+  public:
     // Throws ADO's errors: unknown field, malformed criteria.
-    Criteria(const std::string& text, const std::vector<sql::ResultColumn>& columns, bool allowJoins);
+    Criteria(const std::string& text, const std::vector<sql::ResultColumn>& columns,
+             bool allowJoins);
     bool matches(const sql::Row& row) const;
 
     // A criterion that holds exactly for the rows whose value in one column
@@ -35,7 +36,7 @@ public:
 
     struct Node;
 
-private:
+  private:
     std::shared_ptr<Node> root_;
     sql::ColumnType columnType_ = sql::ColumnType::Text;  // of a single comparison's column
 };

@@ -16,24 +16,29 @@ bool looksLikeStatement(const std::string& s) {
     std::string w;
     for (std::size_t i = b; i < s.size() && std::isalpha(static_cast<unsigned char>(s[i])); ++i)
         w.push_back(static_cast<char>(std::toupper(static_cast<unsigned char>(s[i]))));
-    return w == "SELECT" || w == "INSERT" || w == "UPDATE" || w == "DELETE" || w == "ALTER" || w == "CREATE" ||
-           w == "DROP" || w == "TRANSFORM" || w == "PARAMETERS";
+    return w == "SELECT" || w == "INSERT" || w == "UPDATE" || w == "DELETE" || w == "ALTER" ||
+           w == "CREATE" || w == "DROP" || w == "TRANSFORM" || w == "PARAMETERS";
 }
 
 sql::Error keyChanged() {
     return sql::Error(
-        "Key value for this row was changed or deleted at the data store.  The local row is now deleted.",
+        "Key value for this row was changed or deleted at the data store.  The local row is now "
+        "deleted.",
         -2147217864L, 0);
 }
 }  // namespace
 
-void Recordset::open(const std::string& source, Connection& connection, CursorType cursor, LockType lock) {
+void Recordset::open(const std::string& source, Connection& connection, CursorType cursor,
+                     LockType lock) {
     if (open_) throw adoerrors::objectOpen();
     if (connection.state() != adStateOpen) throw adoerrors::objectClosed();
     connection_ = &connection;
-    if (looksLikeStatement(source)) source_ = source;
-    else if (!source.empty() && source.front() == '[') source_ = "SELECT * FROM " + source;
-    else source_ = "SELECT * FROM [" + source + "]";
+    if (looksLikeStatement(source))
+        source_ = source;
+    else if (!source.empty() && source.front() == '[')
+        source_ = "SELECT * FROM " + source;
+    else
+        source_ = "SELECT * FROM [" + source + "]";
     cursor_ = cursor;
     lock_ = lock;
     filter_.clear();
@@ -65,7 +70,8 @@ void Recordset::rebuildView() {
     if (!filter_.empty()) crit.emplace(filter_, result_.columns, true);
     view_.clear();
     for (std::size_t i = 0; i < records_.size(); ++i)
-        if (!records_[i].deleted && (!crit || crit->matches(records_[i].values))) view_.push_back(i);
+        if (!records_[i].deleted && (!crit || crit->matches(records_[i].values)))
+            view_.push_back(i);
     pos_ = 0;
     currentDeleted_ = false;
 }
@@ -271,7 +277,8 @@ int Recordset::fieldCount() const {
 
 const sql::ResultColumn& Recordset::fieldInfo(int index) const {
     requireOpen();
-    if (index < 0 || index >= static_cast<int>(result_.columns.size())) throw adoerrors::itemNotFound();
+    if (index < 0 || index >= static_cast<int>(result_.columns.size()))
+        throw adoerrors::itemNotFound();
     return result_.columns[index];
 }
 
@@ -293,7 +300,9 @@ const sql::Row& Recordset::currentValues() const {
     return records_[view_[pos_]].values;
 }
 
-sql::Value Recordset::value(const std::string& field) const { return currentValues()[fieldIndex(field)]; }
+sql::Value Recordset::value(const std::string& field) const {
+    return currentValues()[fieldIndex(field)];
+}
 
 sql::Value Recordset::value(int index) const {
     const sql::Row& r = currentValues();
@@ -343,8 +352,9 @@ void Recordset::update() {
         row.assign(baseCols.size(), sql::Value());
     } else {
         Record& rec = records_[view_[pos_]];
-        std::optional<sql::RowId> found =
-            result_.keyColumns.empty() ? std::optional<sql::RowId>(rec.id) : sql::findByKey(*table, result_.keyColumns, rec.key);
+        std::optional<sql::RowId> found = result_.keyColumns.empty()
+                                              ? std::optional<sql::RowId>(rec.id)
+                                              : sql::findByKey(*table, result_.keyColumns, rec.key);
         if (!found) throw keyChanged();
         id = *found;
         row = table->read(id);
@@ -354,10 +364,13 @@ void Recordset::update() {
         if (b < 0) continue;
         if (mode == Edit::Adding && pending_[i].isNull()) continue;
         if (mode == Edit::Editing && pending_[i] == records_[view_[pos_]].values[i]) continue;
-        row[b] = sql::coerceToColumn(pending_[i], baseCols[b].type, baseCols[b].size, baseCols[b].name);
+        row[b] =
+            sql::coerceToColumn(pending_[i], baseCols[b].type, baseCols[b].size, baseCols[b].name);
     }
-    if (mode == Edit::Adding) id = table->insert(row);
-    else table->update(id, row);
+    if (mode == Edit::Adding)
+        id = table->insert(row);
+    else
+        table->update(id, row);
 
     Record rec;
     rec.id = id;
@@ -390,8 +403,9 @@ void Recordset::deleteCurrent() {
     auto table = result_.baseStorage->table(result_.baseTable);
     if (!table) throw sql::errors::tableNotFound(result_.baseTable);
     Record& rec = records_[view_[pos_]];
-    std::optional<sql::RowId> found =
-        result_.keyColumns.empty() ? std::optional<sql::RowId>(rec.id) : sql::findByKey(*table, result_.keyColumns, rec.key);
+    std::optional<sql::RowId> found = result_.keyColumns.empty()
+                                          ? std::optional<sql::RowId>(rec.id)
+                                          : sql::findByKey(*table, result_.keyColumns, rec.key);
     if (!found) throw keyChanged();
     table->remove(*found);
     rec.deleted = true;

@@ -14,7 +14,7 @@
 namespace db {
 
 class Recordset {
-public:
+  public:
     // source: a SELECT statement, or a table name.
     void open(const std::string& source, Connection& connection, CursorType cursor = adOpenStatic,
               LockType lock = adLockReadOnly);
@@ -34,7 +34,8 @@ public:
 
     // Searches from the current row (skipping skipRows first); answers true
     // when found. Not found leaves the record set at EOF (forward) or BOF.
-    bool find(const std::string& criteria, long skipRows = 0, SearchDirection direction = adSearchForward);
+    bool find(const std::string& criteria, long skipRows = 0,
+              SearchDirection direction = adSearchForward);
 
     void setFilter(const std::string& criteria);  // "" removes the filter
     void clearFilter() { setFilter(""); }
@@ -48,11 +49,21 @@ public:
     sql::Value value(int index) const;
     std::string text(const std::string& field) const { return value(field).toString(); }
     void setValue(const std::string& field, sql::Value v);
-    void setValue(const std::string& field, const std::string& text) { setValue(field, sql::Value::text(text)); }
-    void setValue(const std::string& field, const char* text) { setValue(field, sql::Value::text(text)); }
-    void setValue(const std::string& field, long long number) { setValue(field, sql::Value::integer(number)); }
-    void setValue(const std::string& field, int number) { setValue(field, sql::Value::integer(number)); }
-    void setValue(const std::string& field, double number) { setValue(field, sql::Value::real(number)); }
+    void setValue(const std::string& field, const std::string& text) {
+        setValue(field, sql::Value::text(text));
+    }
+    void setValue(const std::string& field, const char* text) {
+        setValue(field, sql::Value::text(text));
+    }
+    void setValue(const std::string& field, long long number) {
+        setValue(field, sql::Value::integer(number));
+    }
+    void setValue(const std::string& field, int number) {
+        setValue(field, sql::Value::integer(number));
+    }
+    void setValue(const std::string& field, double number) {
+        setValue(field, sql::Value::real(number));
+    }
 
     void addNew();
     void update();
@@ -63,7 +74,7 @@ public:
     bool editing() const { return edit_ != Edit::None; }
     const std::string& source() const { return source_; }
 
-private:
+  private:
     struct Record {
         sql::Row values;
         sql::Row key;

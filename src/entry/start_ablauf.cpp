@@ -128,7 +128,8 @@ bool clsStart::initialisieren(ProgrammZustand& z) {
     if (!sCTemp.empty()) z.strCTemp = fctBackslashAmEndeAnfuegen(sCTemp);
     if (z.strCTemp.find(' ') != std::string::npos && z.benutzer) {
         Antwort a = z.benutzer->meldung(
-            "ist auf Ihrem Computer noch Windows XP installiert?\r(oder schon Vista oder Windows 7)",
+            "ist auf Ihrem Computer noch Windows XP installiert?\r(oder schon Vista oder Windows "
+            "7)",
             "Frage", Symbol::Frage, Knoepfe::JaNein);
         if (a == Antwort::Ja) {
             z.strIniDatei = z.strAppPfad + "\\Tessara9.0.ini";
@@ -182,10 +183,9 @@ MainErgebnis clsStart::zweiteKopieOderStart(ProgrammZustand& z, Hauptfenster& fe
     if (vorherige) {
         p.step("zweite Kopie");
         subDebugLog(z, "App.PrevInstance = true");
-        const bool anfrage = k.strKlein == "lblock" ||
-                             k.art == typKommandozeile::Art::LBlkEinfuegen ||
-                             k.art == typKommandozeile::Art::StartForm2 ||
-                             k.art == typKommandozeile::Art::Datenbank;
+        const bool anfrage =
+            k.strKlein == "lblock" || k.art == typKommandozeile::Art::LBlkEinfuegen ||
+            k.art == typKommandozeile::Art::StartForm2 || k.art == typKommandozeile::Art::Datenbank;
         if (anfrage) {
             clsTessaraZwischen zw(z);
             std::string strFehler;
@@ -265,8 +265,8 @@ void clsStart::wiedereintritt(ProgrammZustand& z, Hauptfenster& fenster) {
     fenster.timerIntervall(1000);
 }
 
-void clsStart::anfrageAusfuehren(ProgrammZustand& z, Hauptfenster& fenster,
-                                 const std::string& op, const std::vector<std::string>& args) {
+void clsStart::anfrageAusfuehren(ProgrammZustand& z, Hauptfenster& fenster, const std::string& op,
+                                 const std::vector<std::string>& args) {
     Prozedur p(z, "anfrageAusfuehren");
     p.step(op);
     if (op == "StartForm2") {

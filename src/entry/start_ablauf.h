@@ -15,11 +15,11 @@ namespace tessara {
 
 // What Main needs of the main window frmBlockverwaltung.
 class Hauptfenster {
-public:
+  public:
     virtual ~Hauptfenster() = default;
-    virtual void laden() = 0;                // Load: runs the window's load sequence
-    virtual bool startAbbrechen() = 0;       // whether start-up must be abandoned
-    virtual bool nurNachVorneHolen() = 0;    // whether it only needs bringing forward
+    virtual void laden() = 0;              // Load: runs the window's load sequence
+    virtual bool startAbbrechen() = 0;     // whether start-up must be abandoned
+    virtual bool nurNachVorneHolen() = 0;  // whether it only needs bringing forward
     virtual void zeigen() = 0;
     virtual platform::WindowHandle fensterHandle() = 0;
     virtual void blockAnfrageAusfuehren() = 0;  // the block-request handler
@@ -31,7 +31,7 @@ public:
 // The go-between "Tessaraz.clsTessaraZwischen": hands a request to the
 // running instance over the platform's instance channel.
 class clsTessaraZwischen {
-public:
+  public:
     clsTessaraZwischen(ProgrammZustand& z);
     // Whether the running instance can be reached ("creation" of the object).
     bool erzeugen(std::string& strFehler);
@@ -42,7 +42,7 @@ public:
     // path given with "/d" (what the entry class's ChangeDb does).
     bool ChangeDb(const std::string& strPfad);
 
-private:
+  private:
     ProgrammZustand& z_;
 };
 
@@ -60,7 +60,7 @@ std::string fctFensterTitel(const ProgrammZustand& z, const std::string& strProg
 std::string fctVersionsText(const ProgrammZustand& z);
 
 class clsStart {
-public:
+  public:
     // Entered at process start and for every request handed over.
     MainErgebnis Main(ProgrammZustand& z, Hauptfenster& fenster);
 
@@ -73,7 +73,7 @@ public:
     std::uint8_t aufrufe() const { return bytAufruf_; }
     const std::string& klasse() const { return strKlasse_; }
 
-private:
+  private:
     MainErgebnis ersterAufruf(ProgrammZustand& z, Hauptfenster& fenster);
     bool initialisieren(ProgrammZustand& z);  // steps 1 to 11
     MainErgebnis zweiteKopieOderStart(ProgrammZustand& z, Hauptfenster& fenster,

@@ -30,7 +30,8 @@ std::vector<typSpalte> blockInfoSpalten() {
     for (int m = 0; m < 10; ++m) s.push_back({"M" + std::to_string(m), db::adVarWChar, 100});
     for (int v = 0; v < 5; ++v)
         for (int p = 0; p < 6; ++p)
-            for (int a = 0; a < 3; ++a) s.push_back({fctEinfuegepunktSpalte(p, a, v), db::adDouble, 0});
+            for (int a = 0; a < 3; ++a)
+                s.push_back({fctEinfuegepunktSpalte(p, a, v), db::adDouble, 0});
     for (int v = 0; v < 5; ++v) s.push_back({"FktRuf" + std::to_string(v), db::adVarWChar, 100});
     s.push_back({"Prg", db::adVarWChar, 3});
     s.push_back({"Layer", db::adVarWChar, 35});
@@ -106,7 +107,8 @@ const std::vector<typBeziehung>& fctKatalogBeziehungen() {
     return beziehungen;
 }
 
-bool Mk_Datenbank(ProgrammZustand& z, const db::StorageOpener& oeffner, const std::string& strPfad) {
+bool Mk_Datenbank(ProgrammZustand& z, const db::StorageOpener& oeffner,
+                  const std::string& strPfad) {
     Prozedur p(z, "Mk_Datenbank ");
     bool alles = true;
     // A failing step is logged, and creation goes on with the next.

@@ -95,8 +95,8 @@ bool fctRsFindStringEnthalten(ProgrammZustand& z, db::Recordset& rs, const std::
                         [&] { return finden(z, p, rs, strSpalte + " LIKE '%" + strWert + "%'"); });
 }
 
-bool fctRsFindMitZuruecksetzen(ProgrammZustand& z, db::Recordset& rs,
-                               const std::string& strSpalte, const std::string& strWert) {
+bool fctRsFindMitZuruecksetzen(ProgrammZustand& z, db::Recordset& rs, const std::string& strSpalte,
+                               const std::string& strWert) {
     Prozedur p(z, "fctRsFindMitZuruecksetzen");
     return p.geschuetzt(false, [&] {
         const long vorher = rs.state() == db::adStateOpen ? rs.absolutePosition() : -1;
@@ -123,10 +123,10 @@ bool fctRsEinlesenMitEinemKriterium(ProgrammZustand& z, db::Connection& con, db:
                                     const std::string& strWert, bool booNumerisch) {
     Prozedur p(z, "fctRsEinlesenMitEinemKriterium");
     return p.geschuetzt(false, [&] {
-        const std::string s =
-            booNumerisch ? "SELECT * FROM [" + strTabelle + "] WHERE [" + strSpalte + "] = " + strWert
-                         : "SELECT * FROM [" + strTabelle + "] WHERE [" + strSpalte + "] LIKE '" +
-                               strWert + "'";
+        const std::string s = booNumerisch ? "SELECT * FROM [" + strTabelle + "] WHERE [" +
+                                                 strSpalte + "] = " + strWert
+                                           : "SELECT * FROM [" + strTabelle + "] WHERE [" +
+                                                 strSpalte + "] LIKE '" + strWert + "'";
         subDebugLog(z, "Einlesestring:" + s);
         schliessenFallsOffen(rs);
         rs.open(s, con, db::adOpenKeyset, db::adLockOptimistic);
@@ -176,8 +176,7 @@ bool fctSpalteAnlegenFallsNichtVorhanden(ProgrammZustand& z, db::Connection& con
 }
 
 bool fctSpalteNichtVorhandenOhneEintrag0(ProgrammZustand& z, const db::StorageOpener& oeffner,
-                                         const std::string& strPfad,
-                                         const std::string& strTabelle,
+                                         const std::string& strPfad, const std::string& strTabelle,
                                          const std::string& strSpalte) {
     Prozedur p(z, "fctSpalteNichtVorhandenOhneEintrag0");
     return p.geschuetzt(false, [&] {
@@ -221,9 +220,8 @@ bool fctWertInSpalteSpeichern(ProgrammZustand& z, db::Connection& con, db::Recor
     return p.geschuetzt(false, [&] {
         for (int versuch = 0; versuch < 2; ++versuch) {
             p.step("Zeile lesen");
-            const bool vorhanden = fctRsEinlesenMitEinemKriterium(z, con, rs, strTabelle,
-                                                                  strSchluessel,
-                                                                  strSchluesselWert, false);
+            const bool vorhanden = fctRsEinlesenMitEinemKriterium(
+                z, con, rs, strTabelle, strSchluessel, strSchluesselWert, false);
             if (rs.state() != db::adStateOpen) return false;
             if (!fctSpalteVorhanden(rs, strSpalte)) {
                 p.step("Spalte anlegen");

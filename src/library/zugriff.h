@@ -26,8 +26,8 @@ bool fctRsFind(ProgrammZustand& z, db::Recordset& rs, const std::string& strSpal
                const std::string& strWert);
 bool fctRsFindStringEnthalten(ProgrammZustand& z, db::Recordset& rs, const std::string& strSpalte,
                               const std::string& strWert);
-bool fctRsFindMitZuruecksetzen(ProgrammZustand& z, db::Recordset& rs,
-                               const std::string& strSpalte, const std::string& strWert);
+bool fctRsFindMitZuruecksetzen(ProgrammZustand& z, db::Recordset& rs, const std::string& strSpalte,
+                               const std::string& strWert);
 
 // Reads the whole table, sorted when a sort column is given; answers the
 // number of rows (0 on an error).
@@ -45,8 +45,7 @@ bool fctSpalteAnlegenFallsNichtVorhanden(ProgrammZustand& z, db::Connection& con
                                          const std::string& strSpalte, const std::string& strTyp,
                                          const std::optional<std::string>& startWert = {});
 bool fctSpalteNichtVorhandenOhneEintrag0(ProgrammZustand& z, const db::StorageOpener& oeffner,
-                                         const std::string& strPfad,
-                                         const std::string& strTabelle,
+                                         const std::string& strPfad, const std::string& strTabelle,
                                          const std::string& strSpalte);
 bool fctWerteVonSpalteUebertragen(ProgrammZustand& z, db::Connection& con,
                                   const std::string& strTabelle, const std::string& strZiel,
@@ -63,8 +62,7 @@ bool fctPruefenWertVorhandenTrue(ProgrammZustand& z, db::Connection& con,
                                  const std::string& strWert);
 bool fctPruefenWertVorhandenGroesser1True(ProgrammZustand& z, db::Connection& con,
                                           const std::string& strTabelle,
-                                          const std::string& strSpalte,
-                                          const std::string& strWert);
+                                          const std::string& strSpalte, const std::string& strWert);
 // The value found, "0" when none, "Fehler" on a failure.
 std::string fctPruefenWertVorhandenMitRueckgabeWert(ProgrammZustand& z, db::Connection& con,
                                                     const std::string& strTabelle,

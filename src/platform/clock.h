@@ -5,10 +5,10 @@
 namespace platform {
 
 class Clock {
-public:
+  public:
     virtual ~Clock() = default;
     virtual std::chrono::system_clock::time_point now() = 0;  // local wall clock
-    virtual std::int64_t tickMs() = 0;                         // monotonic milliseconds
+    virtual std::int64_t tickMs() = 0;                        // monotonic milliseconds
 };
 
 }  // namespace platform

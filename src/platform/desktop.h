@@ -20,7 +20,7 @@ struct WindowInfo {
 enum class Key { Escape, Return, LeftButton, RightButton, Shift, Control };
 
 class Desktop {
-public:
+  public:
     virtual ~Desktop() = default;
 
     // Visible top-level windows with a non-empty title, in the system's order.

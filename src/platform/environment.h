@@ -6,7 +6,7 @@
 namespace platform {
 
 class Environment {
-public:
+  public:
     virtual ~Environment() = default;
 
     // Directory of the executable, without a trailing separator, in program

@@ -12,12 +12,12 @@
 namespace platform {
 
 struct InstanceMessage {
-    std::string operation;              // "LBlkEinfuegen", "StartForm2", "ClassNameUebergeben"
+    std::string operation;               // "LBlkEinfuegen", "StartForm2", "ClassNameUebergeben"
     std::vector<std::string> arguments;  // UTF-8
 };
 
 class InstanceChannel {
-public:
+  public:
     virtual ~InstanceChannel() = default;
 
     // Claims the instance name for this process; false when another live

@@ -14,7 +14,7 @@ namespace platform {
 enum class Hive { CurrentUser, LocalMachine };
 
 class Registry {
-public:
+  public:
     virtual ~Registry() = default;
 
     virtual bool keyExists(Hive hive, const std::string& key) = 0;

@@ -12,7 +12,7 @@ enum class Knoepfe { Ok, OkAbbrechen, JaNein, JaNeinAbbrechen };
 enum class Antwort { Ok, Abbrechen, Ja, Nein };
 
 class Benutzer {
-public:
+  public:
     virtual ~Benutzer() = default;
 
     // A message box: text (lines joined with "\r"), title, icon and buttons.
@@ -40,7 +40,7 @@ public:
 
 // Test double: records what was shown and answers from a queue.
 class SkriptBenutzer : public Benutzer {
-public:
+  public:
     struct Gezeigt {
         std::string text, titel;
         Symbol symbol;
@@ -48,11 +48,11 @@ public:
         std::string kaestchen;  // caption of the check box; empty: none
     };
     std::vector<Gezeigt> gezeigt;
-    std::vector<Antwort> antworten;        // taken from the front; default Ok/Ja
-    std::vector<std::string> ordner;       // answers for ordnerWaehlen
-    std::vector<std::string> dateien;      // answers for dateiWaehlen
+    std::vector<Antwort> antworten;    // taken from the front; default Ok/Ja
+    std::vector<std::string> ordner;   // answers for ordnerWaehlen
+    std::vector<std::string> dateien;  // answers for dateiWaehlen
     std::vector<std::string> fortschritte;
-    std::vector<bool> haken;               // check box states, from the front; default unticked
+    std::vector<bool> haken;  // check box states, from the front; default unticked
 
     Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
                     Knoepfe knoepfe) override {
@@ -78,10 +78,11 @@ public:
         return nimm(dateien);
     }
     void fortschritt(long erledigt, long gesamt, const std::string& text) override {
-        fortschritte.push_back(std::to_string(erledigt) + "/" + std::to_string(gesamt) + " " + text);
+        fortschritte.push_back(std::to_string(erledigt) + "/" + std::to_string(gesamt) + " " +
+                               text);
     }
 
-private:
+  private:
     Antwort antwort(Knoepfe knoepfe) {
         if (!antworten.empty()) {
             Antwort a = antworten.front();

@@ -48,7 +48,7 @@ void subDebugLog(ProgrammZustand& z, const std::string& zeile);
 
 // Records the running procedure on entry and clears it on exit.
 class Prozedur {
-public:
+  public:
     // fenster = true for a window's procedure, false for a module function.
     Prozedur(ProgrammZustand& z, std::string name, bool fenster = false);
     ~Prozedur();

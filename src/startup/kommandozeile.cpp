@@ -45,7 +45,8 @@ typKommandozeile fctKommandozeileAuswerten(const std::string& strCmdLine) {
         // "/d", a blank and the opening quote in front, the closing quote
         // behind: cut whatever stands there.
         k.art = typKommandozeile::Art::Datenbank;
-        k.str1 = strCmdLine.size() > 5 ? strCmdLine.substr(4, strCmdLine.size() - 5) : std::string();
+        k.str1 =
+            strCmdLine.size() > 5 ? strCmdLine.substr(4, strCmdLine.size() - 5) : std::string();
         return k;
     }
     if (z.find("/s") == std::string::npos) {

@@ -20,12 +20,12 @@ class Benutzer;
 
 // What the common error handler needs to know about where the program is.
 struct FehlerKontext {
-    std::string strProzedurFenster;  // running procedure of a window
-    std::string strProzedurModul;    // running module function
-    std::string strSchritt;          // current step label
+    std::string strProzedurFenster;    // running procedure of a window
+    std::string strProzedurModul;      // running module function
+    std::string strSchritt;            // current step label
     std::vector<std::string> weitere;  // further context strings written per record
 
-    std::string strLetzterFehler;    // description of the last error
+    std::string strLetzterFehler;  // description of the last error
     long lngLetzteFehlerNr = 0;
     std::int16_t intFehlerAnzahl = 0;  // errors so far in this run
     std::optional<std::chrono::system_clock::time_point> ersterFehler;
@@ -38,10 +38,10 @@ struct ProgrammZustand {
     std::vector<std::string> aryVersion{"8.5", "9.0"};
     std::string strExeName = "tessara9.0.exe";
     std::string strKurzName = "tessara9";
-    std::string strAppPfad;                 // application directory, no trailing backslash
-    std::string strCTemp = "c:\\temp\\";    // temporary directory, always ends in "\"
-    std::string strIniDatei;                // Settings file
-    std::string strErrorDatei;              // error log
+    std::string strAppPfad;               // application directory, no trailing backslash
+    std::string strCTemp = "c:\\temp\\";  // temporary directory, always ends in "\"
+    std::string strIniDatei;              // Settings file
+    std::string strErrorDatei;            // error log
     std::string strBeschriftDatei = "\\txtBeschriftTessara9.0";
     std::string strRegRoot = "Software\\Vendel\\Tessara\\9.0";
     std::string strRegKurz = "Tsa9.0";

@@ -55,28 +55,42 @@ std::vector<std::string> SchrittAblauf::ausfuehren(ProgrammZustand& z) const {
 }
 
 SchrittAblauf fctLadeAblauf() {
-    return SchrittAblauf(
-        "Form_Load",
-        {"Werte zuordnen", "ACAD_Connect", "me.show", "Daten aus Ini-DAtei lesen",
-         "subAktuelleDatenbankAusRegistrierdatenbank", "SetupEinstellungenZuweisen",
-         "nach vorhandener Db suchen", "erste Datenbank wird eingebunden",
-         "Datenbank von Tessara7 kann importiert werden", "im Verzeichnis besteht schon eine Db",
-         "Db wird neu angelegt", "setupeinstellungen zuweisen", "in Ini-Datei abspeichern",
-         "in Registry abspeichern", "SlideEndung festlegen", "Menüdateien",
-         "Startfenster anzeigen", "OptionsGruppeAnzeigen", "VerzeichnisOhneDb zuweisen",
-         "Blockverwaltung beschriften", "Ordnernummern einlesen", "Bilderanzahl festlegen",
-         "Formular auf Grösse Angleichen", "Verbindung zur Datenbank herstellen",
-         "Blocknummern einlesen", "Werte für die Seite anzeigen", "Anzeigen aufrufen",
-         "Maske in Position bringen"});
+    return SchrittAblauf("Form_Load", {"Werte zuordnen",
+                                       "ACAD_Connect",
+                                       "me.show",
+                                       "Daten aus Ini-DAtei lesen",
+                                       "subAktuelleDatenbankAusRegistrierdatenbank",
+                                       "SetupEinstellungenZuweisen",
+                                       "nach vorhandener Db suchen",
+                                       "erste Datenbank wird eingebunden",
+                                       "Datenbank von Tessara7 kann importiert werden",
+                                       "im Verzeichnis besteht schon eine Db",
+                                       "Db wird neu angelegt",
+                                       "setupeinstellungen zuweisen",
+                                       "in Ini-Datei abspeichern",
+                                       "in Registry abspeichern",
+                                       "SlideEndung festlegen",
+                                       "Menüdateien",
+                                       "Startfenster anzeigen",
+                                       "OptionsGruppeAnzeigen",
+                                       "VerzeichnisOhneDb zuweisen",
+                                       "Blockverwaltung beschriften",
+                                       "Ordnernummern einlesen",
+                                       "Bilderanzahl festlegen",
+                                       "Formular auf Grösse Angleichen",
+                                       "Verbindung zur Datenbank herstellen",
+                                       "Blocknummern einlesen",
+                                       "Werte für die Seite anzeigen",
+                                       "Anzeigen aufrufen",
+                                       "Maske in Position bringen"});
 }
 
 SchrittAblauf fctEntladeAblauf() {
     return SchrittAblauf(
-        "Form_Unload",
-        {"Zwischenspeicher abfragen", "Frage, ob Tessara geschlossen werden soll",
-         "Markierte Bloecke aus Db löschen", "longCurrent zuordnen", "longCurrent abspeichern",
-         "IniDatei speichern", "Einträge in die Registry", "Rs schließen",
-         "Temp-Verzeichnis löschen"});
+        "Form_Unload", {"Zwischenspeicher abfragen", "Frage, ob Tessara geschlossen werden soll",
+                        "Markierte Bloecke aus Db löschen", "longCurrent zuordnen",
+                        "longCurrent abspeichern", "IniDatei speichern", "Einträge in die Registry",
+                        "Rs schließen", "Temp-Verzeichnis löschen"});
 }
 
 }  // namespace tessara

@@ -11,7 +11,7 @@
 namespace tessara {
 
 class SchrittAblauf {
-public:
+  public:
     struct Schritt {
         std::string label;
         std::function<void()> aktion;  // empty until the owning subsystem fills it in
@@ -33,7 +33,7 @@ public:
     // Runs the steps in order; answers the labels that ran, failed ones included.
     std::vector<std::string> ausfuehren(ProgrammZustand& z) const;
 
-private:
+  private:
     std::string name_;
     std::vector<Schritt> schritte_;
 };

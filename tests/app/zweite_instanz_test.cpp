@@ -31,35 +31,35 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 class ZweiteInstanz : public ::testing::Test {
-protected:
-  void SetUp() override {
-      dir = fs::temp_directory_path() / ("tessara_e2e_" + std::to_string(::getpid()));
-      fs::remove_all(dir);
-      fs::create_directories(dir / "run");
-      fs::permissions(dir / "run", fs::perms::owner_all);
-      // The test's own environment (display, X authority) with private
-      // places for everything the program writes.
-      const std::vector<std::string> eigene = {
-          "HOME=" + dir.string(), "XDG_RUNTIME_DIR=" + (dir / "run").string(),
-          "XDG_CONFIG_HOME=" + (dir / "cfg").string(),
-          "TESSARA_COMMON_APPDATA=" + (dir / "common").string()};
-      for (char** e = environ; *e; ++e) {
-          const std::string v = *e;
-          bool ersetzt = false;
-          for (const auto& x : eigene)
-              if (v.compare(0, x.find('=') + 1, x, 0, x.find('=') + 1) == 0) ersetzt = true;
-          if (!ersetzt) env.push_back(v);
-      }
-      env.insert(env.end(), eigene.begin(), eigene.end());
-      // A library to open, and the boxes that would wait for a hand on
-      // the mouse switched off as a user switches them off.
-      fs::create_directories(dir / "bib");
-      fs::create_directories(dir / "bib2");
-      fs::create_directories(dir / "common" / "Tessara");
-      std::ofstream(dir / "common" / "Tessara" / "Tessara9.0.ini")
-          << "[AllgemeineDaten]\r\nDbVerzeichnis0=" << (dir / "bib").string()
-          << "\r\n[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
-  }
+  protected:
+    void SetUp() override {
+        dir = fs::temp_directory_path() / ("tessara_e2e_" + std::to_string(::getpid()));
+        fs::remove_all(dir);
+        fs::create_directories(dir / "run");
+        fs::permissions(dir / "run", fs::perms::owner_all);
+        // The test's own environment (display, X authority) with private
+        // places for everything the program writes.
+        const std::vector<std::string> eigene = {
+            "HOME=" + dir.string(), "XDG_RUNTIME_DIR=" + (dir / "run").string(),
+            "XDG_CONFIG_HOME=" + (dir / "cfg").string(),
+            "TESSARA_COMMON_APPDATA=" + (dir / "common").string()};
+        for (char** e = environ; *e; ++e) {
+            const std::string v = *e;
+            bool ersetzt = false;
+            for (const auto& x : eigene)
+                if (v.compare(0, x.find('=') + 1, x, 0, x.find('=') + 1) == 0) ersetzt = true;
+            if (!ersetzt) env.push_back(v);
+        }
+        env.insert(env.end(), eigene.begin(), eigene.end());
+        // A library to open, and the boxes that would wait for a hand on
+        // the mouse switched off as a user switches them off.
+        fs::create_directories(dir / "bib");
+        fs::create_directories(dir / "bib2");
+        fs::create_directories(dir / "common" / "Tessara");
+        std::ofstream(dir / "common" / "Tessara" / "Tessara9.0.ini")
+            << "[AllgemeineDaten]\r\nDbVerzeichnis0=" << (dir / "bib").string()
+            << "\r\n[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
+    }
     void TearDown() override {
         if (erste > 0) {
             ::kill(erste, SIGTERM);
@@ -79,7 +79,8 @@ protected:
         e.push_back(nullptr);
         posix_spawn_file_actions_t fa;
         posix_spawn_file_actions_init(&fa);
-        posix_spawn_file_actions_addopen(&fa, 1, ausgabe.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        posix_spawn_file_actions_addopen(&fa, 1, ausgabe.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                         0644);
         posix_spawn_file_actions_adddup2(&fa, 1, 2);
         pid_t pid = -1;
         EXPECT_EQ(posix_spawn(&pid, argv[0].c_str(), &fa, nullptr, a.data(), e.data()), 0);
@@ -113,7 +114,8 @@ protected:
         while (std::chrono::steady_clock::now() < ende) {
             const std::string s = lesen(p);
             int n = 0;
-            for (auto pos = s.find(text); pos != std::string::npos; pos = s.find(text, pos + 1)) ++n;
+            for (auto pos = s.find(text); pos != std::string::npos; pos = s.find(text, pos + 1))
+                ++n;
             if (n >= anzahl) return true;
             std::this_thread::sleep_for(50ms);
         }
@@ -128,12 +130,14 @@ protected:
 TEST_F(ZweiteInstanz, ReichtIhreAnfragenAnDasLaufendeProgrammWeiter) {
     const fs::path log = dir / "erste.txt";
     erste = starten({}, log);
-    ASSERT_TRUE(erscheint(log, "bereit: " + (dir / "bib").string() + "\\dbTessara.mdb")) << lesen(log);
+    ASSERT_TRUE(erscheint(log, "bereit: " + (dir / "bib").string() + "\\dbTessara.mdb"))
+        << lesen(log);
     // The library named by the Settings file in the common application data
     // had no database yet: the window made one.
     EXPECT_TRUE(fs::exists(dir / "bib" / "dbTessara.mdb"));
 
-    EXPECT_EQ(warten(starten({"/s", "0010017;A"}, dir / "z1.txt"), 20s), 0) << lesen(dir / "z1.txt");
+    EXPECT_EQ(warten(starten({"/s", "0010017;A"}, dir / "z1.txt"), 20s), 0)
+        << lesen(dir / "z1.txt");
     EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;a")) << lesen(log);
 
     const std::string bib2 = (dir / "bib2" / "dbTessara.mdb").string();
@@ -145,7 +149,8 @@ TEST_F(ZweiteInstanz, ReichtIhreAnfragenAnDasLaufendeProgrammWeiter) {
     const auto ende = std::chrono::steady_clock::now() + 20s;
     while (!fs::exists(dir / "bib2" / "dbTessara.mdb") && std::chrono::steady_clock::now() < ende)
         std::this_thread::sleep_for(50ms);
-    EXPECT_TRUE(fs::exists(dir / "bib2" / "dbTessara.mdb")) << "the window switched to the new library";
+    EXPECT_TRUE(fs::exists(dir / "bib2" / "dbTessara.mdb"))
+        << "the window switched to the new library";
 
     // "lblkeinfuegen" inserts the block handed over last once more.
     EXPECT_EQ(warten(starten({"lblkeinfuegen"}, dir / "z3.txt"), 20s), 0);

@@ -15,7 +15,7 @@ using namespace tessara;
 namespace fs = std::filesystem;
 
 class SlideLibEintraege : public slidetest::TempVerzeichnis {
-protected:
+  protected:
     void SetUp() override {
         slidetest::TempVerzeichnis::SetUp();
         ASSERT_TRUE(Mk_Datenbank(z, oeffner, "db"));
@@ -44,12 +44,15 @@ TEST_F(SlideLibEintraege, RelativeFormAusAbsolutenPfaden) {
 }
 
 TEST_F(SlideLibEintraege, PfadEintragAendernLaesstRelativeEintraegeStehen) {
-    con.execute("INSERT INTO tblBlockInfo (Block, OrdnerID, SlideLib) VALUES ('0010001', 2, "
-                "'C:\\Tessara\\001\\00100010.slb')");
-    con.execute("INSERT INTO tblBlockInfo (Block, OrdnerID, SlideLib) VALUES ('0010002', 2, "
-                "'001\\00100020.sld')");
-    con.execute("INSERT INTO tblBlockInfo (Block, OrdnerID, SlideLib) VALUES ('0000003', 1, "
-                "'E:\\x\\000\\00000030.slb')");
+    con.execute(
+        "INSERT INTO tblBlockInfo (Block, OrdnerID, SlideLib) VALUES ('0010001', 2, "
+        "'C:\\Tessara\\001\\00100010.slb')");
+    con.execute(
+        "INSERT INTO tblBlockInfo (Block, OrdnerID, SlideLib) VALUES ('0010002', 2, "
+        "'001\\00100020.sld')");
+    con.execute(
+        "INSERT INTO tblBlockInfo (Block, OrdnerID, SlideLib) VALUES ('0000003', 1, "
+        "'E:\\x\\000\\00000030.slb')");
     db::Recordset rsOrdner;
     ASSERT_EQ(fctRsEinlesenAllgemein(z, con, rsOrdner, "tblOrdner", ""), 2);
     rsOrdner.setAbsolutePosition(2);
@@ -73,18 +76,20 @@ TEST_F(SlideLibEintraege, DateienZiehenMitDemBlockUm) {
                           "001/Block/Varia/0010017_DN500.dwg", "001/Block/Varia/0010017_DN50.dat",
                           "001/Block/Varia/0010018_DN500.dwg", "001/00100180.slb"})
         datei(f);
-    con.execute("INSERT INTO tblBlockInfo (Block, OrdnerID, SlideLib) VALUES ('0010017', 2, "
-                "'001\\00100170.slb')");
+    con.execute(
+        "INSERT INTO tblBlockInfo (Block, OrdnerID, SlideLib) VALUES ('0010017', 2, "
+        "'001\\00100170.slb')");
     db::Recordset rs;
-    ASSERT_TRUE(fctRsEinlesenMitEinemKriterium(z, con, rs, "tblBlockInfo", "Block", "0010017", false));
+    ASSERT_TRUE(
+        fctRsEinlesenMitEinemKriterium(z, con, rs, "tblBlockInfo", "Block", "0010017", false));
 
     ASSERT_TRUE(DateienUmEinePositionVerschieben(z, rs, basis, "001", "0010017", "0010025"));
     for (const char* f : {"001/00100250.slb", "001/00100251.slb", "001/00100253.sld",
                           "001/Block/00100250.dwg", "001/Block/00100252.dwg",
                           "001/Block/Varia/0010025_DN500.dwg", "001/Block/Varia/0010025_DN50.dat"})
         EXPECT_TRUE(fs::exists(wurzel / f)) << f;
-    for (const char* f : {"001/00100170.slb", "001/Block/00100170.dwg",
-                          "001/Block/Varia/0010017_DN500.dwg"})
+    for (const char* f :
+         {"001/00100170.slb", "001/Block/00100170.dwg", "001/Block/Varia/0010017_DN500.dwg"})
         EXPECT_FALSE(fs::exists(wurzel / f)) << f;
     // Another block's files stay where they are.
     EXPECT_TRUE(fs::exists(wurzel / "001/Block/Varia/0010018_DN500.dwg"));

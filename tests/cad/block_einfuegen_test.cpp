@@ -290,11 +290,21 @@ TEST_F(FakeEinfuegen, MehrfachEinfuegenBisEscape) {
     const std::string insert =
         "SendCommand:(command \"._-insert\" \"c:/Bib/001/Block/0010A0.dwg\" pause 1 1 0)\r";
     const std::vector<std::string> erwartet = {
-        "GetVariable:filedia",   "GetVariable:attreq",        "GetVariable:orthomode",
-        "GetVariable:CMDECHO",   "SetVariable:attreq=0",      "SetVariable:orthomode=0",
-        "SetVariable:CMDECHO=0", insert,                      "SendCommand:._attedit (entlast)",
-        "GetVariable:CMDACTIVE", insert,                      "SendCommand:._attedit (entlast)",
-        "SetVariable:attreq=1",  "SetVariable:orthomode=1",   "SetVariable:CMDECHO=1",
+        "GetVariable:filedia",
+        "GetVariable:attreq",
+        "GetVariable:orthomode",
+        "GetVariable:CMDECHO",
+        "SetVariable:attreq=0",
+        "SetVariable:orthomode=0",
+        "SetVariable:CMDECHO=0",
+        insert,
+        "SendCommand:._attedit (entlast)",
+        "GetVariable:CMDACTIVE",
+        insert,
+        "SendCommand:._attedit (entlast)",
+        "SetVariable:attreq=1",
+        "SetVariable:orthomode=1",
+        "SetVariable:CMDECHO=1",
     };
     EXPECT_EQ(log->eintraege, erwartet);
 }
@@ -352,9 +362,9 @@ TEST_F(FakeEinfuegen, MehrfachImSkriptkanalJeMarkiertemBlockBisEscape) {
     a.booMarkiert = true;
     a.optionen.checkMehr = 1;
     // The user's answer to each run of the script: a pick or Escape.
-    const std::vector<platform::Key> antworten = {
-        platform::Key::LeftButton, platform::Key::LeftButton, platform::Key::Escape,
-        platform::Key::LeftButton, platform::Key::Escape};
+    const std::vector<platform::Key> antworten = {platform::Key::LeftButton,
+                                                  platform::Key::LeftButton, platform::Key::Escape,
+                                                  platform::Key::LeftButton, platform::Key::Escape};
     std::size_t laeufe = 0;
     desktop.onKeys = [&](const platform::MemoryDesktop::TypedKeys& t) {
         desktop.setKeyDown(platform::Key::LeftButton, false);

@@ -98,13 +98,20 @@ TEST(LispVariablen, JederWertAlsZeichenkette) {
     b.Layer = "Armaturen";
     b.LyColor = "1";
     const std::vector<std::string> erwartet = {
-        "(setq tessara_Block \"0010A\")\r",       "(setq tessara_M0 \"DN50\")\r",
-        "(setq tessara_M1 \"\")\r",               "(setq tessara_M2 \"\")\r",
-        "(setq tessara_M3 \"Zoll 2\\\"\")\r",     "(setq tessara_M4 \"\")\r",
-        "(setq tessara_M5 \"\")\r",               "(setq tessara_M6 \"\")\r",
-        "(setq tessara_M7 \"\")\r",               "(setq tessara_M8 \"\")\r",
-        "(setq tessara_M9 \"c:\\\\Normen\")\r",   "(setq tessara_LAYER \"Armaturen\")\r",
-        "(setq tessara_LYCOLOR \"1\")\r",         "(setq tessara_LYLINE \"\")\r",
+        "(setq tessara_Block \"0010A\")\r",
+        "(setq tessara_M0 \"DN50\")\r",
+        "(setq tessara_M1 \"\")\r",
+        "(setq tessara_M2 \"\")\r",
+        "(setq tessara_M3 \"Zoll 2\\\"\")\r",
+        "(setq tessara_M4 \"\")\r",
+        "(setq tessara_M5 \"\")\r",
+        "(setq tessara_M6 \"\")\r",
+        "(setq tessara_M7 \"\")\r",
+        "(setq tessara_M8 \"\")\r",
+        "(setq tessara_M9 \"c:\\\\Normen\")\r",
+        "(setq tessara_LAYER \"Armaturen\")\r",
+        "(setq tessara_LYCOLOR \"1\")\r",
+        "(setq tessara_LYLINE \"\")\r",
     };
     EXPECT_EQ(fctLispVariablenBefehle(b), erwartet);
 }

@@ -1,7 +1,8 @@
 // Creating a catalogue database the ADOX way: tables, keys, relations, index, default rows.
+#include "db/catalog.h"
+
 #include <gtest/gtest.h>
 
-#include "db/catalog.h"
 #include "db/connection.h"
 #include "db/memory_opener.h"
 #include "db/recordset.h"
@@ -18,15 +19,19 @@ db::CatalogTable tableWithKey(const std::string& name) {
     t.appendColumn("Nr", db::adInteger).autoIncrement = true;
     return t;
 }
-void text(db::CatalogTable& t, const std::string& n, int size) { t.appendColumn(n, db::adVarWChar, size).nullable = true; }
-void integer(db::CatalogTable& t, const std::string& n) { t.appendColumn(n, db::adInteger).nullable = true; }
+void text(db::CatalogTable& t, const std::string& n, int size) {
+    t.appendColumn(n, db::adVarWChar, size).nullable = true;
+}
+void integer(db::CatalogTable& t, const std::string& n) {
+    t.appendColumn(n, db::adInteger).nullable = true;
+}
 void finish(db::Catalog& cat, db::CatalogTable& t) {
     t.keys.push_back({"PrimaryKey", db::adKeyPrimary, {"Nr"}, "", {}});
     cat.appendTable(t);
 }
 
 class CatalogCreation : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         files = std::make_shared<sql::MemoryFiles>();
         cat.create("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path, memoryOpener(files));
@@ -38,7 +43,9 @@ protected:
         for (int m = 0; m < 10; ++m) text(bi, "M" + std::to_string(m), 100);
         for (int v = 0; v < 5; ++v)
             for (char p = 'A'; p <= 'F'; ++p)
-                for (char x : {'X', 'Y', 'Z'}) bi.appendColumn(std::string(1, p) + x + std::to_string(v), db::adDouble).nullable = true;
+                for (char x : {'X', 'Y', 'Z'})
+                    bi.appendColumn(std::string(1, p) + x + std::to_string(v), db::adDouble)
+                        .nullable = true;
         finish(cat, bi);
         auto dm = tableWithKey("tblDefMenue");
         integer(dm, "global");
@@ -64,11 +71,20 @@ protected:
         integer(var, "BlockID");
         finish(cat, var);
 
-        cat.appendKey("tblOrdner", {"tblDefMenue_tblOrdner", db::adKeyForeign, {"NrTblDefMenue"}, "tblDefMenue", {"Nr"}});
-        cat.appendKey("tblBlockInfo", {"tblOrdner_tblBlockInfo", db::adKeyForeign, {"OrdnerID"}, "tblOrdner", {"Nr"}});
-        cat.appendKey("tblSeiten", {"tblOrdner_tblSeiten", db::adKeyForeign, {"NrTblOrdner"}, "tblOrdner", {"Nr"}});
-        cat.appendKey("tblVariationBloecke",
-                      {"tblBlockInfo_tblVariationBloecke", db::adKeyForeign, {"BlockID"}, "tblBlockInfo", {"Nr"}});
+        cat.appendKey(
+            "tblOrdner",
+            {"tblDefMenue_tblOrdner", db::adKeyForeign, {"NrTblDefMenue"}, "tblDefMenue", {"Nr"}});
+        cat.appendKey(
+            "tblBlockInfo",
+            {"tblOrdner_tblBlockInfo", db::adKeyForeign, {"OrdnerID"}, "tblOrdner", {"Nr"}});
+        cat.appendKey(
+            "tblSeiten",
+            {"tblOrdner_tblSeiten", db::adKeyForeign, {"NrTblOrdner"}, "tblOrdner", {"Nr"}});
+        cat.appendKey("tblVariationBloecke", {"tblBlockInfo_tblVariationBloecke",
+                                              db::adKeyForeign,
+                                              {"BlockID"},
+                                              "tblBlockInfo",
+                                              {"Nr"}});
         con = std::make_unique<db::Connection>(memoryOpener(files));
         con->open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path);
         con->execute("CREATE INDEX OrdnerID ON tblBlockInfo(OrdnerID DESC)");
@@ -80,8 +96,8 @@ protected:
 };
 
 TEST_F(CatalogCreation, TablesColumnsKeysRelationsAndIndexReadBack) {
-    EXPECT_EQ(cat.tables(), (std::vector<std::string>{"tblBlockInfo", "tblDefMenue", "tblOrdner", "tblSeiten",
-                                                      "tblVariationBloecke"}));
+    EXPECT_EQ(cat.tables(), (std::vector<std::string>{"tblBlockInfo", "tblDefMenue", "tblOrdner",
+                                                      "tblSeiten", "tblVariationBloecke"}));
     auto bi = cat.table("tblBlockInfo");
     ASSERT_EQ(bi.columns.size(), 4u + 5 + 10 + 90);
     EXPECT_TRUE(bi.columns[0].autoIncrement);
@@ -140,20 +156,27 @@ TEST_F(CatalogCreation, DefaultRowsThroughRecordSets) {
     for (const auto& v : menu.rows[0])
         if (v.toString() == "*****Frei*****") ++frei;
     EXPECT_EQ(frei, 20);
-    EXPECT_EQ(ex.query("SELECT * FROM tblOrdner WHERE OrdnerNr = '000' AND Ordnername = 'Standard-Ordner'").rows.size(), 1u);
+    EXPECT_EQ(
+        ex.query(
+              "SELECT * FROM tblOrdner WHERE OrdnerNr = '000' AND Ordnername = 'Standard-Ordner'")
+            .rows.size(),
+        1u);
 }
 
 TEST_F(CatalogCreation, DeletingAFolderKeepsItsBlocksAndPages) {
     con->execute("INSERT INTO tblDefMenue (global) VALUES (1)");
-    con->execute("INSERT INTO tblOrdner (OrdnerNr, Ordnername, NrTblDefMenue) VALUES ('000', 'A', 1)");
-    con->execute("INSERT INTO tblOrdner (OrdnerNr, Ordnername, NrTblDefMenue) VALUES ('001', 'B', 1)");
+    con->execute(
+        "INSERT INTO tblOrdner (OrdnerNr, Ordnername, NrTblDefMenue) VALUES ('000', 'A', 1)");
+    con->execute(
+        "INSERT INTO tblOrdner (OrdnerNr, Ordnername, NrTblDefMenue) VALUES ('001', 'B', 1)");
     con->execute("INSERT INTO tblSeiten (SeitenNr, SeitenName, NrTblOrdner) VALUES (1, '1', 2)");
     con->execute("INSERT INTO tblBlockInfo (Block, OrdnerID) VALUES ('0010000', 2)");
     db::Recordset rs;
     rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
     ASSERT_TRUE(rs.find("OrdnerNr Like '001'"));
     rs.deleteCurrent();
-    EXPECT_EQ(con->execute("UPDATE tblSeiten SET SeitenName = SeitenName WHERE NrTblOrdner = 2"), 1);
+    EXPECT_EQ(con->execute("UPDATE tblSeiten SET SeitenName = SeitenName WHERE NrTblOrdner = 2"),
+              1);
     EXPECT_EQ(con->execute("UPDATE tblBlockInfo SET M0 = 'x' WHERE OrdnerID = 2"), 1);
 }
 
@@ -166,8 +189,12 @@ TEST_F(CatalogCreation, ExistingTableAndFileAreRefused) {
         EXPECT_EQ(std::string(e.what()), "Table 'tblSeiten' already exists.");
     }
     db::Catalog again;
-    EXPECT_THROW(again.create("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path, memoryOpener(files)), sql::Error);
-    EXPECT_THROW(cat.appendKey("tblSeiten", {"x", db::adKeyForeign, {"Gibts"}, "tblOrdner", {"Nr"}}), sql::Error);
+    EXPECT_THROW(
+        again.create("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path, memoryOpener(files)),
+        sql::Error);
+    EXPECT_THROW(
+        cat.appendKey("tblSeiten", {"x", db::adKeyForeign, {"Gibts"}, "tblOrdner", {"Nr"}}),
+        sql::Error);
 }
 
 }  // namespace

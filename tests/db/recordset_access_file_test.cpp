@@ -20,10 +20,11 @@ std::string bytesOf(const fs::path& p) {
 }
 
 class RealRecords : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
-        dir = fs::temp_directory_path() / ("tessara_db_" + std::to_string(::getpid()) + "_" +
-                                           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        dir = fs::temp_directory_path() /
+              ("tessara_db_" + std::to_string(::getpid()) + "_" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
         fs::create_directories(dir);
         file = dir / "index.mdb";
         fs::copy_file(fs::path(TESSARA_TESTDATA) / "mdb" / "indexTestV2000.mdb", file);
@@ -49,7 +50,8 @@ protected:
 
 TEST_F(RealRecords, NavigationFindFilterAndPosition) {
     db::Recordset rs;
-    rs.open("SELECT id, otherfk1, data FROM Table1 ORDER BY id", *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.open("SELECT id, otherfk1, data FROM Table1 ORDER BY id", *con, db::adOpenKeyset,
+            db::adLockOptimistic);
     ASSERT_EQ(rs.recordCount(), 4);
     EXPECT_TRUE(rs.find("data Like 'BAZ11-*'"));
     EXPECT_EQ(rs.value("id").asInt(), 2);

@@ -19,7 +19,7 @@ const std::string kLib = "C:\\Lib\\dbTessara.mdb";
 using db::memoryOpener;
 
 class Records : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         files = std::make_shared<sql::MemoryFiles>();
         lib = files->create(kLib);
@@ -29,7 +29,8 @@ protected:
     }
     std::string blockSql(int ordnerId) {
         return std::string("SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, ") +
-               "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE FROM tblBlockInfo " +
+               "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE "
+               "FROM tblBlockInfo " +
                "WHERE OrdnerID = " + std::to_string(ordnerId);
     }
     std::shared_ptr<sql::MemoryFiles> files;
@@ -53,7 +54,8 @@ TEST_F(Records, NavigationEofBofAndRecordCount) {
         names.push_back(rs.text("Ordnername"));
         rs.moveNext();
     }
-    EXPECT_EQ(names, (std::vector<std::string>{"Standard-Ordner", "Armaturen", "Rohrleitungen", "Öl-Anlagen"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"Standard-Ordner", "Armaturen", "Rohrleitungen",
+                                               "Öl-Anlagen"}));
     EXPECT_EQ(rs.absolutePosition(), db::adPosEOF);
     EXPECT_THROW(rs.moveNext(), sql::Error);
     EXPECT_THROW(rs.value("Nr"), sql::Error);
@@ -71,7 +73,8 @@ TEST_F(Records, NavigationEofBofAndRecordCount) {
 
 TEST_F(Records, EmptyRecordSetIsAtBofAndEof) {
     db::Recordset rs;
-    rs.open("SELECT * FROM tblBlockInfo WHERE OrdnerID = 1", *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.open("SELECT * FROM tblBlockInfo WHERE OrdnerID = 1", *con, db::adOpenKeyset,
+            db::adLockOptimistic);
     EXPECT_TRUE(rs.eof());
     EXPECT_TRUE(rs.bof());
     EXPECT_EQ(rs.recordCount(), 0);
@@ -117,17 +120,28 @@ TEST_F(Records, FindCriteriaShapes) {
         const char* criteria;
         long position;  // 0 = not found
     } cases[] = {
-        {"OrdnerName Like 'Arm%'", 2}, {"OrdnerName Like 'arm*'", 2}, {"Ordnername Like 'Rohr_eitungen'", 3},
-        {"Ordnername Like 'Rohr?eitungen'", 3}, {"OrdnerName Like '%Anlagen'", 4}, {"Nr = 3", 3},
-        {"Nr > 3", 4}, {"OrdnerNr Like '001'", 2}, {"OrdnerNr = '002'", 3}, {"[Ordnername] = 'öl-anlagen'", 4},
-        {"OrdnerName Like 'Arm'", 0}, {"Nr = 99", 0}, {"NrTblRechte = NULL", 1},
+        {"OrdnerName Like 'Arm%'", 2},
+        {"OrdnerName Like 'arm*'", 2},
+        {"Ordnername Like 'Rohr_eitungen'", 3},
+        {"Ordnername Like 'Rohr?eitungen'", 3},
+        {"OrdnerName Like '%Anlagen'", 4},
+        {"Nr = 3", 3},
+        {"Nr > 3", 4},
+        {"OrdnerNr Like '001'", 2},
+        {"OrdnerNr = '002'", 3},
+        {"[Ordnername] = 'öl-anlagen'", 4},
+        {"OrdnerName Like 'Arm'", 0},
+        {"Nr = 99", 0},
+        {"NrTblRechte = NULL", 1},
     };
     for (const auto& c : cases) {
         rs.moveFirst();
         bool found = rs.find(c.criteria);
         EXPECT_EQ(found, c.position != 0) << c.criteria;
-        if (found) EXPECT_EQ(rs.absolutePosition(), c.position) << c.criteria;
-        else EXPECT_TRUE(rs.eof()) << c.criteria;
+        if (found)
+            EXPECT_EQ(rs.absolutePosition(), c.position) << c.criteria;
+        else
+            EXPECT_TRUE(rs.eof()) << c.criteria;
     }
     rs.moveFirst();
     EXPECT_THROW(rs.find("Gibts = 1"), sql::Error);
@@ -231,7 +245,8 @@ TEST_F(Records, SwappingSortNumbersWithTheNeighbour) {
     con->execute("ALTER TABLE tblOrdner ADD COLUMN NrTblOrdnen SHORT");
     con->execute("UPDATE tblOrdner SET NrTblOrdnen = Nr");
     db::Recordset rs;
-    rs.open("SELECT * FROM tblOrdner ORDER BY NrTblOrdnen", *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.open("SELECT * FROM tblOrdner ORDER BY NrTblOrdnen", *con, db::adOpenKeyset,
+            db::adLockOptimistic);
     rs.setAbsolutePosition(2);
     auto first = rs.value("NrTblOrdnen");
     rs.moveNext();
@@ -264,7 +279,8 @@ TEST_F(Records, AddNewWritesThroughAndGetsItsNumber) {
     rs.update();
 
     db::Recordset check;
-    check.open("SELECT * FROM tblOrdner WHERE Ordnername LIKE 'neu'", *con, db::adOpenStatic, db::adLockReadOnly);
+    check.open("SELECT * FROM tblOrdner WHERE Ordnername LIKE 'neu'", *con, db::adOpenStatic,
+               db::adLockReadOnly);
     ASSERT_EQ(check.recordCount(), 1);
     EXPECT_EQ(check.text("OrdnerNr"), "004");
     EXPECT_EQ(check.value("NrTblRechte").asInt(), 5);
@@ -280,7 +296,8 @@ TEST_F(Records, AddNewWritesThroughAndGetsItsNumber) {
 
 TEST_F(Records, UpdateFindsTheBaseRowByItsKeyEvenWhenTheKeyIsNotSelected) {
     db::Recordset rs;
-    rs.open("SELECT Ordnername FROM tblOrdner WHERE OrdnerNr LIKE '002'", *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.open("SELECT Ordnername FROM tblOrdner WHERE OrdnerNr LIKE '002'", *con, db::adOpenKeyset,
+            db::adLockOptimistic);
     ASSERT_EQ(rs.recordCount(), 1);
     rs.setValue("Ordnername", "Rohre");
     rs.update();
@@ -292,8 +309,10 @@ TEST_F(Records, UpdateFindsTheBaseRowByItsKeyEvenWhenTheKeyIsNotSelected) {
 
 TEST_F(Records, MovingOffAnEditedRowSavesIt) {
     db::Recordset rs;
-    rs.open("SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 2 ORDER BY SeitenName",
-            *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.open(
+        "SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 2 ORDER "
+        "BY SeitenName",
+        *con, db::adOpenKeyset, db::adLockOptimistic);
     rs.setValue("SeitenName", "Eins");
     rs.moveNext();
     db::Recordset check;
@@ -303,8 +322,10 @@ TEST_F(Records, MovingOffAnEditedRowSavesIt) {
 
 TEST_F(Records, DeleteWritesThroughAndNavigationSkipsTheRow) {
     db::Recordset rs;
-    rs.open("SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 3 ORDER BY SeitenName",
-            *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.open(
+        "SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 3 ORDER "
+        "BY SeitenName",
+        *con, db::adOpenKeyset, db::adLockOptimistic);
     ASSERT_TRUE(rs.find("SeitenNr Like '3'"));  // Page "10"
     rs.deleteCurrent();
     EXPECT_THROW(rs.value("SeitenName"), sql::Error);
@@ -345,8 +366,10 @@ TEST_F(Records, RequerySeesChangesMadeThroughTheConnection) {
     rs.requery();
     EXPECT_LT(rs.recordCount(), before);  // the filter stays
     rs.clearFilter();
-    EXPECT_EQ(rs.recordCount(), static_cast<long>(std::count_if(cat.blocks.begin(), cat.blocks.end(),
-                                                                [](auto& b) { return b.ordnerId == 2 || b.ordnerId == 3; })));
+    EXPECT_EQ(rs.recordCount(),
+              static_cast<long>(std::count_if(cat.blocks.begin(), cat.blocks.end(), [](auto& b) {
+                  return b.ordnerId == 2 || b.ordnerId == 3;
+              })));
 }
 
 TEST_F(Records, ReadOnlyRecordSetRefusesChanges) {
@@ -356,7 +379,8 @@ TEST_F(Records, ReadOnlyRecordSetRefusesChanges) {
     EXPECT_THROW(rs.setValue("Ordnername", "x"), sql::Error);
     EXPECT_THROW(rs.deleteCurrent(), sql::Error);
     db::Recordset distinct;
-    distinct.open("SELECT DISTINCT OrdnerID FROM tblBlockInfo", *con, db::adOpenKeyset, db::adLockOptimistic);
+    distinct.open("SELECT DISTINCT OrdnerID FROM tblBlockInfo", *con, db::adOpenKeyset,
+                  db::adLockOptimistic);
     EXPECT_EQ(distinct.recordCount(), 3);
     EXPECT_THROW(distinct.setValue("OrdnerID", 1), sql::Error);
 }
@@ -389,16 +413,20 @@ TEST(Connection, OpenModes) {
 
     db::Connection server(memoryOpener(files));
     try {
-        server.open("Provider=SQLOLEDB.1; Integrated Security=SSPI; Persist Security Info=False; Initial Catalog=x; "
-                    "Data Source=srv;User ID=u;Password=p");
+        server.open(
+            "Provider=SQLOLEDB.1; Integrated Security=SSPI; Persist Security Info=False; Initial "
+            "Catalog=x; "
+            "Data Source=srv;User ID=u;Password=p");
         FAIL();
     } catch (const sql::Error& e) {
-        EXPECT_EQ(std::string(e.what()), "Provider cannot be found. It may not be properly installed.");
+        EXPECT_EQ(std::string(e.what()),
+                  "Provider cannot be found. It may not be properly installed.");
     }
     EXPECT_EQ(server.state(), db::adStateClosed);
 
     db::Connection missing(memoryOpener(files));
-    EXPECT_THROW(missing.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\fehlt.mdb"), sql::Error);
+    EXPECT_THROW(missing.open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\fehlt.mdb"),
+                 sql::Error);
     EXPECT_EQ(missing.state(), db::adStateClosed);
     EXPECT_THROW(missing.execute("DELETE FROM x"), sql::Error);
 }

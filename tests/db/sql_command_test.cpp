@@ -1,5 +1,6 @@
 // tessara-cli sql PATH STATEMENT over a copy of a file made by Access.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <array>
 #include <cstdio>
@@ -7,7 +8,6 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <sys/wait.h>
 
 namespace {
 
@@ -35,10 +35,11 @@ std::string bytesOf(const fs::path& p) {
 }
 
 class SqlCommand : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
-        dir = fs::temp_directory_path() / ("tessara_sqlcli_" + std::to_string(::getpid()) + "_" +
-                                           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        dir = fs::temp_directory_path() /
+              ("tessara_sqlcli_" + std::to_string(::getpid()) + "_" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
         fs::create_directories(dir);
         file = dir / "test.mdb";
         fs::copy_file(fs::path(TESSARA_TESTDATA) / "mdb" / "testV2000.mdb", file);
@@ -48,7 +49,8 @@ protected:
         fs::remove_all(dir, ec);
     }
     std::string cli(const std::string& statement) {
-        return std::string("'") + TESSARA_CLI + "' sql '" + file.string() + "' \"" + statement + "\"";
+        return std::string("'") + TESSARA_CLI + "' sql '" + file.string() + "' \"" + statement +
+               "\"";
     }
     fs::path dir, file;
 };
@@ -70,10 +72,12 @@ TEST_F(SqlCommand, WhereAndOrderBy) {
 TEST_F(SqlCommand, ErrorsPrintJetsMessageAndExitNonZero) {
     Output o = run(cli("SELECT * FROM Fehlt") + " 2>&1");
     EXPECT_NE(o.status, 0);
-    EXPECT_NE(o.text.find("cannot find the input table or query 'Fehlt'"), std::string::npos) << o.text;
+    EXPECT_NE(o.text.find("cannot find the input table or query 'Fehlt'"), std::string::npos)
+        << o.text;
     o = run(cli("SELECT * FROM Table1 WHERE A = 'x' y") + " 2>&1");
     EXPECT_NE(o.status, 0);
-    EXPECT_NE(o.text.find("Syntax error (missing operator) in query expression"), std::string::npos) << o.text;
+    EXPECT_NE(o.text.find("Syntax error (missing operator) in query expression"), std::string::npos)
+        << o.text;
 }
 
 TEST_F(SqlCommand, AStatementThatCannotWriteLeavesTheFileAsItWas) {

@@ -77,7 +77,7 @@ struct Prozess {
 };
 
 class StartAblauf : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         root = fs::temp_directory_path() /
                ("tessara_start_" + std::to_string(::getpid()) + "_" +

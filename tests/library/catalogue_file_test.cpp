@@ -41,7 +41,7 @@ std::vector<std::string> zeilen(const std::string& text) {
 }
 
 class EchteDatei : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         verzeichnis = fs::temp_directory_path() /
                       ("tessara_kat_" + std::to_string(::getpid()) + "_" +
@@ -93,7 +93,8 @@ TEST_F(EchteDatei, NeuerKatalogIstFuerMdbtoolsUndDiePruefungLesbar) {
     }
     const auto ordner = zeilen(exportiert("tblOrdner"));
     ASSERT_EQ(ordner.size(), 2u);
-    EXPECT_NE(ordner[1].find("\"000\",\"Standard-Ordner\",\"Alle\""), std::string::npos) << ordner[1];
+    EXPECT_NE(ordner[1].find("\"000\",\"Standard-Ordner\",\"Alle\""), std::string::npos)
+        << ordner[1];
     const auto seiten = zeilen(exportiert("tblSeiten"));
     ASSERT_EQ(seiten.size(), 2u);
     EXPECT_EQ(seiten[1].rfind("1,", 0), 0u) << seiten[1];
@@ -128,7 +129,8 @@ TEST_F(EchteDatei, DatensaetzeUeberlebenDasWiederoeffnen) {
             rs.addNew();
             rs.setValue("Block", "00100" + std::to_string(100 + i));
             rs.setValue("OrdnerID", 1);
-            rs.setValue("M0", i % 3 ? "Kugelhahn DN" + std::to_string(i) : std::string("Ventil ölfrei"));
+            rs.setValue("M0",
+                        i % 3 ? "Kugelhahn DN" + std::to_string(i) : std::string("Ventil ölfrei"));
             rs.update();
         }
         rs.close();
@@ -138,7 +140,8 @@ TEST_F(EchteDatei, DatensaetzeUeberlebenDasWiederoeffnen) {
     db::Connection con(oeffner);
     con.open(fctJetVerbindung(programmPfad));
     db::Recordset rs;
-    rs.open("SELECT Nr, Block, M3 FROM tblBlockInfo ORDER BY Nr", con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.open("SELECT Nr, Block, M3 FROM tblBlockInfo ORDER BY Nr", con, db::adOpenKeyset,
+            db::adLockOptimistic);
     EXPECT_EQ(rs.recordCount(), 200);
     rs.find("Block Like '00100102'");
     ASSERT_FALSE(rs.eof());

@@ -179,7 +179,9 @@ TEST_F(Navigation, DoubleClickActsByTheSetting) {
 
 TEST_F(Navigation, FoldersFollowTheSortSettingAndTheUsersRights) {
     ausfuehren("UPDATE tblOrdner SET OrdnerRechte = 'meier;MUELLER' WHERE OrdnerNr = '001'");
-    ausfuehren("INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte) VALUES ('002', 'Anker', 'Alle')");
+    ausfuehren(
+        "INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte) VALUES ('002', 'Anker', "
+        "'Alle')");
     m.setOrdnerSortieren(true);
     m.setOrdnerFilter([](const std::string& rechte) { return rechte == "Alle"; });
     oeffnen("000");

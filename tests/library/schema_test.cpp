@@ -16,7 +16,7 @@ namespace tessara {
 namespace {
 
 class Schema : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         z.benutzer = &benutzer;
         z.booDebug = false;
@@ -101,8 +101,9 @@ TEST_F(Schema, NeueDatenbankHatTabellenBeziehungenIndexUndStandardzeilen) {
         EXPECT_EQ(rs.text("Standardwert" + std::to_string(i)), kFreiEintrag);
     }
     rs.close();
-    rs.open("SELECT Nr, OrdnerNr, Ordnername, OrdnerRechte, NrTblDefMenue, NrTblRechte FROM tblOrdner",
-            con);
+    rs.open(
+        "SELECT Nr, OrdnerNr, Ordnername, OrdnerRechte, NrTblDefMenue, NrTblRechte FROM tblOrdner",
+        con);
     ASSERT_EQ(rs.recordCount(), 1);
     EXPECT_EQ(rs.text("OrdnerNr"), "000");
     EXPECT_EQ(rs.text("Ordnername"), "Standard-Ordner");
@@ -124,15 +125,16 @@ TEST_F(Schema, TexteUeberDerSpaltenbreiteWerdenAbgewiesen) {
     EXPECT_EQ(con.execute("INSERT INTO tblBlockInfo (Block, BlkName0) VALUES ('" +
                           std::string(144, '1') + "', '" + std::string(32, 'a') + "')"),
               1);
-    EXPECT_ANY_THROW(con.execute("INSERT INTO tblBlockInfo (Block) VALUES ('" +
-                                 std::string(145, '1') + "')"));
-    EXPECT_ANY_THROW(con.execute("INSERT INTO tblBlockInfo (BlkName0) VALUES ('" +
-                                 std::string(33, 'a') + "')"));
+    EXPECT_ANY_THROW(
+        con.execute("INSERT INTO tblBlockInfo (Block) VALUES ('" + std::string(145, '1') + "')"));
+    EXPECT_ANY_THROW(
+        con.execute("INSERT INTO tblBlockInfo (BlkName0) VALUES ('" + std::string(33, 'a') + "')"));
 }
 
 TEST_F(Schema, DebugModusKuendigtJedeTabelleAn) {
     namespace fs = std::filesystem;
-    const fs::path dir = fs::temp_directory_path() / ("tessara_schema_" + std::to_string(::getpid()));
+    const fs::path dir =
+        fs::temp_directory_path() / ("tessara_schema_" + std::to_string(::getpid()));
     fs::create_directories(dir);
     z.booDebug = true;
     z.strCTemp = platform::programPath(dir.string()) + "\\";

@@ -13,23 +13,24 @@ namespace {
 
 // A catalogue of 300 Blocks in three Folders.
 class Zugriff : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         z.benutzer = &benutzer;
         ASSERT_TRUE(Mk_Datenbank(z, oeffner, pfad));
         ASSERT_TRUE(fctConnectionOeffnen(z, con, pfad));
-        con.execute("INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte) VALUES ('001', "
-                    "'Armaturen', 'Alle')");
-        con.execute("INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte) VALUES ('002', "
-                    "'Elektro', 'Alle')");
+        con.execute(
+            "INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte) VALUES ('001', "
+            "'Armaturen', 'Alle')");
+        con.execute(
+            "INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte) VALUES ('002', "
+            "'Elektro', 'Alle')");
         for (int i = 0; i < 300; ++i) {
             const int ordner = 1 + i % 3;
             char block[16];
             std::snprintf(block, sizeof block, "%03d0%03d", ordner - 1, i);
             con.execute(std::string("INSERT INTO tblBlockInfo (Block, OrdnerID, M0) VALUES ('") +
                         block + "', " + std::to_string(ordner) + ", '" +
-                        (i % 10 == 0 ? "Kugelventil DN" : "Flansch DN") + std::to_string(i) +
-                        "')");
+                        (i % 10 == 0 ? "Kugelventil DN" : "Flansch DN") + std::to_string(i) + "')");
         }
         fehlerVorher = z.fehler.intFehlerAnzahl;
     }
@@ -119,8 +120,8 @@ TEST_F(Zugriff, EinHochkommaImWertBrichtDieAnweisungOhneDatenZuAendern) {
 
 TEST_F(Zugriff, WertInSpalteSpeichernLegtDieSpalteAn) {
     db::Recordset rs;
-    ASSERT_TRUE(fctWertInSpalteSpeichern(z, con, rs, "tblOrdner", "OrdnerNr", "001", "Bemerkung",
-                                         "neu"));
+    ASSERT_TRUE(
+        fctWertInSpalteSpeichern(z, con, rs, "tblOrdner", "OrdnerNr", "001", "Bemerkung", "neu"));
     auto spalten = files->find(pfad)->table("tblOrdner")->columns();
     EXPECT_EQ(spalten.back().name, "Bemerkung");
     EXPECT_EQ(spalten.back().type, sql::ColumnType::Text);
@@ -137,8 +138,8 @@ TEST_F(Zugriff, WertInSpalteSpeichernLegtDieSpalteAn) {
 TEST_F(Zugriff, SpalteAnlegenMitStartwertUndUebertragen) {
     db::Recordset rs;
     fctRsEinlesenAllgemein(z, con, rs, "tblOrdner", "");
-    ASSERT_TRUE(fctSpalteAnlegenFallsNichtVorhanden(z, con, rs, "tblOrdner", "NrTblOrdnen",
-                                                    "SHORT", std::string("0")));
+    ASSERT_TRUE(fctSpalteAnlegenFallsNichtVorhanden(z, con, rs, "tblOrdner", "NrTblOrdnen", "SHORT",
+                                                    std::string("0")));
     EXPECT_TRUE(fctSpalteNichtVorhandenOhneEintrag0(z, oeffner, pfad, "tblOrdner", "NrTblRechte"));
     EXPECT_FALSE(fctSpalteNichtVorhandenOhneEintrag0(z, oeffner, pfad, "tblOrdner", "NrTblOrdnen"));
     ASSERT_TRUE(fctWerteVonSpalteUebertragen(z, con, "tblOrdner", "NrTblOrdnen", "Nr"));
@@ -146,8 +147,8 @@ TEST_F(Zugriff, SpalteAnlegenMitStartwertUndUebertragen) {
     rs.moveLast();
     EXPECT_EQ(rs.value("NrTblOrdnen").asInt(), 3);
     // Already there: nothing is executed, the answer is true.
-    EXPECT_TRUE(fctSpalteAnlegenFallsNichtVorhanden(z, con, rs, "tblOrdner", "NrTblOrdnen",
-                                                    "SHORT"));
+    EXPECT_TRUE(
+        fctSpalteAnlegenFallsNichtVorhanden(z, con, rs, "tblOrdner", "NrTblOrdnen", "SHORT"));
     EXPECT_EQ(neueFehler(), 0);
 }
 
@@ -161,9 +162,9 @@ TEST_F(Zugriff, AlleEintraegeLoeschen) {
 
 TEST_F(Zugriff, SucheMitMuster) {
     db::Recordset rs;
-    EXPECT_EQ(fctRsSuchenMitMuster(z, con, rs, "Nr, Block, M0", "tblBlockInfo", "M0", "Kugel",
-                                   "Block"),
-              30);
+    EXPECT_EQ(
+        fctRsSuchenMitMuster(z, con, rs, "Nr, Block, M0", "tblBlockInfo", "M0", "Kugel", "Block"),
+        30);
     rs.moveFirst();
     EXPECT_EQ(rs.text("Block"), "0000000");
     db::Connection zu(oeffner);

@@ -18,12 +18,14 @@ namespace fs = std::filesystem;
 
 // A private copy, so nothing a test does can touch the shared files.
 class RealFile : public ::testing::Test {
-protected:
+  protected:
     fs::path copy(const std::string& name) {
-        dir = fs::temp_directory_path() / ("tessara_sql_" + std::to_string(::getpid()) + "_" +
-                                           ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        dir = fs::temp_directory_path() /
+              ("tessara_sql_" + std::to_string(::getpid()) + "_" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
         fs::create_directories(dir);
-        fs::copy_file(fs::path(TESSARA_TESTDATA) / "mdb" / name, dir / name, fs::copy_options::overwrite_existing);
+        fs::copy_file(fs::path(TESSARA_TESTDATA) / "mdb" / name, dir / name,
+                      fs::copy_options::overwrite_existing);
         return dir / name;
     }
     void TearDown() override {
@@ -44,7 +46,8 @@ std::string run(const std::string& cmd) {
 
 // Lines of mdb-export without its header, split at commas outside quotes.
 std::vector<std::vector<std::string>> exported(const fs::path& file, const std::string& table) {
-    std::istringstream in(run("mdb-export -D '%m/%d/%y %H:%M:%S' '" + file.string() + "' '" + table + "'"));
+    std::istringstream in(
+        run("mdb-export -D '%m/%d/%y %H:%M:%S' '" + file.string() + "' '" + table + "'"));
     std::string line;
     std::getline(in, line);
     std::vector<std::vector<std::string>> rows;
@@ -52,9 +55,12 @@ std::vector<std::vector<std::string>> exported(const fs::path& file, const std::
         std::vector<std::string> fields(1);
         bool quoted = false;
         for (char c : line) {
-            if (c == '"') quoted = !quoted;
-            else if (c == ',' && !quoted) fields.emplace_back();
-            else fields.back() += c;
+            if (c == '"')
+                quoted = !quoted;
+            else if (c == ',' && !quoted)
+                fields.emplace_back();
+            else
+                fields.back() += c;
         }
         rows.push_back(fields);
     }
@@ -87,7 +93,8 @@ TEST_F(RealFile, WhereLikeAndOrderByOverAnAccessFile) {
         if (r[3].find("baz1") == 0) ids.push_back(r[0]);
     auto rs = ex.query("SELECT id, data FROM Table1 WHERE data LIKE 'BAZ1%' ORDER BY data DESC");
     ASSERT_EQ(rs.rows.size(), ids.size());
-    for (std::size_t i = 1; i < rs.rows.size(); ++i) EXPECT_GE(rs.rows[i - 1][1].toString(), rs.rows[i][1].toString());
+    for (std::size_t i = 1; i < rs.rows.size(); ++i)
+        EXPECT_GE(rs.rows[i - 1][1].toString(), rs.rows[i][1].toString());
     auto one = ex.query("SELECT * FROM Table1 WHERE id = 2");
     ASSERT_EQ(one.rows.size(), 1u);
     EXPECT_EQ(one.rows[0][3].toString(), "baz11-2");
@@ -101,7 +108,8 @@ TEST_F(RealFile, MissingTableAndFile) {
     EXPECT_THROW(sql::openEngineStorage((dir / "fehlt.mdb").string(), false), jet::Error);
     // IN '<file>' opens another real file.
     auto other = copy("indexTestV2000.mdb");
-    auto rs = ex.query("SELECT id FROM Table1 IN '" + other.string() + "' WHERE id < 2 ORDER BY id");
+    auto rs =
+        ex.query("SELECT id FROM Table1 IN '" + other.string() + "' WHERE id < 2 ORDER BY id");
     ASSERT_EQ(rs.rows.size(), 2u);
     EXPECT_EQ(rs.rows[1][0].asInt(), 1);
 }

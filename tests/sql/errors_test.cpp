@@ -15,7 +15,7 @@ struct ErrorCase {
 };
 
 class Errors : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         db = std::make_shared<sql::MemoryStorage>();
         fixture::fill(*db, 30);
@@ -29,77 +29,98 @@ TEST_F(Errors, TableOfStatementsAndMessages) {
     using namespace sql::errors;
     const ErrorCase cases[] = {
         {"SELECT * FORM tblOrdner",
-         "The SELECT statement includes a reserved word or an argument name that is misspelled or missing, or the "
+         "The SELECT statement includes a reserved word or an argument name that is misspelled or "
+         "missing, or the "
          "punctuation is incorrect.",
          kErrorsInCommand},
         {"SELECT * FROM tblOrdner a b", "Syntax error in FROM clause.", kErrorsInCommand},
         {"SELECT * FROM", "Syntax error in FROM clause.", kErrorsInCommand},
         {"SELECT * FROM tblOrdner WHERE", "Syntax error in query expression ''.", kErrorsInCommand},
-        {"SELECT * FROM tblOrdner WHERE Nr =", "Syntax error in query expression 'Nr ='.", kErrorsInCommand},
-        {"SELECT * FROM tblOrdner WHERE Nr = 1 2", "Syntax error (missing operator) in query expression 'Nr = 1 2'.",
+        {"SELECT * FROM tblOrdner WHERE Nr =", "Syntax error in query expression 'Nr ='.",
          kErrorsInCommand},
+        {"SELECT * FROM tblOrdner WHERE Nr = 1 2",
+         "Syntax error (missing operator) in query expression 'Nr = 1 2'.", kErrorsInCommand},
         {"SELECT * FROM tblOrdner WHERE Ordnername LIKE 'abc",
          "Syntax error in string in query expression 'Ordnername LIKE 'abc'.", kErrorsInCommand},
         {"SELECT * FROM tblOrdner ORDER Nr", "Syntax error in ORDER BY clause.", kErrorsInCommand},
         {"SELECT * FROM tblOrdner ORDER BY", "Syntax error in ORDER BY clause.", kErrorsInCommand},
         {"SELECT * FROM tblGibtEsNicht",
-         "The Microsoft Jet database engine cannot find the input table or query 'tblGibtEsNicht'.  Make sure it "
+         "The Microsoft Jet database engine cannot find the input table or query 'tblGibtEsNicht'. "
+         " Make sure it "
          "exists and that its name is spelled correctly.",
          kTableNotFound},
-        {"SELECT Unbekannt FROM tblOrdner", "No value given for one or more required parameters.", kNoValueGiven},
-        {"SELECT * FROM tblOrdner WHERE Unbekannt = 1", "No value given for one or more required parameters.",
+        {"SELECT Unbekannt FROM tblOrdner", "No value given for one or more required parameters.",
          kNoValueGiven},
-        {"SELECT * FROM tblOrdner ORDER BY Unbekannt", "No value given for one or more required parameters.",
-         kNoValueGiven},
-        {"SELECT * FROM tblOrdner WHERE tblSeiten.Nr = 1", "No value given for one or more required parameters.",
-         kNoValueGiven},
+        {"SELECT * FROM tblOrdner WHERE Unbekannt = 1",
+         "No value given for one or more required parameters.", kNoValueGiven},
+        {"SELECT * FROM tblOrdner ORDER BY Unbekannt",
+         "No value given for one or more required parameters.", kNoValueGiven},
+        {"SELECT * FROM tblOrdner WHERE tblSeiten.Nr = 1",
+         "No value given for one or more required parameters.", kNoValueGiven},
         {"SELECT * FROM tblOrdner WHERE Nr IN (SELECT Gibts FROM tblSeiten)",
          "No value given for one or more required parameters.", kNoValueGiven},
-        {"UPDATE tblOrdner SET Unbekannt = 1", "No value given for one or more required parameters.", kNoValueGiven},
-        {"SELECT * FROM tblOrdner WHERE Nr = 'eins'", "Data type mismatch in criteria expression.", kTypeMismatch},
+        {"UPDATE tblOrdner SET Unbekannt = 1",
+         "No value given for one or more required parameters.", kNoValueGiven},
+        {"SELECT * FROM tblOrdner WHERE Nr = 'eins'", "Data type mismatch in criteria expression.",
+         kTypeMismatch},
         {"SELECT * FROM tblOrdner WHERE Nr IN (SELECT Nr, SeitenNr FROM tblSeiten)",
-         "You have written a subquery that can return more than one field without using the EXISTS reserved word in "
-         "the main query's FROM clause.  Revise the SELECT statement of the subquery to request only one field.",
+         "You have written a subquery that can return more than one field without using the EXISTS "
+         "reserved word in "
+         "the main query's FROM clause.  Revise the SELECT statement of the subquery to request "
+         "only one field.",
          kErrorsInCommand},
-        {"SELECT * INTO tblOrdner FROM tblSeiten", "Table 'tblOrdner' already exists.", kErrorsInCommand},
+        {"SELECT * INTO tblOrdner FROM tblSeiten", "Table 'tblOrdner' already exists.",
+         kErrorsInCommand},
         {"INSERT INTO tblOrdner (Gibts) VALUES (1)",
-         "The INSERT INTO statement contains the following unknown field name: 'Gibts'.  Make sure you have typed "
+         "The INSERT INTO statement contains the following unknown field name: 'Gibts'.  Make sure "
+         "you have typed "
          "the name correctly, and try the operation again.",
          kErrorsInCommand},
         {"INSERT INTO tblOrdner (OrdnerNr, Ordnername) VALUES ('9')",
          "Number of query values and destination fields are not the same.", kErrorsInCommand},
         {"INSERT tblOrdner VALUES (1)", "Syntax error in INSERT INTO statement.", kErrorsInCommand},
         {"INSERT INTO tblOrdner (OrdnerNr) VALUES ('12345')",
-         "The field is too small to accept the amount of data you attempted to add.  Try inserting or pasting less "
+         "The field is too small to accept the amount of data you attempted to add.  Try inserting "
+         "or pasting less "
          "data.",
          kIntegrity},
-        {"UPDATE tblOrdner Ordnername = 'x'", "Syntax error in UPDATE statement.", kErrorsInCommand},
+        {"UPDATE tblOrdner Ordnername = 'x'", "Syntax error in UPDATE statement.",
+         kErrorsInCommand},
         {"UPDATE tblOrdner SET Nr = 7", "Cannot update 'Nr'; field not updateable.", kIntegrity},
         {"DELETE tblOrdner", "Syntax error in FROM clause.", kErrorsInCommand},
-        {"ALTER TABLE tblOrdner ADD COLUMN Neu WURST", "Syntax error in field definition.", kErrorsInCommand},
-        {"ALTER TABLE tblOrdner ADD COLUMN Ordnername TEXT (10)", "Field 'Ordnername' already exists in table 'tblOrdner'.",
+        {"ALTER TABLE tblOrdner ADD COLUMN Neu WURST", "Syntax error in field definition.",
          kErrorsInCommand},
+        {"ALTER TABLE tblOrdner ADD COLUMN Ordnername TEXT (10)",
+         "Field 'Ordnername' already exists in table 'tblOrdner'.", kErrorsInCommand},
         {"ALTER TABLE tblNichtDa ADD COLUMN Neu SHORT",
-         "The Microsoft Jet database engine cannot find the input table or query 'tblNichtDa'.  Make sure it exists "
+         "The Microsoft Jet database engine cannot find the input table or query 'tblNichtDa'.  "
+         "Make sure it exists "
          "and that its name is spelled correctly.",
          kTableNotFound},
-        {"ALTER tblOrdner ADD COLUMN Neu SHORT", "Syntax error in ALTER TABLE statement.", kErrorsInCommand},
+        {"ALTER tblOrdner ADD COLUMN Neu SHORT", "Syntax error in ALTER TABLE statement.",
+         kErrorsInCommand},
         {"CREATE INDEX x ON tblOrdner(Gibts)",
-         "Invalid field definition 'Gibts' in definition of index or relationship.", kErrorsInCommand},
-        {"CREATE INDEX x ON tblOrdner Nr", "Syntax error in CREATE INDEX statement.", kErrorsInCommand},
-        {"CREATE INDEX PrimaryKey ON tblOrdner(OrdnerNr)", "Table 'tblOrdner' already has an index named 'PrimaryKey'.",
+         "Invalid field definition 'Gibts' in definition of index or relationship.",
          kErrorsInCommand},
-        {"SHOW TABLES", "Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'.",
+        {"CREATE INDEX x ON tblOrdner Nr", "Syntax error in CREATE INDEX statement.",
          kErrorsInCommand},
-        {"", "Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'.",
+        {"CREATE INDEX PrimaryKey ON tblOrdner(OrdnerNr)",
+         "Table 'tblOrdner' already has an index named 'PrimaryKey'.", kErrorsInCommand},
+        {"SHOW TABLES",
+         "Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'.",
+         kErrorsInCommand},
+        {"",
+         "Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'.",
          kErrorsInCommand},
         {"SELECT Nr FROM tblOrdner INNER JOIN tblSeiten ON tblOrdner.Nr = tblSeiten.NrTblOrdner",
-         "The specified field 'Nr' could refer to more than one table listed in the FROM clause of your SQL statement.",
+         "The specified field 'Nr' could refer to more than one table listed in the FROM clause of "
+         "your SQL statement.",
          kErrorsInCommand},
         {"SELECT * FROM tblOrdner INNER JOIN tblSeiten tblOrdner.Nr = tblSeiten.NrTblOrdner",
          "Syntax error in JOIN operation.", kErrorsInCommand},
         {"SELECT Nr Ordnername FROM tblOrdner",
-         "The SELECT statement includes a reserved word or an argument name that is misspelled or missing, or the "
+         "The SELECT statement includes a reserved word or an argument name that is misspelled or "
+         "missing, or the "
          "punctuation is incorrect.",
          kErrorsInCommand},
     };
@@ -144,7 +165,8 @@ TEST_F(Errors, AFailingUpdateChangesNoRow) {
     ex->execute("ALTER TABLE tblOrdner ADD COLUMN Kurz TEXT (3)");
     EXPECT_THROW(ex->execute("UPDATE tblOrdner SET Kurz = Ordnername"), sql::Error);
     EXPECT_EQ(ex->query("SELECT * FROM tblOrdner WHERE Kurz IS NOT NULL").rows.size(), 0u);
-    EXPECT_THROW(ex->execute("INSERT INTO tblOrdner (OrdnerNr) SELECT Ordnername FROM tblOrdner"), sql::Error);
+    EXPECT_THROW(ex->execute("INSERT INTO tblOrdner (OrdnerNr) SELECT Ordnername FROM tblOrdner"),
+                 sql::Error);
     EXPECT_EQ(ex->query("SELECT * FROM tblOrdner").rows.size(), 4u);
 }
 
@@ -172,12 +194,16 @@ TEST(ParserLimits, DeepNestingIsRefusedNotACrash) {
     auto db = std::make_shared<sql::MemoryStorage>();
     db->createTable("t", {{"Nr", sql::ColumnType::Long, 0, false, true}}, {});
     sql::Executor ex(db);
-    std::string deep = "SELECT * FROM t WHERE " + std::string(100000, '(') + "Nr = 1" + std::string(100000, ')');
+    std::string deep =
+        "SELECT * FROM t WHERE " + std::string(100000, '(') + "Nr = 1" + std::string(100000, ')');
     EXPECT_THROW(ex.execute(deep), sql::Unsupported);
     std::string nots = "SELECT * FROM t WHERE ";
     for (int i = 0; i < 50000; ++i) nots += "NOT ";
     EXPECT_THROW(ex.execute(nots + "Nr = 1"), sql::Unsupported);
     // Moderate nesting still runs.
-    EXPECT_EQ(ex.execute("SELECT * FROM t WHERE " + std::string(50, '(') + "Nr = 1" + std::string(50, ')')).rows.rows.size(), 0u);
+    EXPECT_EQ(ex.execute("SELECT * FROM t WHERE " + std::string(50, '(') + "Nr = 1" +
+                         std::string(50, ')'))
+                  .rows.rows.size(),
+              0u);
 }
 }  // namespace

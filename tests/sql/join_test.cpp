@@ -11,7 +11,7 @@
 namespace {
 
 class Joins : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         db = std::make_shared<sql::MemoryStorage>();
         cat = fixture::fill(*db, 60);
@@ -24,8 +24,10 @@ protected:
 
 TEST_F(Joins, InnerJoinPairsEveryBlockWithItsFolder) {
     auto rs = ex->query(
-        "SELECT tblBlockInfo.Block, tblOrdner.OrdnerName, tblOrdner.OrdnerNr FROM tblBlockInfo INNER JOIN tblOrdner ON "
-        "tblBlockInfo.OrdnerID = tblOrdner.Nr WHERE tblOrdner.OrdnerNr LIKE '002' ORDER BY tblBlockInfo.Block");
+        "SELECT tblBlockInfo.Block, tblOrdner.OrdnerName, tblOrdner.OrdnerNr FROM tblBlockInfo "
+        "INNER JOIN tblOrdner ON "
+        "tblBlockInfo.OrdnerID = tblOrdner.Nr WHERE tblOrdner.OrdnerNr LIKE '002' ORDER BY "
+        "tblBlockInfo.Block");
     std::vector<std::string> expected;
     for (const auto& b : cat.blocks)
         if (b.ordnerId == 3) expected.push_back(b.block);
@@ -40,7 +42,9 @@ TEST_F(Joins, InnerJoinPairsEveryBlockWithItsFolder) {
 }
 
 TEST_F(Joins, LeftJoinKeepsFoldersWithoutBlocksAndQualifiesSharedNames) {
-    auto rs = ex->query("SELECT * FROM tblOrdner AS o LEFT JOIN tblBlockInfo AS b ON o.Nr = b.OrdnerID WHERE b.Nr IS NULL");
+    auto rs = ex->query(
+        "SELECT * FROM tblOrdner AS o LEFT JOIN tblBlockInfo AS b ON o.Nr = b.OrdnerID WHERE b.Nr "
+        "IS NULL");
     ASSERT_EQ(rs.rows.size(), 1u);  // only the standard Folder has no Blocks
     EXPECT_EQ(rs.rows[0][rs.columnIndex("OrdnerNr")].toString(), "000");
     EXPECT_GE(rs.columnIndex("tblOrdner.Nr"), 0);
@@ -50,7 +54,8 @@ TEST_F(Joins, LeftJoinKeepsFoldersWithoutBlocksAndQualifiesSharedNames) {
 
 TEST_F(Joins, ThreeTablesWithJetsParentheses) {
     auto rs = ex->query(
-        "SELECT v.BlockName, b.Block, o.Ordnername FROM (tblVariationBloecke AS v INNER JOIN tblBlockInfo AS b ON "
+        "SELECT v.BlockName, b.Block, o.Ordnername FROM (tblVariationBloecke AS v INNER JOIN "
+        "tblBlockInfo AS b ON "
         "v.BlockID = b.Nr) INNER JOIN tblOrdner AS o ON b.OrdnerID = o.Nr ORDER BY v.BlockName");
     ASSERT_EQ(rs.rows.size(), cat.variants.size());
     for (const auto& row : rs.rows) {
@@ -63,8 +68,9 @@ TEST_F(Joins, ThreeTablesWithJetsParentheses) {
 }
 
 TEST_F(Joins, NonEqualityOnIsEvaluatedRowByRow) {
-    auto rs = ex->query("SELECT s.SeitenName, o.OrdnerNr FROM tblSeiten AS s INNER JOIN tblOrdner AS o ON "
-                        "s.NrTblOrdner = o.Nr AND s.SeitenNr > 3");
+    auto rs = ex->query(
+        "SELECT s.SeitenName, o.OrdnerNr FROM tblSeiten AS s INNER JOIN tblOrdner AS o ON "
+        "s.NrTblOrdner = o.Nr AND s.SeitenNr > 3");
     EXPECT_EQ(rs.rows.size(), 6u);  // Pages 4 and 5 of three Folders
 }
 

@@ -1,7 +1,6 @@
 // The statements the program composes, run over a catalogue of a few hundred
 // Blocks; expected rows come from the generator's own lists.
 #include <gtest/gtest.h>
-
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,7 +28,7 @@ bool contains(const std::string& hay, const std::string& needle) {
 // Each case runs over the in-memory store and over a real .mdb file made
 // and filled by the Jet engine, so both give the same answers.
 class Statements : public ::testing::TestWithParam<const char*> {
-protected:
+  protected:
     void SetUp() override {
         if (std::string(GetParam()) == "memory") {
             files = std::make_shared<sql::MemoryFiles>();
@@ -46,7 +45,8 @@ protected:
     }
     // Only the in-memory store counts how a statement reached its rows.
     void resetCounters() {
-        if (auto* m = dynamic_cast<sql::MemoryStorage*>(lib.get())) m->counters().scans = m->counters().seeks = 0;
+        if (auto* m = dynamic_cast<sql::MemoryStorage*>(lib.get()))
+            m->counters().scans = m->counters().seeks = 0;
     }
     template <class M>
     void expectCount(M member, int n) {
@@ -83,7 +83,9 @@ protected:
 
 // The record sets of the navigation model.
 TEST_P(Statements, PagesOfAFolderSortedByNameInGeneralOrder) {
-    auto rs = ex->query("SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 3 ORDER BY SeitenName");
+    auto rs = ex->query(
+        "SELECT Nr, SeitenNr, SeitenName, NrTblOrdner From tblSeiten WHERE NrTblOrdner = 3 ORDER "
+        "BY SeitenName");
     EXPECT_EQ(column(rs, "SeitenName"), (std::vector<std::string>{"1", "10", "2", "A", "b"}));
     EXPECT_EQ(column(rs, "SeitenNr"), (std::vector<std::string>{"5", "3", "1", "4", "2"}));
     ASSERT_EQ(rs.columns.size(), 4u);
@@ -91,10 +93,10 @@ TEST_P(Statements, PagesOfAFolderSortedByNameInGeneralOrder) {
 }
 
 TEST_P(Statements, BlockRecordsOfAFolderWithTheFixedColumnList) {
-    std::string sqlText =
-        std::string("SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, ") +
-        "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE FROM tblBlockInfo " +
-        "WHERE OrdnerID = " + "3";
+    std::string sqlText = std::string("SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, ") +
+                          "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, LAYER, "
+                          "LYCOLOR, LYLINE FROM tblBlockInfo " +
+                          "WHERE OrdnerID = " + "3";
     auto rs = ex->query(sqlText);
     EXPECT_EQ(column(rs, "Block"), blocksWhere([](const BlockSpec& b) { return b.ordnerId == 3; }));
     ASSERT_EQ(rs.columns.size(), 22u);
@@ -106,8 +108,11 @@ TEST_P(Statements, BlockRecordsOfAFolderWithTheFixedColumnList) {
 
 TEST_P(Statements, SingleBlockByLike) {
     const BlockSpec& b = cat.blocks[17];
-    auto rs = ex->query("SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, "
-                        "AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE FROM tblBlockInfo WHERE Block LIKE '" + b.block + "'");
+    auto rs = ex->query(
+        "SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, "
+        "AX1, "
+        "AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE FROM tblBlockInfo WHERE Block LIKE '" +
+        b.block + "'");
     ASSERT_EQ(rs.rows.size(), 1u);
     EXPECT_EQ(rs.rows[0][0].asInt(), b.nr);
     EXPECT_EQ(rs.rows[0][5].toString(), b.m0);
@@ -125,13 +130,23 @@ TEST_P(Statements, HelperShapesReturnTheExpectedNumberOfRows) {
         {"SELECT * FROM [tblOrdner] ORDER BY OrdnerName", [](auto& c) { return c.folders.size(); }},
         {"SELECT * FROM [tblOrdner]", [](auto& c) { return c.folders.size(); }},
         {"SELECT * FROM [tblBlockInfo] WHERE [OrdnerID] = 2",
-         [](auto& c) { return std::count_if(c.blocks.begin(), c.blocks.end(), [](auto& b) { return b.ordnerId == 2; }); }},
+         [](auto& c) {
+             return std::count_if(c.blocks.begin(), c.blocks.end(),
+                                  [](auto& b) { return b.ordnerId == 2; });
+         }},
         {"SELECT * FROM [tblOrdner] WHERE [OrdnerNr] LIKE '002'", [](auto&) { return 1; }},
         {"SELECT * FROM tblBlockInfo WHERE M3 IS NOT NULL",
-         [](auto& c) { return std::count_if(c.blocks.begin(), c.blocks.end(), [](auto& b) { return !b.m3.empty(); }); }},
+         [](auto& c) {
+             return std::count_if(c.blocks.begin(), c.blocks.end(),
+                                  [](auto& b) { return !b.m3.empty(); });
+         }},
         {"SELECT * FROM tblBlockInfo WHERE M3 IS NULL",
-         [](auto& c) { return std::count_if(c.blocks.begin(), c.blocks.end(), [](auto& b) { return b.m3.empty(); }); }},
-        {"SELECT OrdnerName FROM tblOrdner WHERE OrdnerName LIKE 'armaturen'", [](auto&) { return 1; }},
+         [](auto& c) {
+             return std::count_if(c.blocks.begin(), c.blocks.end(),
+                                  [](auto& b) { return b.m3.empty(); });
+         }},
+        {"SELECT OrdnerName FROM tblOrdner WHERE OrdnerName LIKE 'armaturen'",
+         [](auto&) { return 1; }},
         {"SELECT * FROM tblOrdner WHERE OrdnerName LIKE 'Arm'", [](auto&) { return 0; }},
         {"SELECT Block FROM tblBlockInfo WHERE M0 LIKE 'ventil%' ORDER BY Block",
          [](auto& c) {
@@ -139,7 +154,10 @@ TEST_P(Statements, HelperShapesReturnTheExpectedNumberOfRows) {
                                   [](auto& b) { return lowerAscii(b.m0).rfind("ventil", 0) == 0; });
          }},
         {"SELECT Block, OrdnerID FROM tblBlockInfo WHERE OrdnerID = 4",
-         [](auto& c) { return std::count_if(c.blocks.begin(), c.blocks.end(), [](auto& b) { return b.ordnerId == 4; }); }},
+         [](auto& c) {
+             return std::count_if(c.blocks.begin(), c.blocks.end(),
+                                  [](auto& b) { return b.ordnerId == 4; });
+         }},
         {"SELECT * FROM tblSeiten WHERE NrTblOrdner = 1", [](auto&) { return 1; }},
         {"SELECT * FROM tblDefMenue WHERE Nr = 1", [](auto&) { return 1; }},
         {"SELECT * FROM tblDefMenue WHERE Nr LIKE '1'", [](auto&) { return 1; }},
@@ -161,7 +179,9 @@ TEST_P(Statements, SchemaUpgradeAddsColumnAndStartValue) {
 
     ex->execute("ALTER TABLE tblOrdner ADD COLUMN Farbe TEXT (100)");
     EXPECT_EQ(t->columns().back().size, 100);
-    EXPECT_EQ(ex->execute("UPDATE [tblOrdner] SET [Farbe] = 'rot' WHERE [OrdnerNr] LIKE '001'").rowsAffected, 1);
+    EXPECT_EQ(ex->execute("UPDATE [tblOrdner] SET [Farbe] = 'rot' WHERE [OrdnerNr] LIKE '001'")
+                  .rowsAffected,
+              1);
     EXPECT_EQ(ex->query("SELECT * FROM tblOrdner WHERE Farbe IS NOT NULL").rows.size(), 1u);
     EXPECT_THROW(ex->execute("ALTER TABLE tblOrdner ADD COLUMN Farbe TEXT (100)"), sql::Error);
 }
@@ -171,14 +191,15 @@ TEST_P(Statements, TypeWordsOfAlterTable) {
         const char* word;
         sql::ColumnType type;
         int size;
-    } cases[] = {{"TEXT (50)", sql::ColumnType::Text, 50}, {"TEXT", sql::ColumnType::Text, 255},
-                 {"SHORT", sql::ColumnType::Integer, 0},    {"LONG", sql::ColumnType::Long, 0},
-                 {"INTEGER", sql::ColumnType::Long, 0},     {"DOUBLE", sql::ColumnType::Double, 0},
-                 {"SINGLE", sql::ColumnType::Single, 0},    {"BYTE", sql::ColumnType::Byte, 0},
-                 {"BIT", sql::ColumnType::Boolean, 0},      {"YESNO", sql::ColumnType::Boolean, 0},
-                 {"DATETIME", sql::ColumnType::DateTime, 0}, {"CURRENCY", sql::ColumnType::Currency, 0},
-                 {"MEMO", sql::ColumnType::Memo, 0},        {"VARCHAR(20)", sql::ColumnType::Text, 20},
-                 {"SMALLINT", sql::ColumnType::Integer, 0}};
+    } cases[] = {
+        {"TEXT (50)", sql::ColumnType::Text, 50},   {"TEXT", sql::ColumnType::Text, 255},
+        {"SHORT", sql::ColumnType::Integer, 0},     {"LONG", sql::ColumnType::Long, 0},
+        {"INTEGER", sql::ColumnType::Long, 0},      {"DOUBLE", sql::ColumnType::Double, 0},
+        {"SINGLE", sql::ColumnType::Single, 0},     {"BYTE", sql::ColumnType::Byte, 0},
+        {"BIT", sql::ColumnType::Boolean, 0},       {"YESNO", sql::ColumnType::Boolean, 0},
+        {"DATETIME", sql::ColumnType::DateTime, 0}, {"CURRENCY", sql::ColumnType::Currency, 0},
+        {"MEMO", sql::ColumnType::Memo, 0},         {"VARCHAR(20)", sql::ColumnType::Text, 20},
+        {"SMALLINT", sql::ColumnType::Integer, 0}};
     int n = 0;
     for (const auto& c : cases) {
         std::string col = "Neu" + std::to_string(n++);
@@ -210,7 +231,8 @@ TEST_P(Statements, CreateIndexDescendingAndItsUse) {
     auto rs = ex->query("SELECT Block FROM tblBlockInfo WHERE OrdnerID = 3 AND M0 LIKE '%DN1%'");
     expectCount(&sql::AccessCounters::seeks, 1);
     expectCount(&sql::AccessCounters::scans, 0);
-    EXPECT_EQ(column(rs, "Block"), blocksWhere([](auto& b) { return b.ordnerId == 3 && contains(b.m0, "DN1"); }));
+    EXPECT_EQ(column(rs, "Block"),
+              blocksWhere([](auto& b) { return b.ordnerId == 3 && contains(b.m0, "DN1"); }));
 
     // Without an index on the column the table is scanned.
     resetCounters();
@@ -245,13 +267,18 @@ TEST_P(Statements, CreateIndexWithNullOptions) {
     EXPECT_TRUE(!ixs[2].unique && !ixs[2].ignoreNulls && ixs[2].required);
 
     for (const char* name : {"'ohne Nummer 1'", "'ohne Nummer 2'"})
-        EXPECT_EQ(outcome(std::string("INSERT INTO tblOrdner (Ordnername, NrTblDefMenue) VALUES (") + name + ", 1)"),
-                  "accepted");
+        EXPECT_EQ(
+            outcome(std::string("INSERT INTO tblOrdner (Ordnername, NrTblDefMenue) VALUES (") +
+                    name + ", 1)"),
+            "accepted");
     EXPECT_EQ(ex->query("SELECT Ordnername FROM tblOrdner WHERE OrdnerNr IS NULL").rows.size(), 2u);
     EXPECT_EQ(outcome("INSERT INTO tblOrdner (OrdnerNr, NrTblDefMenue) VALUES ('002', 1)"),
-              "The changes you requested to the table were not successful because they would create duplicate "
-              "values in the index, primary key, or relationship.  Change the data in the field or fields that "
-              "contain duplicate data, remove the index, or redefine the index to permit duplicate entries and "
+              "The changes you requested to the table were not successful because they would "
+              "create duplicate "
+              "values in the index, primary key, or relationship.  Change the data in the field or "
+              "fields that "
+              "contain duplicate data, remove the index, or redefine the index to permit duplicate "
+              "entries and "
               "try again.");
     EXPECT_EQ(outcome("INSERT INTO tblOrdner (OrdnerNr) VALUES ('009')"), nullKey);
     EXPECT_EQ(outcome("CREATE INDEX Rechte ON tblOrdner(NrTblRechte) WITH DISALLOW NULL"), nullKey);
@@ -277,8 +304,9 @@ TEST_P(Statements, DeletingTheOnlyPageRemovesAllPagesOfTheFolder) {
 
 // The search dialog's statements.
 TEST_P(Statements, SearchShapes) {
-    const std::string head = "SELECT Nr, Block, OrdnerID, SlideLib, BlkName0, BlkName1, BlkName2, BlkName3, "
-                             "BlkName4, M0, AX1, AX2, AX3, AX4 From tblBlockInfo WHERE ";
+    const std::string head =
+        "SELECT Nr, Block, OrdnerID, SlideLib, BlkName0, BlkName1, BlkName2, BlkName3, "
+        "BlkName4, M0, AX1, AX2, AX3, AX4 From tblBlockInfo WHERE ";
     struct Case {
         std::string where;
         std::function<bool(const BlockSpec&)> pred;
@@ -288,23 +316,33 @@ TEST_P(Statements, SearchShapes) {
         {"M0 LIKE '%ventil%' AND M3 LIKE '%stahl%' ",
          [](auto& b) { return contains(b.m0, "ventil") && contains(b.m3, "stahl"); }},
         {"M3 LIKE 'Stahl' ", [](auto& b) { return b.m3 == "Stahl"; }},
-        {"OrdnerID LIKE '3' AND M0 LIKE '%DN2%' ", [](auto& b) { return b.ordnerId == 3 && contains(b.m0, "DN2"); }},
+        {"OrdnerID LIKE '3' AND M0 LIKE '%DN2%' ",
+         [](auto& b) { return b.ordnerId == 3 && contains(b.m0, "DN2"); }},
         {"OrdnerID LIKE '3' ", [](auto& b) { return b.ordnerId == 3; }},
         {"M0 LIKE 'Flansch DN12' ", [](auto& b) { return b.m0 == "Flansch DN12"; }},
         {"M0 LIKE '%ventil%' AND M3 LIKE '%Stahl%' AND M0 LIKE '%DN1%' ",
-         [](auto& b) { return contains(b.m0, "ventil") && contains(b.m3, "stahl") && contains(b.m0, "DN1"); }},
+         [](auto& b) {
+             return contains(b.m0, "ventil") && contains(b.m3, "stahl") && contains(b.m0, "DN1");
+         }},
         {"M0 LIKE '%groß%' ", [](auto& b) { return contains(b.m0, "VENTIL gro"); }},
         {"M0 LIKE '%GROSS%' ", [](auto& b) { return contains(b.m0, "VENTIL gro"); }},
         {"M0 LIKE '%öltank%' ", [](auto& b) { return b.m0.rfind("Öltank", 0) == 0; }},
-        {"(tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr FROM tblBlockInfo WHERE BlkName0 LIKE '%0020%'))",
+        {"(tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr FROM tblBlockInfo WHERE BlkName0 LIKE "
+         "'%0020%'))",
          [](auto& b) { return contains(b.blkName0, "0020"); }},
-        {"(tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr FROM tblBlockInfo WHERE BlkName0 LIKE '%0010%' OR BlkName1 "
-         "LIKE '%0010%' OR BlkName2 LIKE '%0010%' OR BlkName3 LIKE '%0010%' OR BlkName4 LIKE '%0010%') OR "
-         "(tblBlockInfo.Nr IN(SELECT BlockID FROM tblVariationBloecke WHERE BlockName LIKE '%0010%')))",
+        {"(tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr FROM tblBlockInfo WHERE BlkName0 LIKE "
+         "'%0010%' OR BlkName1 "
+         "LIKE '%0010%' OR BlkName2 LIKE '%0010%' OR BlkName3 LIKE '%0010%' OR BlkName4 LIKE "
+         "'%0010%') OR "
+         "(tblBlockInfo.Nr IN(SELECT BlockID FROM tblVariationBloecke WHERE BlockName LIKE "
+         "'%0010%')))",
          [](auto& b) { return contains(b.blkName0, "0010") || contains(b.blkName1, "0010"); }},
-        {"(tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr FROM tblBlockInfo WHERE BlkName0 LIKE '%ansicht1%' OR BlkName1 "
-         "LIKE '%ansicht1%' OR BlkName2 LIKE '%ansicht1%' OR BlkName3 LIKE '%ansicht1%' OR BlkName4 LIKE '%ansicht1%') "
-         "OR (tblBlockInfo.Nr IN(SELECT BlockID FROM tblVariationBloecke WHERE BlockName LIKE '%ante2%')))",
+        {"(tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr FROM tblBlockInfo WHERE BlkName0 LIKE "
+         "'%ansicht1%' OR BlkName1 "
+         "LIKE '%ansicht1%' OR BlkName2 LIKE '%ansicht1%' OR BlkName3 LIKE '%ansicht1%' OR "
+         "BlkName4 LIKE '%ansicht1%') "
+         "OR (tblBlockInfo.Nr IN(SELECT BlockID FROM tblVariationBloecke WHERE BlockName LIKE "
+         "'%ante2%')))",
          [this](auto& b) {
              bool variant = false;
              for (const auto& v : cat.variants)
@@ -322,15 +360,19 @@ TEST_P(Statements, SearchShapes) {
 }
 
 TEST_P(Statements, SearchWithBlockNameRunTogetherWithWhereIsASyntaxError) {
-    std::string sqlText = "SELECT Nr, Block, OrdnerID, SlideLib, BlkName0, BlkName1, BlkName2, BlkName3, BlkName4, M0, "
-                          "AX1, AX2, AX3, AX4 From tblBlockInfo WHERE (tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr FROM "
-                          "tblBlockInfoWHERE BlkName0 LIKE '%x%'))";
+    std::string sqlText =
+        "SELECT Nr, Block, OrdnerID, SlideLib, BlkName0, BlkName1, BlkName2, BlkName3, BlkName4, "
+        "M0, "
+        "AX1, AX2, AX3, AX4 From tblBlockInfo WHERE (tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr "
+        "FROM "
+        "tblBlockInfoWHERE BlkName0 LIKE '%x%'))";
     try {
         ex->query(sqlText);
         FAIL() << "statement ran";
     } catch (const sql::Error& e) {
         EXPECT_EQ(std::string(e.what()),
-                  "Syntax error (missing operator) in query expression '(tblBlockInfo.Nr IN(SELECT tblBlockInfo.Nr "
+                  "Syntax error (missing operator) in query expression '(tblBlockInfo.Nr IN(SELECT "
+                  "tblBlockInfo.Nr "
                   "FROM tblBlockInfoWHERE BlkName0 LIKE '%x%'))'.");
         EXPECT_EQ(e.hresult(), sql::errors::kErrorsInCommand);
     }
@@ -353,10 +395,13 @@ TEST_P(Statements, QuoteInSearchTextBreaksTheStatementAndChangesNothing) {
         FAIL();
     } catch (const sql::Error& e) {
         // The name after the quote is read before the unclosed quote at the end.
-        EXPECT_EQ(std::string(e.what()), "Syntax error (missing operator) in query expression 'M0 LIKE '%O'Brien%''.");
+        EXPECT_EQ(std::string(e.what()),
+                  "Syntax error (missing operator) in query expression 'M0 LIKE '%O'Brien%''.");
     }
-    EXPECT_THROW(ex->execute("UPDATE tblOrdner SET Ordnername = 'O'Brien' WHERE Nr = 2"), sql::Error);
-    EXPECT_EQ(ex->query("SELECT * FROM tblOrdner WHERE Ordnername LIKE 'Armaturen'").rows.size(), 1u);
+    EXPECT_THROW(ex->execute("UPDATE tblOrdner SET Ordnername = 'O'Brien' WHERE Nr = 2"),
+                 sql::Error);
+    EXPECT_EQ(ex->query("SELECT * FROM tblOrdner WHERE Ordnername LIKE 'Armaturen'").rows.size(),
+              1u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Stores, Statements, ::testing::Values("memory", "mdb"),

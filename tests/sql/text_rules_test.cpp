@@ -1,11 +1,12 @@
 // Jet's text rules: LIKE, case-insensitive comparison, General sort order.
+#include "jet/sql/text_rules.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "jet/sql/executor.h"
 #include "jet/sql/memory_storage.h"
-#include "jet/sql/text_rules.h"
 
 namespace {
 
@@ -51,7 +52,8 @@ TEST(TextRules, LikeTable) {
     for (const auto& c : cases) {
         EXPECT_EQ(LikePattern(c.pattern, LikePattern::Dialect::Sql).matches(c.text), c.sql)
             << c.text << " LIKE " << c.pattern;
-        EXPECT_EQ(LikePattern(c.pattern, LikePattern::Dialect::Criteria).matches(c.text), c.criteria)
+        EXPECT_EQ(LikePattern(c.pattern, LikePattern::Dialect::Criteria).matches(c.text),
+                  c.criteria)
             << c.text << " Like " << c.pattern << " (criteria)";
     }
 }
@@ -65,9 +67,13 @@ TEST(TextRules, CaseInsensitiveEquality) {
 }
 
 TEST(TextRules, GeneralOrder) {
-    std::vector<std::string> v = {"b", "A", "2", "10", "a", "1", "Ä", "c", " x", "-", "ab", "Zebra", "öl", "ol", "om"};
-    std::stable_sort(v.begin(), v.end(), [](const std::string& x, const std::string& y) { return sql::compareGeneral(x, y) < 0; });
-    EXPECT_EQ(v, (std::vector<std::string>{" x", "-", "1", "10", "2", "A", "a", "Ä", "ab", "b", "c", "ol", "öl", "om", "Zebra"}));
+    std::vector<std::string> v = {"b",  "A", "2",  "10",    "a",  "1",  "Ä", "c",
+                                  " x", "-", "ab", "Zebra", "öl", "ol", "om"};
+    std::stable_sort(v.begin(), v.end(), [](const std::string& x, const std::string& y) {
+        return sql::compareGeneral(x, y) < 0;
+    });
+    EXPECT_EQ(v, (std::vector<std::string>{" x", "-", "1", "10", "2", "A", "a", "Ä", "ab", "b", "c",
+                                           "ol", "öl", "om", "Zebra"}));
     EXPECT_EQ(sql::compareGeneral("a", "A"), 0);
 }
 
@@ -76,15 +82,20 @@ TEST(TextRules, Utf8RoundTripAndLength) {
     EXPECT_EQ(sql::utf8Encode(sql::utf8Decode(s)), s);
     EXPECT_EQ(sql::utf8Length(s), 9u);
     // Bytes that are no UTF-8 are taken one by one, never dropped.
-    EXPECT_EQ(sql::utf8Decode(std::string("a\xff" "b")).size(), 3u);
+    EXPECT_EQ(sql::utf8Decode(std::string("a\xff"
+                                          "b"))
+                  .size(),
+              3u);
 }
 
 class SqlTextRules : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         db = std::make_shared<sql::MemoryStorage>();
-        db->createTable("t", {{"Nr", sql::ColumnType::Long, 0, true, false}, {"Name", sql::ColumnType::Text, 50, false, true},
-                              {"Zahl", sql::ColumnType::Double, 0, false, true}},
+        db->createTable("t",
+                        {{"Nr", sql::ColumnType::Long, 0, true, false},
+                         {"Name", sql::ColumnType::Text, 50, false, true},
+                         {"Zahl", sql::ColumnType::Double, 0, false, true}},
                         {});
         ex = std::make_unique<sql::Executor>(db);
         for (const char* n : {"b", "A", "2", "10", "a", "1", "Öl", "ol", "STRASSE"})
@@ -105,25 +116,32 @@ TEST_F(SqlTextRules, OrderByNullsFirstThenGeneralOrder) {
               (std::vector<std::string>{"", "1", "10", "2", "A", "a", "b", "ol", "Öl", "STRASSE"}));
     EXPECT_EQ(names("SELECT Name FROM t ORDER BY Name DESC"),
               (std::vector<std::string>{"STRASSE", "Öl", "ol", "b", "A", "a", "2", "10", "1", ""}));
-    EXPECT_EQ(names("SELECT Name FROM t WHERE Name IS NOT NULL ORDER BY Zahl DESC, Name ASC").front(), "1");
+    EXPECT_EQ(
+        names("SELECT Name FROM t WHERE Name IS NOT NULL ORDER BY Zahl DESC, Name ASC").front(),
+        "1");
 }
 
 TEST_F(SqlTextRules, ComparisonsAreCaseInsensitive) {
     EXPECT_EQ(names("SELECT Name FROM t WHERE Name = 'a'"), (std::vector<std::string>{"A", "a"}));
     EXPECT_EQ(names("SELECT Name FROM t WHERE Name LIKE 'öL'"), (std::vector<std::string>{"Öl"}));
-    EXPECT_EQ(names("SELECT Name FROM t WHERE Name = 'Straße'"), (std::vector<std::string>{"STRASSE"}));
-    EXPECT_EQ(names("SELECT Name FROM t WHERE Name < '2' ORDER BY Name"), (std::vector<std::string>{"1", "10"}));
-    EXPECT_EQ(names("SELECT Name FROM t WHERE NOT (Name LIKE '[a-b]' OR Name LIKE '%l') AND Name <> 'STRASSE' ORDER BY Name"),
+    EXPECT_EQ(names("SELECT Name FROM t WHERE Name = 'Straße'"),
+              (std::vector<std::string>{"STRASSE"}));
+    EXPECT_EQ(names("SELECT Name FROM t WHERE Name < '2' ORDER BY Name"),
+              (std::vector<std::string>{"1", "10"}));
+    EXPECT_EQ(names("SELECT Name FROM t WHERE NOT (Name LIKE '[a-b]' OR Name LIKE '%l') AND Name "
+                    "<> 'STRASSE' ORDER BY Name"),
               (std::vector<std::string>{"1", "10", "2"}));
-    EXPECT_EQ(names("SELECT Name FROM t WHERE Name NOT LIKE '%l' AND Name IN ('a', 'b') ORDER BY Name"),
-              (std::vector<std::string>{"A", "a", "b"}));
+    EXPECT_EQ(
+        names("SELECT Name FROM t WHERE Name NOT LIKE '%l' AND Name IN ('a', 'b') ORDER BY Name"),
+        (std::vector<std::string>{"A", "a", "b"}));
 }
 
 TEST_F(SqlTextRules, NumbersCompareAsNumbersAndLikeSeesTheirText) {
     EXPECT_EQ(names("SELECT Zahl FROM t WHERE Zahl > 1"), (std::vector<std::string>{"1.5"}));
     EXPECT_EQ(names("SELECT Zahl FROM t WHERE Zahl LIKE '1.5'"), (std::vector<std::string>{"1.5"}));
     EXPECT_EQ(names("SELECT Nr FROM t WHERE Nr LIKE '1_'"), (std::vector<std::string>{"10"}));
-    EXPECT_EQ(names("SELECT Nr FROM t WHERE Nr BETWEEN 2 AND 3"), (std::vector<std::string>{"2", "3"}));
+    EXPECT_EQ(names("SELECT Nr FROM t WHERE Nr BETWEEN 2 AND 3"),
+              (std::vector<std::string>{"2", "3"}));
 }
 
 TEST_F(SqlTextRules, NullNeverEqualsAnything) {

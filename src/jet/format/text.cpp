@@ -221,8 +221,7 @@ char16_t foldCase(char16_t c) {
         return c == 0xFF ? char16_t(0x0178) : c;
     }
     for (const PairRun& r : kPairRuns)
-        if (c >= r.first && c <= r.last)
-            return ((c & 1) != 0) == r.upperOdd ? c : char16_t(c - 1);
+        if (c >= r.first && c <= r.last) return ((c & 1) != 0) == r.upperOdd ? c : char16_t(c - 1);
     if (c == 0x0131) return u'I';                                                    // dotless i
     if (c >= 0x01C4 && c <= 0x01CC) return char16_t(0x01C4 + (c - 0x01C4) / 3 * 3);  // Ǆ ǅ ǆ
     if (c >= 0x01F1 && c <= 0x01F3) return 0x01F1;                                   // Ǳ ǲ ǳ

@@ -117,7 +117,7 @@ class Database : public std::enable_shared_from_this<Database> {
     std::vector<CatalogEntry> catalogue_;
     std::map<std::uint32_t, std::shared_ptr<const TableDef>> defs_;
     int txDepth_ = 0;
-    std::string path_;  // empty for memory images
+    std::string path_;          // empty for memory images
     std::shared_ptr<void> tx_;  // the journal and lock of the open unit (database_tx.cpp)
 };
 

@@ -14,7 +14,18 @@ namespace sql {
 struct SelectStmt;
 
 struct Expr {
-    enum class Kind { Literal, Column, Not, Negate, Binary, IsNull, InSelect, InList, Between, Like };
+    enum class Kind {
+        Literal,
+        Column,
+        Not,
+        Negate,
+        Binary,
+        IsNull,
+        InSelect,
+        InList,
+        Between,
+        Like
+    };
     Kind kind = Kind::Literal;
     Value literal;
     std::string qualifier, name;  // Column
@@ -89,7 +100,8 @@ struct CreateIndexStmt {
     IndexDef index;
 };
 
-using Statement = std::variant<SelectStmt, InsertStmt, UpdateStmt, DeleteStmt, AlterAddColumnStmt, CreateIndexStmt>;
+using Statement = std::variant<SelectStmt, InsertStmt, UpdateStmt, DeleteStmt, AlterAddColumnStmt,
+                               CreateIndexStmt>;
 
 // Throws sql::Error in Jet's words for a statement it cannot parse, and
 // sql::Unsupported for Jet SQL this engine does not run.

@@ -61,8 +61,9 @@ int orderCompare(const Value& a, const Value& b) {
 namespace {
 
 class ExprCompiler {
-public:
-    ExprCompiler(const std::shared_ptr<Storage>& db, const Source* source, std::vector<bool>* used = nullptr)
+  public:
+    ExprCompiler(const std::shared_ptr<Storage>& db, const Source* source,
+                 std::vector<bool>* used = nullptr)
         : db_(db), source_(source), used_(used) {}
 
     Eval compile(const Expr& e) {
@@ -89,7 +90,8 @@ public:
                 return [a](const Row& r) {
                     Value v = a(r);
                     if (v.isNull()) return v;
-                    if (v.kind() == Value::Kind::Int || v.kind() == Value::Kind::Bool) return Value::integer(-v.asInt());
+                    if (v.kind() == Value::Kind::Int || v.kind() == Value::Kind::Bool)
+                        return Value::integer(-v.asInt());
                     if (v.kind() == Value::Kind::Text) throw errors::typeMismatch();
                     return Value::real(-v.asDouble());
                 };
@@ -99,7 +101,8 @@ public:
                 bool neg = e.negated;
                 return [a, neg](const Row& r) { return truth(a(r).isNull() != neg); };
             }
-            case Expr::Kind::Like: return compileLike(e);
+            case Expr::Kind::Like:
+                return compileLike(e);
             case Expr::Kind::Between: {
                 Eval a = compile(*e.left), lo = compile(*e.right), hi = compile(*e.third);
                 bool neg = e.negated;
@@ -130,13 +133,15 @@ public:
                     return sawNull ? Value() : truth(neg);
                 };
             }
-            case Expr::Kind::InSelect: return compileInSelect(e);
-            case Expr::Kind::Binary: return compileBinary(e);
+            case Expr::Kind::InSelect:
+                return compileInSelect(e);
+            case Expr::Kind::Binary:
+                return compileBinary(e);
         }
         throw errors::noValueGiven();
     }
 
-private:
+  private:
     Eval compileLike(const Expr& e) {
         Eval a = compile(*e.left);
         bool neg = e.negated;
@@ -152,14 +157,16 @@ private:
                 return [idx, pattern, neg](const Row& r) {
                     const Value& v = r[idx];
                     if (v.isNull()) return Value();
-                    bool m = v.isText() ? pattern->matches(v.textRef()) : pattern->matches(v.toString());
+                    bool m =
+                        v.isText() ? pattern->matches(v.textRef()) : pattern->matches(v.toString());
                     return truth(m != neg);
                 };
             }
             return [a, pattern, neg](const Row& r) {
                 Value v = a(r);
                 if (v.isNull()) return v;
-                bool m = v.isText() ? pattern->matches(v.textRef()) : pattern->matches(v.toString());
+                bool m =
+                    v.isText() ? pattern->matches(v.textRef()) : pattern->matches(v.toString());
                 return truth(m != neg);
             };
         }
@@ -167,7 +174,8 @@ private:
         return [a, b, neg](const Row& r) {
             Value v = a(r), p = b(r);
             if (v.isNull() || p.isNull()) return Value();
-            return truth(LikePattern(p.toString(), LikePattern::Dialect::Sql).matches(v.toString()) != neg);
+            return truth(
+                LikePattern(p.toString(), LikePattern::Dialect::Sql).matches(v.toString()) != neg);
         };
     }
 
@@ -201,18 +209,29 @@ private:
                 return Value::text(x.toString() + y.toString());
             };
         if (op == "=" || op == "<>" || op == "<" || op == "<=" || op == ">" || op == ">=") {
-            int which = op == "=" ? 0 : op == "<>" ? 1 : op == "<" ? 2 : op == "<=" ? 3 : op == ">" ? 4 : 5;
+            int which = op == "="    ? 0
+                        : op == "<>" ? 1
+                        : op == "<"  ? 2
+                        : op == "<=" ? 3
+                        : op == ">"  ? 4
+                                     : 5;
             return [a, b, which](const Row& r) {
                 Value x = a(r), y = b(r);
                 if (x.isNull() || y.isNull()) return Value();
                 int c = compareValues(x, y, which <= 1);
                 switch (which) {
-                    case 0: return truth(c == 0);
-                    case 1: return truth(c != 0);
-                    case 2: return truth(c < 0);
-                    case 3: return truth(c <= 0);
-                    case 4: return truth(c > 0);
-                    default: return truth(c >= 0);
+                    case 0:
+                        return truth(c == 0);
+                    case 1:
+                        return truth(c != 0);
+                    case 2:
+                        return truth(c < 0);
+                    case 3:
+                        return truth(c <= 0);
+                    case 4:
+                        return truth(c > 0);
+                    default:
+                        return truth(c >= 0);
                 }
             };
         }
@@ -220,14 +239,21 @@ private:
         return [a, b, opc](const Row& r) {
             Value x = a(r), y = b(r);
             if (x.isNull() || y.isNull()) return Value();
-            if (opc == '+' && x.isText() && y.isText()) return Value::text(x.textRef() + y.textRef());
+            if (opc == '+' && x.isText() && y.isText())
+                return Value::text(x.textRef() + y.textRef());
             if (!x.isNumber() || !y.isNumber()) throw errors::typeMismatch();
             bool ints = (x.kind() == Value::Kind::Int || x.kind() == Value::Kind::Bool) &&
                         (y.kind() == Value::Kind::Int || y.kind() == Value::Kind::Bool);
             switch (opc) {
-                case '+': return ints ? Value::integer(x.asInt() + y.asInt()) : Value::real(x.asDouble() + y.asDouble());
-                case '-': return ints ? Value::integer(x.asInt() - y.asInt()) : Value::real(x.asDouble() - y.asDouble());
-                case '*': return ints ? Value::integer(x.asInt() * y.asInt()) : Value::real(x.asDouble() * y.asDouble());
+                case '+':
+                    return ints ? Value::integer(x.asInt() + y.asInt())
+                                : Value::real(x.asDouble() + y.asDouble());
+                case '-':
+                    return ints ? Value::integer(x.asInt() - y.asInt())
+                                : Value::real(x.asDouble() - y.asDouble());
+                case '*':
+                    return ints ? Value::integer(x.asInt() * y.asInt())
+                                : Value::real(x.asDouble() * y.asDouble());
                 default:
                     if (y.asDouble() == 0) throw Error("Division by zero", errors::kIntegrity, 11);
                     return Value::real(x.asDouble() / y.asDouble());
@@ -236,7 +262,8 @@ private:
     }
 
     void mark(int idx) {
-        if (used_ && idx >= 0 && static_cast<std::size_t>(idx) < used_->size()) (*used_)[idx] = true;
+        if (used_ && idx >= 0 && static_cast<std::size_t>(idx) < used_->size())
+            (*used_)[idx] = true;
     }
 
     std::shared_ptr<Storage> db_;
@@ -303,8 +330,10 @@ Eval ExprCompiler::compileInSelect(const Expr& e) {
             if (rs.columns.size() != 1) throw errors::subqueryFields();
             std::unordered_set<std::string> keys;
             for (const auto& row : rs.rows) {
-                if (row[0].isNull()) *sawNull = true;
-                else keys.insert(equalityKey(row[0]));
+                if (row[0].isNull())
+                    *sawNull = true;
+                else
+                    keys.insert(equalityKey(row[0]));
             }
             *set = std::move(keys);
         }

@@ -23,7 +23,9 @@ struct Part {
     std::string name, alias;
     std::size_t offset = 0;  // of its first column in the joined row
 
-    bool named(const std::string& q) const { return textEquals(q, name) || (!alias.empty() && textEquals(q, alias)); }
+    bool named(const std::string& q) const {
+        return textEquals(q, name) || (!alias.empty() && textEquals(q, alias));
+    }
 };
 
 // What a statement reads: one table, or several joined left to right. Rows
@@ -31,7 +33,7 @@ struct Part {
 struct Source {
     std::shared_ptr<Storage> storage;  // of the first table
     std::shared_ptr<Table> table;
-    std::vector<ColumnDef> columns;    // of all tables, side by side
+    std::vector<ColumnDef> columns;  // of all tables, side by side
     std::string name, alias;
     std::vector<Part> parts;
     std::vector<const JoinClause*> joins;  // parts[i + 1] joins with joins[i]
@@ -39,7 +41,8 @@ struct Source {
     bool joined() const { return parts.size() > 1; }
 
     // -1 when unknown; Jet's error when an unqualified name fits two tables.
-    int find(const std::string& qualifier, const std::string& column, std::size_t partLimit = SIZE_MAX) const {
+    int find(const std::string& qualifier, const std::string& column,
+             std::size_t partLimit = SIZE_MAX) const {
         int found = -1;
         for (std::size_t p = 0; p < parts.size() && p < partLimit; ++p) {
             const Part& part = parts[p];
@@ -70,12 +73,12 @@ int orderCompare(const Value& a, const Value& b);
 // Compiles expressions against a source; names it resolves are marked in
 // used, so a scan may leave other columns unconverted.
 class Binder {
-public:
+  public:
     Binder(std::shared_ptr<Storage> db, const Source* source, std::vector<bool>* used = nullptr)
         : db_(std::move(db)), source_(source), used_(used) {}
     Eval compile(const Expr& e) const;
 
-private:
+  private:
     std::shared_ptr<Storage> db_;
     const Source* source_;
     std::vector<bool>* used_;
@@ -84,7 +87,8 @@ private:
 // The rows of a source that satisfy a WHERE, through an index when the
 // WHERE pins an indexed column to a constant.
 void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const Expr* where,
-                  const std::function<void(RowId, const Row&)>& visit, std::vector<bool>* needed = nullptr);
+                  const std::function<void(RowId, const Row&)>& visit,
+                  std::vector<bool>* needed = nullptr);
 
 struct Selected {
     Source source;

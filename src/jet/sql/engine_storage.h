@@ -15,6 +15,7 @@ using PathMapper = std::function<std::string(const std::string&)>;
 
 // Opens an .mdb file for reading and writing; with create, makes a new,
 // empty database there first (an existing file is refused).
-std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create, PathMapper mapper = {});
+std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create,
+                                           PathMapper mapper = {});
 
 }  // namespace sql

@@ -10,18 +10,18 @@ namespace sql {
 // Jet's own error number (3075, 3078 …), hresult() the value ADO reports for
 // it through the Jet OLE DB provider.
 class Error : public jet::Error {
-public:
+  public:
     Error(const std::string& message, long hresult, int jetNumber)
         : jet::Error(message, jetNumber), hresult_(hresult) {}
     long hresult() const { return hresult_; }
 
-private:
+  private:
     long hresult_;
 };
 
 // A statement that Jet would accept but this engine does not run.
 class Unsupported : public Error {
-public:
+  public:
     explicit Unsupported(const std::string& what)
         : Error("The statement uses '" + what + "', which this database engine does not support.",
                 -2147217837L, 0) {}  // DB_E_NOTSUPPORTED

@@ -25,12 +25,24 @@ ColumnDef inferredColumn(const std::string& name, const std::vector<Row>& rows, 
         const Value& v = r[i];
         if (v.isNull()) continue;
         switch (v.kind()) {
-            case Value::Kind::Bool: d.type = ColumnType::Boolean; break;
-            case Value::Kind::Int: d.type = ColumnType::Long; break;
-            case Value::Kind::Double: d.type = ColumnType::Double; break;
-            case Value::Kind::Date: d.type = ColumnType::DateTime; break;
-            case Value::Kind::Binary: d.type = ColumnType::OLE; break;
-            default: d.type = ColumnType::Text; break;
+            case Value::Kind::Bool:
+                d.type = ColumnType::Boolean;
+                break;
+            case Value::Kind::Int:
+                d.type = ColumnType::Long;
+                break;
+            case Value::Kind::Double:
+                d.type = ColumnType::Double;
+                break;
+            case Value::Kind::Date:
+                d.type = ColumnType::DateTime;
+                break;
+            case Value::Kind::Binary:
+                d.type = ColumnType::OLE;
+                break;
+            default:
+                d.type = ColumnType::Text;
+                break;
         }
         break;
     }
@@ -43,7 +55,8 @@ ColumnDef inferredColumn(const std::string& name, const std::vector<Row>& rows, 
 std::vector<Row> coerceRows(const std::vector<ColumnDef>& cols, std::vector<Row> rows) {
     for (auto& r : rows) {
         r.resize(cols.size());
-        for (std::size_t i = 0; i < cols.size(); ++i) r[i] = coerceToColumn(r[i], cols[i].type, cols[i].size, cols[i].name);
+        for (std::size_t i = 0; i < cols.size(); ++i)
+            r[i] = coerceToColumn(r[i], cols[i].type, cols[i].size, cols[i].name);
     }
     return rows;
 }
@@ -71,7 +84,9 @@ long runSelectInto(const std::shared_ptr<Storage>& db, const SelectStmt& s) {
     return static_cast<long>(rows.size());
 }
 
-Source openTarget(const std::shared_ptr<Storage>& db, const TableRef& ref) { return openSource(db, ref); }
+Source openTarget(const std::shared_ptr<Storage>& db, const TableRef& ref) {
+    return openSource(db, ref);
+}
 
 long runInsert(const std::shared_ptr<Storage>& db, const InsertStmt& s) {
     Source target = openTarget(db, s.target);
@@ -97,7 +112,8 @@ long runInsert(const std::shared_ptr<Storage>& db, const InsertStmt& s) {
         incoming = std::move(rs.rows);
     } else {
         if (s.columns.empty())
-            for (std::size_t i = 0; i < target.columns.size(); ++i) dest.push_back(static_cast<int>(i));
+            for (std::size_t i = 0; i < target.columns.size(); ++i)
+                dest.push_back(static_cast<int>(i));
         if (dest.size() != s.values.size()) throw errors::valueCountMismatch();
         Binder c(db, nullptr);
         Row r;
@@ -126,8 +142,9 @@ long runUpdate(const std::shared_ptr<Storage>& db, const UpdateStmt& s) {
         int idx = sel.source.find("", name);
         if (idx < 0) throw errors::noValueGiven();
         if (sel.source.columns[idx].autoIncrement)
-            throw Error("Cannot update '" + sel.source.columns[idx].name + "'; field not updateable.",
-                        errors::kIntegrity, 3113);
+            throw Error(
+                "Cannot update '" + sel.source.columns[idx].name + "'; field not updateable.",
+                errors::kIntegrity, 3113);
         sets.emplace_back(idx, c.compile(*expr));
     }
     std::vector<Row> updated;
@@ -140,7 +157,8 @@ long runUpdate(const std::shared_ptr<Storage>& db, const UpdateStmt& s) {
         }
         updated.push_back(std::move(r));
     }
-    for (std::size_t i = 0; i < updated.size(); ++i) sel.source.table->update(sel.ids[i], updated[i]);
+    for (std::size_t i = 0; i < updated.size(); ++i)
+        sel.source.table->update(sel.ids[i], updated[i]);
     return static_cast<long>(updated.size());
 }
 
@@ -213,7 +231,8 @@ ExecResult Executor::execute(std::string_view text) {
     ExecResult r;
     if (auto* s = std::get_if<SelectStmt>(&st)) {
         if (s->into) {
-            r.rowsAffected = asUnit(*targetOf(db_, *s->into), [&] { return runSelectInto(db_, *s); });
+            r.rowsAffected =
+                asUnit(*targetOf(db_, *s->into), [&] { return runSelectInto(db_, *s); });
         } else {
             r.isQuery = true;
             r.rows = runSelect(db_, *s);
@@ -234,7 +253,8 @@ ExecResult Executor::execute(std::string_view text) {
         if (!t) throw errors::tableNotFound(cix->table);
         auto cols = t->columns();
         for (const auto& ic : cix->index.columns) {
-            bool ok = std::any_of(cols.begin(), cols.end(), [&](const ColumnDef& c) { return textEquals(c.name, ic.name); });
+            bool ok = std::any_of(cols.begin(), cols.end(),
+                                  [&](const ColumnDef& c) { return textEquals(c.name, ic.name); });
             if (!ok) throw errors::invalidIndexField(ic.name);
         }
         db_->createIndex(cix->table, cix->index);

@@ -25,22 +25,22 @@ struct ResultSet {
     std::vector<Row> rows;
 
     std::shared_ptr<Storage> baseStorage;
-    std::string baseTable;               // empty when the rows cannot be written back
-    std::vector<int> keyColumns;         // base-table columns of the primary key
-    std::vector<Row> keys;               // per row: its primary key values
-    std::vector<RowId> rowIds;           // per row: where it was read from
+    std::string baseTable;        // empty when the rows cannot be written back
+    std::vector<int> keyColumns;  // base-table columns of the primary key
+    std::vector<Row> keys;        // per row: its primary key values
+    std::vector<RowId> rowIds;    // per row: where it was read from
 
     int columnIndex(std::string_view name) const;  // -1 when absent
 };
 
 struct ExecResult {
-    bool isQuery = false;     // a plain SELECT: rows hold its result
+    bool isQuery = false;  // a plain SELECT: rows hold its result
     ResultSet rows;
     long rowsAffected = 0;
 };
 
 class Executor {
-public:
+  public:
     explicit Executor(std::shared_ptr<Storage> db) : db_(std::move(db)) {}
     ExecResult execute(std::string_view sql);
     ResultSet query(std::string_view sql);  // throws unless the statement is a SELECT without INTO
@@ -48,7 +48,7 @@ public:
     Storage& storage() { return *db_; }
     std::shared_ptr<Storage> storagePtr() const { return db_; }
 
-private:
+  private:
     std::shared_ptr<Storage> db_;
 };
 

@@ -57,7 +57,8 @@ std::vector<Token> tokenize(std::string_view s) {
                 t.text = std::string(s.substr(i + 1, close - i - 1));
                 i = close + 1;
             }
-        } else if (std::isdigit(c) || (c == '.' && i + 1 < s.size() && std::isdigit(static_cast<unsigned char>(s[i + 1])) &&
+        } else if (std::isdigit(c) || (c == '.' && i + 1 < s.size() &&
+                                       std::isdigit(static_cast<unsigned char>(s[i + 1])) &&
                                        (out.empty() || out.back().kind == Token::Kind::Symbol))) {
             std::size_t j = i;
             while (j < s.size() && std::isdigit(static_cast<unsigned char>(s[j]))) ++j;
@@ -94,7 +95,8 @@ std::vector<Token> tokenize(std::string_view s) {
             if (two == "<>" || two == "<=" || two == ">=") {
                 t.text = std::string(two);
                 i += 2;
-            } else if (std::string_view(",.()*=<>+-/&;").find(static_cast<char>(c)) != std::string_view::npos) {
+            } else if (std::string_view(",.()*=<>+-/&;").find(static_cast<char>(c)) !=
+                       std::string_view::npos) {
                 t.text = std::string(1, static_cast<char>(c));
                 ++i;
             } else {

@@ -9,14 +9,14 @@ namespace sql {
 
 struct Token {
     enum class Kind {
-        Word,         // a name or keyword, plain
-        Bracketed,    // [a name]
-        String,       // 'text' or "text", quotes removed, doubled quotes folded
+        Word,       // a name or keyword, plain
+        Bracketed,  // [a name]
+        String,     // 'text' or "text", quotes removed, doubled quotes folded
         Number,
-        Symbol,       // , . ( ) * = <> < <= > >= + - / & ;
-        BadString,    // a quote without its closing quote
-        BadBracket,   // [ without ]
-        BadChar,      // a character Jet SQL has no use for
+        Symbol,      // , . ( ) * = <> < <= > >= + - / & ;
+        BadString,   // a quote without its closing quote
+        BadBracket,  // [ without ]
+        BadChar,     // a character Jet SQL has no use for
         End,
     };
     Kind kind = Kind::End;

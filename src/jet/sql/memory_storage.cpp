@@ -9,7 +9,7 @@
 namespace sql {
 
 class MemoryTable : public Table {
-public:
+  public:
     MemoryTable(std::string name, std::vector<ColumnDef> cols, AccessCounters& counters)
         : name_(std::move(name)), columns_(std::move(cols)), counters_(counters) {}
 
@@ -23,7 +23,8 @@ public:
             if (rows_[i] && !visit(static_cast<RowId>(i), *rows_[i])) return;
     }
 
-    void scan(const std::function<bool(RowId, const Row&)>& visit, const std::vector<bool>& needed) override {
+    void scan(const std::function<bool(RowId, const Row&)>& visit,
+              const std::vector<bool>& needed) override {
         if (!counters_.blankUnneeded) return scan(visit);
         ++counters_.scans;
         Row partial;
@@ -61,8 +62,10 @@ public:
         row.resize(columns_.size());
         for (std::size_t c = 0; c < columns_.size(); ++c) {
             if (columns_[c].autoIncrement) {
-                if (row[c].isNull()) row[c] = Value::integer(++autoNumber_[c]);
-                else autoNumber_[c] = std::max(autoNumber_[c], row[c].asInt());
+                if (row[c].isNull())
+                    row[c] = Value::integer(++autoNumber_[c]);
+                else
+                    autoNumber_[c] = std::max(autoNumber_[c], row[c].asInt());
             }
         }
         checkRow(row, -1);
@@ -125,7 +128,7 @@ public:
         return -1;
     }
 
-private:
+  private:
     void checkRow(const Row& row, RowId self) {
         for (std::size_t c = 0; c < columns_.size(); ++c)
             if (!columns_[c].nullable && row[c].isNull())
@@ -154,13 +157,17 @@ private:
         for (std::size_t n = 0; n < indexes_.size(); ++n) {
             const auto& ix = indexes_[n];
             if ((!ix.primary && !ix.unique) || anyNullKey(ix, row)) continue;
-            if (add) uniqueKeys_[n][compositeKey(ix, row)] = id;
-            else uniqueKeys_[n].erase(compositeKey(ix, row));
+            if (add)
+                uniqueKeys_[n][compositeKey(ix, row)] = id;
+            else
+                uniqueKeys_[n].erase(compositeKey(ix, row));
         }
         for (auto& [col, map] : valueIndex_) {
             auto& ids = map[equalityKey(row[col])];
-            if (add) ids.insert(id);
-            else ids.erase(id);
+            if (add)
+                ids.insert(id);
+            else
+                ids.erase(id);
         }
     }
     void rebuildIndex() {
@@ -207,7 +214,8 @@ std::vector<std::string> MemoryStorage::tableNames() {
 
 std::shared_ptr<Table> MemoryStorage::table(const std::string& name) { return find(name); }
 
-std::shared_ptr<Table> MemoryStorage::createTable(const std::string& name, const std::vector<ColumnDef>& columns,
+std::shared_ptr<Table> MemoryStorage::createTable(const std::string& name,
+                                                  const std::vector<ColumnDef>& columns,
                                                   const std::vector<IndexDef>& indexes) {
     if (find(name)) throw errors::tableExists(name);
     auto t = std::make_shared<MemoryTable>(name, std::vector<ColumnDef>{}, counters_);
@@ -240,7 +248,8 @@ void MemoryStorage::createRelation(const RelationDef& relation) {
         if (rt->columnIndex(c) < 0) throw errors::invalidIndexField(c);
     for (const auto& r : relations_)
         if (textEquals(r.name, relation.name))
-            throw Error("Relationship '" + relation.name + "' already exists.", errors::kIntegrity, 3012);
+            throw Error("Relationship '" + relation.name + "' already exists.", errors::kIntegrity,
+                        3012);
     relations_.push_back(relation);
 }
 

@@ -14,11 +14,11 @@ class MemoryStorage;
 
 // A set of in-memory "files", so that IN '<file>' finds another store by path.
 class MemoryFiles : public std::enable_shared_from_this<MemoryFiles> {
-public:
-    std::shared_ptr<MemoryStorage> create(const std::string& path);  // replaces an existing one
+  public:
+    std::shared_ptr<MemoryStorage> create(const std::string& path);      // replaces an existing one
     std::shared_ptr<MemoryStorage> find(const std::string& path) const;  // nullptr when absent
 
-private:
+  private:
     std::map<std::string, std::shared_ptr<MemoryStorage>> files_;
 };
 
@@ -33,11 +33,12 @@ struct AccessCounters {
 class MemoryTable;
 
 class MemoryStorage : public Storage {
-public:
+  public:
     explicit MemoryStorage(std::weak_ptr<MemoryFiles> files = {}) : files_(std::move(files)) {}
     std::vector<std::string> tableNames() override;
     std::shared_ptr<Table> table(const std::string& name) override;
-    std::shared_ptr<Table> createTable(const std::string& name, const std::vector<ColumnDef>& columns,
+    std::shared_ptr<Table> createTable(const std::string& name,
+                                       const std::vector<ColumnDef>& columns,
                                        const std::vector<IndexDef>& indexes) override;
     void addColumn(const std::string& table, const ColumnDef& column) override;
     void createIndex(const std::string& table, const IndexDef& index) override;
@@ -47,7 +48,7 @@ public:
 
     AccessCounters& counters() { return counters_; }
 
-private:
+  private:
     std::shared_ptr<MemoryTable> find(const std::string& name);
     std::weak_ptr<MemoryFiles> files_;
     std::vector<std::shared_ptr<MemoryTable>> tables_;

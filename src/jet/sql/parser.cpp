@@ -18,9 +18,10 @@ struct Fail {
     enum Why { Incomplete, Extra, BadString } why;
 };
 
-const char* const kReserved[] = {"SELECT", "FROM",   "WHERE", "AND",    "OR",     "NOT",   "LIKE",    "IS",
-                                 "NULL",   "IN",     "ORDER", "BY",     "INTO",   "VALUES", "SET",    "AS",
-                                 "ON",     "BETWEEN", "GROUP", "HAVING", "UNION", "INSERT", "UPDATE", "DELETE",
+const char* const kReserved[] = {"SELECT", "FROM",   "WHERE", "AND",    "OR",       "NOT",
+                                 "LIKE",   "IS",     "NULL",  "IN",     "ORDER",    "BY",
+                                 "INTO",   "VALUES", "SET",   "AS",     "ON",       "BETWEEN",
+                                 "GROUP",  "HAVING", "UNION", "INSERT", "UPDATE",   "DELETE",
                                  "JOIN",   "INNER",  "LEFT",  "RIGHT",  "DISTINCT", "TOP"};
 
 std::string upper(std::string_view s) {
@@ -30,7 +31,7 @@ std::string upper(std::string_view s) {
 }
 
 class Parser {
-public:
+  public:
     explicit Parser(std::string_view sql) : sql_(sql), toks_(tokenize(sql)) {}
 
     Statement statement() {
@@ -46,9 +47,11 @@ public:
         throw errors::invalidStatement();
     }
 
-private:
+  private:
     // ---- token helpers
-    const Token& peek(std::size_t ahead = 0) const { return toks_[std::min(pos_ + ahead, toks_.size() - 1)]; }
+    const Token& peek(std::size_t ahead = 0) const {
+        return toks_[std::min(pos_ + ahead, toks_.size() - 1)];
+    }
     const Token& next() {
         const Token& t = peek();
         if (pos_ < toks_.size() - 1) ++pos_;
@@ -109,7 +112,9 @@ private:
             if (t.kind == Token::Kind::End) end = t.pos;
         }
         std::string s(sql_.substr(start, end - start));
-        while (!s.empty() && (s.back() == ' ' || s.back() == ';' || s.back() == '\r' || s.back() == '\n')) s.pop_back();
+        while (!s.empty() &&
+               (s.back() == ' ' || s.back() == ';' || s.back() == '\r' || s.back() == '\n'))
+            s.pop_back();
         return s;
     }
     std::string textBetween(std::size_t fromTok, std::size_t toTok) const {
@@ -190,7 +195,8 @@ private:
         while (true) {
             const Token& t = peek();
             if (t.kind == Token::Kind::Symbol &&
-                (t.text == "=" || t.text == "<>" || t.text == "<" || t.text == "<=" || t.text == ">" || t.text == ">=")) {
+                (t.text == "=" || t.text == "<>" || t.text == "<" || t.text == "<=" ||
+                 t.text == ">" || t.text == ">=")) {
                 std::string op = next().text;
                 l = binary(op, std::move(l), concat(), start);
                 continue;
@@ -353,7 +359,8 @@ private:
                 }
                 break;
             }
-            default: throw failFor(t);
+            default:
+                throw failFor(t);
         }
         e->text = textBetween(start, pos_);
         return e;
@@ -369,15 +376,17 @@ private:
             r.externalPath = next().text;
         }
         if (allowAlias) {
-            if (acceptWord("AS")) r.alias = name();
-            else if (atName()) r.alias = next().text;
+            if (acceptWord("AS"))
+                r.alias = name();
+            else if (atName())
+                r.alias = next().text;
         }
         return r;
     }
 
     bool atJoin() const {
-        return peek().isWord("INNER") || peek().isWord("LEFT") || peek().isWord("RIGHT") || peek().isWord("JOIN") ||
-               peek().isWord("FULL");
+        return peek().isWord("INNER") || peek().isWord("LEFT") || peek().isWord("RIGHT") ||
+               peek().isWord("JOIN") || peek().isWord("FULL");
     }
 
     // FROM a [INNER|LEFT [OUTER] JOIN b ON …]…, with Jet's parentheses around
@@ -424,10 +433,13 @@ private:
 
     SelectStmt selectBody(bool nested) {
         SelectStmt s;
-        if (acceptWord("DISTINCT") || acceptWord("DISTINCTROW")) s.distinct = true;
-        else acceptWord("ALL");
+        if (acceptWord("DISTINCT") || acceptWord("DISTINCTROW"))
+            s.distinct = true;
+        else
+            acceptWord("ALL");
         if (acceptWord("TOP")) {
-            if (peek().kind != Token::Kind::Number) throw nestedOr(nested, errors::selectReservedWord());
+            if (peek().kind != Token::Kind::Number)
+                throw nestedOr(nested, errors::selectReservedWord());
             s.top = std::strtol(next().text.c_str(), nullptr, 10);
             if (peek().isWord("PERCENT")) throw Unsupported("TOP … PERCENT");
         }
@@ -436,8 +448,9 @@ private:
             SelectItem item;
             std::size_t start = pos_;
             if (acceptSymbol("*")) {
-            } else if ((peek().kind == Token::Kind::Word || peek().kind == Token::Kind::Bracketed) && peek(1).isSymbol(".") &&
-                       peek(2).isSymbol("*")) {
+            } else if ((peek().kind == Token::Kind::Word ||
+                        peek().kind == Token::Kind::Bracketed) &&
+                       peek(1).isSymbol(".") && peek(2).isSymbol("*")) {
                 item.starQualifier = next().text;
                 next();
                 next();
@@ -476,8 +489,8 @@ private:
                 if (nested) throw;
                 throw expressionError(f, start);
             }
-            if (!peek().isWord("ORDER") && !peek().isWord("GROUP") && !peek().isWord("HAVING") && !peek().isWord("UNION") &&
-                !atSelectEnd(nested)) {
+            if (!peek().isWord("ORDER") && !peek().isWord("GROUP") && !peek().isWord("HAVING") &&
+                !peek().isWord("UNION") && !atSelectEnd(nested)) {
                 if (nested) throw failFor(peek());
                 throw expressionError(failFor(peek()), start);
             }
@@ -490,8 +503,10 @@ private:
                 do {
                     OrderItem o;
                     o.expr = concat();
-                    if (acceptWord("DESC")) o.descending = true;
-                    else acceptWord("ASC");
+                    if (acceptWord("DESC"))
+                        o.descending = true;
+                    else
+                        acceptWord("ASC");
                     s.orderBy.push_back(std::move(o));
                 } while (acceptSymbol(","));
             } catch (const Fail&) {
@@ -569,7 +584,9 @@ private:
             } catch (const Fail&) {
                 throw errors::syntaxUpdate();
             }
-            ExprPtr value = clauseExpression([this] { return peek().isSymbol(",") || peek().isWord("WHERE") || atStatementEnd(); });
+            ExprPtr value = clauseExpression([this] {
+                return peek().isSymbol(",") || peek().isWord("WHERE") || atStatementEnd();
+            });
             s.assignments.emplace_back(std::move(col), std::move(value));
         } while (acceptSymbol(","));
         if (acceptWord("WHERE")) s.where = clauseExpression([this] { return atStatementEnd(); });
@@ -604,9 +621,11 @@ private:
         try {
             if (!acceptWord("TABLE")) throw failFor(peek());
             s.table = name();
-            if (peek().isWord("DROP") || peek().isWord("ALTER")) throw Unsupported("ALTER TABLE … " + upper(peek().text));
+            if (peek().isWord("DROP") || peek().isWord("ALTER"))
+                throw Unsupported("ALTER TABLE … " + upper(peek().text));
             if (!acceptWord("ADD")) throw failFor(peek());
-            if (peek().isWord("CONSTRAINT") || peek().isWord("PRIMARY")) throw Unsupported("ALTER TABLE … ADD CONSTRAINT");
+            if (peek().isWord("CONSTRAINT") || peek().isWord("PRIMARY"))
+                throw Unsupported("ALTER TABLE … ADD CONSTRAINT");
             acceptWord("COLUMN");
             s.column.name = name();
         } catch (const Fail&) {
@@ -661,8 +680,10 @@ private:
             do {
                 IndexColumn c;
                 c.name = name();
-                if (acceptWord("DESC")) c.descending = true;
-                else acceptWord("ASC");
+                if (acceptWord("DESC"))
+                    c.descending = true;
+                else
+                    acceptWord("ASC");
                 s.index.columns.push_back(c);
             } while (acceptSymbol(","));
             if (!acceptSymbol(")")) throw failFor(peek());
@@ -704,24 +725,60 @@ std::optional<ColumnType> columnTypeFromWord(std::string_view word, bool& autoIn
         ColumnType t;
     };
     static const M map[] = {
-        {"TEXT", ColumnType::Text},         {"CHAR", ColumnType::Text},         {"VARCHAR", ColumnType::Text},
-        {"CHARACTER", ColumnType::Text},    {"STRING", ColumnType::Text},       {"ALPHANUMERIC", ColumnType::Text},
-        {"NCHAR", ColumnType::Text},        {"NVARCHAR", ColumnType::Text},     {"MEMO", ColumnType::Memo},
-        {"LONGTEXT", ColumnType::Memo},     {"LONGCHAR", ColumnType::Memo},     {"NOTE", ColumnType::Memo},
-        {"NTEXT", ColumnType::Memo},        {"SHORT", ColumnType::Integer},     {"SMALLINT", ColumnType::Integer},
-        {"INTEGER2", ColumnType::Integer},  {"LONG", ColumnType::Long},         {"INT", ColumnType::Long},
-        {"INTEGER", ColumnType::Long},      {"INTEGER4", ColumnType::Long},     {"BYTE", ColumnType::Byte},
-        {"TINYINT", ColumnType::Byte},      {"INTEGER1", ColumnType::Byte},     {"DOUBLE", ColumnType::Double},
-        {"FLOAT", ColumnType::Double},      {"FLOAT8", ColumnType::Double},     {"NUMBER", ColumnType::Double},
-        {"IEEEDOUBLE", ColumnType::Double}, {"SINGLE", ColumnType::Single},     {"REAL", ColumnType::Single},
-        {"FLOAT4", ColumnType::Single},     {"IEEESINGLE", ColumnType::Single}, {"CURRENCY", ColumnType::Currency},
-        {"MONEY", ColumnType::Currency},    {"DATETIME", ColumnType::DateTime}, {"DATE", ColumnType::DateTime},
-        {"TIME", ColumnType::DateTime},     {"TIMESTAMP", ColumnType::DateTime}, {"BIT", ColumnType::Boolean},
-        {"YESNO", ColumnType::Boolean},     {"LOGICAL", ColumnType::Boolean},   {"LOGICAL1", ColumnType::Boolean},
-        {"BOOLEAN", ColumnType::Boolean},   {"GUID", ColumnType::Guid},         {"UNIQUEIDENTIFIER", ColumnType::Guid},
-        {"BINARY", ColumnType::Binary},     {"VARBINARY", ColumnType::Binary},  {"LONGBINARY", ColumnType::OLE},
-        {"OLEOBJECT", ColumnType::OLE},     {"GENERAL", ColumnType::OLE},       {"IMAGE", ColumnType::OLE},
-        {"DECIMAL", ColumnType::Numeric},   {"NUMERIC", ColumnType::Numeric},   {"DEC", ColumnType::Numeric},
+        {"TEXT", ColumnType::Text},
+        {"CHAR", ColumnType::Text},
+        {"VARCHAR", ColumnType::Text},
+        {"CHARACTER", ColumnType::Text},
+        {"STRING", ColumnType::Text},
+        {"ALPHANUMERIC", ColumnType::Text},
+        {"NCHAR", ColumnType::Text},
+        {"NVARCHAR", ColumnType::Text},
+        {"MEMO", ColumnType::Memo},
+        {"LONGTEXT", ColumnType::Memo},
+        {"LONGCHAR", ColumnType::Memo},
+        {"NOTE", ColumnType::Memo},
+        {"NTEXT", ColumnType::Memo},
+        {"SHORT", ColumnType::Integer},
+        {"SMALLINT", ColumnType::Integer},
+        {"INTEGER2", ColumnType::Integer},
+        {"LONG", ColumnType::Long},
+        {"INT", ColumnType::Long},
+        {"INTEGER", ColumnType::Long},
+        {"INTEGER4", ColumnType::Long},
+        {"BYTE", ColumnType::Byte},
+        {"TINYINT", ColumnType::Byte},
+        {"INTEGER1", ColumnType::Byte},
+        {"DOUBLE", ColumnType::Double},
+        {"FLOAT", ColumnType::Double},
+        {"FLOAT8", ColumnType::Double},
+        {"NUMBER", ColumnType::Double},
+        {"IEEEDOUBLE", ColumnType::Double},
+        {"SINGLE", ColumnType::Single},
+        {"REAL", ColumnType::Single},
+        {"FLOAT4", ColumnType::Single},
+        {"IEEESINGLE", ColumnType::Single},
+        {"CURRENCY", ColumnType::Currency},
+        {"MONEY", ColumnType::Currency},
+        {"DATETIME", ColumnType::DateTime},
+        {"DATE", ColumnType::DateTime},
+        {"TIME", ColumnType::DateTime},
+        {"TIMESTAMP", ColumnType::DateTime},
+        {"BIT", ColumnType::Boolean},
+        {"YESNO", ColumnType::Boolean},
+        {"LOGICAL", ColumnType::Boolean},
+        {"LOGICAL1", ColumnType::Boolean},
+        {"BOOLEAN", ColumnType::Boolean},
+        {"GUID", ColumnType::Guid},
+        {"UNIQUEIDENTIFIER", ColumnType::Guid},
+        {"BINARY", ColumnType::Binary},
+        {"VARBINARY", ColumnType::Binary},
+        {"LONGBINARY", ColumnType::OLE},
+        {"OLEOBJECT", ColumnType::OLE},
+        {"GENERAL", ColumnType::OLE},
+        {"IMAGE", ColumnType::OLE},
+        {"DECIMAL", ColumnType::Numeric},
+        {"NUMERIC", ColumnType::Numeric},
+        {"DEC", ColumnType::Numeric},
     };
     if (w == "COUNTER" || w == "AUTOINCREMENT" || w == "IDENTITY") {
         autoIncrement = true;

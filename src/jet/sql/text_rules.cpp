@@ -86,7 +86,8 @@ char32_t lower(char32_t c) {
     if (c >= 0xC0 && c <= 0xDE && c != 0xD7) return c + 32;
     if (c >= 0x100 && c <= 0x17F) {
         // Latin Extended-A pairs upper/lower on even/odd, shifted in two ranges.
-        if ((c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E)) return (c % 2 == 1) ? c + 1 : c;
+        if ((c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E))
+            return (c % 2 == 1) ? c + 1 : c;
         if (c == 0x178) return 0xFF;
         if (c == 0x130) return 'i';
         if (c == 0x149 || c == 0x138 || c == 0x17F) return c;
@@ -112,7 +113,7 @@ char32_t baseLetter(char32_t c) {
     if (c < 0xE0) return c;
     if (c <= 0xFF) {
         static const char* map =
-            "aaaaaaaceeeeiiii"  // E0..EF (E6 æ handled by expansion)
+            "aaaaaaaceeeeiiii"   // E0..EF (E6 æ handled by expansion)
             "dnooooo/ouuuuyty";  // F0..FF
         char b = map[c - 0xE0];
         if (b == '/') return c;
@@ -137,9 +138,9 @@ char32_t primaryWeight(char32_t base) {
     if (base <= 0x20) return 0x100 + base;
     if (base >= '0' && base <= '9') return 0x1000 + base;
     if ((base >= 'a' && base <= 'z')) return 0x2000 + base;
-    if (base < 0x80) return 0x200 + base;        // ASCII punctuation
-    if (base < 0xC0) return 0x400 + base;        // Latin-1 symbols
-    return 0x10000 + base;                       // other scripts after Latin letters
+    if (base < 0x80) return 0x200 + base;  // ASCII punctuation
+    if (base < 0xC0) return 0x400 + base;  // Latin-1 symbols
+    return 0x10000 + base;                 // other scripts after Latin letters
 }
 
 }  // namespace
@@ -204,7 +205,9 @@ int compareSortKeys(const SortKey& a, const SortKey& b) {
     return c < 0 ? -1 : c > 0 ? 1 : 0;
 }
 
-int compareGeneral(std::string_view a, std::string_view b) { return compareSortKeys(generalSortKey(a), generalSortKey(b)); }
+int compareGeneral(std::string_view a, std::string_view b) {
+    return compareSortKeys(generalSortKey(a), generalSortKey(b));
+}
 
 LikePattern::LikePattern(std::string_view pattern, Dialect dialect) {
     std::u32string p = utf8Decode(pattern);
@@ -267,9 +270,12 @@ LikePattern::LikePattern(std::string_view pattern, Dialect dialect) {
         literal_.push_back(items_[i].ch);
     }
     if (allLiteral) {
-        if (leadingAny && trailingAny) shape_ = Shape::Contains;
-        else if (!leadingAny && trailingAny) shape_ = Shape::Prefix;
-        else if (!leadingAny && !trailingAny) shape_ = Shape::Exact;
+        if (leadingAny && trailingAny)
+            shape_ = Shape::Contains;
+        else if (!leadingAny && trailingAny)
+            shape_ = Shape::Prefix;
+        else if (!leadingAny && !trailingAny)
+            shape_ = Shape::Exact;
     }
     if (items_.size() == 1 && items_[0].kind == Item::Any) {
         shape_ = Shape::Contains;
@@ -278,8 +284,10 @@ LikePattern::LikePattern(std::string_view pattern, Dialect dialect) {
     if (shape_ != Shape::General) {
         asciiLiteral_ = true;
         for (char32_t c : literal_) {
-            if (c >= 0x80) asciiLiteral_ = false;
-            else asciiFolded_.push_back(static_cast<char>(c));
+            if (c >= 0x80)
+                asciiLiteral_ = false;
+            else
+                asciiFolded_.push_back(static_cast<char>(c));
         }
     }
 }
@@ -296,8 +304,10 @@ bool LikePattern::matchesAscii(std::string_view t) const {
         return true;
     };
     switch (shape_) {
-        case Shape::Exact: return t.size() == lit.size() && eqAt(0);
-        case Shape::Prefix: return t.size() >= lit.size() && eqAt(0);
+        case Shape::Exact:
+            return t.size() == lit.size() && eqAt(0);
+        case Shape::Prefix:
+            return t.size() >= lit.size() && eqAt(0);
         case Shape::Contains: {
             if (lit.empty()) return true;
             if (t.size() < lit.size()) return false;
@@ -306,15 +316,18 @@ bool LikePattern::matchesAscii(std::string_view t) const {
                 if (asciiLower(t[i]) == first && eqAt(i)) return true;
             return false;
         }
-        case Shape::General: break;
+        case Shape::General:
+            break;
     }
     return false;
 }
 
 bool LikePattern::matchItem(const Item& it, char32_t c) const {
     switch (it.kind) {
-        case Item::Literal: return it.ch == c;
-        case Item::One: return true;
+        case Item::Literal:
+            return it.ch == c;
+        case Item::One:
+            return true;
         case Item::Class: {
             bool in = false;
             for (auto [lo, hi] : it.ranges)
@@ -324,7 +337,8 @@ bool LikePattern::matchItem(const Item& it, char32_t c) const {
                 }
             return in != it.negated;
         }
-        case Item::Any: return true;
+        case Item::Any:
+            return true;
     }
     return false;
 }
@@ -361,10 +375,14 @@ bool LikePattern::matches(std::string_view text) const {
 
 bool LikePattern::matchesFolded(const std::u32string& s) const {
     switch (shape_) {
-        case Shape::Contains: return literal_.empty() || s.find(literal_) != std::u32string::npos;
-        case Shape::Prefix: return s.compare(0, literal_.size(), literal_) == 0 && s.size() >= literal_.size();
-        case Shape::Exact: return s == literal_;
-        case Shape::General: break;
+        case Shape::Contains:
+            return literal_.empty() || s.find(literal_) != std::u32string::npos;
+        case Shape::Prefix:
+            return s.compare(0, literal_.size(), literal_) == 0 && s.size() >= literal_.size();
+        case Shape::Exact:
+            return s == literal_;
+        case Shape::General:
+            break;
     }
     // Iterative matching with one backtrack point per '%'.
     std::size_t si = 0, pi = 0, starP = std::string::npos, starS = 0;

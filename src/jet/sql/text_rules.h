@@ -28,7 +28,7 @@ int compareGeneral(std::string_view a, std::string_view b);
 
 // A compiled LIKE pattern.
 class LikePattern {
-public:
+  public:
     enum class Dialect {
         Sql,       // ANSI-92 as Jet's OLE DB provider speaks it: % _ [abc] [a-z] [!abc]
         Criteria,  // ADO's Find and Filter: * and % for any run, ? and _ for one character
@@ -37,7 +37,7 @@ public:
     bool matches(std::string_view text) const;
     bool matchesFolded(const std::u32string& foldedText) const;
 
-private:
+  private:
     struct Item {
         enum Kind { Literal, One, Any, Class } kind;
         char32_t ch = 0;

@@ -12,20 +12,34 @@ namespace sql {
 
 const char* columnTypeName(ColumnType t) {
     switch (t) {
-        case ColumnType::Boolean: return "BIT";
-        case ColumnType::Byte: return "BYTE";
-        case ColumnType::Integer: return "SHORT";
-        case ColumnType::Long: return "LONG";
-        case ColumnType::Currency: return "CURRENCY";
-        case ColumnType::Single: return "SINGLE";
-        case ColumnType::Double: return "DOUBLE";
-        case ColumnType::DateTime: return "DATETIME";
-        case ColumnType::Binary: return "BINARY";
-        case ColumnType::Text: return "TEXT";
-        case ColumnType::OLE: return "LONGBINARY";
-        case ColumnType::Memo: return "MEMO";
-        case ColumnType::Guid: return "GUID";
-        case ColumnType::Numeric: return "DECIMAL";
+        case ColumnType::Boolean:
+            return "BIT";
+        case ColumnType::Byte:
+            return "BYTE";
+        case ColumnType::Integer:
+            return "SHORT";
+        case ColumnType::Long:
+            return "LONG";
+        case ColumnType::Currency:
+            return "CURRENCY";
+        case ColumnType::Single:
+            return "SINGLE";
+        case ColumnType::Double:
+            return "DOUBLE";
+        case ColumnType::DateTime:
+            return "DATETIME";
+        case ColumnType::Binary:
+            return "BINARY";
+        case ColumnType::Text:
+            return "TEXT";
+        case ColumnType::OLE:
+            return "LONGBINARY";
+        case ColumnType::Memo:
+            return "MEMO";
+        case ColumnType::Guid:
+            return "GUID";
+        case ColumnType::Numeric:
+            return "DECIMAL";
     }
     return "?";
 }
@@ -40,8 +54,10 @@ bool isNumericType(ColumnType t) {
         case ColumnType::Single:
         case ColumnType::Double:
         case ColumnType::DateTime:
-        case ColumnType::Numeric: return true;
-        default: return false;
+        case ColumnType::Numeric:
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -62,15 +78,20 @@ bool parseNumber(const std::string& s, double& out) {
 
 std::int64_t Value::asInt() const {
     switch (kind_) {
-        case Kind::Null: return 0;
+        case Kind::Null:
+            return 0;
         case Kind::Bool:
-        case Kind::Int: return std::get<std::int64_t>(v_);
+        case Kind::Int:
+            return std::get<std::int64_t>(v_);
         case Kind::Double:
-        case Kind::Date: return static_cast<std::int64_t>(std::nearbyint(std::get<double>(v_)));
+        case Kind::Date:
+            return static_cast<std::int64_t>(std::nearbyint(std::get<double>(v_)));
         case Kind::Text:
         case Kind::Binary: {
             double d = 0;
-            return parseNumber(std::get<std::string>(v_), d) ? static_cast<std::int64_t>(std::nearbyint(d)) : 0;
+            return parseNumber(std::get<std::string>(v_), d)
+                       ? static_cast<std::int64_t>(std::nearbyint(d))
+                       : 0;
         }
     }
     return 0;
@@ -78,11 +99,14 @@ std::int64_t Value::asInt() const {
 
 double Value::asDouble() const {
     switch (kind_) {
-        case Kind::Null: return 0;
+        case Kind::Null:
+            return 0;
         case Kind::Bool:
-        case Kind::Int: return static_cast<double>(std::get<std::int64_t>(v_));
+        case Kind::Int:
+            return static_cast<double>(std::get<std::int64_t>(v_));
         case Kind::Double:
-        case Kind::Date: return std::get<double>(v_);
+        case Kind::Date:
+            return std::get<double>(v_);
         case Kind::Text:
         case Kind::Binary: {
             double d = 0;
@@ -115,13 +139,18 @@ std::string formatDouble(double d) {
 
 std::string Value::toString() const {
     switch (kind_) {
-        case Kind::Null: return {};
-        case Kind::Bool: return std::get<std::int64_t>(v_) ? "True" : "False";
-        case Kind::Int: return std::to_string(std::get<std::int64_t>(v_));
+        case Kind::Null:
+            return {};
+        case Kind::Bool:
+            return std::get<std::int64_t>(v_) ? "True" : "False";
+        case Kind::Int:
+            return std::to_string(std::get<std::int64_t>(v_));
         case Kind::Double:
-        case Kind::Date: return formatDouble(std::get<double>(v_));
+        case Kind::Date:
+            return formatDouble(std::get<double>(v_));
         case Kind::Text:
-        case Kind::Binary: return std::get<std::string>(v_);
+        case Kind::Binary:
+            return std::get<std::string>(v_);
     }
     return {};
 }
@@ -161,8 +190,12 @@ Value coerceToColumn(const Value& v, ColumnType type, int size, const std::strin
             double d;
             numberOf(d);
             double r = std::nearbyint(d);  // banker's rounding, as Jet converts
-            double lo = type == ColumnType::Byte ? 0 : type == ColumnType::Integer ? -32768 : -2147483648.0;
-            double hi = type == ColumnType::Byte ? 255 : type == ColumnType::Integer ? 32767 : 2147483647.0;
+            double lo = type == ColumnType::Byte      ? 0
+                        : type == ColumnType::Integer ? -32768
+                                                      : -2147483648.0;
+            double hi = type == ColumnType::Byte      ? 255
+                        : type == ColumnType::Integer ? 32767
+                                                      : 2147483647.0;
             if (r < lo || r > hi) throw errors::numericOverflow();
             return Value::integer(static_cast<std::int64_t>(r));
         }
@@ -182,7 +215,8 @@ Value coerceToColumn(const Value& v, ColumnType type, int size, const std::strin
         case ColumnType::Binary:
         case ColumnType::OLE:
         case ColumnType::Guid:
-            if (v.kind() == Value::Kind::Text || v.kind() == Value::Kind::Binary) return Value::binary(v.textRef());
+            if (v.kind() == Value::Kind::Text || v.kind() == Value::Kind::Binary)
+                return Value::binary(v.textRef());
             throw errors::typeMismatch();
     }
     (void)columnName;
@@ -194,13 +228,17 @@ Value coerceToColumn(const Value& v, ColumnType type, int size, const std::strin
 namespace sql {
 std::string equalityKey(const Value& v) {
     switch (v.kind()) {
-        case Value::Kind::Null: return {};
+        case Value::Kind::Null:
+            return {};
         case Value::Kind::Bool:
         case Value::Kind::Int:
         case Value::Kind::Double:
-        case Value::Kind::Date: return "n:" + formatDouble(v.asDouble());
-        case Value::Kind::Text: return "t:" + utf8Encode(foldCase(v.textRef()));
-        case Value::Kind::Binary: return "b:" + v.textRef();
+        case Value::Kind::Date:
+            return "n:" + formatDouble(v.asDouble());
+        case Value::Kind::Text:
+            return "t:" + utf8Encode(foldCase(v.textRef()));
+        case Value::Kind::Binary:
+            return "b:" + v.textRef();
     }
     return {};
 }

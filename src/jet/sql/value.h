@@ -30,7 +30,7 @@ bool isNumericType(ColumnType t);
 bool isTextType(ColumnType t);
 
 class Value {
-public:
+  public:
     enum class Kind { Null, Bool, Int, Double, Text, Date, Binary };
 
     Value() = default;
@@ -44,7 +44,10 @@ public:
 
     Kind kind() const { return kind_; }
     bool isNull() const { return kind_ == Kind::Null; }
-    bool isNumber() const { return kind_ == Kind::Bool || kind_ == Kind::Int || kind_ == Kind::Double || kind_ == Kind::Date; }
+    bool isNumber() const {
+        return kind_ == Kind::Bool || kind_ == Kind::Int || kind_ == Kind::Double ||
+               kind_ == Kind::Date;
+    }
     bool isText() const { return kind_ == Kind::Text; }
 
     // Numeric view: Bool gives -1/0, Text is parsed (0 when it is no number).
@@ -56,7 +59,7 @@ public:
 
     bool operator==(const Value& o) const { return kind_ == o.kind_ && v_ == o.v_; }
 
-private:
+  private:
     template <class T>
     Value(Kind k, T v) : kind_(k), v_(std::move(v)) {}
     Kind kind_ = Kind::Null;

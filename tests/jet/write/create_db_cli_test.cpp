@@ -20,11 +20,11 @@ TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
         std::string args;
         std::string message;
     };
-    for (const Case& c : std::vector<Case>{
-             {"--empty " + jettest::quote(existing.string()), "exists already"},
-             {jettest::quote(existing.string()), "exists already"},
-             {"", "usage: tessara-cli create-db"},
-             {"--bogus x.mdb", "usage: tessara-cli create-db"}}) {
+    for (const Case& c :
+         std::vector<Case>{{"--empty " + jettest::quote(existing.string()), "exists already"},
+                           {jettest::quote(existing.string()), "exists already"},
+                           {"", "usage: tessara-cli create-db"},
+                           {"--bogus x.mdb", "usage: tessara-cli create-db"}}) {
         SCOPED_TRACE(c.args);
         int status = 0;
         std::string out =
@@ -62,14 +62,13 @@ TEST(CreateDbCommand, NewDatabasesReadBackEverywhere) {
     const std::string cli = jettest::quote(TESSARA_CLI);
     const fs::path empty = dir / "leer.mdb";
     int status = 1;
-    std::string out = jettest::run(cli + " create-db --empty " + jettest::quote(empty.string()) +
-                                       " 2>&1",
-                                   &status);
+    std::string out = jettest::run(
+        cli + " create-db --empty " + jettest::quote(empty.string()) + " 2>&1", &status);
     ASSERT_EQ(status, 0) << out;
     EXPECT_EQ(fs::file_size(empty) % 4096, 0u);
-    EXPECT_EQ(lines(jettest::run("mdb-tables -S -1 " + jettest::quote(empty.string()), &status)),
-              (std::vector<std::string>{"MSysObjects", "MSysACEs", "MSysQueries",
-                                        "MSysRelationships"}));
+    EXPECT_EQ(
+        lines(jettest::run("mdb-tables -S -1 " + jettest::quote(empty.string()), &status)),
+        (std::vector<std::string>{"MSysObjects", "MSysACEs", "MSysQueries", "MSysRelationships"}));
     EXPECT_EQ(jettest::run("mdb-tables -1 " + jettest::quote(empty.string()), &status), "");
     // Binary columns as hex: MSysDb's properties hold line breaks.
     const auto objects = lines(jettest::run(
@@ -100,9 +99,9 @@ TEST(CreateDbCommand, NewDatabasesReadBackEverywhere) {
                            " \"SELECT Ordnername FROM tblOrdner WHERE OrdnerNr = '042'\" 2>&1",
                        &status);
     EXPECT_EQ(out, "Ordnername\n\"Armaturen\"\n");
-    out = jettest::run(cli + " sql " + jettest::quote(catalogue.string()) +
-                           " \"SELECT Nope FROM tblOrdner\" 2>&1",
-                       &status);
+    out = jettest::run(
+        cli + " sql " + jettest::quote(catalogue.string()) + " \"SELECT Nope FROM tblOrdner\" 2>&1",
+        &status);
     EXPECT_NE(status, 0);
     EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1) << out;
     out = jettest::run(cli + " check " + jettest::quote(catalogue.string()) + " 2>&1", &status);

@@ -20,7 +20,8 @@ namespace fs = std::filesystem;
 
 TEST(ManyWrites, HundredThousandInsertsWithUpdatesAndDeletesReadBackEverywhere) {
     ASSERT_TRUE(jettest::haveMdbTools());
-    const fs::path dir = fs::temp_directory_path() / ("jetcreate-many-" + std::to_string(::getpid()));
+    const fs::path dir =
+        fs::temp_directory_path() / ("jetcreate-many-" + std::to_string(::getpid()));
     fs::remove_all(dir);
     fs::create_directories(dir);
     const std::string file = (dir / "viele.mdb").string();
@@ -28,17 +29,18 @@ TEST(ManyWrites, HundredThousandInsertsWithUpdatesAndDeletesReadBackEverywhere) 
 
     using T = jet::ColumnType;
     const jet::TableSpec teile{"Teile",
-                              {{"Nr", T::Long, 0, true, false},
-                               {"Ordner", T::Long},
-                               {"Name", T::Text, 60},
-                               {"Gewicht", T::Double},
-                               {"Menge", T::Integer},
-                               {"Notiz", T::Memo}},
-                              {{"PrimaryKey", {{"Nr", true}}, true, true},
-                               {"Ordner", {{"Ordner", false}}},
-                               {"Name", {{"Name", true}}}}};
-    const char* names[] = {"Ventil DN50 – Edelstahl ÄÖÜß", "Flansch", "Rohrbogen 90°", "Muffe",
-                           "Öl-Wanne", "Schieber \"groß\", kurz"};
+                               {{"Nr", T::Long, 0, true, false},
+                                {"Ordner", T::Long},
+                                {"Name", T::Text, 60},
+                                {"Gewicht", T::Double},
+                                {"Menge", T::Integer},
+                                {"Notiz", T::Memo}},
+                               {{"PrimaryKey", {{"Nr", true}}, true, true},
+                                {"Ordner", {{"Ordner", false}}},
+                                {"Name", {{"Name", true}}}}};
+    const char* names[] = {
+        "Ventil DN50 – Edelstahl ÄÖÜß", "Flansch", "Rohrbogen 90°", "Muffe", "Öl-Wanne",
+        "Schieber \"groß\", kurz"};
     std::map<std::int32_t, std::pair<jet::RowId, jet::Row>> model;
     std::mt19937 rng(20261123);
     auto fill = [&](jet::Row& r) {
@@ -91,9 +93,11 @@ TEST(ManyWrites, HundredThousandInsertsWithUpdatesAndDeletesReadBackEverywhere) 
 
     int status = 0;
     const std::string quoted = jettest::quote(file);
-    const std::string schema = jettest::run("mdb-schema -T Teile " + quoted + " 2>/dev/null", &status);
-    for (const char* want : {"[Nr]\t\t\tLong Integer", "[Name]\t\t\tText (60)", "[Gewicht]\t\t\tDouble",
-                             "[Menge]\t\t\tInteger", "[Notiz]\t\t\tMemo/Hyperlink"})
+    const std::string schema =
+        jettest::run("mdb-schema -T Teile " + quoted + " 2>/dev/null", &status);
+    for (const char* want :
+         {"[Nr]\t\t\tLong Integer", "[Name]\t\t\tText (60)", "[Gewicht]\t\t\tDouble",
+          "[Menge]\t\t\tInteger", "[Notiz]\t\t\tMemo/Hyperlink"})
         EXPECT_NE(schema.find(want), std::string::npos) << want << "\n" << schema;
     auto csv = jettest::parseCsv(jettest::run("mdb-export " + quoted + " Teile", &status));
     ASSERT_EQ(status, 0);
@@ -106,10 +110,12 @@ TEST(ManyWrites, HundredThousandInsertsWithUpdatesAndDeletesReadBackEverywhere) 
         const jet::Row& m = it->second.second;
         const bool weightNull = jet::isNull(m[3]);
         nulls += weightNull && row.at(3).text.empty();
-        agree += row.at(2).text == std::get<std::string>(m[2]) &&
-                 row.at(4).text == std::to_string(std::get<std::int16_t>(m[4])) &&
-                 (weightNull ? row.at(3).text.empty() : std::stod(row.at(3).text) == std::get<double>(m[3])) &&
-                 row.at(5).text == (jet::isNull(m[5]) ? std::string() : std::get<std::string>(m[5]));
+        agree +=
+            row.at(2).text == std::get<std::string>(m[2]) &&
+            row.at(4).text == std::to_string(std::get<std::int16_t>(m[4])) &&
+            (weightNull ? row.at(3).text.empty()
+                        : std::stod(row.at(3).text) == std::get<double>(m[3])) &&
+            row.at(5).text == (jet::isNull(m[5]) ? std::string() : std::get<std::string>(m[5]));
     }
     EXPECT_EQ(agree, model.size());
     EXPECT_GT(nulls, 0u);

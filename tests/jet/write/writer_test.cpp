@@ -389,7 +389,8 @@ TEST_F(RowWrites, RefusedWritesLeaveTheFileUntouched) {
          0, "sort code"},
         {"reference without its related row", "indexTestV2000.mdb",
          [](Writer& w, Database&) {
-             Row r{std::int32_t(10), std::int32_t(99), std::int32_t(13), text("x"), std::int32_t(0)};
+             Row r{std::int32_t(10), std::int32_t(99), std::int32_t(13), text("x"),
+                   std::int32_t(0)};
              w.insert("Table1", r);
          },
          3201, "a related record is required in table 'Table2'"},
