@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "slide_test_daten.h"
+#include "slide_test_data.h"
 #include "temp_verzeichnis.h"
 
 using slidetest::testdaten;

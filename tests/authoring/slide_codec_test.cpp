@@ -9,7 +9,7 @@
 
 #include "authoring/slide.h"
 #include "authoring/slide_library.h"
-#include "slide_test_daten.h"
+#include "slide_test_data.h"
 
 using namespace tessara::slide;
 using slidetest::beispielDia;

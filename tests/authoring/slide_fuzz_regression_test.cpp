@@ -7,7 +7,7 @@
 #include <random>
 
 #include "authoring/slide_library.h"
-#include "slide_test_daten.h"
+#include "slide_test_data.h"
 
 using namespace tessara::slide;
 using slidetest::testdaten;

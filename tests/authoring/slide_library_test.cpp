@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "slide_test_daten.h"
+#include "slide_test_data.h"
 
 using namespace tessara::slide;
 using slidetest::beispielDia;

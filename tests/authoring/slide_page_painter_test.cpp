@@ -10,7 +10,7 @@
 #include <set>
 
 #include "authoring/slide_library.h"
-#include "slide_test_daten.h"
+#include "slide_test_data.h"
 #include "temp_verzeichnis.h"
 
 using namespace tessara;

@@ -11,7 +11,7 @@
 #include "authoring/aci_farben.h"
 #include "authoring/slide_canvas.h"
 #include "authoring/slide_library.h"
-#include "slide_test_daten.h"
+#include "slide_test_data.h"
 
 using namespace tessara;
 using namespace tessara::ui;

@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "authoring/slide_library.h"
-#include "slide_test_daten.h"
+#include "slide_test_data.h"
 #include "temp_verzeichnis.h"
 
 using namespace tessara;

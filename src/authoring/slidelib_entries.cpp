@@ -1,4 +1,4 @@
-#include "authoring/slidelib_eintraege.h"
+#include "authoring/slidelib_entries.h"
 
 #include <exception>
 #include <filesystem>

@@ -1,6 +1,6 @@
 // The operations that tie SlideLib entries and block files together, over a
 // catalogue made by Mk_Datenbank and real files in a temporary directory.
-#include "authoring/slidelib_eintraege.h"
+#include "authoring/slidelib_entries.h"
 
 #include <gtest/gtest.h>
 
