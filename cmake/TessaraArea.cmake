@@ -68,3 +68,12 @@ function(tessara_test area)
   endif()
   gtest_discover_tests(${exe} DISCOVERY_TIMEOUT 120 ${props})
 endfunction()
+
+# A Windows executable that runs on its own, without the MinGW runtime DLLs
+# beside it (the batch tool and the test executables). The window links Qt's
+# DLLs and must share their runtime, so it does not take this.
+function(tessara_static_windows_runtime target)
+  if(WIN32)
+    target_link_options(${target} PRIVATE -static -static-libgcc -static-libstdc++)
+  endif()
+endfunction()

@@ -1,43 +1,48 @@
 // The window program: start-up with the real platform services.
 #include <QApplication>
 #include <QTimer>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "cad/acad_ueber_automation.h"
 #include "cad/cad_verbindung.h"
 #include "entry/start_ablauf.h"
+#include "platform/console.h"
 #include "platform/platform.h"
-#include "platform/posix/file_registry.h"
-#include "platform/posix/posix_environment.h"
-#include "platform/posix/unix_instance_channel.h"
+#include "platform/system.h"
 #include "platform/system_clock.h"
-#include "platform/x11/x11_desktop.h"
 #include "ui/frm_blockverwaltung.h"
 #include "ui/qt_benutzer.h"
 
 int main(int argc, char** argv) {
     // The command line is taken before Qt removes its own options from it.
-    platform::PosixEnvironment env(argc, argv);
+    auto env = platform::systemEnvironment(platform::commandLineArguments(argc, argv));
     QApplication app(argc, argv);
 
-    platform::FileRegistry registry;
-    platform::X11Desktop desktop;
+    auto registry = platform::systemRegistry();
+    auto desktop = platform::systemDesktop([] { QApplication::processEvents(); });
+    auto kanal = platform::systemInstanceChannel();
     platform::SystemClock clock;
-    platform::UnixInstanceChannel kanal;
     platform::Platform plattform;
-    plattform.registry = &registry;
-    plattform.environment = &env;
-    plattform.desktop = &desktop;
+    plattform.registry = registry.get();
+    plattform.environment = env.get();
+    plattform.desktop = desktop.get();
     plattform.clock = &clock;
-    plattform.instance = &kanal;
-    desktop.onPump = [] { QApplication::processEvents(); };
+    plattform.instance = kanal.get();
 
     tessara::QtBenutzer benutzer;
     tessara::ProgrammZustand z;
     z.plattform = &plattform;
     z.benutzer = &benutzer;
-    // No COM on this system: the host is found by its window title.
+    // Where the system has no COM, the host is found by its window title.
     tessara::CadVerbindung cad;
+    auto com = platform::systemAutomationHost();
+    std::unique_ptr<tessara::AcadUeberAutomation> acad;
+    if (com) {
+        acad = std::make_unique<tessara::AcadUeberAutomation>(*com);
+        cad.automation = acad.get();
+    }
 
     tessara::FrmBlockverwaltung fenster(z, cad);
     benutzer.setEltern(&fenster);
@@ -48,7 +53,7 @@ int main(int argc, char** argv) {
     // enter Main again, one after another on this thread.
     QTimer abholen;
     QObject::connect(&abholen, &QTimer::timeout, [&] {
-        for (const auto& m : kanal.receive())
+        for (const auto& m : kanal->receive())
             start.anfrageAusfuehren(z, fenster, m.operation, m.arguments);
     });
     abholen.start(100);

@@ -1,7 +1,10 @@
 #include "platform/system.h"
 
+#include "platform/win32/com_automation.h"
 #include "platform/win32/win32_desktop.h"
 #include "platform/win32/win32_environment.h"
+#include "platform/win32/win32_instance_channel.h"
+#include "platform/win32/win32_registry.h"
 
 namespace platform {
 
@@ -11,6 +14,20 @@ std::unique_ptr<Environment> systemEnvironment(std::vector<std::string>) {
     return std::make_unique<Win32Environment>();
 }
 
-std::unique_ptr<Desktop> systemDesktop() { return std::make_unique<Win32Desktop>(); }
+// The window program's events arrive through the thread's message queue,
+// which the desktop's own pump dispatches.
+std::unique_ptr<Desktop> systemDesktop(std::function<void()>) {
+    return std::make_unique<Win32Desktop>();
+}
+
+std::unique_ptr<Registry> systemRegistry() { return std::make_unique<Win32Registry>(); }
+
+std::unique_ptr<InstanceChannel> systemInstanceChannel() {
+    return std::make_unique<Win32InstanceChannel>();
+}
+
+std::unique_ptr<AutomationHost> systemAutomationHost() {
+    return std::make_unique<ComAutomationHost>();
+}
 
 }  // namespace platform
