@@ -19,8 +19,19 @@ int usage(std::ostream& err, const char* text) {
 int runTables(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     if (args.size() != 1) return usage(err, "tables PATH");
     auto db = jet::Database::open(args[0]);
-    for (const std::string& n : db->tableNames()) out << n << "\n";
-    return 0;
+    // The readable tables are listed; a table the catalogue names but that
+    // cannot be read is reported, never left out in silence.
+    int status = 0;
+    for (const std::string& n : db->tableNames()) {
+        try {
+            db->verifyTable(n);
+            out << n << "\n";
+        } catch (const jet::Error& e) {
+            err << "tessara-cli tables: table " << n << " cannot be read: " << e.what() << "\n";
+            status = 1;
+        }
+    }
+    return status;
 }
 
 std::string typeText(const jet::Column& c) {
@@ -77,6 +88,7 @@ int runSchema(const cli::Args& args, std::istream&, std::ostream& out, std::ostr
 int runExport(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     if (args.size() != 2) return usage(err, "export PATH TABLE");
     auto db = jet::Database::open(args[0]);
+    db->verifyTable(args[1]);
     jet::writeCsv(db->table(args[1]), out);
     return 0;
 }

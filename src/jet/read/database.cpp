@@ -1,6 +1,7 @@
 #include "jet/read/database.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 
 #include "jet/format/text.h"
@@ -14,11 +15,17 @@ std::shared_ptr<Database> Database::open(const std::string& path, OpenOptions op
     recoverHotJournal(path);
     auto db = fromStore(std::make_unique<FilePageStore>(path, options.writable), options);
     db->path_ = path;
+    std::error_code ec;
+    const auto bytes = std::filesystem::file_size(path, ec);
+    if (!ec) db->partialPageBytes_ = std::size_t(bytes % kPageSize);
     return db;
 }
 
 std::shared_ptr<Database> Database::fromMemory(std::vector<std::uint8_t> bytes) {
-    return fromStore(std::make_unique<MemoryPageStore>(std::move(bytes)), {});
+    const std::size_t partial = bytes.size() % kPageSize;
+    auto db = fromStore(std::make_unique<MemoryPageStore>(std::move(bytes)), {});
+    db->partialPageBytes_ = partial;
+    return db;
 }
 
 std::shared_ptr<Database> Database::fromStore(std::unique_ptr<PageStore> store,
@@ -46,6 +53,8 @@ const std::vector<CatalogEntry>& Database::catalogue() {
         cFlags = def->columnPosition("Flags");
     if (cId < 0 || cName < 0 || cType < 0)
         throwCorrupt(kCatalogueTdefPage, "MSysObjects lacks its key columns");
+    // A lost catalogue page would make its tables vanish without a word.
+    verifyDataPages(*def, "MSysObjects");
     std::vector<CatalogEntry> out;
     auto asInt = [](const Value& v) -> std::int64_t {
         if (auto p = std::get_if<std::int32_t>(&v)) return *p;
@@ -87,6 +96,25 @@ std::vector<std::string> Database::tableNames(bool includeSystem) {
 }
 
 bool Database::hasTable(const std::string& name) { return findObject(name) != nullptr; }
+
+void Database::verifyDataPages(const TableDef& def, const std::string& name) {
+    const std::string what = "the usage map of table " + name + " names it as a data page, but it";
+    UsageMap m = readUsageMap(*pages_, def.usedPages);
+    if (m.outside > 0) throwCorrupt(m.firstOutside, what + " lies beyond the end of the file");
+    for (std::uint32_t p : m.pages) {
+        if (p == 0) continue;
+        PageRef pg = pages_->page(p);
+        if ((*pg)[0] != std::uint8_t(PageType::Data))
+            throwCorrupt(p, what + " is a page of type " + std::to_string((*pg)[0]));
+        if (u32(pg->data() + datapage::kTdefPage) != def.page)
+            throwCorrupt(p, what + " belongs to another table");
+    }
+}
+
+void Database::verifyTable(const std::string& name) {
+    auto def = tableDef(name);
+    verifyDataPages(*def, def->name);
+}
 
 std::shared_ptr<const TableDef> Database::tableDefAt(std::uint32_t page, const std::string& name) {
     auto it = defs_.find(page);

@@ -66,6 +66,9 @@ class Database : public std::enable_shared_from_this<Database> {
                                                OpenOptions options = {});
 
     const DatabaseHeader& header() const { return header_; }
+    // Bytes past the last whole page when the file was opened: Jet writes
+    // whole pages only, so any are the remains of a cut or a torn write.
+    std::size_t partialPageBytes() const { return partialPageBytes_; }
     PageCache& pages() { return *pages_; }
 
     // Every row of MSysObjects (read once; reload() reads again).
@@ -80,6 +83,12 @@ class Database : public std::enable_shared_from_this<Database> {
     // Defined beside Table (table.cpp): Database reads through RowReader.
     Table table(const std::string& name);
     bool hasTable(const std::string& name);
+    // Throws "corrupt page N: ..." unless the table can be read whole: its
+    // definition parses and every page its usage map names lies in the file
+    // and is a data page of the table. A scan passes over such a page, so a
+    // caller listing or exporting tables asks this first rather than show a
+    // table with rows missing.
+    void verifyTable(const std::string& name);
     // Rows of MSysRelationships grouped by relationship name, columns in icolumn order.
     std::vector<Relationship> relationships();
     // Drops the cached catalogue and definitions (after the file was written).
@@ -111,7 +120,9 @@ class Database : public std::enable_shared_from_this<Database> {
   private:
     Database() = default;
     void init(std::unique_ptr<PageStore> store, const OpenOptions& options);
+    void verifyDataPages(const TableDef& def, const std::string& name);
     DatabaseHeader header_;
+    std::size_t partialPageBytes_ = 0;
     std::unique_ptr<PageCache> pages_;
     bool catalogueRead_ = false;
     std::vector<CatalogEntry> catalogue_;

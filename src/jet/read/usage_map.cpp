@@ -47,13 +47,17 @@ bool UsageMap::contains(std::uint32_t page) const {
 
 namespace {
 void collectBits(const std::uint8_t* bits, std::size_t n, std::uint32_t first, std::uint32_t limit,
-                 std::vector<std::uint32_t>& out) {
+                 UsageMap& out) {
     for (std::size_t i = 0; i < n; ++i) {
         if (!bits[i]) continue;
         for (int b = 0; b < 8; ++b) {
             if (!(bits[i] & (1u << b))) continue;
             std::uint64_t pg = std::uint64_t(first) + i * 8 + std::uint64_t(b);
-            if (pg < limit) out.push_back(std::uint32_t(pg));
+            if (pg < limit) {
+                out.pages.push_back(std::uint32_t(pg));
+            } else if (out.outside++ == 0) {
+                out.firstOutside = std::uint32_t(std::min<std::uint64_t>(pg, UINT32_MAX));
+            }
         }
     }
 }
@@ -73,7 +77,7 @@ UsageMap readUsageMap(PageCache& pages, std::uint32_t dataPointer) {
     if (m.type == 0) {
         if (r.size() < 5) throwCorrupt(m.where.page, "usage map row is truncated");
         m.startPage = u32(d + 1);
-        collectBits(d + 5, r.size() - 5, m.startPage, limit, m.pages);
+        collectBits(d + 5, r.size() - 5, m.startPage, limit, m);
     } else if (m.type == 1) {
         std::size_t n = (r.size() - 1) / 4;
         for (std::size_t i = 0; i < n; ++i) {
@@ -82,7 +86,7 @@ UsageMap readUsageMap(PageCache& pages, std::uint32_t dataPointer) {
             if (mp == 0) continue;
             PageRef page = pages.page(mp, PageType::UsageMap);
             collectBits(page->data() + 4, kPageSize - 4, std::uint32_t(i * kPagesPerMapPage), limit,
-                        m.pages);
+                        m);
         }
     } else {
         throwCorrupt(m.where.page, "unknown usage map type " + std::to_string(m.type));

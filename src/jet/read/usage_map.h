@@ -18,6 +18,10 @@ struct UsageMap {
     std::uint32_t startPage = 0;          // type 0
     std::vector<std::uint32_t> mapPages;  // type 1: page of each 0x05 page (0 = none)
     std::vector<std::uint32_t> pages;     // every page marked, ascending
+    // Marked pages beyond the end of the file, left out of pages: a cut
+    // file loses them, and a check must say so rather than see less.
+    std::size_t outside = 0;
+    std::uint32_t firstOutside = 0;
     bool contains(std::uint32_t page) const;
 };
 
