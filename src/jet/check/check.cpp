@@ -8,6 +8,7 @@
 #include "jet/read/index_cursor.h"
 #include "jet/read/index_key.h"
 #include "jet/read/table.h"
+#include "jet/write/data_writer.h"
 #include "jet/write/relationships.h"
 
 namespace jet {
@@ -25,6 +26,22 @@ void checkIndexPages(Database& db, const TableDef& d, const RealIndex& real,
     } catch (const Error& e) {
         faults.push_back(where + "usage map: " + e.what());
         return;
+    }
+    if (map.outside > 0)
+        faults.push_back(where + "usage map names page " + std::to_string(map.firstOutside) +
+                         ", beyond the end of the file");
+    for (std::uint32_t p : map.pages) {
+        try {
+            PageRef raw = db.pages().page(p);
+            const std::uint8_t type = (*raw)[0];
+            if (type != std::uint8_t(PageType::IndexNode) &&
+                type != std::uint8_t(PageType::IndexLeaf))
+                faults.push_back(where + "page " + std::to_string(p) +
+                                 " is in the index's usage map but is a page of type " +
+                                 std::to_string(type));
+        } catch (const Error& e) {
+            faults.push_back(where + e.what());
+        }
     }
     std::set<std::uint32_t> seen;
     std::vector<std::uint32_t> todo{real.rootPage};
@@ -197,6 +214,19 @@ std::set<std::uint32_t> freePages(Database& db) {
     }
 }
 
+// What lies outside every table: the file's length and the global map.
+void checkFile(Database& db, std::vector<std::string>& faults) {
+    if (db.partialPageBytes() != 0)
+        faults.push_back("the file ends " + std::to_string(db.partialPageBytes()) +
+                         " bytes into page " + std::to_string(db.pages().pageCount()) +
+                         ": its length is not a whole number of pages");
+    try {
+        readUsageMap(db.pages(), RowId{kGlobalUsageMapPage, 0}.pointer());
+    } catch (const Error& e) {
+        faults.push_back(std::string("the global usage map: ") + e.what());
+    }
+}
+
 }  // namespace
 
 std::vector<std::string> checkTable(Database& db, const std::string& name) {
@@ -213,11 +243,17 @@ std::vector<std::string> checkTable(Database& db, const std::string& name) {
     // Usage map against the pages that name this table.
     try {
         UsageMap m = readUsageMap(db.pages(), d.usedPages);
+        if (m.outside > 0)
+            faults.push_back("table " + name + ": its usage map names page " +
+                             std::to_string(m.firstOutside) + ", beyond the end of the file");
         for (std::uint32_t p : m.pages) {
             PageRef pg = db.pages().page(p);
             std::uint8_t type = (*pg)[0];
-            if (type == std::uint8_t(PageType::Data) &&
-                u32(pg->data() + datapage::kTdefPage) != d.page)
+            if (type != std::uint8_t(PageType::Data))
+                faults.push_back("table " + name + ": page " + std::to_string(p) +
+                                 " is in its usage map but is a page of type " +
+                                 std::to_string(type));
+            else if (u32(pg->data() + datapage::kTdefPage) != d.page)
                 faults.push_back("table " + name + ": page " + std::to_string(p) +
                                  " is in its usage map but belongs to another table");
         }
@@ -233,6 +269,25 @@ std::vector<std::string> checkTable(Database& db, const std::string& name) {
     } catch (const Error& e) {
         faults.push_back("table " + name + ": usage map: " + e.what());
         return faults;
+    }
+    // Each long-value column's map names the pages holding its values.
+    for (const VarColumnMaps& vm : d.varColumnMaps) {
+        if (vm.usedPages == 0) continue;
+        try {
+            UsageMap m = readUsageMap(db.pages(), vm.usedPages);
+            if (m.outside > 0)
+                faults.push_back("table " + name + ": a long-value usage map names page " +
+                                 std::to_string(m.firstOutside) + ", beyond the end of the file");
+            for (std::uint32_t p : m.pages) {
+                PageRef pg = db.pages().page(p);
+                if ((*pg)[0] != std::uint8_t(PageType::Data) ||
+                    u32(pg->data() + datapage::kTdefPage) != kLongValueOwner)
+                    faults.push_back("table " + name + ": page " + std::to_string(p) +
+                                     " is in a long-value usage map but holds no long values");
+            }
+        } catch (const Error& e) {
+            faults.push_back("table " + name + ": long-value usage map: " + e.what());
+        }
     }
     std::set<RowId> live;
     std::size_t count = 0;
@@ -256,10 +311,11 @@ std::vector<std::string> checkTable(Database& db, const std::string& name) {
         faults.push_back("table " + name + ": " + e.what());
     }
     // Access leaves the count of some system tables (MSysACEs) behind the
-    // rows, so only user tables are held to it.
+    // rows, so only user tables and the catalogue, whose lost rows are lost
+    // tables, are held to it.
     const CatalogEntry* entry = db.findObject(name);
     bool system = (entry && entry->isSystem()) || name.rfind("MSys", 0) == 0;
-    if (!system && count != d.rowCount)
+    if ((!system || d.page == kCatalogueTdefPage) && count != d.rowCount)
         faults.push_back("table " + name + ": definition counts " + std::to_string(d.rowCount) +
                          " rows, found " + std::to_string(count));
     checkIndexes(db, t, live, faults);
@@ -269,6 +325,7 @@ std::vector<std::string> checkTable(Database& db, const std::string& name) {
 
 std::vector<std::string> checkDatabase(Database& db) {
     std::vector<std::string> faults;
+    checkFile(db, faults);
     for (const std::string& n : db.tableNames(true)) {
         auto f = checkTable(db, n);
         faults.insert(faults.end(), f.begin(), f.end());
