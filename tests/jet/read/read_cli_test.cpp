@@ -2,7 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 
+#include "jet/read/database.h"
+#include "jet/read/usage_map.h"
 #include "jet/support/mdbtools.h"
 
 namespace {
@@ -12,6 +16,22 @@ using jettest::run;
 
 std::string cli(const std::string& args, int* status) {
     return run(quote(TESSARA_CLI) + " " + args + " 2>&1", status);
+}
+
+// A copy of a test file cut off where page `from` begins; its path.
+std::string cutCopy(const std::string& name, std::uint32_t from) {
+    std::ifstream in(jettest::testFile(name), std::ios::binary);
+    std::string bytes(std::istreambuf_iterator<char>(in), {});
+    bytes.resize(std::size_t(from) * jet::kPageSize);
+    const std::string path = ::testing::TempDir() + "cut-" + std::to_string(from) + "-" + name;
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path;
+}
+
+// The first data page of a table of the file.
+std::uint32_t firstDataPage(const std::string& name, const std::string& table) {
+    auto db = jet::Database::open(jettest::testFile(name));
+    return jet::readUsageMap(db->pages(), db->tableDef(table)->usedPages).pages.at(0);
 }
 
 std::vector<std::string> lines(const std::string& s) {
@@ -109,7 +129,7 @@ TEST(JetCli, FailuresAreOneLineAndNonZero) {
         std::string args;
         std::string contains;
     };
-    const Case cases[] = {
+    std::vector<Case> cases = {
         {"export /nonexistent/x.mdb T", "cannot open /nonexistent/x.mdb"},
         {"export " + quote(jettest::testFile("testV2000.mdb")) + " NoSuchTable",
          "no such table: NoSuchTable"},
@@ -117,6 +137,15 @@ TEST(JetCli, FailuresAreOneLineAndNonZero) {
          "not a Jet database"},
         {"export", "usage: tessara-cli export PATH TABLE"},
     };
+    // A catalogue cut short: every command says so, none shows it empty.
+    const std::uint32_t catalogue = firstDataPage("indexTestV2000.mdb", "MSysObjects");
+    const std::string cut = quote(cutCopy("indexTestV2000.mdb", catalogue));
+    const std::string lost = "corrupt page " + std::to_string(catalogue) +
+                             ": the usage map of table MSysObjects names it as a data page, but "
+                             "it lies beyond the end of the file";
+    for (const std::string command : {"tables ", "check ", "schema "})
+        cases.push_back({command + cut, lost});
+    cases.push_back({"export " + cut + " Table1", lost});
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args);
         int status = 0;
@@ -125,6 +154,26 @@ TEST(JetCli, FailuresAreOneLineAndNonZero) {
         EXPECT_NE(out.find(c.contains), std::string::npos) << out;
         EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1) << out;
     }
+}
+
+// A table whose pages are lost is reported on its own line; the readable
+// tables are still listed, and the exit status says not all were.
+TEST(JetCli, TablesReportsAnUnreadableTable) {
+    const std::uint32_t page = firstDataPage("indexTestV2000.mdb", "Table1");
+    std::ifstream in(jettest::testFile("indexTestV2000.mdb"), std::ios::binary);
+    std::string bytes(std::istreambuf_iterator<char>(in), {});
+    std::fill_n(bytes.begin() + std::ptrdiff_t(page * jet::kPageSize), jet::kPageSize, '\xFF');
+    const std::string path = ::testing::TempDir() + "filled-indexTestV2000.mdb";
+    std::ofstream(path, std::ios::binary) << bytes;
+    int status = 0;
+    EXPECT_EQ(run(quote(TESSARA_CLI) + " tables " + quote(path) + " 2>/dev/null", &status),
+              "Table2\nTable3\n");
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(run(quote(TESSARA_CLI) + " tables " + quote(path) + " 2>&1 >/dev/null"),
+              "tessara-cli tables: table Table1 cannot be read: corrupt page " +
+                  std::to_string(page) +
+                  ": the usage map of table Table1 names it as a data page, but it is a page of "
+                  "type 255\n");
 }
 
 }  // namespace
