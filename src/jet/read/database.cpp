@@ -54,6 +54,8 @@ const std::vector<CatalogEntry>& Database::catalogue() {
     if (cId < 0 || cName < 0 || cType < 0)
         throwCorrupt(kCatalogueTdefPage, "MSysObjects lacks its key columns");
     // A lost catalogue page would make its tables vanish without a word.
+    // One read section: the pages checked are the pages then scanned.
+    ReadSection reading(pages_->store());
     verifyDataPages(*def, "MSysObjects");
     std::vector<CatalogEntry> out;
     auto asInt = [](const Value& v) -> std::int64_t {
@@ -99,7 +101,13 @@ bool Database::hasTable(const std::string& name) { return findObject(name) != nu
 
 void Database::verifyDataPages(const TableDef& def, const std::string& name) {
     const std::string what = "the usage map of table " + name + " names it as a data page, but it";
+    ReadSection reading(pages_->store());
     UsageMap m = readUsageMap(*pages_, def.usedPages);
+    if (m.outside > 0) {
+        // Another process may have made the file longer since its length was read.
+        pages_->store().refresh();
+        m = readUsageMap(*pages_, def.usedPages);
+    }
     if (m.outside > 0) throwCorrupt(m.firstOutside, what + " lies beyond the end of the file");
     for (std::uint32_t p : m.pages) {
         if (p == 0) continue;
