@@ -24,17 +24,25 @@ struct Expr {
         InSelect,
         InList,
         Between,
-        Like
+        Like,
+        Logical,   // AND or OR over all operands of a chain, in list
+        Aggregate  // COUNT SUM AVG MIN MAX in name, over left (null for COUNT(*))
     };
     Kind kind = Kind::Literal;
     Value literal;
-    std::string qualifier, name;  // Column
-    std::string op;               // Binary: AND OR = <> < <= > >= + - * / &
+    std::string qualifier, name;  // Column; Aggregate: the function, upper case
+    std::string op;               // Binary: = <> < <= > >= + - * / &; Logical: AND OR
     std::unique_ptr<Expr> left, right, third;
     std::vector<std::unique_ptr<Expr>> list;
     std::shared_ptr<SelectStmt> select;
     bool negated = false;  // IS NOT NULL, NOT IN, NOT LIKE, NOT BETWEEN
-    std::string text;      // the source text, for messages and column captions
+    int height = 1;        // of the tree below, which bounds every walk over it
+
+    // The source text, for messages. Every node shares the statement's one
+    // copy, so a long statement costs its length once, not once per node.
+    std::shared_ptr<const std::string> source;
+    std::size_t textPos = 0, textLen = 0;
+    std::string text() const { return source ? source->substr(textPos, textLen) : std::string(); }
 };
 using ExprPtr = std::unique_ptr<Expr>;
 
@@ -69,6 +77,8 @@ struct SelectStmt {
     std::optional<TableRef> from;
     std::vector<JoinClause> joins;  // FROM a INNER JOIN b ON … LEFT JOIN c ON …, left to right
     ExprPtr where;
+    std::vector<ExprPtr> groupBy;
+    ExprPtr having;
     std::vector<OrderItem> orderBy;
 };
 

@@ -58,15 +58,47 @@ int orderCompare(const Value& a, const Value& b) {
     return compareValues(a, b, false);
 }
 
+bool containsAggregate(const Expr& e) {
+    if (e.kind == Expr::Kind::Aggregate) return true;
+    for (const Expr* c : {e.left.get(), e.right.get(), e.third.get()})
+        if (c && containsAggregate(*c)) return true;
+    for (const auto& c : e.list)
+        if (containsAggregate(*c)) return true;
+    return false;
+}
+
+void collectAggregates(const Expr& e, std::vector<const Expr*>& out) {
+    if (e.kind == Expr::Kind::Aggregate) {
+        out.push_back(&e);
+        return;
+    }
+    for (const Expr* c : {e.left.get(), e.right.get(), e.third.get()})
+        if (c) collectAggregates(*c, out);
+    for (const auto& c : e.list) collectAggregates(*c, out);
+}
+
+bool isGrouped(const SelectStmt& s) {
+    if (!s.groupBy.empty() || s.having) return true;
+    for (const auto& item : s.items)
+        if (item.expr && containsAggregate(*item.expr)) return true;
+    for (const auto& o : s.orderBy)
+        if (containsAggregate(*o.expr)) return true;
+    return false;
+}
+
 namespace {
 
 class ExprCompiler {
   public:
     ExprCompiler(const std::shared_ptr<Storage>& db, const Source* source,
-                 std::vector<bool>* used = nullptr)
-        : db_(db), source_(source), used_(used) {}
+                 std::vector<bool>* used = nullptr, const GroupScope* group = nullptr)
+        : db_(db), source_(source), used_(used), group_(group) {}
 
     Eval compile(const Expr& e) {
+        if (group_) {
+            if (int slot = groupSlot(e); slot >= 0) return [slot](const Row& r) { return r[slot]; };
+            if (e.kind == Expr::Kind::Column) throw errors::notInAggregate(e.text());
+        }
         switch (e.kind) {
             case Expr::Kind::Literal: {
                 Value v = e.literal;
@@ -137,11 +169,81 @@ class ExprCompiler {
                 return compileInSelect(e);
             case Expr::Kind::Binary:
                 return compileBinary(e);
+            case Expr::Kind::Logical:
+                return compileLogical(e);
+            case Expr::Kind::Aggregate:
+                // Grouped statements read aggregates from their group rows;
+                // anywhere else one has no rows to run over.
+                throw errors::aggregateInExpression(e.text());
         }
         throw errors::noValueGiven();
     }
 
   private:
+    // Where a group row holds e: an aggregate of the statement, or an
+    // expression the statement groups by. -1 when it holds neither.
+    int groupSlot(const Expr& e) const {
+        if (e.kind == Expr::Kind::Aggregate) {
+            for (std::size_t i = 0; i < group_->aggregates.size(); ++i)
+                if (group_->aggregates[i] == &e) return static_cast<int>(group_->keys.size() + i);
+            return -1;
+        }
+        for (std::size_t i = 0; i < group_->keys.size(); ++i)
+            if (sameExpr(e, *group_->keys[i])) return static_cast<int>(i);
+        return -1;
+    }
+    // The same expression written twice, as Jet matches a selected
+    // expression with one of GROUP BY: names resolved, case ignored.
+    bool sameExpr(const Expr& a, const Expr& b) const {
+        if (a.kind != b.kind || a.op != b.op || a.negated != b.negated ||
+            a.list.size() != b.list.size())
+            return false;
+        switch (a.kind) {
+            case Expr::Kind::Column: {
+                int x = source_ ? source_->find(a.qualifier, a.name) : -1;
+                int y = source_ ? source_->find(b.qualifier, b.name) : -1;
+                return x >= 0 && x == y;
+            }
+            case Expr::Kind::Literal:
+                return a.literal == b.literal;
+            case Expr::Kind::InSelect:
+                return false;
+            case Expr::Kind::Aggregate:
+                if (a.name != b.name) return false;
+                break;
+            default:
+                break;
+        }
+        auto same = [&](const Expr* x, const Expr* y) {
+            return (!x && !y) || (x && y && sameExpr(*x, *y));
+        };
+        if (!same(a.left.get(), b.left.get()) || !same(a.right.get(), b.right.get()) ||
+            !same(a.third.get(), b.third.get()))
+            return false;
+        for (std::size_t i = 0; i < a.list.size(); ++i)
+            if (!sameExpr(*a.list[i], *b.list[i])) return false;
+        return true;
+    }
+
+    // Null as SQL's three-valued logic has it: a false operand decides AND,
+    // a true one decides OR, otherwise any Null makes the answer Null.
+    Eval compileLogical(const Expr& e) {
+        std::vector<Eval> operands;
+        operands.reserve(e.list.size());
+        for (const auto& x : e.list) operands.push_back(compile(*x));
+        const bool isAnd = e.op == "AND";
+        return [operands = std::move(operands), isAnd](const Row& r) {
+            bool sawNull = false;
+            for (const auto& op : operands) {
+                Value v = op(r);
+                if (v.isNull())
+                    sawNull = true;
+                else if (isTrue(v) != isAnd)
+                    return truth(!isAnd);
+            }
+            return sawNull ? Value() : truth(isAnd);
+        };
+    }
     Eval compileLike(const Expr& e) {
         Eval a = compile(*e.left);
         bool neg = e.negated;
@@ -149,7 +251,7 @@ class ExprCompiler {
             const Value& p = e.right->literal;
             if (p.isNull()) return [](const Row&) { return Value(); };
             auto pattern = std::make_shared<LikePattern>(p.toString(), LikePattern::Dialect::Sql);
-            if (e.left->kind == Expr::Kind::Column) {
+            if (e.left->kind == Expr::Kind::Column && !group_) {
                 // The common "column LIKE 'pattern'": read the value in place.
                 int idx = source_ ? source_->find(e.left->qualifier, e.left->name) : -1;
                 if (idx < 0) throw errors::noValueGiven();
@@ -184,24 +286,6 @@ class ExprCompiler {
     Eval compileBinary(const Expr& e) {
         Eval a = compile(*e.left), b = compile(*e.right);
         const std::string& op = e.op;
-        if (op == "AND")
-            return [a, b](const Row& r) {
-                Value x = a(r);
-                if (!x.isNull() && !isTrue(x)) return truth(false);
-                Value y = b(r);
-                if (!y.isNull() && !isTrue(y)) return truth(false);
-                if (x.isNull() || y.isNull()) return Value();
-                return truth(true);
-            };
-        if (op == "OR")
-            return [a, b](const Row& r) {
-                Value x = a(r);
-                if (isTrue(x)) return truth(true);
-                Value y = b(r);
-                if (isTrue(y)) return truth(true);
-                if (x.isNull() || y.isNull()) return Value();
-                return truth(false);
-            };
         if (op == "&")
             return [a, b](const Row& r) {
                 Value x = a(r), y = b(r);
@@ -269,6 +353,7 @@ class ExprCompiler {
     std::shared_ptr<Storage> db_;
     const Source* source_;
     std::vector<bool>* used_;
+    const GroupScope* group_;
 };
 
 // "T.key IN (SELECT T.key FROM T WHERE w)" over the statement's own table T,
@@ -280,8 +365,9 @@ std::optional<Source> sameRowSubquery(const std::shared_ptr<Storage>& db, const 
                                       const Expr& e) {
     const SelectStmt& sub = *e.select;
     if (!outer || outer->joined() || !sub.from || sub.from->externalPath || !sub.joins.empty() ||
-        sub.distinct || sub.top || !sub.where || sub.items.size() != 1 || !sub.items[0].expr ||
-        sub.items[0].expr->kind != Expr::Kind::Column || e.left->kind != Expr::Kind::Column)
+        sub.distinct || sub.top || !sub.where || isGrouped(sub) || sub.items.size() != 1 ||
+        !sub.items[0].expr || sub.items[0].expr->kind != Expr::Kind::Column ||
+        e.left->kind != Expr::Kind::Column)
         return std::nullopt;
     if (!textEquals(sub.from->name, outer->name)) return std::nullopt;
     Source inner = openSelectSource(db, sub);
@@ -299,7 +385,7 @@ std::optional<Source> sameRowSubquery(const std::shared_ptr<Storage>& db, const 
 }
 
 Eval ExprCompiler::compileInSelect(const Expr& e) {
-    if (auto inner = sameRowSubquery(db_, source_, e)) {
+    if (auto inner = group_ ? std::nullopt : sameRowSubquery(db_, source_, e)) {
         // Compiled against the subquery's own names; its rows are laid out
         // as the statement's, so w reads the statement's row in place.
         ExprCompiler c(db_, &*inner, used_);
@@ -320,8 +406,9 @@ Eval ExprCompiler::compileInSelect(const Expr& e) {
     if (sub->from) {
         Source src = openSelectSource(db, *sub);
         ExprCompiler check(db, &src);
-        for (const auto& item : sub->items)
-            if (item.expr) check.compile(*item.expr);
+        if (!isGrouped(*sub))
+            for (const auto& item : sub->items)
+                if (item.expr) check.compile(*item.expr);
         if (sub->where) check.compile(*sub->where);
     }
     return [a, db, sub, neg, set, sawNull](const Row& r) {
@@ -347,6 +434,8 @@ Eval ExprCompiler::compileInSelect(const Expr& e) {
 
 }  // namespace
 
-Eval Binder::compile(const Expr& e) const { return ExprCompiler(db_, source_, used_).compile(e); }
+Eval Binder::compile(const Expr& e) const {
+    return ExprCompiler(db_, source_, used_, group_).compile(e);
+}
 
 }  // namespace sql::detail

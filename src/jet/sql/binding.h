@@ -70,18 +70,35 @@ int compareValues(const Value& a, const Value& b, bool equalityOnly);
 // Ordering for ORDER BY: Null first, then numbers, then text in General order.
 int orderCompare(const Value& a, const Value& b);
 
+// What a grouped SELECT's items, HAVING and ORDER BY may read: a group row
+// holds the GROUP BY values (keys, in order), then the aggregates' results.
+struct GroupScope {
+    std::vector<const Expr*> keys;
+    std::vector<const Expr*> aggregates;
+};
+
+bool containsAggregate(const Expr& e);
+// The aggregates of an expression, outermost only.
+void collectAggregates(const Expr& e, std::vector<const Expr*>& out);
+// A statement that reads groups rather than rows: GROUP BY, HAVING or an aggregate.
+bool isGrouped(const SelectStmt& s);
+
 // Compiles expressions against a source; names it resolves are marked in
-// used, so a scan may leave other columns unconverted.
+// used, so a scan may leave other columns unconverted. With a group scope
+// the expressions read group rows, and a column outside the group keys is
+// Jet's error.
 class Binder {
   public:
-    Binder(std::shared_ptr<Storage> db, const Source* source, std::vector<bool>* used = nullptr)
-        : db_(std::move(db)), source_(source), used_(used) {}
+    Binder(std::shared_ptr<Storage> db, const Source* source, std::vector<bool>* used = nullptr,
+           const GroupScope* group = nullptr)
+        : db_(std::move(db)), source_(source), used_(used), group_(group) {}
     Eval compile(const Expr& e) const;
 
   private:
     std::shared_ptr<Storage> db_;
     const Source* source_;
     std::vector<bool>* used_;
+    const GroupScope* group_;
 };
 
 // The rows of a source that satisfy a WHERE, through an index when the
@@ -98,5 +115,17 @@ struct Selected {
 Selected selectRows(const std::shared_ptr<Storage>& db, const TableRef& from, const Expr* where);
 
 ResultSet runSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s);
+ResultSet runGroupedSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s);
+
+// One result row before ORDER BY, DISTINCT and TOP.
+struct Match {
+    Row out;
+    std::vector<Value> order;
+    Row key;
+    RowId id = -1;
+};
+// Sorts the matches by their ORDER BY values, drops repeats under DISTINCT,
+// cuts at TOP, and moves them into rs.
+void finishRows(ResultSet& rs, std::vector<Match>& matches, const SelectStmt& s, bool writable);
 
 }  // namespace sql::detail

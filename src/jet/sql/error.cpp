@@ -23,6 +23,26 @@ Error syntaxMissingOperator(const std::string& e) {
 Error syntaxString(const std::string& e) {
     return cmd("Syntax error in string in query expression '" + e + "'.", 3075);
 }
+Error syntaxDate(const std::string& e) {
+    return cmd("Syntax error in date in query expression '" + e + "'.", 3075);
+}
+Error syntaxGroupBy() { return cmd("Syntax error in GROUP BY clause.", 3132); }
+Error queryTooComplex() { return cmd("Query is too complex.", 3360); }
+Error aggregateInWhere(const std::string& c) {
+    return cmd("Cannot have aggregate function in WHERE clause (" + c + ").", 3096);
+}
+Error aggregateInExpression(const std::string& e) {
+    return cmd("Cannot have aggregate function in expression (" + e + ").", 3095);
+}
+Error aggregateInGroupBy(const std::string& e) {
+    return cmd("Cannot have aggregate function in GROUP BY clause (" + e + ").", 3097);
+}
+Error notInAggregate(const std::string& e) {
+    return cmd("You tried to execute a query that does not include the specified expression '" + e +
+                   "' as part of an aggregate function.",
+               3122);
+}
+Error groupOnStar() { return cmd("Cannot group on fields selected with '*'.", 3120); }
 Error syntaxOrderBy() { return cmd("Syntax error in ORDER BY clause.", 3138); }
 Error syntaxInsert() { return cmd("Syntax error in INSERT INTO statement.", 3134); }
 Error syntaxUpdate() { return cmd("Syntax error in UPDATE statement.", 3144); }

@@ -46,6 +46,17 @@ std::vector<Token> tokenize(std::string_view s) {
             }
             t.kind = closed ? Token::Kind::String : Token::Kind::BadString;
             i = j;
+        } else if (c == '#') {
+            std::size_t close = s.find('#', i + 1);
+            if (close == std::string_view::npos) {
+                t.kind = Token::Kind::BadDate;
+                t.text = std::string(s.substr(i + 1));
+                i = s.size();
+            } else {
+                t.kind = Token::Kind::Date;
+                t.text = std::string(s.substr(i + 1, close - i - 1));
+                i = close + 1;
+            }
         } else if (c == '[') {
             std::size_t close = s.find(']', i + 1);
             if (close == std::string_view::npos) {

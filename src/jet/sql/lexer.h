@@ -13,9 +13,11 @@ struct Token {
         Bracketed,  // [a name]
         String,     // 'text' or "text", quotes removed, doubled quotes folded
         Number,
+        Date,        // #…#, the text between the #s
         Symbol,      // , . ( ) * = <> < <= > >= + - / & ;
         BadString,   // a quote without its closing quote
         BadBracket,  // [ without ]
+        BadDate,     // # without its closing #
         BadChar,     // a character Jet SQL has no use for
         End,
     };

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "jet/sql/ast.h"
+#include "jet/sql/date_literal.h"
 #include "jet/sql/error.h"
 #include "jet/sql/lexer.h"
 
@@ -15,8 +16,28 @@ namespace {
 
 // A parse failure before it is given its clause's message.
 struct Fail {
-    enum Why { Incomplete, Extra, BadString } why;
+    enum Why { Incomplete, Extra, BadString, BadDate } why;
 };
+
+// Beyond these a statement is refused as Jet refuses what it cannot plan:
+// the length keeps token and tree memory bounded, the height of an
+// expression tree bounds every recursive walk over it (compiling,
+// evaluating, destroying), so no statement can exhaust the stack. AND and
+// OR chains are flat and do not count towards the height.
+constexpr std::size_t kMaxStatementLength = 1 << 20;
+constexpr int kMaxNesting = 200;
+constexpr int kMaxHeight = 1000;
+
+bool isAggregateName(std::string_view w) {
+    for (const char* a : {"COUNT", "SUM", "AVG", "MIN", "MAX"}) {
+        if (w.size() != std::string_view(a).size()) continue;
+        bool same = true;
+        for (std::size_t i = 0; i < w.size() && same; ++i)
+            same = std::toupper(static_cast<unsigned char>(w[i])) == a[i];
+        if (same) return true;
+    }
+    return false;
+}
 
 const char* const kReserved[] = {"SELECT", "FROM",   "WHERE", "AND",    "OR",       "NOT",
                                  "LIKE",   "IS",     "NULL",  "IN",     "ORDER",    "BY",
@@ -32,7 +53,10 @@ std::string upper(std::string_view s) {
 
 class Parser {
   public:
-    explicit Parser(std::string_view sql) : sql_(sql), toks_(tokenize(sql)) {}
+    explicit Parser(std::string_view sql)
+        : source_(std::make_shared<const std::string>(sql)),
+          sql_(*source_),
+          toks_(tokenize(sql_)) {}
 
     Statement statement() {
         const Token& t = peek();
@@ -83,6 +107,7 @@ class Parser {
     }
     Fail failFor(const Token& t) const {
         if (t.kind == Token::Kind::BadString) return Fail{Fail::BadString};
+        if (t.kind == Token::Kind::BadDate) return Fail{Fail::BadDate};
         return Fail{t.kind == Token::Kind::End ? Fail::Incomplete : Fail::Extra};
     }
     bool atStatementEnd() {
@@ -117,14 +142,27 @@ class Parser {
             s.pop_back();
         return s;
     }
-    std::string textBetween(std::size_t fromTok, std::size_t toTok) const {
-        std::size_t a = toks_[fromTok].pos;
-        std::size_t b = toTok > fromTok ? toks_[toTok - 1].pos + toks_[toTok - 1].len : a;
-        return std::string(sql_.substr(a, b - a));
+    // Points a node at its source text, from a token to the current one.
+    void span(Expr& e, std::size_t fromTok) const {
+        e.source = source_;
+        e.textPos = toks_[fromTok].pos;
+        std::size_t end = pos_ > fromTok ? toks_[pos_ - 1].pos + toks_[pos_ - 1].len : e.textPos;
+        e.textLen = end - e.textPos;
+    }
+    ExprPtr finish(ExprPtr e, std::size_t fromTok) const {
+        span(*e, fromTok);
+        int below = 0;
+        for (const Expr* c : {e->left.get(), e->right.get(), e->third.get()})
+            if (c) below = std::max(below, c->height);
+        for (const auto& c : e->list) below = std::max(below, c->height);
+        e->height = below + 1;
+        if (e->height > kMaxHeight) throw errors::queryTooComplex();
+        return e;
     }
     Error expressionError(const Fail& f, std::size_t fromTok) const {
         std::string text = clauseText(fromTok);
         if (f.why == Fail::BadString) return errors::syntaxString(text);
+        if (f.why == Fail::BadDate) return errors::syntaxDate(text);
         if (f.why == Fail::Extra) return errors::syntaxMissingOperator(text);
         return errors::syntaxQueryExpression(text);
     }
@@ -142,10 +180,10 @@ class Parser {
     }
 
     // ---- expressions
-    // Deep nesting is refused before it can exhaust the stack.
+    // Deep nesting is refused before the parser's own recursion can exhaust the stack.
     struct Depth {
         explicit Depth(Parser& p) : p_(p) {
-            if (++p_.depth_ > 200) throw Unsupported("expressions nested more than 200 deep");
+            if (++p_.depth_ > kMaxNesting) throw errors::queryTooComplex();
         }
         ~Depth() { --p_.depth_; }
         Parser& p_;
@@ -162,21 +200,24 @@ class Parser {
         e->op = std::move(op);
         e->left = std::move(l);
         e->right = std::move(r);
-        e->text = textBetween(start, pos_);
-        return e;
+        return finish(std::move(e), start);
     }
-    ExprPtr orExpr() {
+    // a OR b OR c … as one node over all operands, so that a chain of any
+    // length is walked in a loop rather than by recursion.
+    template <class Operand>
+    ExprPtr chain(const char* word, Operand operand) {
         std::size_t start = pos_;
-        ExprPtr l = andExpr();
-        while (acceptWord("OR")) l = binary("OR", std::move(l), andExpr(), start);
-        return l;
+        ExprPtr first = (this->*operand)();
+        if (!peek().isWord(word)) return first;
+        auto e = std::make_unique<Expr>();
+        e->kind = Expr::Kind::Logical;
+        e->op = word;
+        e->list.push_back(std::move(first));
+        while (acceptWord(word)) e->list.push_back((this->*operand)());
+        return finish(std::move(e), start);
     }
-    ExprPtr andExpr() {
-        std::size_t start = pos_;
-        ExprPtr l = notExpr();
-        while (acceptWord("AND")) l = binary("AND", std::move(l), notExpr(), start);
-        return l;
-    }
+    ExprPtr orExpr() { return chain("OR", &Parser::andExpr); }
+    ExprPtr andExpr() { return chain("AND", &Parser::notExpr); }
     ExprPtr notExpr() {
         std::size_t start = pos_;
         if (acceptWord("NOT")) {
@@ -184,8 +225,7 @@ class Parser {
             auto e = std::make_unique<Expr>();
             e->kind = Expr::Kind::Not;
             e->left = notExpr();
-            e->text = textBetween(start, pos_);
-            return e;
+            return finish(std::move(e), start);
         }
         return comparison();
     }
@@ -217,8 +257,7 @@ class Parser {
                 e->negated = negated;
                 e->left = std::move(l);
                 e->right = concat();
-                e->text = textBetween(start, pos_);
-                l = std::move(e);
+                l = finish(std::move(e), start);
                 continue;
             }
             if (acceptWord("BETWEEN")) {
@@ -229,8 +268,7 @@ class Parser {
                 e->right = concat();
                 if (!acceptWord("AND")) throw failFor(peek());
                 e->third = concat();
-                e->text = textBetween(start, pos_);
-                l = std::move(e);
+                l = finish(std::move(e), start);
                 continue;
             }
             if (acceptWord("IN")) {
@@ -248,8 +286,7 @@ class Parser {
                     while (acceptSymbol(","));
                 }
                 if (!acceptSymbol(")")) throw failFor(peek());
-                e->text = textBetween(start, pos_);
-                l = std::move(e);
+                l = finish(std::move(e), start);
                 continue;
             }
             if (!negated && acceptWord("IS")) {
@@ -258,8 +295,7 @@ class Parser {
                 e->negated = acceptWord("NOT");
                 if (!acceptWord("NULL")) throw failFor(peek());
                 e->left = std::move(l);
-                e->text = textBetween(start, pos_);
-                l = std::move(e);
+                l = finish(std::move(e), start);
                 continue;
             }
             pos_ = save;
@@ -301,8 +337,7 @@ class Parser {
             auto e = std::make_unique<Expr>();
             e->kind = Expr::Kind::Negate;
             e->left = unary();
-            e->text = textBetween(start, pos_);
-            return e;
+            return finish(std::move(e), start);
         }
         if (acceptSymbol("+")) {
             Depth d(*this);
@@ -327,13 +362,20 @@ class Parser {
                 next();
                 e->literal = Value::text(t.text);
                 break;
+            case Token::Kind::Date: {
+                auto days = parseDateLiteral(t.text);
+                if (!days) throw Fail{Fail::BadDate};
+                next();
+                e->literal = Value::date(*days);
+                break;
+            }
             case Token::Kind::Symbol:
                 if (t.text == "(") {
                     next();
                     if (peek().isWord("SELECT")) throw Unsupported("a subquery as a value");
                     ExprPtr inner = expression();
                     if (!acceptSymbol(")")) throw failFor(peek());
-                    inner->text = textBetween(start, pos_);
+                    span(*inner, start);
                     return inner;
                 }
                 throw failFor(t);
@@ -352,7 +394,11 @@ class Parser {
                 if (!atName()) throw failFor(t);
                 e->kind = Expr::Kind::Column;
                 e->name = next().text;
-                if (peek().isSymbol("(")) throw Unsupported("function " + e->name);
+                if (peek().isSymbol("(")) {
+                    if (t.kind == Token::Kind::Word && isAggregateName(e->name))
+                        return aggregate(e->name, start);
+                    throw Unsupported("function " + e->name);
+                }
                 if (acceptSymbol(".")) {
                     e->qualifier = std::move(e->name);
                     e->name = name();
@@ -362,8 +408,17 @@ class Parser {
             default:
                 throw failFor(t);
         }
-        e->text = textBetween(start, pos_);
-        return e;
+        return finish(std::move(e), start);
+    }
+    ExprPtr aggregate(const std::string& function, std::size_t start) {
+        Depth d(*this);
+        next();  // (
+        auto e = std::make_unique<Expr>();
+        e->kind = Expr::Kind::Aggregate;
+        e->name = upper(function);
+        if (e->name != "COUNT" || !acceptSymbol("*")) e->left = expression();
+        if (!acceptSymbol(")")) throw failFor(peek());
+        return finish(std::move(e), start);
     }
 
     // ---- SELECT
@@ -495,8 +550,33 @@ class Parser {
                 throw expressionError(failFor(peek()), start);
             }
         }
-        for (const char* w : {"GROUP", "HAVING", "UNION"})
-            if (peek().isWord(w)) throw Unsupported(w);
+        if (peek().isWord("UNION")) throw Unsupported("UNION");
+        if (acceptWord("GROUP")) {
+            try {
+                if (!acceptWord("BY")) throw failFor(peek());
+                do s.groupBy.push_back(expression());
+                while (acceptSymbol(","));
+            } catch (const Fail&) {
+                throw nestedOr(nested, errors::syntaxGroupBy());
+            }
+            if (!peek().isWord("HAVING") && !peek().isWord("ORDER") && !peek().isWord("UNION") &&
+                !atSelectEnd(nested))
+                throw nestedOr(nested, errors::syntaxGroupBy());
+        }
+        if (acceptWord("HAVING")) {
+            std::size_t start = pos_;
+            try {
+                s.having = expression();
+            } catch (const Fail& f) {
+                if (nested) throw;
+                throw expressionError(f, start);
+            }
+            if (!peek().isWord("ORDER") && !peek().isWord("UNION") && !atSelectEnd(nested)) {
+                if (nested) throw failFor(peek());
+                throw expressionError(failFor(peek()), start);
+            }
+        }
+        if (peek().isWord("UNION")) throw Unsupported("UNION");
         if (acceptWord("ORDER")) {
             try {
                 if (!acceptWord("BY")) throw failFor(peek());
@@ -709,6 +789,7 @@ class Parser {
         return s;
     }
 
+    std::shared_ptr<const std::string> source_;
     std::string_view sql_;
     std::vector<Token> toks_;
     std::size_t pos_ = 0;
@@ -789,6 +870,9 @@ std::optional<ColumnType> columnTypeFromWord(std::string_view word, bool& autoIn
     return std::nullopt;
 }
 
-Statement parseStatement(std::string_view sql) { return Parser(sql).statement(); }
+Statement parseStatement(std::string_view sql) {
+    if (sql.size() > kMaxStatementLength) throw errors::queryTooComplex();
+    return Parser(sql).statement();
+}
 
 }  // namespace sql

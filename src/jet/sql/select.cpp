@@ -15,9 +15,10 @@ namespace {
 // that an index on the column can answer it.
 const Expr* indexableTerm(const Expr* e, const Source& s, Value& key, std::string& column) {
     if (!e) return nullptr;
-    if (e->kind == Expr::Kind::Binary && e->op == "AND") {
-        if (auto* t = indexableTerm(e->left.get(), s, key, column)) return t;
-        return indexableTerm(e->right.get(), s, key, column);
+    if (e->kind == Expr::Kind::Logical && e->op == "AND") {
+        for (const auto& term : e->list)
+            if (auto* t = indexableTerm(term.get(), s, key, column)) return t;
+        return nullptr;
     }
     if (e->kind != Expr::Kind::Binary || e->op != "=") return nullptr;
     const Expr* col = e->left.get();
@@ -165,7 +166,55 @@ Selected selectRows(const std::shared_ptr<Storage>& db, const TableRef& from, co
     return out;
 }
 
+void finishRows(ResultSet& rs, std::vector<Match>& matches, const SelectStmt& s, bool writable) {
+    const std::size_t keys = s.orderBy.size();
+    std::vector<std::size_t> order(matches.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    std::vector<std::vector<SortKey>> text(matches.size());
+    auto compare = [&](std::size_t x, std::size_t y) {
+        for (std::size_t k = 0; k < keys; ++k) {
+            const Value& a = matches[x].order[k];
+            const Value& b = matches[y].order[k];
+            int cmp = (a.isText() && b.isText()) ? compareSortKeys(text[x][k], text[y][k])
+                                                 : orderCompare(a, b);
+            if (cmp != 0) return s.orderBy[k].descending ? -cmp : cmp;
+        }
+        return 0;
+    };
+    if (keys > 0) {
+        for (std::size_t i = 0; i < matches.size(); ++i)
+            for (const auto& v : matches[i].order)
+                text[i].push_back(v.isText() ? generalSortKey(v.textRef()) : SortKey{});
+        std::stable_sort(order.begin(), order.end(),
+                         [&](std::size_t x, std::size_t y) { return compare(x, y) < 0; });
+    }
+
+    std::unordered_set<std::string> seen;
+    rs.rows.reserve(order.size());
+    std::size_t last = 0;
+    for (std::size_t oi : order) {
+        Match& m = matches[oi];
+        // Jet's TOP n does not choose between rows that tie with the n-th on
+        // ORDER BY: all of them come back. Without ORDER BY it is the first n.
+        if (s.top && static_cast<long>(rs.rows.size()) >= *s.top &&
+            (keys == 0 || rs.rows.empty() || compare(last, oi) != 0))
+            break;
+        if (s.distinct) {
+            std::string k;
+            for (const auto& v : m.out)
+                k += (v.isNull() ? std::string("\x01") : equalityKey(v)) + '\x1f';
+            if (!seen.insert(k).second) continue;
+        }
+        rs.rows.push_back(std::move(m.out));
+        rs.rowIds.push_back(m.id);
+        if (writable) rs.keys.push_back(std::move(m.key));
+        last = oi;
+    }
+}
+
 ResultSet runSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s) {
+    if (s.where && containsAggregate(*s.where)) throw errors::aggregateInWhere(s.where->text());
+    if (isGrouped(s)) return runGroupedSelect(db, s);
     ResultSet rs;
     Source source;
     bool haveTable = s.from.has_value();
@@ -222,10 +271,8 @@ ResultSet runSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s) {
     }
     // ORDER BY may name any column of the table, selected or not.
     std::vector<Eval> orderEvals;
-    std::vector<bool> desc;
     for (const auto& o : s.orderBy) {
         orderEvals.push_back(c.compile(*o.expr));
-        desc.push_back(o.descending);
     }
     std::vector<int> keyColumns;
     if (haveTable && !s.distinct && !source.joined())
@@ -237,12 +284,6 @@ ResultSet runSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s) {
 
     // One pass over the rows: each match is projected at once, so only the
     // selected values are copied.
-    struct Match {
-        Row out;
-        std::vector<Value> order;
-        Row key;
-        RowId id;
-    };
     std::vector<Match> matches;
     auto take = [&](RowId id, const Row& row) {
         Match m;
@@ -258,41 +299,8 @@ ResultSet runSelect(const std::shared_ptr<Storage>& db, const SelectStmt& s) {
     else
         take(-1, Row{});
 
-    std::vector<std::size_t> order(matches.size());
-    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
-    if (!orderEvals.empty()) {
-        std::vector<std::vector<SortKey>> text(matches.size());
-        for (std::size_t i = 0; i < matches.size(); ++i)
-            for (const auto& v : matches[i].order)
-                text[i].push_back(v.isText() ? generalSortKey(v.textRef()) : SortKey{});
-        std::stable_sort(order.begin(), order.end(), [&](std::size_t x, std::size_t y) {
-            for (std::size_t k = 0; k < orderEvals.size(); ++k) {
-                const Value& a = matches[x].order[k];
-                const Value& b = matches[y].order[k];
-                int cmp = (a.isText() && b.isText()) ? compareSortKeys(text[x][k], text[y][k])
-                                                     : orderCompare(a, b);
-                if (cmp != 0) return desc[k] ? cmp > 0 : cmp < 0;
-            }
-            return false;
-        });
-    }
-
-    std::unordered_set<std::string> seen;
     bool writable = haveTable && !s.distinct && !source.joined();
-    rs.rows.reserve(order.size());
-    for (std::size_t oi : order) {
-        Match& m = matches[oi];
-        if (s.distinct) {
-            std::string k;
-            for (const auto& v : m.out)
-                k += (v.isNull() ? std::string("\x01") : equalityKey(v)) + '\x1f';
-            if (!seen.insert(k).second) continue;
-        }
-        rs.rows.push_back(std::move(m.out));
-        rs.rowIds.push_back(m.id);
-        if (writable) rs.keys.push_back(std::move(m.key));
-        if (s.top && static_cast<long>(rs.rows.size()) >= *s.top) break;
-    }
+    finishRows(rs, matches, s, writable);
     if (writable) {
         rs.baseStorage = source.storage;
         rs.baseTable = source.name;
