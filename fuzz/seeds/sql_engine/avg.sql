@@ -1,0 +1,1 @@
+SELECT AVG(id), SUM(otherfk1) FROM Table1 WHERE id BETWEEN 1 AND 5 AND data IS NOT NULL

@@ -1,0 +1,1 @@
+SELECT * FROM Table1 WHERE #2024-03-01# > #3/1/2024 12:30# OR id = 1

@@ -1,0 +1,1 @@
+DELETE FROM Table1 WHERE otherfk3 = 0 AND id > 2

@@ -1,0 +1,1 @@
+SELECT data, COUNT(*), MIN(id), MAX(otherfk2) FROM Table1 GROUP BY data HAVING COUNT(*) > 1 ORDER BY COUNT(*) DESC

@@ -1,0 +1,1 @@
+CREATE INDEX ixData ON Table2 (data DESC)

@@ -1,0 +1,1 @@
+INSERT INTO Table2 (id, data) VALUES (99, 'neu')

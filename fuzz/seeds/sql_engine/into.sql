@@ -1,0 +1,1 @@
+SELECT * INTO Kopie FROM Table1 WHERE id < 3

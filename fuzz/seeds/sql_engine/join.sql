@@ -1,0 +1,1 @@
+SELECT DISTINCT otherfk1 FROM Table1 INNER JOIN Table2 ON Table1.otherfk2 = Table2.id

@@ -1,0 +1,1 @@
+SELECT TOP 3 * FROM Table1 WHERE otherfk1 = 1 OR otherfk1 = 2 OR data LIKE 'baz1%' ORDER BY otherfk2

@@ -1,0 +1,1 @@
+UPDATE Table1 SET data = data & 'x' WHERE id IN (SELECT id FROM Table3 WHERE data <> 'a')

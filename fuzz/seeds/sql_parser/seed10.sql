@@ -1,0 +1,1 @@
+SELECT Ordnername, COUNT(*), SUM(Wert), AVG(Wert) FROM tblOrdner WHERE Nr > 0 GROUP BY Ordnername HAVING MIN(Wert) < 2 ORDER BY COUNT(*) DESC

@@ -1,0 +1,1 @@
+SELECT TOP 1 * FROM tblSeiten WHERE SeitenNr = 1 OR #2024-03-01 12:30# > #3/1/2024# ORDER BY SeitenName
