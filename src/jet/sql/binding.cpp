@@ -112,14 +112,14 @@ class ExprCompiler {
             }
             case Expr::Kind::Not: {
                 Eval a = compile(*e.left);
-                return [a](const Row& r) {
+                return [a = std::move(a)](const Row& r) {
                     Value v = a(r);
                     return v.isNull() ? v : truth(!isTrue(v));
                 };
             }
             case Expr::Kind::Negate: {
                 Eval a = compile(*e.left);
-                return [a](const Row& r) {
+                return [a = std::move(a)](const Row& r) {
                     Value v = a(r);
                     if (v.isNull()) return v;
                     if (v.kind() == Value::Kind::Int || v.kind() == Value::Kind::Bool)
@@ -131,14 +131,16 @@ class ExprCompiler {
             case Expr::Kind::IsNull: {
                 Eval a = compile(*e.left);
                 bool neg = e.negated;
-                return [a, neg](const Row& r) { return truth(a(r).isNull() != neg); };
+                return
+                    [a = std::move(a), neg](const Row& r) { return truth(a(r).isNull() != neg); };
             }
             case Expr::Kind::Like:
                 return compileLike(e);
             case Expr::Kind::Between: {
                 Eval a = compile(*e.left), lo = compile(*e.right), hi = compile(*e.third);
                 bool neg = e.negated;
-                return [a, lo, hi, neg](const Row& r) {
+                return [a = std::move(a), lo = std::move(lo), hi = std::move(hi),
+                        neg](const Row& r) {
                     Value v = a(r), l = lo(r), h = hi(r);
                     if (v.isNull() || l.isNull() || h.isNull()) return Value();
                     bool in = compareValues(v, l, false) >= 0 && compareValues(v, h, false) <= 0;
@@ -150,7 +152,7 @@ class ExprCompiler {
                 std::vector<Eval> items;
                 for (const auto& x : e.list) items.push_back(compile(*x));
                 bool neg = e.negated;
-                return [a, items, neg](const Row& r) {
+                return [a = std::move(a), items = std::move(items), neg](const Row& r) {
                     Value v = a(r);
                     if (v.isNull()) return v;
                     bool sawNull = false;
@@ -264,7 +266,7 @@ class ExprCompiler {
                     return truth(m != neg);
                 };
             }
-            return [a, pattern, neg](const Row& r) {
+            return [a = std::move(a), pattern, neg](const Row& r) {
                 Value v = a(r);
                 if (v.isNull()) return v;
                 bool m =
@@ -273,7 +275,7 @@ class ExprCompiler {
             };
         }
         Eval b = compile(*e.right);
-        return [a, b, neg](const Row& r) {
+        return [a = std::move(a), b = std::move(b), neg](const Row& r) {
             Value v = a(r), p = b(r);
             if (v.isNull() || p.isNull()) return Value();
             return truth(
@@ -287,7 +289,7 @@ class ExprCompiler {
         Eval a = compile(*e.left), b = compile(*e.right);
         const std::string& op = e.op;
         if (op == "&")
-            return [a, b](const Row& r) {
+            return [a = std::move(a), b = std::move(b)](const Row& r) {
                 Value x = a(r), y = b(r);
                 if (x.isNull() && y.isNull()) return Value();
                 return Value::text(x.toString() + y.toString());
@@ -299,7 +301,7 @@ class ExprCompiler {
                         : op == "<=" ? 3
                         : op == ">"  ? 4
                                      : 5;
-            return [a, b, which](const Row& r) {
+            return [a = std::move(a), b = std::move(b), which](const Row& r) {
                 Value x = a(r), y = b(r);
                 if (x.isNull() || y.isNull()) return Value();
                 int c = compareValues(x, y, which <= 1);
@@ -320,7 +322,7 @@ class ExprCompiler {
             };
         }
         char opc = op[0];
-        return [a, b, opc](const Row& r) {
+        return [a = std::move(a), b = std::move(b), opc](const Row& r) {
             Value x = a(r), y = b(r);
             if (x.isNull() || y.isNull()) return Value();
             if (opc == '+' && x.isText() && y.isText())
@@ -411,7 +413,7 @@ Eval ExprCompiler::compileInSelect(const Expr& e) {
                 if (item.expr) check.compile(*item.expr);
         if (sub->where) check.compile(*sub->where);
     }
-    return [a, db, sub, neg, set, sawNull](const Row& r) {
+    return [a = std::move(a), db, sub, neg, set, sawNull](const Row& r) {
         if (!*set) {
             ResultSet rs = runSelect(db, *sub);
             if (rs.columns.size() != 1) throw errors::subqueryFields();
