@@ -26,6 +26,7 @@ constexpr long kFileNotFound = 3024;
 constexpr long kNoSuchTable = 3078;
 constexpr long kNoSuchColumn = 3265;
 constexpr long kReadOnly = 3027;  // "Cannot update. Database or object is read-only."
+constexpr long kLocked = 3218;    // "Could not update; currently locked."
 }  // namespace errnum
 
 // "corrupt page N: what"

@@ -12,8 +12,10 @@ namespace jet {
 
 std::shared_ptr<Database> Database::open(const std::string& path, OpenOptions options) {
     // A writer that died inside its commit left the file half written.
-    recoverHotJournal(path);
-    auto db = fromStore(std::make_unique<FilePageStore>(path, options.writable), options);
+    recoverHotJournal(path, options.lockWait);
+    auto store = std::make_unique<FilePageStore>(path, options.writable);
+    store->setLockWait(options.lockWait);
+    auto db = fromStore(std::move(store), options);
     db->path_ = path;
     std::error_code ec;
     const auto bytes = std::filesystem::file_size(path, ec);

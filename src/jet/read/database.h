@@ -54,6 +54,10 @@ struct Relationship {
 struct OpenOptions {
     bool writable = false;
     std::size_t cachePages = 1024;  // 4 MB
+    // How long a lock held by another process is waited for before the
+    // operation fails with "Could not update; currently locked.", and whom
+    // to tell while it lasts.
+    filelock::Wait lockWait = {};
 };
 
 class Database : public std::enable_shared_from_this<Database> {
@@ -107,7 +111,9 @@ class Database : public std::enable_shared_from_this<Database> {
     // it. Until commit() the unit's pages live in memory, seen by this
     // Database only. Page reads from the file wait while another process's
     // commit writes, so no page is seen half written; a Database that only
-    // reads keeps its cached pages until reload().
+    // reads keeps its cached pages until reload(). Those waits end after
+    // OpenOptions::lockWait with jet::Error errnum::kLocked, the file and
+    // this Database as before the call.
     void begin();
     void commit();
     void rollback();

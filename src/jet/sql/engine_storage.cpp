@@ -218,8 +218,9 @@ class EngineTable : public Table {
 
 class EngineStorage : public Storage {
   public:
-    EngineStorage(std::shared_ptr<jet::Database> db, PathMapper mapper)
-        : db_(std::move(db)), mapper_(std::move(mapper)) {}
+    EngineStorage(std::shared_ptr<jet::Database> db, PathMapper mapper,
+                  jet::filelock::Wait lockWait)
+        : db_(std::move(db)), mapper_(std::move(mapper)), lockWait_(std::move(lockWait)) {}
 
     std::vector<std::string> tableNames() override { return db_->tableNames(false); }
 
@@ -280,7 +281,7 @@ class EngineStorage : public Storage {
     std::shared_ptr<Storage> openOther(const std::string& path) override {
         auto& slot = others_[path];
         if (auto s = slot.lock()) return s;
-        auto s = openEngineStorage(path, false, mapper_);
+        auto s = openEngineStorage(path, false, mapper_, lockWait_);
         slot = s;
         return s;
     }
@@ -308,13 +309,14 @@ class EngineStorage : public Storage {
     }
     std::shared_ptr<jet::Database> db_;
     PathMapper mapper_;
+    jet::filelock::Wait lockWait_;
     std::map<std::string, std::weak_ptr<Storage>> others_;
 };
 
 }  // namespace
 
-std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create,
-                                           PathMapper mapper) {
+std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create, PathMapper mapper,
+                                           jet::filelock::Wait lockWait) {
     std::string native = mapper ? mapper(path) : path;
     std::error_code ec;
     if (create) {
@@ -328,12 +330,14 @@ std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create,
     std::shared_ptr<jet::Database> db;
     guarded([&] {
         try {
-            db = jet::Database::open(native, jet::OpenOptions{true, 8192});
-        } catch (const jet::Error&) {
-            db = jet::Database::open(native, jet::OpenOptions{false, 8192});
+            db = jet::Database::open(native, jet::OpenOptions{true, 8192, lockWait});
+        } catch (const jet::Error& e) {
+            // A lock not granted in time says so, and is not waited for twice.
+            if (e.number() == jet::errnum::kLocked) throw;
+            db = jet::Database::open(native, jet::OpenOptions{false, 8192, lockWait});
         }
     });
-    return std::make_shared<EngineStorage>(std::move(db), std::move(mapper));
+    return std::make_shared<EngineStorage>(std::move(db), std::move(mapper), std::move(lockWait));
 }
 
 }  // namespace sql

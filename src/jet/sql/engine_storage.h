@@ -6,6 +6,7 @@
 #include <string>
 
 #include "jet/sql/storage.h"
+#include "jet/store/file_lock.h"
 
 namespace sql {
 
@@ -14,8 +15,11 @@ namespace sql {
 using PathMapper = std::function<std::string(const std::string&)>;
 
 // Opens an .mdb file for reading and writing; with create, makes a new,
-// empty database there first (an existing file is refused).
+// empty database there first (an existing file is refused). lockWait bounds
+// every wait for another process's lock, on this file and on the files a
+// statement names with IN '<file>'.
 std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create,
-                                           PathMapper mapper = {});
+                                           PathMapper mapper = {},
+                                           jet::filelock::Wait lockWait = {});
 
 }  // namespace sql

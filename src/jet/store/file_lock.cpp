@@ -1,5 +1,8 @@
 #include "jet/store/file_lock.h"
 
+#include <algorithm>
+#include <thread>
+
 #include "jet/format/error.h"
 
 namespace jet::filelock {
@@ -17,5 +20,47 @@ bool lock(os::File& file, std::uint64_t offset, Mode mode, bool wait) {
 }
 
 void unlock(os::File& file, std::uint64_t offset) { file.unlock(offset); }
+
+void lockWithin(os::File& file, std::uint64_t offset, Mode mode, const Wait& wait) {
+    if (lock(file, offset, mode, false)) return;
+    using Clock = std::chrono::steady_clock;
+    using std::chrono::milliseconds;
+    const Clock::time_point start = Clock::now();
+    auto waited = [&] { return std::chrono::duration_cast<milliseconds>(Clock::now() - start); };
+    auto report = [&](milliseconds w, bool ended) {
+        if (wait.report) wait.report(WaitReport{w, wait.limit, ended});
+    };
+    report(milliseconds(0), false);
+    // No system offers a timed wait for a POSIX byte lock: short sleeps
+    // between attempts, growing so a long wait costs little, short enough
+    // that a lock released is taken soon after.
+    milliseconds nap(1);
+    const milliseconds maxNap(20);
+    milliseconds nextReport(1000);
+    for (;;) {
+        const milliseconds w = waited();
+        if (w >= wait.limit) {
+            report(w, true);
+            throw Error("Could not update; currently locked.", errnum::kLocked);
+        }
+        std::this_thread::sleep_for(std::min(nap, wait.limit - w));
+        nap = std::min(nap * 2, maxNap);
+        bool got = false;
+        try {
+            got = lock(file, offset, mode, false);
+        } catch (...) {
+            report(waited(), true);
+            throw;
+        }
+        if (got) {
+            report(waited(), true);
+            return;
+        }
+        if (waited() >= nextReport) {
+            report(waited(), false);
+            nextReport += milliseconds(1000);
+        }
+    }
+}
 
 }  // namespace jet::filelock

@@ -163,7 +163,7 @@ bool rollbackJournal(os::File& file, const std::string& databasePath) {
     return true;
 }
 
-void recoverHotJournal(const std::string& databasePath) {
+void recoverHotJournal(const std::string& databasePath, const filelock::Wait& wait) {
     if (!journalExists(databasePath)) return;
     bool rw = true;
     os::File file(databasePath, os::OpenMode::ReadWrite);
@@ -185,11 +185,11 @@ void recoverHotJournal(const std::string& databasePath) {
     } held{file};
     // A live writer holds the writer byte for its whole unit: once we hold
     // it (shared is enough to keep writers out), a journal left is hot.
-    filelock::lock(file, filelock::kWriterByte,
-                   rw ? filelock::Mode::Exclusive : filelock::Mode::Shared);
+    filelock::lockWithin(file, filelock::kWriterByte,
+                         rw ? filelock::Mode::Exclusive : filelock::Mode::Shared, wait);
     held.writer = true;
     if (rw) {
-        filelock::lock(file, filelock::kCommitByte, filelock::Mode::Exclusive);
+        filelock::lockWithin(file, filelock::kCommitByte, filelock::Mode::Exclusive, wait);
         held.commit = true;
     }
     if (!journalExists(databasePath)) return;

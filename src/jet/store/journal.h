@@ -18,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include "jet/store/file_lock.h"
 #include "jet/store/os.h"
 
 namespace jet {
@@ -38,9 +39,10 @@ void removeJournal(const std::string& databasePath);
 bool rollbackJournal(os::File& file, const std::string& databasePath);
 
 // Rolls back a hot journal if there is one, taking the locks on a descriptor
-// of its own (waiting for a live writer to finish first). Throws jet::Error
-// when the file needs a rollback but cannot be opened for writing.
-void recoverHotJournal(const std::string& databasePath);
+// of its own (waiting for a live writer to finish first, as long as wait
+// allows). Throws jet::Error when the file needs a rollback but cannot be
+// opened for writing, or the wait is given up.
+void recoverHotJournal(const std::string& databasePath, const filelock::Wait& wait = {});
 
 // Tests only: called at each step of a commit and of a rollback ("journal"
 // after each journal record written, "journal-synced", "page" after each page

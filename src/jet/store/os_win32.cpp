@@ -156,9 +156,15 @@ LockResult File::lock(std::uint64_t offset, LockMode mode, bool wait) {
     if (held != held_.end()) {
         if (held->mode == mode) return LockResult::Locked;
         if (mode == LockMode::Exclusive) {
-            // Up: the shared lock goes first, or it would block our own request.
+            // Up: the shared lock goes first, or it would block our own
+            // request. Refused, the shared lock comes back, as a POSIX
+            // conversion that fails leaves the lock as it was; only a holder
+            // of an exclusive lock could delay that, and the engine takes
+            // one only under the writer byte, which the converter holds.
             unlock(offset);
-            return lock(offset, mode, wait);
+            LockResult up = lock(offset, mode, wait);
+            if (up == LockResult::Busy) lock(offset, LockMode::Shared, true);
+            return up;
         }
         // Down: a shared lock beside the exclusive one, then the first
         // unlock of the byte drops the exclusive one (Windows unlocks the

@@ -23,15 +23,15 @@ FilePageStore::~FilePageStore() = default;
 std::uint32_t FilePageStore::pageCount() const { return std::uint32_t(size_ / kPageSize); }
 
 void FilePageStore::lockForReading() {
-    filelock::lock(file_, filelock::kCommitByte, filelock::Mode::Shared);
+    filelock::lockWithin(file_, filelock::kCommitByte, filelock::Mode::Shared, lockWait_);
     // Under the shared commit byte no commit is writing; a journal seen now
     // was left by a writer that died (a writer holding the writer byte, as
     // this store may, has rolled back any such journal).
     if (!writerHeld_ && journalExists(path_)) {
         filelock::unlock(file_, filelock::kCommitByte);
-        recoverHotJournal(path_);
+        recoverHotJournal(path_, lockWait_);
         refresh();
-        filelock::lock(file_, filelock::kCommitByte, filelock::Mode::Shared);
+        filelock::lockWithin(file_, filelock::kCommitByte, filelock::Mode::Shared, lockWait_);
     }
 }
 
@@ -85,7 +85,7 @@ void FilePageStore::refresh() {
 
 void FilePageStore::lockWriter() {
     if (writerHeld_) return;
-    filelock::lock(file_, filelock::kWriterByte, filelock::Mode::Exclusive);
+    filelock::lockWithin(file_, filelock::kWriterByte, filelock::Mode::Exclusive, lockWait_);
     writerHeld_ = true;
 }
 
@@ -97,7 +97,7 @@ void FilePageStore::unlockWriter() {
 
 void FilePageStore::lockCommit() {
     if (commitHeld_) return;
-    filelock::lock(file_, filelock::kCommitByte, filelock::Mode::Exclusive);
+    filelock::lockWithin(file_, filelock::kCommitByte, filelock::Mode::Exclusive, lockWait_);
     commitHeld_ = true;
 }
 

@@ -27,6 +27,13 @@
 //            after the unit. A run of reads under way in the same store keeps
 //            the commit byte, shared again, when the commit ends.
 //
+// Every lock is waited for a bounded time (setLockWait, 10 s unless told):
+// a writer whose unit never ends, or a reader stuck in a long run of reads,
+// holds the others back only that long. Who gives up throws Jet's "Could
+// not update; currently locked." and stays in the state it was in: a read
+// reads nothing, a unit does not begin, a commit writes no journal and no
+// page (its unit is dropped and the writer byte released).
+//
 // Invariants: a store holds the commit byte exclusively only while it holds
 // the writer byte; the journal exists only under the writer byte of a live
 // writer or as a hot journal of a dead one, and whoever takes the writer byte
@@ -41,6 +48,7 @@
 #include <vector>
 
 #include "jet/format/format.h"
+#include "jet/store/file_lock.h"
 #include "jet/store/os.h"
 
 namespace jet {
@@ -103,6 +111,8 @@ class FilePageStore : public PageStore {
     void lockCommit();
     void unlockCommit();
     bool holdsWriter() const { return writerHeld_; }
+    void setLockWait(filelock::Wait wait) { lockWait_ = std::move(wait); }
+    const filelock::Wait& lockWait() const { return lockWait_; }
 
   private:
     void readUnlocked(std::uint32_t page, std::uint8_t* out);
@@ -114,6 +124,7 @@ class FilePageStore : public PageStore {
     bool writerHeld_ = false;
     bool commitHeld_ = false;
     int readsHeld_ = 0;
+    filelock::Wait lockWait_;
 };
 
 // A database image in memory (fuzzing, tests). A trailing partial page is ignored.
