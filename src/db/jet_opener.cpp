@@ -2,9 +2,9 @@
 
 namespace db {
 
-StorageOpener jetOpener(sql::PathMapper mapper) {
-    return [mapper](const std::string& path, bool create) {
-        return sql::openEngineStorage(path, create, mapper);
+StorageOpener jetOpener(sql::PathMapper mapper, jet::filelock::Wait lockWait) {
+    return [mapper, lockWait](const std::string& path, bool create) {
+        return sql::openEngineStorage(path, create, mapper, lockWait);
     };
 }
 

@@ -7,6 +7,8 @@ namespace db {
 
 // mapper turns the program's paths (backslash form, also inside IN '<file>')
 // into native ones; platform::nativePath is the one the program passes.
-StorageOpener jetOpener(sql::PathMapper mapper = {});
+// lockWait bounds the waits for another process's lock on every file opened
+// and names whom to tell while they last.
+StorageOpener jetOpener(sql::PathMapper mapper = {}, jet::filelock::Wait lockWait = {});
 
 }  // namespace db
