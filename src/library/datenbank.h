@@ -8,6 +8,8 @@
 
 namespace tessara {
 
+struct ProgrammZustand;
+
 struct typDatenbank {
     explicit typDatenbank(db::StorageOpener opener) : oeffner(opener), con(opener) {}
 
@@ -22,5 +24,12 @@ struct typDatenbank {
 
 // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" followed by the path.
 std::string fctJetVerbindung(const std::string& strPfad);
+
+// The opener of the program's catalogues (native paths): while it waits for
+// a catalogue another process has locked, the user sees it as progress
+// (Benutzer::fortschritt) once the wait passes a second; the display closes
+// when the wait ends. For the catalogue's own thread only: a worker opens
+// with db::jetOpener, whose waits tell no one.
+db::StorageOpener fctKatalogOeffner(ProgrammZustand& z);
 
 }  // namespace tessara

@@ -14,6 +14,7 @@
 #include "captions/beschriftung.h"
 #include "captions/meldungen.h"
 #include "db/jet_opener.h"
+#include "library/datenbank.h"
 #include "library/schema.h"
 #include "organisation/ordner_verwaltung.h"
 #include "platform/desktop.h"
@@ -44,7 +45,7 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
       z_(z),
       v_(v),
       ui_(std::make_unique<Ui::frmBlockverwaltung>()),
-      modell_(z, db::jetOpener(platform::nativePath)),
+      modell_(z, fctKatalogOeffner(z)),
       maler_(std::make_unique<ui::DiaMaler>(cache_)),
       laden_(fctLadeAblauf()),
       entladen_(fctEntladeAblauf()) {

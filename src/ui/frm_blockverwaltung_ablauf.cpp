@@ -15,6 +15,7 @@
 #include "captions/beschriftung.h"
 #include "captions/meldungen.h"
 #include "db/jet_opener.h"
+#include "library/datenbank.h"
 #include "library/schema.h"
 #include "platform/desktop.h"
 #include "platform/environment.h"
@@ -127,7 +128,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     l.setzen(
         "Db wird neu angelegt",
         [this] {
-            if (!Mk_Datenbank(z_, db::jetOpener(platform::nativePath), z_.strAktuelleDb))
+            if (!Mk_Datenbank(z_, fctKatalogOeffner(z_), z_.strAktuelleDb))
                 meldenMitPfad(kBibliothekNichtOeffnen, z_.strAktuelleDb);
         },
         [this] {
@@ -276,8 +277,7 @@ bool FrmBlockverwaltung::bibliothekOeffnen(const std::string& strDb) {
     }
     if (!fctDateiExistiert(strDb)) {
         p.step("Db wird neu angelegt");
-        if (fctReadOnlyMitVerzeichnis(z_, dir) ||
-            !Mk_Datenbank(z_, db::jetOpener(platform::nativePath), strDb)) {
+        if (fctReadOnlyMitVerzeichnis(z_, dir) || !Mk_Datenbank(z_, fctKatalogOeffner(z_), strDb)) {
             meldenMitPfad(kBibliothekNichtOeffnen, strDb);
             Anzeigen();
             return false;
