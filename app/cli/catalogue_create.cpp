@@ -21,7 +21,7 @@ int createCatalogueDatabase(const std::string& path, std::ostream& err) {
     const fs::path log = fs::temp_directory_path(ec) /
                          ("tessara-cli-create-" + std::to_string(std::random_device{}()) + ".log");
     z.strErrorDatei = log.string();
-    const bool ok = tessara::Mk_Datenbank(z, db::jetOpener(), path);
+    const bool ok = tessara::Mk_Datenbank(z, db::jetOpener({}, cli::lockWait(err)), path);
     fs::remove(log, ec);
     if (ok) return 0;
     err << "tessara-cli create-db: " << path << ": "

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "jet/store/file_lock.h"
+
 namespace cli {
 
 using Args = std::vector<std::string>;  // arguments after the subcommand name
@@ -26,6 +28,13 @@ struct Entry {
     Handler run;
 };
 const std::vector<Entry>& subcommands();
+
+// The wait for another process's lock on a database (lock_wait.cpp): the
+// seconds TESSARA_LOCK_WAIT sets (10 when unset; false with the reason when
+// it is no number of seconds), and the wait every subcommand opens its
+// databases with, telling err once a second while it lasts.
+bool lockWaitSeconds(double& seconds, std::string& problem);
+jet::filelock::Wait lockWait(std::ostream& err);
 
 }  // namespace cli
 

@@ -18,7 +18,7 @@ int usage(std::ostream& err, const char* text) {
 
 int runTables(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     if (args.size() != 1) return usage(err, "tables PATH");
-    auto db = jet::Database::open(args[0]);
+    auto db = jet::Database::open(args[0], {.lockWait = cli::lockWait(err)});
     // The readable tables are listed; a table the catalogue names but that
     // cannot be read is reported, never left out in silence.
     int status = 0;
@@ -45,7 +45,7 @@ std::string typeText(const jet::Column& c) {
 
 int runSchema(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     if (args.size() != 1) return usage(err, "schema PATH");
-    auto db = jet::Database::open(args[0]);
+    auto db = jet::Database::open(args[0], {.lockWait = cli::lockWait(err)});
     for (const std::string& name : db->tableNames()) {
         jet::Table t = db->table(name);
         const jet::TableDef& d = t.def();
@@ -87,7 +87,7 @@ int runSchema(const cli::Args& args, std::istream&, std::ostream& out, std::ostr
 
 int runExport(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     if (args.size() != 2) return usage(err, "export PATH TABLE");
-    auto db = jet::Database::open(args[0]);
+    auto db = jet::Database::open(args[0], {.lockWait = cli::lockWait(err)});
     db->verifyTable(args[1]);
     jet::writeCsv(db->table(args[1]), out);
     return 0;
@@ -95,7 +95,7 @@ int runExport(const cli::Args& args, std::istream&, std::ostream& out, std::ostr
 
 int runCheck(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     if (args.size() != 1) return usage(err, "check PATH");
-    auto db = jet::Database::open(args[0]);
+    auto db = jet::Database::open(args[0], {.lockWait = cli::lockWait(err)});
     std::vector<std::string> faults = jet::checkDatabase(*db);
     for (const std::string& f : faults) out << f << "\n";
     if (!faults.empty()) {

@@ -33,6 +33,11 @@ void printHelp(std::ostream& out) {
         out << "  " << e.name << (e.usage.empty() ? "" : " ") << e.usage << "\n      " << e.summary
             << "\n";
     }
+    out << "\nenvironment:\n"
+           "  TESSARA_LOCK_WAIT=SECONDS\n"
+           "      how long to wait for a database another process has locked before\n"
+           "      failing with \"Could not update; currently locked.\" (default 10;\n"
+           "      after the first second each second waited is told on stderr)\n";
 }
 // Crash tests of another build stop this one in the middle of a commit and
 // kill it there: TESSARA_HALT_AT_STEP names the commit step (see
@@ -60,6 +65,12 @@ int main(int argc, char** argv) {
     if (name == "--help" || name == "-h" || name == "help") {
         printHelp(std::cout);
         return 0;
+    }
+    double lockWait = 0;
+    std::string problem;
+    if (!cli::lockWaitSeconds(lockWait, problem)) {
+        std::cerr << "tessara-cli: " << problem << "\n";
+        return 2;
     }
     for (const auto& e : cli::subcommands()) {
         if (e.name == name) {

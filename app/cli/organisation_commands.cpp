@@ -46,7 +46,9 @@ class JaBenutzer : public tessara::Benutzer {
 class Bibliothek {
   public:
     Bibliothek(const std::string& befehl, std::ostream& err)
-        : befehl_(befehl), err_(err), m_(z_, db::jetOpener(platform::nativePath)) {
+        : befehl_(befehl),
+          err_(err),
+          m_(z_, db::jetOpener(platform::nativePath, cli::lockWait(err))) {
         z_.benutzer = &benutzer_;
         z_.strAppPfad = platform::systemEnvironment()->applicationDirectory();
         z_.strSprache = "deutsch";

@@ -115,7 +115,7 @@ int runSearch(const cli::Args& args, std::istream&, std::ostream& out, std::ostr
     try {
         // Opened on the store itself: a path is no connection string, and a
         // ';' in it must not be taken for one.
-        const auto oeffner = db::jetOpener();
+        const auto oeffner = db::jetOpener({}, cli::lockWait(err));
         db::Connection con(oeffner);
         con.openStorage(oeffner(auf.pfad, false), auf.pfad);
         anweisung = tessara::fctSuchAnweisung(auf.k, blockTabelle(*con.storage()), auf.ordnerNr);

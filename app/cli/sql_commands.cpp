@@ -20,7 +20,7 @@ int runSql(const cli::Args& args, std::istream&, std::ostream& out, std::ostream
         return 2;
     }
     try {
-        sql::Executor ex(sql::openEngineStorage(args[0], false));
+        sql::Executor ex(sql::openEngineStorage(args[0], false, {}, cli::lockWait(err)));
         sql::ExecResult r = ex.execute(args[1]);
         if (!r.isQuery) {
             out << r.rowsAffected << "\n";
