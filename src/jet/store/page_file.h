@@ -32,7 +32,7 @@
 // holds the others back only that long. Who gives up throws Jet's "Could
 // not update; currently locked." and stays in the state it was in: a read
 // reads nothing, a unit does not begin, a commit writes no journal and no
-// page (its unit is dropped and the writer byte released).
+// page (Database::commit then drops the unit and releases the writer byte).
 //
 // Invariants: a store holds the commit byte exclusively only while it holds
 // the writer byte; the journal exists only under the writer byte of a live
@@ -112,7 +112,6 @@ class FilePageStore : public PageStore {
     void unlockCommit();
     bool holdsWriter() const { return writerHeld_; }
     void setLockWait(filelock::Wait wait) { lockWait_ = std::move(wait); }
-    const filelock::Wait& lockWait() const { return lockWait_; }
 
   private:
     void readUnlocked(std::uint32_t page, std::uint8_t* out);
