@@ -193,15 +193,23 @@ bool RowReader::liveRow(const PageRef& pg, std::uint32_t page, std::uint16_t row
     return true;
 }
 
+PageStream RowReader::tablePages() const {
+    UsageMap m = readUsageMap(pages_, def_.usedPages);
+    std::vector<std::uint32_t> pages;
+    pages.reserve(m.pages.size());
+    for (std::uint32_t p : m.pages)
+        if (p != 0) pages.push_back(p);
+    return PageStream(pages_, std::move(pages));
+}
+
 void RowReader::scan(const std::function<bool(RowId, const Row&)>& visit) const {
     ReadSection reading(pages_.store());
     RowDecoder dec(pages_, def_);
     // One pass over the usage map's pages: each page is read once, checked
     // and decoded while it is in hand.
-    UsageMap m = readUsageMap(pages_, def_.usedPages);
-    for (std::uint32_t p : m.pages) {
-        if (p == 0) continue;
-        PageRef pg = pages_.page(p);
+    PageStream stream = tablePages();
+    std::uint32_t p = 0;
+    while (PageRef pg = stream.next(p)) {
         if ((*pg)[0] != std::uint8_t(PageType::Data) ||
             u32(pg->data() + datapage::kTdefPage) != def_.page)
             continue;
@@ -217,10 +225,9 @@ void RowReader::scan(const std::function<bool(RowId, const Row&)>& visit) const 
 void RowReader::scanLazy(const std::function<bool(const RowView&)>& visit) const {
     ReadSection reading(pages_.store());
     RowDecoder dec(pages_, def_);
-    UsageMap m = readUsageMap(pages_, def_.usedPages);
-    for (std::uint32_t p : m.pages) {
-        if (p == 0) continue;
-        PageRef pg = pages_.page(p);
+    PageStream stream = tablePages();
+    std::uint32_t p = 0;
+    while (PageRef pg = stream.next(p)) {
         if ((*pg)[0] != std::uint8_t(PageType::Data) ||
             u32(pg->data() + datapage::kTdefPage) != def_.page)
             continue;

@@ -80,6 +80,8 @@ class RowReader {
                   const std::function<bool(const RowView&)>& visit) const;
 
   private:
+    // The pages the usage map gives the table, as a scan reads them.
+    PageStream tablePages() const;
     bool liveRow(std::uint32_t page, std::uint16_t row, RowBytes& out) const;
     // The same for a page already in hand (scans), saving a cache lookup a row.
     bool liveRow(const PageRef& pg, std::uint32_t page, std::uint16_t row, RowBytes& out) const;

@@ -1,5 +1,6 @@
 #include "jet/store/page_file.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "jet/format/error.h"
@@ -47,6 +48,16 @@ void FilePageStore::read(std::uint32_t page, std::uint8_t* out) {
     filelock::unlock(file_, filelock::kCommitByte);
 }
 
+void PageStore::readRun(std::uint32_t first, std::uint32_t count, std::uint8_t* out) {
+    for (std::uint32_t k = 0; k < count; ++k) read(first + k, out + std::size_t(k) * kPageSize);
+}
+
+void FilePageStore::readRun(std::uint32_t first, std::uint32_t count, std::uint8_t* out) {
+    // Outside a run of reads every page takes the read lock on its own.
+    if (!commitHeld_ && readsHeld_ == 0) return PageStore::readRun(first, count, out);
+    readUnlocked(first, out, count);
+}
+
 void FilePageStore::beginReads() {
     if (readsHeld_ == 0 && !commitHeld_) lockForReading();
     ++readsHeld_;
@@ -57,10 +68,12 @@ void FilePageStore::endReads() {
     if (--readsHeld_ == 0 && !commitHeld_) filelock::unlock(file_, filelock::kCommitByte);
 }
 
-void FilePageStore::readUnlocked(std::uint32_t page, std::uint8_t* out) {
-    if (page >= pageCount()) refresh();  // another process may have appended
-    if (page >= pageCount()) throwCorrupt(page, "beyond the end of the file");
-    if (!file_.read(out, kPageSize, std::uint64_t(page) * kPageSize))
+void FilePageStore::readUnlocked(std::uint32_t page, std::uint8_t* out, std::uint32_t count) {
+    const std::uint64_t end = std::uint64_t(page) + count;
+    if (end > pageCount()) refresh();  // another process may have appended
+    if (end > pageCount())
+        throwCorrupt(std::max<std::uint32_t>(page, pageCount()), "beyond the end of the file");
+    if (!file_.read(out, std::size_t(count) * kPageSize, std::uint64_t(page) * kPageSize))
         throw Error("read error in " + path_ + " at page " + std::to_string(page));
 }
 
@@ -238,6 +251,54 @@ void PageCache::endUnit(bool keep) {
     dirty_.clear();
     if (!keep) return;
     for (auto& [n, bytes] : pages) cache(n, std::move(bytes));
+}
+
+PageStream::PageStream(PageCache& cache, std::vector<std::uint32_t> pages)
+    : cache_(cache), pages_(std::move(pages)), keep_(pages_.size() <= cache.capacity_ / 4) {}
+
+namespace {
+// Pages read in one call: few enough that the run stays in the processor's
+// cache while its pages are copied out.
+constexpr std::size_t kRun = 32;
+}  // namespace
+
+void PageStream::fill() {
+    runStart_ = runEnd_ = pos_;
+    PageStore& store = *cache_.store_;
+    const std::uint32_t stored = store.pageCount();
+    std::size_t end = pos_;
+    while (end < pages_.size() && end - pos_ < kRun) {
+        const std::uint32_t n = pages_[end];
+        if (end > pos_ && n != pages_[end - 1] + 1) break;
+        if (n >= stored || cache_.slots_.count(n) || cache_.dirty_.count(n)) break;
+        ++end;
+    }
+    // A page the cache or the unit holds (or one beyond the file) goes
+    // through the cache as before.
+    if (end == pos_) return;
+    const std::size_t len = end - pos_;
+    if (chunk_.size() < len * kPageSize) chunk_.resize(kRun * kPageSize);
+    store.readRun(pages_[pos_], std::uint32_t(len), chunk_.data());
+    if (run_.size() < len) run_.resize(kRun);
+    for (std::size_t k = 0; k < len; ++k) {
+        auto& b = run_[k];
+        if (!b || b.use_count() != 1) b = std::make_shared<PageBytes>(kPageSize);
+        std::memcpy(b->data(), chunk_.data() + k * kPageSize, kPageSize);
+        cache_.code(pages_[pos_ + k], b->data());
+        if (keep_) cache_.cache(pages_[pos_ + k], b);
+    }
+    runEnd_ = end;
+}
+
+PageRef PageStream::next(std::uint32_t& n) {
+    if (pos_ >= pages_.size()) return nullptr;
+    if (pos_ >= runEnd_) fill();
+    n = pages_[pos_];
+    if (pos_ >= runEnd_) {
+        ++pos_;
+        return cache_.page(n);
+    }
+    return run_[pos_++ - runStart_];
 }
 
 }  // namespace jet

@@ -62,6 +62,9 @@ class PageStore {
     virtual ~PageStore() = default;
     virtual std::uint32_t pageCount() const = 0;  // whole pages in the store
     virtual void read(std::uint32_t page, std::uint8_t* out) = 0;
+    // count consecutive pages from first into out (count * kPageSize bytes),
+    // locked as read() is; inside a run of reads a store may read them at once.
+    virtual void readRun(std::uint32_t first, std::uint32_t count, std::uint8_t* out);
     virtual void write(std::uint32_t page, const std::uint8_t* data) = 0;  // may extend by one page
     virtual bool writable() const = 0;
     virtual void sync() {}
@@ -93,6 +96,7 @@ class FilePageStore : public PageStore {
     FilePageStore& operator=(const FilePageStore&) = delete;
     std::uint32_t pageCount() const override;
     void read(std::uint32_t page, std::uint8_t* out) override;
+    void readRun(std::uint32_t first, std::uint32_t count, std::uint8_t* out) override;
     void write(std::uint32_t page, const std::uint8_t* data) override;
     bool writable() const override { return writable_; }
     void sync() override;
@@ -114,7 +118,7 @@ class FilePageStore : public PageStore {
     void setLockWait(filelock::Wait wait) { lockWait_ = std::move(wait); }
 
   private:
-    void readUnlocked(std::uint32_t page, std::uint8_t* out);
+    void readUnlocked(std::uint32_t page, std::uint8_t* out, std::uint32_t count = 1);
     void lockForReading();  // the commit byte shared, after any hot journal is rolled back
     std::string path_;
     os::File file_;
@@ -175,6 +179,7 @@ class PageCache {
     std::uint32_t databaseKey() const { return dbKey_; }
 
   private:
+    friend class PageStream;
     void code(std::uint32_t n, std::uint8_t* bytes) const;
     std::unique_ptr<PageStore> store_;
     std::size_t capacity_;
@@ -188,6 +193,31 @@ class PageCache {
     void cache(std::uint32_t n, PageRef bytes);
     bool inUnit_ = false;
     std::map<std::uint32_t, PageRef> dirty_;
+};
+
+// The pages of a table scan, in the order given. Consecutive pages that are
+// neither cached nor changed by the open unit are read from the store in one
+// call; they enter the cache only when the scan is small beside it, so that
+// a table larger than the cache neither evicts the pages every statement
+// needs (definitions, usage maps) nor costs a system call and an allocation
+// a page. A page handed out stays valid while its PageRef is held; the
+// stream reuses a buffer only once nobody else holds it.
+class PageStream {
+  public:
+    PageStream(PageCache& cache, std::vector<std::uint32_t> pages);
+    // The next page and its number; nullptr after the last.
+    PageRef next(std::uint32_t& n);
+
+  private:
+    void fill();
+    PageCache& cache_;
+    std::vector<std::uint32_t> pages_;
+    std::size_t pos_ = 0;  // the next entry of pages_ to hand out
+    // Entries [runStart_, runEnd_) of pages_ are read, in run_.
+    std::size_t runStart_ = 0, runEnd_ = 0;
+    bool keep_;  // read pages enter the cache
+    std::vector<std::uint8_t> chunk_;
+    std::vector<std::shared_ptr<PageBytes>> run_;
 };
 
 }  // namespace jet

@@ -71,6 +71,34 @@ TEST(UnitOfWorkTest, PagesAreSeenInsideTheUnitAndReachTheFileOnlyAtCommit) {
     EXPECT_EQ(jet::checkDatabase(*again), std::vector<std::string>{});
 }
 
+// A scan reads runs of pages past the cache: each page as the unit sees it,
+// and a page still held is never overwritten by a later run.
+TEST(UnitOfWorkTest, ScanSeesTheUnitsPagesAndKeepsHeldPages) {
+    std::vector<std::uint8_t> image(100 * jet::kPageSize);
+    for (std::uint32_t n = 0; n < 100; ++n)
+        jet::put32(image.data() + std::size_t(n) * jet::kPageSize + kCounter, n);
+    jet::PageCache cache(std::make_unique<jet::MemoryPageStore>(std::move(image), true), 16);
+    cache.beginUnit();
+    jet::PageBytes changed = *cache.page(50);
+    jet::put32(changed.data() + kCounter, 5000);
+    cache.put(50, changed);
+    std::vector<std::uint32_t> want;
+    for (std::uint32_t n = 1; n < 100; ++n)
+        if (n != 70) want.push_back(n);
+    auto expected = [](std::uint32_t n) { return n == 50 ? 5000u : n; };
+    jet::PageStream stream(cache, want);
+    std::vector<std::uint32_t> seen;
+    std::vector<std::pair<std::uint32_t, jet::PageRef>> held;
+    std::uint32_t n = 0;
+    while (jet::PageRef pg = stream.next(n)) {
+        seen.push_back(n);
+        EXPECT_EQ(jet::u32(pg->data() + kCounter), expected(n));
+        if (n % 3 == 0) held.emplace_back(n, pg);
+    }
+    EXPECT_EQ(seen, want);
+    for (const auto& [k, pg] : held) EXPECT_EQ(jet::u32(pg->data() + kCounter), expected(k));
+}
+
 TEST(UnitOfWorkTest, RollbackDropsPagesAndAllocations) {
     TempDir dir;
     std::string path = dir.copy("delTestV2000.mdb");
