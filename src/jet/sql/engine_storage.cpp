@@ -91,21 +91,24 @@ class EngineTable : public Table {
     }
 
     void scan(const std::function<bool(RowId, const Row&)>& visit, const std::vector<bool>& needed,
-              const std::vector<bool>& forKeep,
-              const std::function<bool(const Row&)>& keep) override {
+              const std::vector<ScanStep>& steps) override {
         jet::Table t = db_->table(name_);
         const std::size_t n = t.def().columns.size();
         // Columns never asked for stay Null; the others are overwritten for
         // every row before anybody looks at them.
-        const std::vector<std::size_t> zuerst = positions(forKeep, n);
-        std::vector<bool> rest = needed;
-        for (std::size_t i : zuerst)
-            if (i < rest.size()) rest[i] = false;
-        const std::vector<std::size_t> danach = positions(rest, n);
+        std::vector<bool> gelesen(n, false);
+        std::vector<std::vector<std::size_t>> schritte;
+        for (const auto& s : steps) {
+            schritte.push_back(positions(s.columns, n, gelesen));
+            for (std::size_t i : schritte.back()) gelesen[i] = true;
+        }
+        const std::vector<std::size_t> danach = positions(needed, n, gelesen);
         Row row(n);
         t.scanLazy([&](const jet::RowView& v) {
-            for (std::size_t i : zuerst) row[i] = engine::fromJet(v.value(i));
-            if (!keep(row)) return true;
+            for (std::size_t k = 0; k < steps.size(); ++k) {
+                for (std::size_t i : schritte[k]) row[i] = engine::fromJet(v.value(i));
+                if (!steps[k].test(row)) return true;
+            }
             for (std::size_t i : danach) row[i] = engine::fromJet(v.value(i));
             return visit(toSql(v.id()), row);
         });
@@ -197,10 +200,11 @@ class EngineTable : public Table {
 
   private:
     // The marked positions below n, ascending.
-    static std::vector<std::size_t> positions(const std::vector<bool>& marked, std::size_t n) {
+    static std::vector<std::size_t> positions(const std::vector<bool>& marked, std::size_t n,
+                                              const std::vector<bool>& besides = {}) {
         std::vector<std::size_t> out;
         for (std::size_t i = 0; i < n && i < marked.size(); ++i)
-            if (marked[i]) out.push_back(i);
+            if (marked[i] && !(i < besides.size() && besides[i])) out.push_back(i);
         return out;
     }
     std::shared_ptr<const jet::TableDef> def() const { return db_->tableDef(name_); }

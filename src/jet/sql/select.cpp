@@ -39,23 +39,66 @@ const Expr* indexableTerm(const Expr* e, const Source& s, Value& key, std::strin
 void joinRows(const std::shared_ptr<Storage>& db, const Source& src, const Expr* where,
               const std::function<void(RowId, const Row&)>& visit);
 
+void andTerms(const Expr& e, std::vector<const Expr*>& out) {
+    if (e.kind == Expr::Kind::Binary && e.op == "AND") {
+        andTerms(*e.left, out);
+        andTerms(*e.right, out);
+    } else {
+        out.push_back(&e);
+    }
+}
+
+// A scan that tests the WHERE's AND terms one after the other, each on its
+// own columns, so that a row failing the first term costs the reading of
+// that term's columns only. The terms run as AND runs them: left to right,
+// the rest skipped after one that is false, a Null one ruling the row out
+// only at the end.
+void scanInSteps(const Source& src, const Expr& where,
+                 const std::function<void(RowId, const Row&)>& visit, std::vector<bool>& needed,
+                 const std::shared_ptr<Storage>& db) {
+    std::vector<const Expr*> terms;
+    andTerms(where, terms);
+    auto unknown = std::make_shared<bool>(false);
+    std::vector<ScanStep> steps;
+    for (std::size_t k = 0; k < terms.size(); ++k) {
+        ScanStep step;
+        step.columns.assign(src.columns.size(), false);
+        Eval term = Binder(db, &src, &step.columns).compile(*terms[k]);
+        for (std::size_t i = 0; i < step.columns.size() && i < needed.size(); ++i)
+            if (step.columns[i]) needed[i] = true;
+        const bool first = k == 0, last = k + 1 == terms.size();
+        step.test = [term, first, last, unknown](const Row& row) {
+            if (first) *unknown = false;
+            const Value v = term(row);
+            if (v.isNull())
+                *unknown = true;
+            else if (!isTrue(v))
+                return false;
+            return !(last && *unknown);
+        };
+        steps.push_back(std::move(step));
+    }
+    src.table->scan(
+        [&](RowId id, const Row& row) {
+            visit(id, row);
+            return true;
+        },
+        needed, steps);
+}
+
 }  // namespace
 
 void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const Expr* where,
                   const std::function<void(RowId, const Row&)>& visit, std::vector<bool>* needed) {
     if (src.joined()) return joinRows(db, src, where, visit);
-    // The WHERE's own columns, so a scan can decide before reading the rest.
-    std::vector<bool> forWhere(src.columns.size(), false);
-    Binder c(db, &src, needed ? &forWhere : nullptr);
-    Eval pred;
-    if (where) pred = c.compile(*where);
-    if (needed)
-        for (std::size_t i = 0; i < forWhere.size() && i < needed->size(); ++i)
-            if (forWhere[i]) (*needed)[i] = true;
     Value key;
     std::string column;
     std::optional<std::vector<RowId>> hits;
     if (indexableTerm(where, src, key, column)) hits = src.table->seek(column, key);
+    if (!hits && needed && where) return scanInSteps(src, *where, visit, *needed, db);
+    Binder c(db, &src, needed);
+    Eval pred;
+    if (where) pred = c.compile(*where);
     auto consider = [&](RowId id, const Row& row) {
         if (!pred || isTrue(pred(row))) visit(id, row);
         return true;
@@ -63,13 +106,6 @@ void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const E
     if (hits) {
         std::sort(hits->begin(), hits->end());
         src.table->read(*hits, needed, [&](RowId id, const Row& row) { consider(id, row); });
-    } else if (needed && pred) {
-        src.table->scan(
-            [&](RowId id, const Row& row) {
-                visit(id, row);
-                return true;
-            },
-            *needed, forWhere, [&](const Row& row) { return isTrue(pred(row)); });
     } else if (needed) {
         src.table->scan(consider, *needed);
     } else {

@@ -50,6 +50,11 @@ struct RelationDef {
     bool cascadeNull = false;  // a deleted related row leaves the references Null
 };
 
+struct ScanStep {
+    std::vector<bool> columns;  // the columns test reads
+    std::function<bool(const Row&)> test;
+};
+
 class Table {
   public:
     virtual ~Table() = default;
@@ -66,14 +71,19 @@ class Table {
         (void)needed;
         scan(visit);
     }
-    // The same in two steps: the columns marked in forKeep are read first
-    // and keep decides on them; only kept rows get the rest of needed. A
-    // store that reads columns lazily saves the columns of rejected rows.
+    // The same in steps: each step's columns (those no step before it
+    // read) are read, then its test; a row failing a test is passed over,
+    // and only rows passing them all get the rest of needed. A store that
+    // reads columns lazily saves the columns of rejected rows.
     virtual void scan(const std::function<bool(RowId, const Row&)>& visit,
-                      const std::vector<bool>& needed, const std::vector<bool>& forKeep,
-                      const std::function<bool(const Row&)>& keep) {
-        (void)forKeep;
-        scan([&](RowId id, const Row& r) { return !keep(r) || visit(id, r); }, needed);
+                      const std::vector<bool>& needed, const std::vector<ScanStep>& steps) {
+        scan(
+            [&](RowId id, const Row& r) {
+                for (const auto& s : steps)
+                    if (!s.test(r)) return true;
+                return visit(id, r);
+            },
+            needed);
     }
     // Rows whose column equals key by Jet's comparison, found through an
     // index whose first column is that column; nullopt when there is none.
