@@ -345,19 +345,22 @@ bool LikePattern::matchItem(const Item& it, char32_t c) const {
 
 namespace {
 
-// Whether a character of the text folds to ASCII letters: ß and ẞ (to
-// "ss") and İ (to "i"), in UTF-8 or as a stray Latin-1 byte (0xDF). Other
-// characters fold to characters beyond ASCII, so they can neither take part
-// in an ASCII literal nor hide one.
-bool foldsIntoAscii(std::string_view t) {
-    for (std::size_t i = 0; i < t.size(); ++i) {
-        const auto c = static_cast<unsigned char>(t[i]);
+// Whether a character of the text folds to ASCII letters the literal holds:
+// ß and ẞ (to "ss") and İ (to "i"), in UTF-8 or as a stray Latin-1 byte
+// (0xDF). Other characters fold to characters beyond ASCII, so they can
+// neither take part in an ASCII literal nor hide one; nor can these when the
+// literal has no letter of theirs ("ventil" against "Schließer").
+bool foldsIntoAscii(std::string_view t, std::string_view literal) {
+    const bool s = literal.find('s') != literal.npos, i = literal.find('i') != literal.npos;
+    if (!s && !i) return false;
+    for (std::size_t k = 0; k < t.size(); ++k) {
+        const auto c = static_cast<unsigned char>(t[k]);
         if (c < 0x80) continue;
-        if (c == 0xDF) return true;
-        const auto n = i + 1 < t.size() ? static_cast<unsigned char>(t[i + 1]) : 0;
-        if ((c == 0xC3 && n == 0x9F) || (c == 0xC4 && n == 0xB0)) return true;
-        const auto n2 = i + 2 < t.size() ? static_cast<unsigned char>(t[i + 2]) : 0;
-        if (c == 0xE1 && n == 0xBA && n2 == 0x9E) return true;
+        if (c == 0xDF && s) return true;
+        const auto n = k + 1 < t.size() ? static_cast<unsigned char>(t[k + 1]) : 0;
+        if ((c == 0xC3 && n == 0x9F && s) || (c == 0xC4 && n == 0xB0 && i)) return true;
+        const auto n2 = k + 2 < t.size() ? static_cast<unsigned char>(t[k + 2]) : 0;
+        if (c == 0xE1 && n == 0xBA && n2 == 0x9E && s) return true;
     }
     return false;
 }
@@ -369,7 +372,7 @@ bool LikePattern::matches(std::string_view text) const {
     // holds; only text with characters that fold into ASCII (ß folds to "ss")
     // needs the full way.
     if (asciiLiteral_ && matchesAscii(text)) return true;
-    if (asciiLiteral_ && !foldsIntoAscii(text)) return false;
+    if (asciiLiteral_ && !foldsIntoAscii(text, asciiFolded_)) return false;
     return matchesFolded(foldCase(text));
 }
 
