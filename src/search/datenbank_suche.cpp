@@ -51,20 +51,26 @@ std::string term(const typSuchKriterien& k, int i, const std::string& T) {
     return t + "))";
 }
 
-bool hatSpalte(const db::Recordset& rs, const std::string& spalte) {
-    for (const auto& f : rs.fieldInfos())
-        if (sql::textEquals(f.name, spalte)) return true;
-    return false;
+// The field's position in the record set, -1 when it has none.
+int spaltenNr(const db::Recordset& rs, const std::string& spalte) {
+    const auto& felder = rs.fieldInfos();
+    for (std::size_t i = 0; i < felder.size(); ++i)
+        if (sql::textEquals(felder[i].name, spalte)) return static_cast<int>(i);
+    return -1;
+}
+
+std::string text(const db::Recordset& rs, int spalte) {
+    return spalte >= 0 ? rs.value(spalte).toString() : std::string();
+}
+
+long zahl(const db::Recordset& rs, int spalte) {
+    if (spalte < 0) return 0;
+    const auto v = rs.value(spalte);
+    return v.isNull() ? 0 : static_cast<long>(v.asInt());
 }
 
 std::string text(const db::Recordset& rs, const std::string& spalte) {
-    return hatSpalte(rs, spalte) ? rs.text(spalte) : std::string();
-}
-
-long zahl(const db::Recordset& rs, const std::string& spalte) {
-    if (!hatSpalte(rs, spalte)) return 0;
-    const auto v = rs.value(spalte);
-    return v.isNull() ? 0 : static_cast<long>(v.asInt());
+    return text(rs, spaltenNr(rs, spalte));
 }
 
 }  // namespace
@@ -101,19 +107,25 @@ std::vector<typSuchTreffer> fctSuchTrefferLesen(db::Recordset& rs) {
     std::vector<typSuchTreffer> treffer;
     if (rs.state() != db::adStateOpen || rs.recordCount() < 1) return treffer;
     treffer.reserve(static_cast<std::size_t>(rs.recordCount()));
-    const bool einName = !hatSpalte(rs, "BlkName0") && hatSpalte(rs, "BlkName");
+    // Each field looked up once, not once a hit: a search may bring thousands.
+    const int nr = spaltenNr(rs, "Nr"), block = spaltenNr(rs, "Block"),
+              ordner = spaltenNr(rs, "OrdnerID"), slide = spaltenNr(rs, "SlideLib"),
+              m0 = spaltenNr(rs, "M0"), einName = spaltenNr(rs, "BlkName");
+    std::array<int, 5> namen{};
+    for (int v = 0; v < 5; ++v) namen[v] = spaltenNr(rs, "BlkName" + std::to_string(v));
+    const bool nurEinName = namen[0] < 0 && einName >= 0;
     for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
         typSuchTreffer t;
-        t.Nr = zahl(rs, "Nr");
-        t.Block = text(rs, "Block");
+        t.Nr = zahl(rs, nr);
+        t.Block = text(rs, block);
         t.OrdnerNr = t.Block.substr(0, 3);
-        t.OrdnerID = zahl(rs, "OrdnerID");
-        t.SlideLib = text(rs, "SlideLib");
-        if (einName)
-            t.BlkName[0] = text(rs, "BlkName");
+        t.OrdnerID = zahl(rs, ordner);
+        t.SlideLib = text(rs, slide);
+        if (nurEinName)
+            t.BlkName[0] = text(rs, einName);
         else
-            for (int v = 0; v < 5; ++v) t.BlkName[v] = text(rs, "BlkName" + std::to_string(v));
-        t.M0 = text(rs, "M0");
+            for (int v = 0; v < 5; ++v) t.BlkName[v] = text(rs, namen[v]);
+        t.M0 = text(rs, m0);
         treffer.push_back(std::move(t));
     }
     return treffer;
