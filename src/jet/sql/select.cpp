@@ -40,9 +40,8 @@ void joinRows(const std::shared_ptr<Storage>& db, const Source& src, const Expr*
               const std::function<void(RowId, const Row&)>& visit);
 
 void andTerms(const Expr& e, std::vector<const Expr*>& out) {
-    if (e.kind == Expr::Kind::Binary && e.op == "AND") {
-        andTerms(*e.left, out);
-        andTerms(*e.right, out);
+    if (e.kind == Expr::Kind::Logical && e.op == "AND") {
+        for (const auto& term : e.list) andTerms(*term, out);
     } else {
         out.push_back(&e);
     }
