@@ -31,11 +31,12 @@ void lockWithin(os::File& file, std::uint64_t offset, Mode mode, const Wait& wai
         if (wait.report) wait.report(WaitReport{w, wait.limit, ended});
     };
     report(milliseconds(0), false);
-    // No system offers a timed wait for a POSIX byte lock: short sleeps
-    // between attempts, growing so a long wait costs little, short enough
-    // that a lock released is taken soon after.
-    milliseconds nap(1);
-    const milliseconds maxNap(20);
+    // No system offers a timed wait for a POSIX byte lock: attempts a
+    // millisecond apart. Not longer: a writer doing one unit after another
+    // frees the lock only for the moment between two units, and a waiter
+    // that sleeps longer than that would lose every round to it and time out
+    // behind a busy neighbour (a blocking wait is woken as the lock goes).
+    const milliseconds nap(1);
     milliseconds nextReport(1000);
     for (;;) {
         const milliseconds w = waited();
@@ -44,7 +45,6 @@ void lockWithin(os::File& file, std::uint64_t offset, Mode mode, const Wait& wai
             throw Error("Could not update; currently locked.", errnum::kLocked);
         }
         std::this_thread::sleep_for(std::min(nap, wait.limit - w));
-        nap = std::min(nap * 2, maxNap);
         bool got = false;
         try {
             got = lock(file, offset, mode, false);
