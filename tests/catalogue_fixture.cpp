@@ -1,8 +1,19 @@
 #include "catalogue_fixture.h"
 
+#include <array>
 #include <cstdio>
+#include <memory>
 
 namespace fixture {
+
+std::string runCommand(const std::string& command) {
+    std::string out;
+    std::unique_ptr<FILE, int (*)(FILE*)> p(popen(command.c_str(), "r"), pclose);
+    if (!p) return out;
+    std::array<char, 4096> buf;
+    while (std::size_t n = fread(buf.data(), 1, buf.size(), p.get())) out.append(buf.data(), n);
+    return out;
+}
 
 using sql::ColumnDef;
 using sql::ColumnType;

@@ -11,6 +11,10 @@
 
 namespace fixture {
 
+// What a shell command prints on standard output (an outside reader such as
+// sqlite3 or mdb-export run over the same rows).
+std::string runCommand(const std::string& command);
+
 struct BlockSpec {
     int nr;
     std::string block;

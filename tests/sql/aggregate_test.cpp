@@ -12,6 +12,7 @@
 #include <fstream>
 #include <memory>
 
+#include "catalogue_fixture.h"
 #include "jet/sql/date_literal.h"
 #include "jet/sql/engine_storage.h"
 #include "jet/sql/error.h"
@@ -39,15 +40,6 @@ const char* const kRows[] = {
     "INSERT INTO tblText (Name) VALUES ('Öl')",
     "INSERT INTO tblText (Name) VALUES ('OL')",
 };
-
-std::string run(const std::string& cmd) {
-    std::string out;
-    std::unique_ptr<FILE, int (*)(FILE*)> p(popen(cmd.c_str(), "r"), pclose);
-    if (!p) return out;
-    std::array<char, 4096> buf;
-    while (std::size_t n = fread(buf.data(), 1, buf.size(), p.get())) out.append(buf.data(), n);
-    return out;
-}
 
 // Rows as sqlite3 -csv writes plain values: commas between, Null empty.
 std::string csv(const sql::ResultSet& rs) {
@@ -94,7 +86,7 @@ class Aggregates : public ::testing::TestWithParam<const char*> {
         for (const char* r : kRows) out << r << ";\n";
         out << statement << ";\n";
         out.close();
-        return run("sqlite3 -csv :memory: < '" + script.string() + "'");
+        return fixture::runCommand("sqlite3 -csv :memory: < '" + script.string() + "'");
     }
     fs::path dir;
     std::shared_ptr<sql::Storage> db;

@@ -8,6 +8,7 @@
 #include <memory>
 #include <sstream>
 
+#include "catalogue_fixture.h"
 #include "jet/sql/engine_storage.h"
 #include "jet/sql/error.h"
 #include "jet/sql/executor.h"
@@ -35,19 +36,10 @@ class RealFile : public ::testing::Test {
     fs::path dir;
 };
 
-std::string run(const std::string& cmd) {
-    std::string out;
-    std::unique_ptr<FILE, int (*)(FILE*)> p(popen(cmd.c_str(), "r"), pclose);
-    if (!p) return out;
-    std::array<char, 4096> buf;
-    while (std::size_t n = fread(buf.data(), 1, buf.size(), p.get())) out.append(buf.data(), n);
-    return out;
-}
-
 // Lines of mdb-export without its header, split at commas outside quotes.
 std::vector<std::vector<std::string>> exported(const fs::path& file, const std::string& table) {
-    std::istringstream in(
-        run("mdb-export -D '%m/%d/%y %H:%M:%S' '" + file.string() + "' '" + table + "'"));
+    std::istringstream in(fixture::runCommand("mdb-export -D '%m/%d/%y %H:%M:%S' '" +
+                                              file.string() + "' '" + table + "'"));
     std::string line;
     std::getline(in, line);
     std::vector<std::vector<std::string>> rows;
