@@ -43,6 +43,8 @@ TEST(Win32Environment, CommandLineAfterTheProgramName) {
         {"Tessara.exe lblkeinfuegen", "lblkeinfuegen"},
         {"Tessara.exe   /d \"C:\\Meine Bib\\dbTessara.mdb\"",
          "/d \"C:\\Meine Bib\\dbTessara.mdb\""},
+        {"Tessara.exe /d Z:\\Bib\\dbTessara.mdb", "/d \"Z:\\Bib\\dbTessara.mdb\""},
+        {"Tessara.exe /D C:\\Meine Bib\\db.mdb", "/D \"C:\\Meine Bib\\db.mdb\""},
         {"\"C:\\Pfad mit Blank\\Tessara.exe\"", ""},
         {"Tessara.exe", ""},
         {"\"offen", ""},

@@ -53,7 +53,15 @@ std::string Win32Environment::afterProgramName(const std::string& line) {
         while (i < line.size() && line[i] != ' ' && line[i] != '\t') ++i;
     }
     while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) ++i;
-    return line.substr(i);
+    std::string rest = line.substr(i);
+    // Shortcuts and host menu macros put the database path after "/d" in
+    // quotes, and start-up cuts the first and last character off blindly. A
+    // start from a console or a script may leave them out: they are added,
+    // so such a start opens the same library.
+    if (rest.size() > 3 && (rest[0] == '/') && (rest[1] == 'd' || rest[1] == 'D') &&
+        rest[2] == ' ' && rest[3] != '"')
+        rest = rest.substr(0, 3) + '"' + rest.substr(3) + '"';
+    return rest;
 }
 
 }  // namespace platform

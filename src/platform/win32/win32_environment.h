@@ -16,7 +16,8 @@ class Win32Environment : public Environment {
 
     // The part of a full command line after the program name: a quoted name
     // runs to its closing quote, an unquoted one to the first blank; the
-    // blanks after it are skipped.
+    // blanks after it are skipped. A database path after "/d" without its
+    // quotes gets them.
     static std::string afterProgramName(const std::string& fullCommandLine);
 };
 
