@@ -9,6 +9,8 @@
 # WINEPREFIX, WINEDEBUG and WINEDLLOVERRIDES come from the caller.
 set -u
 lin=$1 exe=$2 wine=$3 data=$4
+[ -x "$wine" ] || { echo "FAIL: wine is missing ($wine); scripts/setup-deps installs wine64"; exit 1; }
+[ -f "$exe" ] || { echo "FAIL: $exe is missing; make windows builds it"; exit 1; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir "$work/linux" "$work/windows"
