@@ -6,6 +6,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "platform/files.h"
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
 
@@ -48,9 +49,9 @@ bool listeFuellen(Prozedur& p, const std::string& verzeichnis, const std::string
     for (const auto& e : it) {
         std::error_code ec2;
         if (!e.is_regular_file(ec2)) continue;
-        std::string name = e.path().filename().string();
+        std::string name = platform::utf8String(e.path().filename());
         if (endung) {
-            std::string ext = e.path().extension().string();
+            std::string ext = platform::utf8String(e.path().extension());
             if (!ext.empty()) ext.erase(0, 1);
             if (klein(ext) != klein(*endung)) continue;
         }

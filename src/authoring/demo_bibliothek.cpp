@@ -9,6 +9,7 @@
 #include "authoring/datei_layout.h"
 #include "authoring/demo_symbole.h"
 #include "authoring/slide_library.h"
+#include "platform/files.h"
 
 namespace tessara {
 namespace {
@@ -226,7 +227,7 @@ std::vector<DemoBlock> fctDemoBibliothekErzeugen(const std::string& bibliothekNa
                                                  bool bibliotheken) {
     namespace fs = std::filesystem;
     const auto codes = fctCodeTabelleErzeugen();
-    const fs::path basis(bibliothekNativ);
+    const fs::path basis = platform::utf8Path(bibliothekNativ);
     auto nativ = [&](std::string relativ) {
         for (char& c : relativ)
             if (c == '\\') c = '/';
@@ -245,15 +246,17 @@ std::vector<DemoBlock> fctDemoBibliothekErzeugen(const std::string& bibliothekNa
             if (bibliotheken) {
                 auto lib = slide::writeSlideLibrary({{fctDiaCode(ansicht), bytes}});
                 slide::writeFileBytes(
-                    nativ(fctDiaBibliothek(s.ordnerNr, blockNr, ansicht)).string(), lib);
+                    platform::utf8String(nativ(fctDiaBibliothek(s.ordnerNr, blockNr, ansicht))),
+                    lib);
             } else {
-                slide::writeFileBytes(nativ(fctDiaDatei(s.ordnerNr, blockNr, ansicht)).string(),
-                                      bytes);
+                slide::writeFileBytes(
+                    platform::utf8String(nativ(fctDiaDatei(s.ordnerNr, blockNr, ansicht))), bytes);
             }
             const std::string zeichnung = "AC1015 Tessara-Demo " + s.name + "\r\n";
-            slide::writeFileBytes(nativ(fctZeichnungDatei(s.ordnerNr, blockNr, ansicht)).string(),
-                                  std::span(reinterpret_cast<const std::uint8_t*>(zeichnung.data()),
-                                            zeichnung.size()));
+            slide::writeFileBytes(
+                platform::utf8String(nativ(fctZeichnungDatei(s.ordnerNr, blockNr, ansicht))),
+                std::span(reinterpret_cast<const std::uint8_t*>(zeichnung.data()),
+                          zeichnung.size()));
         }
         bloecke.push_back({s.ordnerNr, s.ordnerName, s.slot, blockNr, s.name,
                            fctSlideLibEintrag(s.ordnerNr, blockNr, bibliotheken),

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "authoring/slide.h"
+#include "platform/files.h"
 
 namespace tessara::slide {
 namespace {
@@ -215,7 +216,7 @@ Slide readSlide(std::span<const std::uint8_t> data) {
 }
 
 std::vector<std::uint8_t> readFileBytes(const std::string& nativePath) {
-    std::ifstream in(nativePath, std::ios::binary);
+    std::ifstream in(platform::utf8Path(nativePath), std::ios::binary);
     if (!in) throw SlideError("cannot open " + nativePath);
     std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(in)),
                                     std::istreambuf_iterator<char>());

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "authoring/slide.h"
+#include "platform/files.h"
 
 namespace tessara::slide {
 namespace {
@@ -112,7 +113,7 @@ std::vector<std::uint8_t> writeSlide(const Slide& s) {
 
 void writeFileBytes(const std::string& nativePath, std::span<const std::uint8_t> bytes) {
     namespace fs = std::filesystem;
-    fs::path target(nativePath);
+    fs::path target = platform::utf8Path(nativePath);
     fs::path temp = target;
     temp += ".tmp~";
     {

@@ -5,6 +5,7 @@
 
 #include "authoring/dateien_operationen.h"
 #include "platform/environment.h"
+#include "platform/files.h"
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
 
@@ -47,7 +48,7 @@ void buildLibraryFile(const std::string& libraryNativePath,
         auto sep = p.find_last_of("\\/");
         auto dot = p.rfind('.');
         if ((dot == std::string::npos || (sep != std::string::npos && dot < sep)) &&
-            !std::filesystem::exists(p))
+            !std::filesystem::exists(platform::utf8Path(p)))
             p += ".sld";
         LibraryInput in;
         in.name = entryNameForFile(p);

@@ -7,6 +7,7 @@
 #include "authoring/datei_layout.h"
 #include "authoring/dateien_operationen.h"
 #include "platform/case_fold.h"
+#include "platform/files.h"
 #include "startup/benutzer.h"
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
@@ -32,7 +33,7 @@ void variantenVerschieben(ProgrammZustand& z, const std::string& verzeichnis,
     if (!fs::is_directory(nativ, ec)) return;
     for (const auto& e : fs::directory_iterator(nativ, ec)) {
         if (!e.is_regular_file(ec)) continue;
-        const std::string name = e.path().filename().string();
+        const std::string name = platform::utf8String(e.path().filename());
         if (name.size() < alt.size() + endung.size()) continue;
         if (!platform::startsWithIgnoreCase(name, alt)) continue;
         if (!platform::equalsIgnoreCase(name.substr(name.size() - endung.size()), endung)) continue;

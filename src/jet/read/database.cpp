@@ -18,7 +18,9 @@ std::shared_ptr<Database> Database::open(const std::string& path, OpenOptions op
     auto db = fromStore(std::move(store), options);
     db->path_ = path;
     std::error_code ec;
-    const auto bytes = std::filesystem::file_size(path, ec);
+    // UTF-8 as the rest of the engine: a narrow path means the ANSI code page on Windows.
+    const auto bytes = std::filesystem::file_size(
+        std::filesystem::path(std::u8string(path.begin(), path.end())), ec);
     if (!ec) db->partialPageBytes_ = std::size_t(bytes % kPageSize);
     return db;
 }

@@ -9,6 +9,7 @@
 #include "jet/sql/engine_values.h"
 #include "jet/sql/error.h"
 #include "jet/sql/text_rules.h"
+#include "jet/store/os.h"
 #include "jet/write/relationships.h"
 #include "jet/write/writer.h"
 
@@ -324,10 +325,10 @@ std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create,
     std::string native = mapper ? mapper(path) : path;
     std::error_code ec;
     if (create) {
-        if (std::filesystem::exists(native, ec))
+        if (jet::os::exists(native))
             throw Error("Database already exists.", errors::kIntegrity, 3204);
         guarded([&] { jet::createDatabase(native); });
-    } else if (!std::filesystem::exists(native, ec)) {
+    } else if (!jet::os::exists(native)) {
         throw errors::fileNotFound(path);
     }
     // Read-only files (a library on a write-protected share) still open, for reading.
