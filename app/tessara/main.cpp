@@ -7,6 +7,7 @@
 
 #include "cad/acad_ueber_automation.h"
 #include "cad/cad_verbindung.h"
+#include "captions/beschriftung.h"
 #include "entry/start_ablauf.h"
 #include "platform/console.h"
 #include "platform/platform.h"
@@ -46,6 +47,7 @@ int main(int argc, char** argv) {
 
     tessara::FrmBlockverwaltung fenster(z, cad);
     benutzer.setEltern(&fenster);
+    benutzer.setBeschriftung([&z](const std::string& k) { return tessara::fctBeschriftung(z, k); });
     tessara::clsStart start;
     if (start.Main(z, fenster) == tessara::MainErgebnis::ProzessEnde) return 0;
 

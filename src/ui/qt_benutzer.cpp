@@ -1,5 +1,6 @@
 #include "ui/qt_benutzer.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
 #include <QFileDialog>
@@ -15,6 +16,21 @@ QString q(const std::string& s) {
     t.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     t.replace(QLatin1Char('\r'), QLatin1Char('\n'));
     return t;
+}
+// A dialog's title is often the caption of the menu entry that opened it:
+// without its accelerator marks ("&&" stays one "&") and without the
+// trailing ellipsis, which on a title promises nothing more.
+QString dialogTitel(const std::string& titel) {
+    QString t = q(titel);
+    QString r;
+    for (int i = 0; i < t.size(); ++i) {
+        if (t[i] == QLatin1Char('&') && i + 1 < t.size()) ++i;
+        r += t[i];
+    }
+    r = r.trimmed();
+    for (const QString& punkte : {QStringLiteral("…"), QStringLiteral("...")})
+        if (r.endsWith(punkte)) r = r.left(r.size() - punkte.size()).trimmed();
+    return r;
 }
 }  // namespace
 
@@ -73,6 +89,18 @@ Antwort QtBenutzer::zeigen(const std::string& text, const std::string& titel, Sy
             box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
             break;
     }
+    if (beschriftung_) {
+        const std::pair<QMessageBox::StandardButton, const char*> beschriftet[] = {
+            {QMessageBox::Ok, "cmbOk"},
+            {QMessageBox::Cancel, "cmbAbbrechen"},
+            {QMessageBox::Yes, "cmbJa"},
+            {QMessageBox::No, "cmbNein"}};
+        for (const auto& [knopf, schluessel] : beschriftet) {
+            QAbstractButton* b = box.button(knopf);
+            const std::string s = b ? beschriftung_(schluessel) : std::string();
+            if (!s.empty()) b->setText(q(s));
+        }
+    }
     const int ergebnis = box.exec();
     if (haken) angekreuzt = haken->isChecked();
     switch (ergebnis) {
@@ -89,7 +117,7 @@ Antwort QtBenutzer::zeigen(const std::string& text, const std::string& titel, Sy
 
 std::string QtBenutzer::ordnerWaehlen(const std::string& titel, const std::string& start) {
     QString d = QFileDialog::getExistingDirectory(
-        eltern_, q(titel), QString::fromStdString(platform::nativePath(start)));
+        eltern_, dialogTitel(titel), QString::fromStdString(platform::nativePath(start)));
     return d.isEmpty() ? std::string() : platform::programPath(d.toStdString());
 }
 
@@ -112,8 +140,8 @@ std::string QtBenutzer::dateiWaehlen(const std::string& titel, const std::string
                                      const std::string& filter, bool speichern) {
     const QString s = QString::fromStdString(platform::nativePath(start));
     const QString qf = fctQtFilter(filter);
-    QString f = speichern ? QFileDialog::getSaveFileName(eltern_, q(titel), s, qf)
-                          : QFileDialog::getOpenFileName(eltern_, q(titel), s, qf);
+    QString f = speichern ? QFileDialog::getSaveFileName(eltern_, dialogTitel(titel), s, qf)
+                          : QFileDialog::getOpenFileName(eltern_, dialogTitel(titel), s, qf);
     return f.isEmpty() ? std::string() : platform::programPath(f.toStdString());
 }
 

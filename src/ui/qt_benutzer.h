@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <QProgressDialog>
 #include <QWidget>
+#include <functional>
 
 #include "startup/benutzer.h"
 
@@ -15,6 +16,12 @@ class QtBenutzer : public Benutzer {
   public:
     explicit QtBenutzer(QWidget* eltern = nullptr) : eltern_(eltern) {}
     void setEltern(QWidget* eltern) { eltern_ = eltern; }
+    // The buttons of the boxes take their captions ("cmbOk", "cmbAbbrechen",
+    // "cmbJa", "cmbNein") from the caption file of the user's language; Qt's
+    // own English ones stay where a caption is missing.
+    void setBeschriftung(std::function<std::string(const std::string&)> text) {
+        beschriftung_ = std::move(text);
+    }
 
     Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
                     Knoepfe knoepfe) override;
@@ -30,6 +37,7 @@ class QtBenutzer : public Benutzer {
     Antwort zeigen(const std::string& text, const std::string& titel, Symbol symbol,
                    Knoepfe knoepfe, const std::string* kaestchen, bool& angekreuzt);
 
+    std::function<std::string(const std::string&)> beschriftung_;
     QPointer<QWidget> eltern_;
     QPointer<QProgressDialog> fortschritt_;
 };
