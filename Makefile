@@ -33,7 +33,8 @@ test: windows
 
 # The Windows programs in one folder, $(WINBUILD)/Tessara, with Qt for
 # Windows built once per machine from Debian's source (scripts/build-qt-windows)
-# and the demo library catalogued by this machine's tessara-cli.
+# and the demo library catalogued by this machine's tessara-cli; then the
+# setup program, $(WINBUILD)/Tessara-Setup-<version>.exe, made from that folder.
 QT_WINDOWS_HOST := -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake
 windows: build
 	@qt=$$(bash scripts/build-qt-windows) && mkdir -p $(WINBUILD) && \
@@ -43,6 +44,7 @@ windows: build
 	cmake --build $(WINBUILD) -j $(JOBS)
 	@test $(WINBUILD)/Tessara/Demo/dbTessara.mdb -nt $(BUILD)/app/tessara-cli || \
 	    { rm -rf $(WINBUILD)/Tessara/Demo && $(BUILD)/app/tessara-cli make-demo-library $(WINBUILD)/Tessara/Demo >/dev/null; }
+	cmake --build $(WINBUILD) --target tessara_setup
 
 bench: build
 	@set -e; for b in $(BUILD)/bench/bench_*; do echo "== $$b"; $$b; done
