@@ -1,0 +1,151 @@
+#!/usr/bin/env bash
+# The setup program under wine, in a wine prefix made afresh: a silent
+# install with a language and a library path with an umlaut, the installed
+# program started on that library, a silent uninstall that leaves only the
+# user's data; a second setup over that data with a language it does not
+# know; a third on a clean machine without options.
+#
+#   setup_under_wine.sh WINE SETUP_EXE
+#
+# WINEPREFIX (removed and made again), WINEDEBUG and WINEDLLOVERRIDES come
+# from the caller, DISPLAY names an X server of the test's own. The setup is
+# checked against the folder it was made from, Tessara/ beside it.
+set -u
+wine=$1 setup=$2
+[ -x "$wine" ] || { echo "FAIL: wine is missing ($wine); scripts/setup-deps installs wine64"; exit 1; }
+[ -f "$setup" ] || { echo "FAIL: $setup is missing; make windows builds it"; exit 1; }
+[ -n "${WINEPREFIX:-}" ] || { echo "FAIL: no WINEPREFIX given"; exit 1; }
+wineserver=$(dirname "$wine")/wineserver
+[ -x "$wineserver" ] || wineserver=$(command -v wineserver) ||
+    { echo "FAIL: wineserver is missing beside $wine"; exit 1; }
+version=$(basename "$setup" .exe)
+version=${version#Tessara-Setup-}
+folder=$(dirname "$setup")/Tessara
+
+# The library path reaches wine's command line in UTF-8.
+export LC_ALL=C.UTF-8
+c=$WINEPREFIX/drive_c
+prog="$c/Program Files/Tessara"
+menu="$c/ProgramData/Microsoft/Windows/Start Menu/Programs/Tessara"
+daten=$c/ProgramData/Tessara
+ini=$daten/Tessara9.0.ini
+key='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Tessara'
+failures=0
+work=$(mktemp -d)
+trap '"$wineserver" -k 2>/dev/null; rm -rf "$work"' EXIT
+
+fail() {
+    echo "FAIL: $*"
+    failures=$((failures + 1))
+}
+
+# Runs a Windows program and waits until wine has ended, as the uninstaller
+# goes on after its first process returns.
+w() {
+    "$wine" "$@"
+    local status=$?
+    "$wineserver" -w
+    return $status
+}
+
+# The Settings file's section as the setup wrote it, bytes and line ends.
+ini_ist() {
+    printf '[AllgemeineDaten]\r\nSprache=%s\r\nDbVerzeichnis0=%s\r\n' "$1" "$2" >"$work/ini"
+    cmp -s "$work/ini" "$ini" || { fail "$3: the Settings file is not as expected"; od -c "$ini" | head -n 12; }
+}
+
+rm -rf "$WINEPREFIX"
+w wineboot -i >/dev/null 2>&1 || { echo "FAIL: wine could not make a prefix in $WINEPREFIX"; exit 1; }
+
+# --- 1: install with the choices on the command line ------------------------
+w "$setup" /S /SPRACHE=englisch '/BIBLIOTHEK=C:\Bibliotheken\Müller' || fail "the setup ended with $?"
+lib="$c/Bibliotheken/Müller"
+
+[ -f "$prog/uninstall.exe" ] || fail "no uninstaller in Program Files"
+diff -rq -x Demo -x uninstall.exe "$folder" "$prog" >"$work/diff" || {
+    fail "Program Files differs from the Windows folder"
+    head -n 10 "$work/diff"
+}
+diff -rq "$folder/Demo" "$lib" >"$work/diff" || {
+    fail "the first library is not a copy of the demo library"
+    head -n 10 "$work/diff"
+}
+# Windows-1252 as the program reads it, CRLF.
+ini_ist englisch 'C:\Bibliotheken\M'$'\xfc''ller' "install with options"
+
+links=("$menu"/*.lnk)
+[ ${#links[@]} -eq 2 ] || fail "${#links[@]} Start-menu entries instead of 2"
+grep -aq 'tessara\.exe' "$menu/Tessara.lnk" 2>/dev/null || fail "no Start-menu entry for tessara.exe"
+grep -alq 'uninstall\.exe' "${links[@]}" 2>/dev/null || fail "no Start-menu entry for the uninstaller"
+
+"$wine" reg query "$key" 2>/dev/null | tr -d '\r' | sed 's/^ *//' >"$work/key"
+for eintrag in \
+    "DisplayName    REG_SZ    Tessara" \
+    "DisplayVersion    REG_SZ    $version" \
+    "Publisher    REG_SZ    Vendel" \
+    'InstallLocation    REG_SZ    C:\Program Files\Tessara' \
+    'UninstallString    REG_SZ    "C:\Program Files\Tessara\uninstall.exe"' \
+    'QuietUninstallString    REG_SZ    "C:\Program Files\Tessara\uninstall.exe" /S' \
+    "NoModify    REG_DWORD    0x1" \
+    "NoRepair    REG_DWORD    0x1"; do
+    grep -Fxq "$eintrag" "$work/key" || fail "uninstall key lacks: $eintrag"
+done
+groesse=$(sed -n 's/^EstimatedSize    REG_DWORD    //p' "$work/key")
+kb=$(du -sk --apparent-size "$prog" | cut -f1)
+if [ -z "$groesse" ] || [ $((groesse)) -lt $((kb * 9 / 10)) ] || [ $((groesse)) -gt $((kb * 11 / 10)) ]; then
+    fail "EstimatedSize ${groesse:-missing} for $kb KB installed"
+fi
+
+# The installed program, started as a user would, on the library the setup
+# chose. Its message about the missing AutoCAD connection is switched off
+# as its "do not show again" box does.
+printf '[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\n' >>"$ini"
+: >"$work/out"
+"$wine" 'C:\Program Files\Tessara\tessara.exe' >"$work/out" 2>"$work/err" &
+pid=$!
+disown $pid  # ended by wineserver -k below; its death is no news
+for _ in $(seq 600); do
+    grep -q '^bereit: ' "$work/out" && break
+    kill -0 $pid 2>/dev/null || break
+    sleep 0.1
+done
+bereit=$(grep '^bereit: ' "$work/out" | tr -d '\r')
+[ "$bereit" = 'bereit: C:\Bibliotheken\Müller\dbTessara.mdb' ] ||
+    fail "the installed program did not open its library (${bereit:-$(tail -n 6 "$daten/txtErrorTessara9.0.txt" 2>/dev/null | tr -s '\r\n' ' ')})"
+"$wineserver" -k
+
+# --- uninstall -----------------------------------------------------------------
+# The machine-wide database list the program keeps for its installation,
+# written as the program writes it: the uninstaller is to take it along.
+"$wine" reg add 'HKLM\Software\Tessara\Version_8' /v Eintrag1 /d 'C:\Bibliotheken\Müller\dbTessara.mdb' /f >/dev/null 2>&1 ||
+    fail "could not write the program's machine key"
+w "$prog/uninstall.exe" /S || fail "the uninstaller ended with $?"
+[ ! -e "$prog" ] || fail "left in Program Files: $(cd "$prog" && find . | head -n 5 | tr '\n' ' ')"
+[ ! -e "$menu" ] || fail "the Start-menu folder is left"
+"$wine" reg query "$key" >/dev/null 2>&1 && fail "the uninstall key is left"
+"$wine" reg query 'HKLM\Software\Tessara' >/dev/null 2>&1 && fail "the program's machine key is left"
+[ -f "$lib/dbTessara.mdb" ] || fail "the uninstaller removed the user's library"
+[ -f "$ini" ] || fail "the uninstaller removed the Settings file"
+
+# --- 2: again over the user's data, with a language it does not know --------
+touch -d '2001-01-01' "$lib/dbTessara.mdb"
+w "$setup" /S /SPRACHE=klingonisch || fail "the second setup ended with $?"
+LC_ALL=C grep -aFxq $'Sprache=deutsch\r' "$ini" || fail "an unknown language did not become deutsch"
+LC_ALL=C grep -aFxq 'DbVerzeichnis0=C:\Bibliotheken\M'$'\xfc''ller'$'\r' "$ini" ||
+    fail "the second setup did not keep the user's library in the Settings file"
+[ "$(stat -c %Y "$lib/dbTessara.mdb")" = "$(date -d 2001-01-01 +%s)" ] ||
+    fail "the second setup overwrote the user's library"
+[ ! -e "$daten/Demo" ] || fail "the second setup copied the demo library beside the user's"
+w "$prog/uninstall.exe" /S || fail "the second uninstaller ended with $?"
+
+# --- 3: a machine without Tessara's data, no options -------------------------
+rm -rf "$daten" "$c/Bibliotheken"
+w "$setup" /S || fail "the third setup ended with $?"
+ini_ist deutsch 'C:\ProgramData\Tessara\Demo' "install without options"
+diff -rq "$folder/Demo" "$daten/Demo" >/dev/null || fail "the demo library is not in C:\\ProgramData\\Tessara\\Demo"
+
+if [ $failures -gt 0 ]; then
+    echo "$failures check(s) failed"
+    exit 1
+fi
+echo "Tessara-Setup-$version.exe installed, started the program on its library and uninstalled under wine, leaving the user's data"
