@@ -42,10 +42,12 @@ drive_c=$WINEPREFIX/drive_c
 common=$drive_c/ProgramData/Tessara
 rm -rf "$common"
 "$wine" reg delete 'HKCU\Software\Vendel' /f >/dev/null 2>&1
-# Windows' own interface font is not here: wine's Tahoma stands in for it, as
-# it does for the dialogs' "MS Shell Dlg", instead of a serif fallback.
-"$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontSubstitutes' \
-    /v 'Segoe UI' /d Tahoma /f >/dev/null 2>&1
+# Windows' interface font is not here, and Qt does not see wine's own
+# stand-in: without a substitute the window falls back to a serif face.
+for face in "MS Shell Dlg" "MS Shell Dlg 2"; do
+    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontSubstitutes' \
+        /v "$face" /d "DejaVu Sans" /f >/dev/null 2>&1
+done
 
 # The library in a folder named as users name theirs.
 lib="$work/Bibliothek Müller"
