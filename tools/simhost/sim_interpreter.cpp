@@ -349,6 +349,8 @@ void SimInterpreter::rechtsklick() {
     }
 }
 
+void SimInterpreter::aktiviert(bool aktiv) { schreib(aktiv ? "FENSTER AKTIV" : "FENSTER INAKTIV"); }
+
 void SimInterpreter::skriptLaden(const std::string& pfad) {
     std::ifstream f(platform::nativePath(pfad), std::ios::binary);
     if (!f) {

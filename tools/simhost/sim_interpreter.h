@@ -28,6 +28,9 @@ class SimInterpreter {
     // A pick in drawing coordinates (origin lower left).
     void linksklick(int x, int y);
     void rechtsklick();
+    // The window became the active one, or stopped being it: tests wait on
+    // this to know where typed keys go.
+    void aktiviert(bool aktiv);
 
     // What the window shows below the drawing.
     std::string prompt() const;

@@ -1,19 +1,19 @@
-// simhost: a stand-in for the CAD host in end-to-end tests. One X11 window
-// with the title given on the command line, a drawing, and a command line
-// that takes typed keys and mouse picks (see sim_interpreter.h).
+// simhost: a stand-in for the CAD host in end-to-end tests. One window with
+// the title given on the command line, a drawing, and a command line that
+// takes typed keys and mouse picks (see sim_interpreter.h). Qt Widgets, so
+// that the same host runs on X11 and on Windows (under wine in the tests).
 //
 //   simhost --title "AutoCAD LT 2015 - [Zeichnung1.dwg]" --log /tmp/host.log
 //
 // Program paths such as "c:\temp\bv8LT.scr" are mapped to files exactly as
 // the program maps them (TESSARA_DRIVE_C and friends).
-#include <X11/Xatom.h>
-#include <X11/Xlib.h>
-#include <X11/Xutil.h>
-#include <X11/keysym.h>
-
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTimer>
+#include <QWidget>
 #include <csignal>
-#include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -27,22 +27,94 @@ void signalBeenden(int) { beenden = 1; }
 
 constexpr int kZeile = 24;  // height of the command line below the drawing
 
-void zeichnen(Display* dpy, Window w, GC gc, const simhost::SimInterpreter& host,
-              const std::string& puffer) {
-    XClearWindow(dpy, w);
-    const int h = simhost::SimInterpreter::kHoehe;
-    for (const auto& l : host.zeichnung()) {
-        XDrawLine(dpy, w, gc, l.x1, h - 1 - l.y1, l.x2, h - 1 - l.y2);
+class HostFenster : public QWidget {
+  public:
+    explicit HostFenster(simhost::SimInterpreter& host) : host_(host) {
+        setFixedSize(simhost::SimInterpreter::kBreite, simhost::SimInterpreter::kHoehe + kZeile);
+        setFocusPolicy(Qt::StrongFocus);
+        QPalette weiss = palette();
+        weiss.setColor(QPalette::Window, Qt::white);
+        setPalette(weiss);
+        setAutoFillBackground(true);
     }
-    XDrawLine(dpy, w, gc, 0, h, simhost::SimInterpreter::kBreite, h);
-    const std::string zeile = host.prompt() + " " + puffer;
-    XDrawString(dpy, w, gc, 4, h + kZeile - 8, zeile.c_str(), static_cast<int>(zeile.size()));
-    XFlush(dpy);
-}
+
+  protected:
+    void changeEvent(QEvent* e) override {
+        if (e->type() == QEvent::ActivationChange) host_.aktiviert(isActiveWindow());
+        QWidget::changeEvent(e);
+    }
+
+    void paintEvent(QPaintEvent*) override {
+        QPainter p(this);
+        p.setPen(Qt::black);
+        const int h = simhost::SimInterpreter::kHoehe;
+        for (const auto& l : host_.zeichnung()) p.drawLine(l.x1, h - 1 - l.y1, l.x2, h - 1 - l.y2);
+        p.drawLine(0, h, simhost::SimInterpreter::kBreite, h);
+        p.drawText(4, h + kZeile - 8, QString::fromStdString(host_.prompt() + " " + puffer_));
+    }
+
+    void mousePressEvent(QMouseEvent* e) override {
+        // Picks are in drawing coordinates, origin lower left.
+        const QPoint pos = e->position().toPoint();
+        if (e->button() == Qt::LeftButton) {
+            host_.linksklick(pos.x(), simhost::SimInterpreter::kHoehe - 1 - pos.y());
+        } else if (e->button() == Qt::RightButton) {
+            host_.rechtsklick();
+        }
+        update();
+    }
+
+    void keyPressEvent(QKeyEvent* e) override {
+        switch (e->key()) {
+            case Qt::Key_Escape:
+                puffer_.clear();
+                inAnfuehrung_ = false;
+                host_.escape();
+                break;
+            case Qt::Key_Return:
+            case Qt::Key_Enter:
+                abschliessen();
+                break;
+            case Qt::Key_Backspace:
+                if (!puffer_.empty()) puffer_.pop_back();
+                break;
+            default:
+                for (const char c : e->text().toStdString()) zeichen(c);
+                break;
+        }
+        update();
+    }
+
+  private:
+    void zeichen(char c) {
+        if (c == '"') inAnfuehrung_ = !inAnfuehrung_;
+        // The blank ends an input as Enter does, except in quotes.
+        if (c == '\r' || c == '\n') {
+            abschliessen();
+        } else if (c == ' ' && !inAnfuehrung_) {
+            const std::string eingabe = puffer_;
+            puffer_.clear();
+            host_.eingabe(eingabe);
+        } else if (static_cast<unsigned char>(c) >= ' ') {
+            puffer_ += c;
+        }
+    }
+    void abschliessen() {
+        const std::string eingabe = puffer_;
+        puffer_.clear();
+        inAnfuehrung_ = false;
+        host_.eingabe(eingabe);
+    }
+
+    simhost::SimInterpreter& host_;
+    std::string puffer_;
+    bool inAnfuehrung_ = false;
+};
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Read before Qt sees them: Qt takes "--title" as its own option.
     std::string titel = "AutoCAD LT 2015 - [Zeichnung1.dwg]";
     std::string logDatei;
     for (int i = 1; i + 1 < argc; i += 2) {
@@ -60,7 +132,10 @@ int main(int argc, char** argv) {
         std::cerr << "usage: simhost --title TITLE --log FILE\n";
         return 2;
     }
-    std::ofstream log(logDatei, std::ios::app);
+    int qtArgc = 1;
+    QApplication app(qtArgc, argv);
+    // Binary: the same "\n" lines on every system, for the same tests.
+    std::ofstream log(logDatei, std::ios::app | std::ios::binary);
     if (!log) {
         std::cerr << "simhost: cannot write " << logDatei << "\n";
         return 1;
@@ -68,104 +143,24 @@ int main(int argc, char** argv) {
     std::signal(SIGTERM, signalBeenden);
     std::signal(SIGINT, signalBeenden);
 
-    Display* dpy = XOpenDisplay(nullptr);
-    if (!dpy) {
-        std::cerr << "simhost: no X display\n";
-        return 1;
-    }
-    const int screen = DefaultScreen(dpy);
-    const int breite = simhost::SimInterpreter::kBreite;
-    const int hoehe = simhost::SimInterpreter::kHoehe + kZeile;
-    Window w = XCreateSimpleWindow(dpy, RootWindow(dpy, screen), 0, 0, breite, hoehe, 1,
-                                   BlackPixel(dpy, screen), WhitePixel(dpy, screen));
-    XStoreName(dpy, w, titel.c_str());
-    const Atom netWmName = XInternAtom(dpy, "_NET_WM_NAME", False);
-    const Atom utf8 = XInternAtom(dpy, "UTF8_STRING", False);
-    XChangeProperty(dpy, w, netWmName, utf8, 8, PropModeReplace,
-                    reinterpret_cast<const unsigned char*>(titel.data()),
-                    static_cast<int>(titel.size()));
-    Atom loeschen = XInternAtom(dpy, "WM_DELETE_WINDOW", False);
-    XSetWMProtocols(dpy, w, &loeschen, 1);
-    XSelectInput(dpy, w, ExposureMask | KeyPressMask | ButtonPressMask | StructureNotifyMask);
-    XMapRaised(dpy, w);
-    GC gc = XCreateGC(dpy, w, 0, nullptr);
-    XSetForeground(dpy, gc, BlackPixel(dpy, screen));
-
     simhost::SimInterpreter host(log);
+    HostFenster fenster(host);
+    fenster.setWindowTitle(QString::fromLocal8Bit(titel));
+    // The top left corner of the screen: the tests' hands click there.
+    fenster.move(0, 0);
+    fenster.show();
+    fenster.raise();
     log << "START " << titel << "\n";
     log.flush();
 
-    std::string puffer;
-    bool inAnfuehrung = false;
-    const int fd = ConnectionNumber(dpy);
-    while (!beenden) {
-        if (!XPending(dpy)) {
-            // Wait for the server with a timeout so a signal ends the loop.
-            fd_set fds;
-            FD_ZERO(&fds);
-            FD_SET(fd, &fds);
-            timeval tv{0, 200000};
-            select(fd + 1, &fds, nullptr, nullptr, &tv);
-            continue;
-        }
-        XEvent ev;
-        XNextEvent(dpy, &ev);
-        switch (ev.type) {
-            case MappingNotify:
-                XRefreshKeyboardMapping(&ev.xmapping);
-                break;
-            case ClientMessage:
-                if (static_cast<Atom>(ev.xclient.data.l[0]) == loeschen) beenden = 1;
-                break;
-            case ButtonPress:
-                if (ev.xbutton.button == Button1) {
-                    host.linksklick(ev.xbutton.x,
-                                    simhost::SimInterpreter::kHoehe - 1 - ev.xbutton.y);
-                } else if (ev.xbutton.button == Button3) {
-                    host.rechtsklick();
-                }
-                break;
-            case KeyPress: {
-                char text[16] = {};
-                KeySym sym = NoSymbol;
-                const int n = XLookupString(&ev.xkey, text, sizeof text - 1, &sym, nullptr);
-                if (sym == XK_Escape) {
-                    puffer.clear();
-                    inAnfuehrung = false;
-                    host.escape();
-                } else if (sym == XK_Return || sym == XK_KP_Enter) {
-                    const std::string eingabe = puffer;
-                    puffer.clear();
-                    inAnfuehrung = false;
-                    host.eingabe(eingabe);
-                } else if (sym == XK_BackSpace) {
-                    if (!puffer.empty()) puffer.pop_back();
-                } else if (n > 0) {
-                    for (int i = 0; i < n; ++i) {
-                        const char c = text[i];
-                        if (c == '"') inAnfuehrung = !inAnfuehrung;
-                        // The blank ends an input as Enter does, except in quotes.
-                        if (c == '\r' || c == '\n' || (c == ' ' && !inAnfuehrung)) {
-                            if (c != ' ') inAnfuehrung = false;
-                            const std::string eingabe = puffer;
-                            puffer.clear();
-                            host.eingabe(eingabe);
-                        } else {
-                            puffer += c;
-                        }
-                    }
-                }
-                break;
-            }
-            default:
-                break;
-        }
-        zeichnen(dpy, w, gc, host, puffer);
-    }
+    // A signal only sets the flag; the loop is left from the event loop.
+    QTimer wache;
+    QObject::connect(&wache, &QTimer::timeout, [] {
+        if (beenden) QApplication::quit();
+    });
+    wache.start(200);
+    const int status = app.exec();
     log << "ENDE\n";
     log.flush();
-    XFreeGC(dpy, gc);
-    XDestroyWindow(dpy, w);
-    XCloseDisplay(dpy);
-    return 0;
+    return status;
 }
