@@ -1,0 +1,177 @@
+// The CAD bridge's automation route over real COM under wine: the program's
+// own AcadUeberAutomation over ComAutomationHost and the Win32 desktop,
+// against fake_acad_server.exe (a fake, since real AutoCAD cannot run here),
+// registered in the test's wine prefix as "AutoCAD.Application" with a
+// LocalServer32 that COM starts. The server logs every call it receives.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+
+#include "acad_server_kennung.h"
+#include "cad/acad_ueber_automation.h"
+#include "cad/block_einfuegen.h"
+#include "cad/cad_verbindung.h"
+#include "platform/platform.h"
+#include "platform/win32/com_automation.h"
+#include "platform/win32/utf16.h"
+#include "platform/win32/win32_desktop.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
+
+namespace tessara::test {
+namespace {
+
+using platform::win32::toUtf8;
+using platform::win32::toWide;
+
+std::string lesen(const std::wstring& datei) {
+    std::ifstream f(std::filesystem::path(datei), std::ios::binary);
+    return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
+}
+
+std::wstring eigenesVerzeichnis() {
+    wchar_t puffer[MAX_PATH] = {};
+    const DWORD n = GetModuleFileNameW(nullptr, puffer, MAX_PATH);
+    std::wstring pfad(puffer, n);
+    return pfad.substr(0, pfad.find_last_of(L"\\/"));
+}
+
+bool schluesselSetzen(const std::wstring& schluessel, const std::wstring& wert) {
+    HKEY k = nullptr;
+    if (RegCreateKeyExW(HKEY_CLASSES_ROOT, schluessel.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
+                        &k, nullptr) != ERROR_SUCCESS)
+        return false;
+    const bool ok =
+        RegSetValueExW(k, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(wert.c_str()),
+                       static_cast<DWORD>((wert.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
+    RegCloseKey(k);
+    return ok;
+}
+
+class AcadUeberComMitFakeServer : public ::testing::Test {
+  protected:
+    static std::wstring verzeichnis;
+
+    static void SetUpTestSuite() {
+        wchar_t temp[MAX_PATH] = {};
+        GetTempPathW(MAX_PATH, temp);
+        verzeichnis = std::wstring(temp) + L"tessara_acad_com";
+        CreateDirectoryW(verzeichnis.c_str(), nullptr);
+        CreateDirectoryW((verzeichnis + L"\\Fonts").c_str(), nullptr);
+        DeleteFileW((verzeichnis + L"\\aufrufe.log").c_str());
+        // The registration an AutoCAD setup leaves: the program identifier
+        // names the class, the class names the server that COM starts.
+        const std::wstring clsid = kFakeAcadClsidText;
+        ASSERT_TRUE(schluesselSetzen(L"AutoCAD.Application\\CLSID", clsid));
+        ASSERT_TRUE(schluesselSetzen(L"CLSID\\" + clsid + L"\\LocalServer32",
+                                     L"\"" + eigenesVerzeichnis() +
+                                         L"\\fake_acad_server.exe\" --verzeichnis \"" +
+                                         verzeichnis + L"\""));
+    }
+    static void TearDownTestSuite() {
+        serverBeenden();
+        RegDeleteTreeW(HKEY_CLASSES_ROOT, L"AutoCAD.Application");
+        RegDeleteTreeW(HKEY_CLASSES_ROOT, (std::wstring(L"CLSID\\") + kFakeAcadClsidText).c_str());
+    }
+    // Application.Quit, then until the running object is gone.
+    static bool serverBeenden() {
+        platform::ComAutomationHost host;
+        const auto ende = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        try {
+            host.getActiveObject(kAcadProgId)->call("Quit");
+        } catch (const platform::AutomationError&) {
+            return true;
+        }
+        while (std::chrono::steady_clock::now() < ende) {
+            try {
+                host.getActiveObject(kAcadProgId);
+            } catch (const platform::AutomationError&) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        return false;
+    }
+
+    void SetUp() override {
+        plattform.desktop = &desktop;
+        z.plattform = &plattform;
+        z.benutzer = &benutzer;
+        v.automation = &acad;
+    }
+    // A running server; the log's later lines are this test's calls.
+    void serverLaeuft() {
+        ASSERT_TRUE(fctAcadObjektHolen(z, v, false)) << protokoll();
+        protokollAnfang = protokoll().size();
+    }
+    std::string protokoll() const { return lesen(verzeichnis + L"\\aufrufe.log"); }
+    std::string neueAufrufe() const { return protokoll().substr(protokollAnfang); }
+
+    platform::ComAutomationHost com;
+    AcadUeberAutomation acad{com};
+    platform::Win32Desktop desktop;
+    platform::Platform plattform;
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+    CadVerbindung v;
+    std::size_t protokollAnfang = 0;
+};
+
+std::wstring AcadUeberComMitFakeServer::verzeichnis;
+
+TEST_F(AcadUeberComMitFakeServer, CreateObjectStartetDenServerUeberLocalServer32) {
+    ASSERT_TRUE(serverBeenden()) << "a server from before did not end";
+    protokollAnfang = protokoll().size();
+    EXPECT_FALSE(fctAcadObjektHolen(z, v, true)) << "nothing runs, nothing is started";
+    ASSERT_TRUE(fctAcadObjektHolen(z, v, false)) << protokoll();
+    EXPECT_EQ(v.acadApp->Name(), "AutoCAD");
+    EXPECT_EQ(neueAufrufe(), "START -Embedding\nBEREIT\nERZEUGT\nApplication.Name\n");
+}
+
+TEST_F(AcadUeberComMitFakeServer, VerbindetUndFuegtUeberDieBefehlszeileEin) {
+    serverLaeuft();
+    bool lt = false;
+    ASSERT_TRUE(ACAD_Connect(z, v, false, true, lt));
+    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD 2015");
+    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "AutoCAD 2015 ");
+    // The host's window came forward by its caption, in another process.
+    const HWND host = FindWindowW(L"TessaraFakeAcad", nullptr);
+    ASSERT_NE(host, nullptr);
+    EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, reinterpret_cast<platform::WindowHandle>(host));
+
+    EinfuegeAnfrage a;
+    a.strBibliothek = "c:\\Bib\\";
+    typEinfuegeAuftrag auftrag;
+    auftrag.block.Block = "0010A";
+    auftrag.block.OrdnerNr = "001";
+    auftrag.block.BlkName[0] = "Ventil";
+    auftrag.block.Layer = "Armaturen";
+    a.auftraege = {auftrag};
+    a.optionen.checkBlock = 1;
+    const auto r = fctBlockEinfuegen(z, v, typCadEinstellungen{}, a);
+    EXPECT_EQ(r.eingefuegt, 1);
+    EXPECT_FALSE(r.booFehler);
+    EXPECT_EQ(neueAufrufe(), lesen(toWide(TESSARA_WINDOWS_GOLDEN) + L"\\acad_com_einfuegen.txt"));
+}
+
+TEST_F(AcadUeberComMitFakeServer, AcadStartFindetDieDateiImSuchpfadDesHosts) {
+    serverLaeuft();
+    const std::wstring datei = verzeichnis + L"\\Fonts\\frei2.sld";
+    std::ofstream(std::filesystem::path(datei)) << "Slide";
+    EXPECT_EQ(ACAD_Start(z, v, "frei2.sld"), toUtf8(datei));
+}
+
+TEST_F(AcadUeberComMitFakeServer, DokumentSchliessenRuftCloseAuf) {
+    serverLaeuft();
+    EXPECT_TRUE(fctAcadDokumentSchliessen(z, v));
+    EXPECT_EQ(neueAufrufe(), "Application.ActiveDocument\nDocument.Close\n");
+}
+
+}  // namespace
+}  // namespace tessara::test
