@@ -94,6 +94,9 @@ if ! appears "$work/first.txt" "bereit: $lib_windows\\dbTessara.mdb"; then
     exit 1
 fi
 
+# Later starts run without debug mode, as most users do: no boxes to wait for.
+sed -i 's/^strDebug=1\r$/strDebug=0\r/' "$common/Tessara9.0.ini"
+
 # The main window: found by its title, brought up, photographed.
 window=$(xdotool search --sync --onlyvisible --name '^Tessara' 2>/dev/null | head -n 1)
 [ -n "$window" ] || fail "no visible window titled Tessara"
@@ -135,8 +138,7 @@ fi
 run_second() {
     "$wine" "$folder/tessara.exe" "$@" >"$work/second.txt" 2>&1 &
     local pid=$! i
-    answer_box Frage && answer_box Info || fail "the second start ($*) asked nothing about debug mode"
-    for ((i = 0; i < 900; i++)); do
+    for ((i = 0; i < 1800; i++)); do
         kill -0 "$pid" 2>/dev/null || break
         sleep 0.1
     done
@@ -169,7 +171,7 @@ appears "$work/first.txt" 'Datenbank: \\server\share\Bibliothek\dbTessara.mdb' |
 answer_box Information || fail "no box said that the library on the share cannot be reached"
 
 # Where a Windows program keeps its things.
-grep -q "CmdLineParameter: /s 0010017;a" "$common/txtErrorTessara9.0.txt" 2>/dev/null ||
+grep -q "App.PrevInstance = false" "$common/txtErrorTessara9.0.txt" 2>/dev/null ||
     fail "the error log C:\\ProgramData\\Tessara\\txtErrorTessara9.0.txt has no debug line ($(ls "$common"))"
 # reg.exe prints in the console's code page; an export is UTF-16 whatever
 # the path holds.
