@@ -323,7 +323,6 @@ class EngineStorage : public Storage {
 std::shared_ptr<Storage> openEngineStorage(const std::string& path, bool create, PathMapper mapper,
                                            jet::filelock::Wait lockWait) {
     std::string native = mapper ? mapper(path) : path;
-    std::error_code ec;
     if (create) {
         if (jet::os::exists(native))
             throw Error("Database already exists.", errors::kIntegrity, 3204);
