@@ -74,19 +74,19 @@ struct typOrdnerZeile {
 std::vector<typOrdnerZeile> fctOrdnerZeilen(ProgrammZustand& z, NavigationsModell& m);
 
 // --- The Folder window's operations ----------------------------------------------
-// F1: a new Folder named strName with the first free code at or after the
+// a new Folder named strName with the first free code at or after the
 // highest key (codes below it are never given again). strCode receives the
 // code taken.
 bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& strName,
                   std::string* strCode = nullptr);
-// F3: renames the Folder named strAlt; its code and directory stay.
+// renames the Folder named strAlt; its code and directory stay.
 bool fctOrdnerUmbenennen(ProgrammZustand& z, NavigationsModell& m, const std::string& strAlt,
                          const std::string& strNeu);
-// F4: deletes the row of the Folder with key lngNr after asking. Its Block
+// deletes the row of the Folder with key lngNr after asking. Its Block
 // records and Pages stay; a Folder holding Blocks has its directory renamed
 // to code & "geloescht". The last Folder is never deleted.
 bool fctOrdnerLoeschen(ProgrammZustand& z, NavigationsModell& m, long lngNr);
-// F5: moves the Folder at row lngZeile (0-based, rsOrdner's order) one up
+// moves the Folder at row lngZeile (0-based, rsOrdner's order) one up
 // (intRichtung 0) or down (1) by swapping sort numbers; lngNeueZeile
 // receives its row afterwards.
 bool fctOrdnerVerschieben(ProgrammZustand& z, NavigationsModell& m, long lngZeile, int intRichtung,

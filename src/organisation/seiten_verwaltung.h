@@ -25,20 +25,20 @@ inline constexpr long kMsgSeiteVerschwunden = 426;
 // Page numbers are two-byte integers from 1 on.
 inline constexpr long kHoechsteSeitenNr = 32767;
 
-// P1: a new Page of the current Folder from the texts of frmSeiteNeu. The
+// a new Page of the current Folder from the texts of frmSeiteNeu. The
 // number must be digits only (and 1 .. 32767); a taken number is overwritten
 // in place after asking (the Page keeps its key and its Blocks), a taken name
 // is accepted after asking.
 bool fctSeiteNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& strSeitenNr,
                  const std::string& strSeitenname);
-// P2: renames the Page numbered lngSeitenNr; its number stays.
+// renames the Page numbered lngSeitenNr; its number stays.
 bool fctSeiteUmbenennen(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
                         const std::string& strNeu);
-// P4: deletes the Page numbered lngSeitenNr after asking; the Folder's only
+// deletes the Page numbered lngSeitenNr after asking; the Folder's only
 // Page goes by a DELETE over the Folder's key. Blocks stay.
 bool fctSeiteLoeschen(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr);
 
-// P5: the list of frmSeitenverwaltung, in the Page record set's order (by
+// the list of frmSeitenverwaltung, in the Page record set's order (by
 // name): "number<TAB>name" per row, and the row of the current Page.
 struct typSeitenListe {
     std::vector<std::string> zeilen;
@@ -48,7 +48,7 @@ struct typSeitenListe {
 typSeitenListe fctSeitenAnzeigen(ProgrammZustand& z, NavigationsModell& m);
 
 // --- Used without a dialog ---------------------------------------------------------
-// P3: creates or overwrites Page lngSeitenNr of the current Folder; a taken
+// creates or overwrites Page lngSeitenNr of the current Folder; a taken
 // number is overwritten without asking, a taken name asks the fixed question
 // "gleicher Seitenname". False when the user declines.
 bool fctSeiteAendern(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,

@@ -44,7 +44,7 @@ struct typSuchKriterien {
 // Whether every one of txtBenennung 0..10 is empty.
 bool fctSuchKriterienLeer(const typSuchKriterien& k);
 
-// S2: the statement for block table strTabelle ("tblBlockInfo", or
+// the statement for block table strTabelle ("tblBlockInfo", or
 // "tblBlockInfoInventor"); lngOrdnerNr is the current Folder's Nr, used with
 // checkAktuellerOrdner.
 std::string fctSuchAnweisung(const typSuchKriterien& k, const std::string& strTabelle,

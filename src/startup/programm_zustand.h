@@ -58,7 +58,7 @@ struct ProgrammZustand {
     std::string strUebergabeVariante;
     std::string strUebergabeDb;
 
-    // Debug and error-message flags (Part of the error log).
+    // Debug and error-message flags of the error log.
     bool booDebug = false;
     bool booFehlerMsgbox = false;
     FehlerKontext fehler;
