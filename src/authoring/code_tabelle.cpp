@@ -1,6 +1,7 @@
 #include "authoring/code_tabelle.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace tessara {
 
@@ -35,6 +36,21 @@ std::string fctCodeTabelleText() {
     std::string text;
     for (const auto& c : fctCodeTabelleErzeugen()) text += c + "\r\n";
     return text;
+}
+
+void subBlocknummerSchreiben(std::string& ziel, const std::string& strOrdnerNr, long k,
+                             const std::string& strCode) {
+    char mitte[24];
+    const auto r = std::to_chars(mitte, mitte + sizeof mitte, k / kBlocknummerTeiler);
+    ziel.assign(strOrdnerNr);
+    ziel.append(mitte, r.ptr);
+    ziel.append(strCode);
+}
+
+std::string fctBlocknummer(const std::string& strOrdnerNr, long k, const std::string& strCode) {
+    std::string nr;
+    subBlocknummerSchreiben(nr, strOrdnerNr, k, strCode);
+    return nr;
 }
 
 }  // namespace tessara

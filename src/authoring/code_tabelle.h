@@ -17,4 +17,14 @@ std::vector<std::string> fctCodeTabelleErzeugen();
 // The file's content: every code followed by CR LF.
 std::string fctCodeTabelleText();
 
+// The block number of absolute slot k: the Folder code, the decimal text of
+// k / 42874 (so "0" for every slot of a real library), and the slot's code,
+// entry k of the table. The divisor is part of the format of every library.
+inline constexpr long kBlocknummerTeiler = 42874;
+std::string fctBlocknummer(const std::string& strOrdnerNr, long k, const std::string& strCode);
+// The same into a string that is already there, so that filling the numbers
+// of thousands of slots allocates nothing.
+void subBlocknummerSchreiben(std::string& ziel, const std::string& strOrdnerNr, long k,
+                             const std::string& strCode);
+
 }  // namespace tessara

@@ -237,9 +237,7 @@ std::vector<DemoBlock> fctDemoBibliothekErzeugen(const std::string& bibliothekNa
         fs::create_directories(basis / o.ordnerNr / "Block" / "Varia");
     std::vector<DemoBlock> bloecke;
     for (const auto& s : katalog().symbole_) {
-        // Block number: Folder code, the slot divided by 42874 (always "0"
-        // here), the slot's code from the table.
-        std::string blockNr = s.ordnerNr + std::to_string(s.slot / 42874) + codes[s.slot];
+        std::string blockNr = fctBlocknummer(s.ordnerNr, s.slot, codes[s.slot]);
         for (std::size_t v = 0; v < s.ansichten.size(); ++v) {
             const int ansicht = static_cast<int>(v);
             auto bytes = slide::writeSlide(s.ansichten[v]);

@@ -21,11 +21,6 @@ std::string ansichtsName(const typBlockDaten& b, int ansicht) {
     return b.BlkName[0];
 }
 
-// Host variables that the command route changes and gives back.
-struct GehalteneVariablen {
-    std::string filedia, attreq, orthomode, cmdecho;
-};
-
 }  // namespace
 
 bool WriteInsertLsp(ProgrammZustand& z, const std::string& strDatei) {
@@ -70,6 +65,211 @@ bool naechsteEinfuegungAbwarten(Prozedur& p, platform::Desktop& d, AcadDokument&
     }
 }
 
+// The host variables the command route changes ("attreq", "orthomode",
+// "CMDECHO"), kept on entry and given back when the route ends, however it
+// ends: by the last insertion, by Escape, or by an error of the host.
+class HostVariablenWache {
+  public:
+    HostVariablenWache(Prozedur& p, AcadDokument& dok, bool booOrthoLassen) : p_(p), dok_(dok) {
+        p.step("Variable Filedia und Attreq ermitteln");
+        dok.GetVariable("filedia");
+        attreq_ = dok.GetVariable("attreq");
+        orthomode_ = dok.GetVariable("orthomode");
+        cmdecho_ = dok.GetVariable("CMDECHO");
+        p.step("VariableAttreq setzen");
+        // Attributes are edited afterwards by ATTEDIT when asked for.
+        dok.SetVariable("attreq", "0");
+        if (!booOrthoLassen) dok.SetVariable("orthomode", "0");
+        dok.SetVariable("CMDECHO", "0");
+    }
+    // Gives the variables back; an error of the host goes to the caller.
+    void wiederherstellen() {
+        offen_ = false;
+        p_.step("Variable 'Attreq' setzen");
+        dok_.SetVariable("attreq", attreq_);
+        dok_.SetVariable("orthomode", orthomode_);
+        dok_.SetVariable("CMDECHO", cmdecho_);
+    }
+    ~HostVariablenWache() {
+        if (!offen_) return;
+        try {
+            wiederherstellen();
+        } catch (...) {
+            // The error that ended the route is the one reported.
+        }
+    }
+    HostVariablenWache(const HostVariablenWache&) = delete;
+    HostVariablenWache& operator=(const HostVariablenWache&) = delete;
+
+  private:
+    Prozedur& p_;
+    AcadDokument& dok_;
+    std::string attreq_, orthomode_, cmdecho_;
+    bool offen_ = true;
+};
+
+// One run of the insert command over its pending insertions.
+struct Einfuegelauf {
+    ProgrammZustand& z;
+    CadVerbindung& v;
+    const typCadEinstellungen& e;
+    const EinfuegeAnfrage& a;
+    Prozedur& p;
+    EinfuegeErgebnis& r;
+};
+
+// AutoCAD LT: the script channel. False ends the run.
+bool ltRoute(Einfuegelauf& l, const typEinfuegeAuftrag& auftrag) {
+    LtEinfuegung lt{l.a.strBibliothek, l.a.strKopieVerzeichnis, auftrag, l.a.optionen};
+    int anzahl = 0;
+    LtErgebnis ergebnis;
+    // Multiple insertion: the same block again until the user answers a
+    // pick with Escape.
+    do {
+        ergebnis = ACadLtBlockEinfuegen(l.z, l.v, l.e, lt);
+        if (ergebnis == LtErgebnis::Eingefuegt) ++anzahl;
+    } while (l.a.optionen.checkMehr == 1 && ergebnis == LtErgebnis::Eingefuegt);
+    l.r.eingefuegt += anzahl;
+    // The Escape that ends a series of insertions is no cancel: the next
+    // marked block follows.
+    if (anzahl > 0 && (ergebnis == LtErgebnis::Eingefuegt || ergebnis == LtErgebnis::Abgebrochen)) {
+        l.r.erledigteBloecke.push_back(auftrag.block.Block);
+        return true;
+    }
+    l.r.booAbgebrochen = ergebnis == LtErgebnis::Abgebrochen;
+    l.r.booProgrammEnde = ergebnis == LtErgebnis::ProgrammEnde;
+    l.r.booFehler = ergebnis == LtErgebnis::Fehler;
+    return false;
+}
+
+// The AutoLISP routine "insert.lsp", loaded and called by keystrokes.
+bool lispRoute(Einfuegelauf& l, platform::Desktop& d, const typEinfuegeAuftrag& auftrag,
+               const std::string& angabe) {
+    const std::string lsp = l.a.strLspVerzeichnis + "insert.lsp";
+    if (!WriteInsertLsp(l.z, lsp)) {
+        l.r.booFehler = true;
+        return false;
+    }
+    l.p.step("Insert-Lsp-Load:");
+    d.sendKeys(fctInsertLspLadenTasten(lsp) + "\r");
+    l.p.step("tessara_einfuege");
+    d.sendKeys(fctTessaraEinfuegeTasten(angabe, l.a.optionen) + "\r");
+    ++l.r.eingefuegt;
+    l.r.erledigteBloecke.push_back(auftrag.block.Block);
+    return true;
+}
+
+// One insertion on the command route with its follow-up commands; true when
+// Escape ended it.
+bool befehleSenden(Einfuegelauf& l, platform::Desktop& d, AcadDokument& dok,
+                   const typEinfuegeAuftrag& auftrag, const std::string& angabe,
+                   const typPunkt& versatz) {
+    Prozedur& p = l.p;
+    const auto& o = l.a.optionen;
+    const auto& b = auftrag.block;
+    if (auftrag.nummerEinfuegepkt <= 1) {
+        p.step(o.checkBlock == 1 ? "Einfügepkt = 1: Einfügebefehl aus Bibliothek abschicken"
+                                 : "Einfügepkt = 1:Einfügebefehl abschicken");
+        const std::string ausdruck = fctInsertAusdruck(angabe, o);
+        if (!ausdruck.empty()) dok.SendCommand(ausdruck + "\r");
+        if (escapeAbfragen(p, d)) return true;
+    } else {
+        p.step(o.checkBlock == 1 ? "Einfügepkt > 1:Einfügebefehl aus Bibliothek abschicken"
+                                 : "Einfügepkt > 1:Einfügebefehl abschicken");
+        dok.SendCommand(fctInsertNullpunktBefehl(angabe));
+        p.step("Einfügepkt > 1:Verschiebebefehl abschicken :");
+        dok.SendCommand(fctVerschiebeBefehl(versatz));
+        if (o.checkWinkel == 1) {
+            p.step("vor Rotationsbefehl abschicken byteAbfrageEinfuegewinkel Unterbrechung :");
+            p.step("Rotationsbefehl abschicken :");
+            dok.SendCommand(fctRotationsBefehl());
+        }
+    }
+    if (o.checkBruch) {
+        p.step("Break-Befehl abschicken");
+        dok.SendCommand(fctBreakLadenBefehl(l.z.strAppPfad));
+    }
+    if (!b.Layer.empty()) {
+        p.step("Layer-Befehl abschicken");
+        dok.SendCommand(fctLayerBefehl(b.Layer));
+        d.sendKeys("{ESC}");
+    }
+    if (o.longEinfuegenLayer0 == 1) {
+        p.step("Layer0-Befehl abschicken");
+        dok.SendCommand(fctLayer0Befehl());
+        d.sendKeys("{ESC}");
+    }
+    if (o.checkAttribute) {
+        p.step("Attribut-Befehl abschicken");
+        dok.SendCommand(fctAtteditBefehl());
+    }
+    if (o.checkUrsprung) {
+        p.step("Explode-Befehl abschicken");
+        dok.SendCommand(fctExplodeBefehl());
+    }
+    if (o.checkReihe) {
+        p.step("Reihen-Befehl abschicken");
+        dok.SendCommand(fctArrayBefehl());
+    }
+    if (o.lonLispVarUebergeben == 1) {
+        p.step("fctLispVariablenZuordnen");
+        fctLispVariablenZuordnen(dok, b);
+    }
+    return false;
+}
+
+// Full AutoCAD's command line, with the host variables set for the
+// insertion and given back after it. False ends the run.
+bool befehlsRoute(Einfuegelauf& l, platform::Desktop& d, const typEinfuegeAuftrag& auftrag,
+                  const std::string& angabe, const typPunkt& versatz) {
+    if (!l.v.acadApp) throw std::runtime_error("keine Verbindung zu AutoCAD");
+    d.sendKeys("{ESC}{ESC}");
+    auto dok = l.v.acadApp->ActiveDocument();
+    HostVariablenWache wache(l.p, *dok, gesetzt(l.e.OrthoNichtDeaktivieren));
+    int anzahl = 0;
+    bool abbruch = befehleSenden(l, d, *dok, auftrag, angabe, versatz);
+    if (!abbruch) ++anzahl;
+    while (!abbruch && l.a.optionen.checkMehr == 1) {
+        if (!naechsteEinfuegungAbwarten(l.p, d, *dok)) break;
+        if (befehleSenden(l, d, *dok, auftrag, angabe, versatz)) break;
+        ++anzahl;
+    }
+    wache.wiederherstellen();
+    l.r.eingefuegt += anzahl;
+    if (abbruch) {
+        l.r.booAbgebrochen = true;
+        return false;
+    }
+    l.r.erledigteBloecke.push_back(auftrag.block.Block);
+    return true;
+}
+
+// The drawing of the View (or Variant) and the offset of the chosen
+// Insertion point from its base point.
+void zeichnungBestimmen(Einfuegelauf& l, const typEinfuegeAuftrag& auftrag, std::string& angabe,
+                        typPunkt& versatz) {
+    const auto& b = auftrag.block;
+    const bool booVariante = !auftrag.variante.BlockDateiName.empty();
+    l.p.step("sub Aufruf: EinzufuegendeAnsichtBestimmenUndRsEinlesen");
+    l.p.step(l.a.booDragDrop ? "NummerEinfuegepkt bei Drag&Drop"
+                             : "NummerEinfuegepkt bei normalem Einfuegen");
+    const std::string pfad =
+        booVariante ? fctVariantenZeichnungsPfad(l.a.strBibliothek, b.OrdnerNr,
+                                                 auftrag.variante.BlockDateiName, auftrag.ansicht)
+                    : fctZeichnungsPfad(l.a.strBibliothek, b.OrdnerNr, b.Block, auftrag.ansicht);
+    const std::string name = fctBlockNameBereinigen(booVariante ? auftrag.variante.BlockName
+                                                                : ansichtsName(b, auftrag.ansicht));
+    angabe = fctBlockAngabe(name, pfad, l.a.optionen.checkBlock == 1);
+    const int nr = auftrag.nummerEinfuegepkt;
+    if (nr > 1) {
+        l.p.step("Wenn nötig, Distanz zum ZeichnungsEinfuegePkt ermitteln");
+        const int index = nr - 2;  // 2 is point A
+        if (auftrag.ansicht < 0 || auftrag.ansicht > 4 || index > 5)
+            throw std::runtime_error("Einfügepunkt " + std::to_string(nr) + " gibt es nicht");
+        versatz = b.Einfuegepunkte[auftrag.ansicht][index];
+    }
+}
+
 }  // namespace
 
 EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v, const EinfuegeAnfrage& a) {
@@ -83,14 +283,14 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
                                    const typCadEinstellungen& e, const EinfuegeAnfrage& a) {
     Prozedur p(z, "cmbEinfuegen_Click", true);
     EinfuegeErgebnis r;
+    Einfuegelauf l{z, v, e, a, p, r};
     platform::Desktop* d = z.plattform ? z.plattform->desktop : nullptr;
-    const auto& o = a.optionen;
     try {
         p.step("BlockSuche in rsBlockInfo0");
         if (a.booMarkiert) p.step("markieren von Blöcken");
-
         for (typEinfuegeAuftrag auftrag : a.auftraege) {
-            if (!auftrag.varianten.empty() && o.longVariantenfrage == 1 && a.variantenAuswahl) {
+            if (!auftrag.varianten.empty() && a.optionen.longVariantenfrage == 1 &&
+                a.variantenAuswahl) {
                 p.step("Variantenauswahl");
                 const auto wahl = a.variantenAuswahl(auftrag);
                 if (!wahl) {
@@ -99,175 +299,21 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
                 }
                 auftrag.variante = *wahl;
             }
-            const auto& b = auftrag.block;
-            const bool booVariante = !auftrag.variante.BlockDateiName.empty();
-
             if (fctIstAutoCadLt(v)) {
-                LtEinfuegung lt{a.strBibliothek, a.strKopieVerzeichnis, auftrag, o};
-                int anzahl = 0;
-                LtErgebnis ergebnis;
-                // Multiple insertion: the same block again until the user
-                // answers a pick with Escape.
-                do {
-                    ergebnis = ACadLtBlockEinfuegen(z, v, e, lt);
-                    if (ergebnis == LtErgebnis::Eingefuegt) ++anzahl;
-                } while (o.checkMehr == 1 && ergebnis == LtErgebnis::Eingefuegt);
-                r.eingefuegt += anzahl;
-                // The Escape that ends a series of insertions is no cancel:
-                // the next marked block follows.
-                if (anzahl > 0 &&
-                    (ergebnis == LtErgebnis::Eingefuegt || ergebnis == LtErgebnis::Abgebrochen)) {
-                    r.erledigteBloecke.push_back(b.Block);
-                    continue;
-                }
-                r.booAbgebrochen = ergebnis == LtErgebnis::Abgebrochen;
-                r.booProgrammEnde = ergebnis == LtErgebnis::ProgrammEnde;
-                r.booFehler = ergebnis == LtErgebnis::Fehler;
-                break;
+                if (!ltRoute(l, auftrag)) break;
+                continue;
             }
-
-            p.step("sub Aufruf: EinzufuegendeAnsichtBestimmenUndRsEinlesen");
-            p.step(a.booDragDrop ? "NummerEinfuegepkt bei Drag&Drop"
-                                 : "NummerEinfuegepkt bei normalem Einfuegen");
-            const int nr = auftrag.nummerEinfuegepkt;
-            const std::string pfad =
-                booVariante
-                    ? fctVariantenZeichnungsPfad(a.strBibliothek, b.OrdnerNr,
-                                                 auftrag.variante.BlockDateiName, auftrag.ansicht)
-                    : fctZeichnungsPfad(a.strBibliothek, b.OrdnerNr, b.Block, auftrag.ansicht);
-            const std::string name = fctBlockNameBereinigen(
-                booVariante ? auftrag.variante.BlockName : ansichtsName(b, auftrag.ansicht));
-            const std::string angabe = fctBlockAngabe(name, pfad, o.checkBlock == 1);
-
+            std::string angabe;
             typPunkt versatz;
-            if (nr > 1) {
-                p.step("Wenn nötig, Distanz zum ZeichnungsEinfuegePkt ermitteln");
-                const int index = nr - 2;  // 2 is point A
-                if (auftrag.ansicht < 0 || auftrag.ansicht > 4 || index > 5) {
-                    throw std::runtime_error("Einfügepunkt " + std::to_string(nr) +
-                                             " gibt es nicht");
-                }
-                versatz = b.Einfuegepunkte[auftrag.ansicht][index];
-            }
-
+            zeichnungBestimmen(l, auftrag, angabe, versatz);
             p.step("ACAD_aktivieren");
             if (!d) throw std::runtime_error("kein Desktop");
             fctAcadAktivieren(z, v);
-
-            if (gesetzt(e.NewInsertRoutine)) {
-                const std::string lsp = a.strLspVerzeichnis + "insert.lsp";
-                if (!WriteInsertLsp(z, lsp)) {
-                    r.booFehler = true;
-                    break;
-                }
-                p.step("Insert-Lsp-Load:");
-                d->sendKeys(fctInsertLspLadenTasten(lsp) + "\r");
-                p.step("tessara_einfuege");
-                d->sendKeys(fctTessaraEinfuegeTasten(angabe, o) + "\r");
-                ++r.eingefuegt;
-                r.erledigteBloecke.push_back(b.Block);
-                continue;
-            }
-
-            // Command route.
-            if (!v.acadApp) throw std::runtime_error("keine Verbindung zu AutoCAD");
-            d->sendKeys("{ESC}{ESC}");
-            auto dok = v.acadApp->ActiveDocument();
-            p.step("Variable Filedia und Attreq ermitteln");
-            GehalteneVariablen alt{dok->GetVariable("filedia"), dok->GetVariable("attreq"),
-                                   dok->GetVariable("orthomode"), dok->GetVariable("CMDECHO")};
-            p.step("VariableAttreq setzen");
-            // Attributes are edited afterwards by ATTEDIT when asked for.
-            dok->SetVariable("attreq", "0");
-            if (!gesetzt(e.OrthoNichtDeaktivieren)) dok->SetVariable("orthomode", "0");
-            dok->SetVariable("CMDECHO", "0");
-
-            // One insertion with its follow-up commands; true when Escape ended it.
-            auto einfuegen = [&]() {
-                if (nr <= 1) {
-                    p.step(o.checkBlock == 1
-                               ? "Einfügepkt = 1: Einfügebefehl aus Bibliothek abschicken"
-                               : "Einfügepkt = 1:Einfügebefehl abschicken");
-                    const std::string ausdruck = fctInsertAusdruck(angabe, o);
-                    if (!ausdruck.empty()) dok->SendCommand(ausdruck + "\r");
-                    if (escapeAbfragen(p, *d)) return true;
-                } else {
-                    p.step(o.checkBlock == 1
-                               ? "Einfügepkt > 1:Einfügebefehl aus Bibliothek abschicken"
-                               : "Einfügepkt > 1:Einfügebefehl abschicken");
-                    dok->SendCommand(fctInsertNullpunktBefehl(angabe));
-                    p.step("Einfügepkt > 1:Verschiebebefehl abschicken :");
-                    dok->SendCommand(fctVerschiebeBefehl(versatz));
-                    if (o.checkWinkel == 1) {
-                        p.step(
-                            "vor Rotationsbefehl abschicken byteAbfrageEinfuegewinkel "
-                            "Unterbrechung :");
-                        p.step("Rotationsbefehl abschicken :");
-                        dok->SendCommand(fctRotationsBefehl());
-                    }
-                }
-                if (o.checkBruch) {
-                    p.step("Break-Befehl abschicken");
-                    dok->SendCommand(fctBreakLadenBefehl(z.strAppPfad));
-                }
-                if (!b.Layer.empty()) {
-                    p.step("Layer-Befehl abschicken");
-                    dok->SendCommand(fctLayerBefehl(b.Layer));
-                    d->sendKeys("{ESC}");
-                }
-                if (o.longEinfuegenLayer0 == 1) {
-                    p.step("Layer0-Befehl abschicken");
-                    dok->SendCommand(fctLayer0Befehl());
-                    d->sendKeys("{ESC}");
-                }
-                if (o.checkAttribute) {
-                    p.step("Attribut-Befehl abschicken");
-                    dok->SendCommand(fctAtteditBefehl());
-                }
-                if (o.checkUrsprung) {
-                    p.step("Explode-Befehl abschicken");
-                    dok->SendCommand(fctExplodeBefehl());
-                }
-                if (o.checkReihe) {
-                    p.step("Reihen-Befehl abschicken");
-                    dok->SendCommand(fctArrayBefehl());
-                }
-                if (o.lonLispVarUebergeben == 1) {
-                    p.step("fctLispVariablenZuordnen");
-                    fctLispVariablenZuordnen(*dok, b);
-                }
-                return false;
-            };
-
-            int anzahl = 0;
-            bool abbruch = false;
-            try {
-                abbruch = einfuegen();
-                if (!abbruch) ++anzahl;
-                while (!abbruch && o.checkMehr == 1) {
-                    if (!naechsteEinfuegungAbwarten(p, *d, *dok)) break;
-                    if (einfuegen()) break;
-                    ++anzahl;
-                }
-            } catch (...) {
-                p.step("Variable 'Attreq' setzen");
-                dok->SetVariable("attreq", alt.attreq);
-                dok->SetVariable("orthomode", alt.orthomode);
-                dok->SetVariable("CMDECHO", alt.cmdecho);
-                throw;
-            }
-            p.step("Variable 'Attreq' setzen");
-            dok->SetVariable("attreq", alt.attreq);
-            dok->SetVariable("orthomode", alt.orthomode);
-            dok->SetVariable("CMDECHO", alt.cmdecho);
-            r.eingefuegt += anzahl;
-            if (abbruch) {
-                r.booAbgebrochen = true;
-                break;
-            }
-            r.erledigteBloecke.push_back(b.Block);
+            const bool weiter = gesetzt(e.NewInsertRoutine)
+                                    ? lispRoute(l, *d, auftrag, angabe)
+                                    : befehlsRoute(l, *d, auftrag, angabe, versatz);
+            if (!weiter) break;
         }
-
         if (a.booMarkiert) {
             p.step("chkMarkieren auf Value 0 setzten");
             r.booMarkierenAus = true;

@@ -27,19 +27,6 @@ std::string lispText(const std::string& s) { return Q + s + Q; }
 
 }  // namespace
 
-std::string fctSqlBlockInfoEinfuegen() {
-    // Only BlkName0 and AX1 to AX4 are selected; the insertion reads no more.
-    const std::string teil1 = "SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, ";
-    const std::string teil2 =
-        "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE FROM "
-        "tblBlockInfo";
-    return teil1 + teil2;
-}
-
-std::string fctKriteriumBlockSuche(const std::string& strBlockNr) {
-    return "Block = '" + strBlockNr + "'";
-}
-
 std::string fctZeichnungsPfad(const std::string& strBibliothek, const std::string& strOrdnerNr,
                               const std::string& strBlockNr, int ansicht) {
     return strBibliothek + fctZeichnungDatei(strOrdnerNr, strBlockNr, ansicht);

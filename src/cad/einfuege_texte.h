@@ -1,5 +1,5 @@
 #pragma once
-// The texts that insertion hands to full AutoCAD: the record query, the
+// The texts that insertion hands to full AutoCAD: the
 // AutoLISP routine "insert.lsp" and its call, the insert commands and the
 // follow-up commands. Kept free of side effects so each text is checked as
 // it stands.
@@ -9,10 +9,6 @@
 #include "cad/block_daten.h"
 
 namespace tessara {
-
-// The narrow Block record query and its find criterion.
-std::string fctSqlBlockInfoEinfuegen();
-std::string fctKriteriumBlockSuche(const std::string& strBlockNr);
 
 // Library drawing of a View: base & OrdnerNr & "\Block\" & block number & View & ".dwg".
 std::string fctZeichnungsPfad(const std::string& strBibliothek, const std::string& strOrdnerNr,

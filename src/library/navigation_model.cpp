@@ -5,7 +5,9 @@
 #include <exception>
 #include <fstream>
 
+#include "authoring/code_tabelle.h"
 #include "authoring/datei_layout.h"
+#include "jet/format/error.h"
 #include "library/schema.h"
 #include "library/zugriff.h"
 #include "startup/fehler_log.h"
@@ -14,18 +16,6 @@
 namespace tessara {
 
 namespace {
-
-// The narrow column list of rsBlockInfo0: of the Views only BlkName0, of the
-// Insertion points only AX1..AX4. The insert command reads the record from
-// here, so the selection stays exactly as libraries have always had it.
-constexpr const char* kBlockInfoTeil1 = "SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, ";
-constexpr const char* kBlockInfoTeil2 =
-    "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE FROM "
-    "tblBlockInfo ";
-
-// Part of the block-number format: the quotient of the absolute slot index
-// by this divisor stands between the Folder code and the slot code.
-constexpr long kTeiler = 42874;
 
 struct Raster {
     int slots;
@@ -40,22 +30,24 @@ std::string dreiZeichen(std::string s) {
     return s;
 }
 
-// fctBlocknummer into a string that is already there, so that filling the
-// numbers of thousands of slots allocates nothing.
-void blocknummerSchreiben(std::string& ziel, const std::string& strOrdnerNr, long k,
-                          const std::string& strCode) {
-    char mitte[24];
-    const auto r = std::to_chars(mitte, mitte + sizeof mitte, k / kTeiler);
-    ziel.assign(strOrdnerNr);
-    ziel.append(mitte, r.ptr);
-    ziel.append(strCode);
-}
-
 bool offenMitZeilen(const db::Recordset& rs) {
     return rs.state() == db::adStateOpen && rs.recordCount() > 0;
 }
 
 }  // namespace
+
+std::string fctSqlBlockInfo() {
+    // Of the Views only BlkName0, of the Insertion points only AX1..AX4: the
+    // insert command reads the record from here, and libraries have always
+    // had this selection.
+    return std::string("SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, ") +
+           "M0, M1, M2, M3, M4, M5, M6, M7, M8, M9, AX1, AX2, AX3, AX4, LAYER, LYCOLOR, LYLINE "
+           "FROM tblBlockInfo";
+}
+
+std::string fctKriteriumBlockSuche(const std::string& strBlockNr) {
+    return "Block = '" + strBlockNr + "'";
+}
 
 std::string fctOrdnerSql(bool booNachName, bool booMitSortSpalte) {
     std::string sql = "SELECT * FROM [tblOrdner]";
@@ -71,12 +63,6 @@ bool fctBilderanzahlGueltig(long i) { return i >= 0 && i <= 7; }
 int fctSlotsProSeite(long i) { return kRaster[fctBilderanzahlGueltig(i) ? i : 2].slots; }
 
 int fctRasterSpalten(long i) { return kRaster[fctBilderanzahlGueltig(i) ? i : 2].spalten; }
-
-std::string fctBlocknummer(const std::string& strOrdnerNr, long k, const std::string& strCode) {
-    std::string nr;
-    blocknummerSchreiben(nr, strOrdnerNr, k, strCode);
-    return nr;
-}
 
 NavigationsModell::NavigationsModell(ProgrammZustand& z, db::StorageOpener oeffner)
     : z_(z), db_(std::move(oeffner)) {}
@@ -131,6 +117,7 @@ bool NavigationsModell::fctDatenbankOeffnen(const std::string& strPfad) {
     Prozedur p(z_, "ConnectionUndRecordsetOeffnen");
     subSchliessen();
     fehlerText_.clear();
+    lngFehlerNr_ = 0;
     try {
         p.step("Verbindung öffnen");
         db_.con.provider = "Microsoft.Jet.OLEDB.4.0";
@@ -163,6 +150,7 @@ bool NavigationsModell::fctDatenbankOeffnen(const std::string& strPfad) {
         return true;
     } catch (const std::exception& e) {
         fehlerText_ = e.what();
+        if (const auto* j = dynamic_cast<const jet::Error*>(&e)) lngFehlerNr_ = j->number();
         p.fehler(e, true);
         subSchliessen();
         return false;
@@ -269,8 +257,7 @@ bool NavigationsModell::RecordsetRsBlockInfo0NeuEinlesen() {
     if (!o) return false;
     return p.geschuetztNurLog(false, [&] {
         if (db_.rsBlockInfo0.state() == db::adStateOpen) db_.rsBlockInfo0.close();
-        db_.rsBlockInfo0.open(std::string(kBlockInfoTeil1) + kBlockInfoTeil2 +
-                                  "WHERE OrdnerID = " + std::to_string(o->Nr),
+        db_.rsBlockInfo0.open(fctSqlBlockInfo() + " WHERE OrdnerID = " + std::to_string(o->Nr),
                               db_.con, db::adOpenStatic, db::adLockReadOnly);
         return true;
     });
@@ -280,9 +267,8 @@ bool NavigationsModell::RecordsetRsBlockInfo0EinzelEinlesen(const std::string& s
     Prozedur p(z_, "RecordsetRsBlockInfo0EinzelEinlesen", true);
     return p.geschuetztNurLog(false, [&] {
         if (db_.rsBlockInfo0.state() == db::adStateOpen) db_.rsBlockInfo0.close();
-        db_.rsBlockInfo0.open(std::string(kBlockInfoTeil1) + kBlockInfoTeil2 +
-                                  "WHERE Block LIKE '" + strBlockNr + "'",
-                              db_.con, db::adOpenStatic, db::adLockReadOnly);
+        db_.rsBlockInfo0.open(fctSqlBlockInfo() + " WHERE Block LIKE '" + strBlockNr + "'", db_.con,
+                              db::adOpenStatic, db::adLockReadOnly);
         return true;
     });
 }
@@ -364,8 +350,8 @@ bool NavigationsModell::seitenFuellen() {
         // were 40 000 guards a flip and nearly all of its time.
         const std::string& ordnerNr = aktuellerOrdner()->OrdnerNr;
         for (long k = 0; k < erste; ++k)
-            blocknummerSchreiben(aryBlocknummern_[static_cast<std::size_t>(k)], ordnerNr, k,
-                                 aryCodes_[static_cast<std::size_t>(k)]);
+            subBlocknummerSchreiben(aryBlocknummern_[static_cast<std::size_t>(k)], ordnerNr, k,
+                                    aryCodes_[static_cast<std::size_t>(k)]);
     }
     for (long k = std::max(erste, 0L); k < static_cast<long>(n); ++k) BlocknummernEinlesen(k);
     if (intPosition_ >= slots) intPosition_ = static_cast<int>(slots) - 1;
@@ -489,7 +475,7 @@ long NavigationsModell::absoluterSlot(const std::string& strBlockNr) const {
     if (mitte.empty() || mitte.find_first_not_of("0123456789") != std::string::npos) return -1;
     const auto it = std::find(codeTabelle_.begin(), codeTabelle_.end(), code);
     if (it == codeTabelle_.end()) return -1;
-    return std::stol(mitte) * kTeiler + static_cast<long>(it - codeTabelle_.begin());
+    return std::stol(mitte) * kBlocknummerTeiler + static_cast<long>(it - codeTabelle_.begin());
 }
 
 long NavigationsModell::fctSeiteNrErmitteln(const std::string& strBlockNr) const {
@@ -603,7 +589,7 @@ bool NavigationsModell::fctBlockSuchen(int intPosition) {
     db::Recordset& rs = db_.rsBlockInfo0;
     if (!s.booBelegt || !offenMitZeilen(rs)) return false;
     rs.moveFirst();
-    return rs.find("Block = '" + s.strBlockNr + "'");
+    return rs.find(fctKriteriumBlockSuche(s.strBlockNr));
 }
 
 }  // namespace tessara

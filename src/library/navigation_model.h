@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "authoring/code_tabelle.h"
 #include "library/datenbank.h"
 #include "startup/programm_zustand.h"
 
@@ -64,9 +65,12 @@ bool fctBilderanzahlGueltig(long longAnzahlDerBilder);
 // (older libraries get it on first reordering), else in key order.
 std::string fctOrdnerSql(bool booNachName, bool booMitSortSpalte);
 
-// The block number of absolute slot k: Folder code, k / 42874 in decimal,
-// the slot's code.
-std::string fctBlocknummer(const std::string& strOrdnerNr, long k, const std::string& strCode);
+// The Block-record statement of rsBlockInfo0 (the narrow column list, up to
+// "FROM tblBlockInfo"; a WHERE follows) and the criterion by which the
+// insert command finds a Block in it. The model, the insertion and their
+// tests all take them from here.
+std::string fctSqlBlockInfo();
+std::string fctKriteriumBlockSuche(const std::string& strBlockNr);
 
 class NavigationsModell {
   public:
@@ -160,6 +164,9 @@ class NavigationsModell {
     const std::string& strBasisVerzeichnis() const { return strBasis_; }
     const std::string& strDatenbank() const { return db_.strPfad; }
     const std::string& fehlerText() const { return fehlerText_; }
+    // Jet's error number of the last failed opening (jet::errnum), 0 when
+    // the failure had none.
+    long lngFehlerNr() const { return lngFehlerNr_; }
     typDatenbank& datenbank() { return db_; }
     // Finds done in rsBlockInfo0 since the model was made (for the tests of
     // "only the current Page is looked up").
@@ -175,6 +182,7 @@ class NavigationsModell {
     typDatenbank db_;
     std::string strBasis_;
     std::string fehlerText_;
+    long lngFehlerNr_ = 0;
     std::vector<std::string> codeTabelle_;  // the whole file, read once
     std::vector<std::string> aryCodes_;     // the slot-code table, sized for the Page
     std::vector<typOrdnerEintrag> aryOrdner_;

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "captions/meldungs_nummern.h"
 #include "library/navigation_model.h"
 #include "startup/programm_zustand.h"
 
@@ -28,7 +29,6 @@ inline constexpr long kMsgOrdnerMitNamen = 271;
 inline constexpr long kMsgOrdnerMitBloecken = 272, kMsgOrdnerLoeschen = 273;
 inline constexpr long kMsgSortiert1 = 274, kMsgSortiert2 = 275, kMsgSortiert3 = 276,
                       kMsgSortiert4 = 277;
-inline constexpr long kMsgCodetabelle = 405;
 inline constexpr long kMsgZeichenUngueltig = 420;
 inline constexpr long kMsgNameZuLang = 421;
 inline constexpr long kMsgKeinCodeFrei = 423;

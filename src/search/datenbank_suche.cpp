@@ -203,4 +203,18 @@ std::array<std::string, 10> fctSuchBeschriftungen(ProgrammZustand& z, db::Connec
     return b;
 }
 
+std::map<std::pair<long, long>, std::string> fctSeitenNamenLesen(db::Connection& con) {
+    std::map<std::pair<long, long>, std::string> namen;
+    db::Recordset rs;
+    rs.open("SELECT NrTblOrdner, SeitenNr, SeitenName FROM tblSeiten", con);
+    if (rs.recordCount() > 0)
+        for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+            const auto o = rs.value("NrTblOrdner"), s = rs.value("SeitenNr");
+            if (!o.isNull() && !s.isNull())
+                namen[{static_cast<long>(o.asInt()), static_cast<long>(s.asInt())}] =
+                    rs.text("SeitenName");
+        }
+    return namen;
+}
+
 }  // namespace tessara

@@ -9,7 +9,9 @@
 // breaks the statement. Such a statement fails in the database and the
 // search ends through the error handler with a message; nothing throws.
 #include <array>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "db/connection.h"
@@ -88,5 +90,9 @@ typSuchAusgang fctDatenbankSuchen(ProgrammZustand& z, db::Connection& con,
 // none). Fields stay empty when the menu cannot be read.
 std::array<std::string, 10> fctSuchBeschriftungen(ProgrammZustand& z, db::Connection& con,
                                                   const std::string& strOrdnerNr);
+
+// The Page names of the library by Folder key (NrTblOrdner) and Page number,
+// read once for all hits of a result. Throws the database's error.
+std::map<std::pair<long, long>, std::string> fctSeitenNamenLesen(db::Connection& con);
 
 }  // namespace tessara

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 
+#include "db/jet_opener.h"
 #include "db/recordset.h"
 #include "jet/sql/text_rules.h"
+#include "library/datenbank.h"
+#include "platform/environment.h"
 
 namespace tessara {
 
@@ -108,6 +111,13 @@ bool fctSchnellfilterScannen(const SchnellSchnappschuss& zeilen, const std::stri
     if (abgebrochen.load()) return false;
     if (!treffer.empty()) liefern(std::move(treffer));
     return true;
+}
+
+std::shared_ptr<const SchnellSchnappschuss> fctSchnellSchnappschussLesen(
+    const std::string& strDb, const std::string& strTabelle) {
+    db::Connection con(db::jetOpener(platform::nativePath));
+    con.open(fctJetVerbindung(strDb));
+    return fctSchnellSchnappschussLesen(con, strTabelle);
 }
 
 }  // namespace tessara

@@ -38,6 +38,12 @@ using SchnellSchnappschuss = std::vector<typSchnellZeile>;
 std::shared_ptr<const SchnellSchnappschuss> fctSchnellSchnappschussLesen(
     db::Connection& con, const std::string& strTabelle);
 
+// The same from the database at strDb (program path) through a connection
+// of its own, so that a worker reads while the window's connection goes on
+// serving the window. Throws the database's error.
+std::shared_ptr<const SchnellSchnappschuss> fctSchnellSchnappschussLesen(
+    const std::string& strDb, const std::string& strTabelle);
+
 // The text folded for comparison (UTF-8 of Jet's case folding); control
 // characters are dropped, so a typed text never meets a separator.
 std::string fctSchnellfilterFalten(std::string_view text);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "db/recordset.h"
 #include "startup/einstellungen.h"
 #include "startup/fehler_log.h"
 #include "startup/ini_datei.h"
@@ -55,6 +56,24 @@ bool fctZuletztSpeichern(ProgrammZustand& z, const std::string& strDbVerzeichnis
         return false;
     }
     return true;
+}
+
+std::map<std::string, typZuletztBlock> fctZuletztBloeckeLesen(
+    db::Connection& con, const std::vector<std::string>& liste) {
+    std::map<std::string, typZuletztBlock> daten;
+    std::string bedingung;
+    // A number with a quote cannot be a block number of ours; it would end
+    // the text literal early.
+    for (const auto& nr : liste)
+        if (nr.find('\'') == std::string::npos)
+            bedingung += (bedingung.empty() ? "" : " OR ") + std::string("Block = '") + nr + "'";
+    if (bedingung.empty()) return daten;
+    db::Recordset rs;
+    rs.open("SELECT Block, SlideLib, M0 FROM tblBlockInfo WHERE " + bedingung, con);
+    if (rs.state() == db::adStateOpen && rs.recordCount() > 0)
+        for (rs.moveFirst(); !rs.eof(); rs.moveNext())
+            daten[rs.text("Block")] = {rs.text("SlideLib"), rs.text("M0")};
+    return daten;
 }
 
 }  // namespace tessara

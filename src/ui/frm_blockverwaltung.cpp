@@ -5,29 +5,29 @@
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QListWidget>
+#include <QMenu>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <filesystem>
+#include <QSignalBlocker>
 
 #include "authoring/datei_layout.h"
 #include "authoring/dateien_operationen.h"
 #include "captions/beschriftung.h"
 #include "captions/meldungen.h"
-#include "db/jet_opener.h"
+#include "captions/meldungs_nummern.h"
 #include "library/datenbank.h"
-#include "library/schema.h"
 #include "organisation/ordner_verwaltung.h"
-#include "platform/desktop.h"
 #include "platform/environment.h"
-#include "platform/platform.h"
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
 #include "ui/beschriften.h"
-#include "ui/frm_blockverwaltung_suche.h"
 #include "ui/frm_blockverwaltung_verwaltung.h"
+#include "ui/frm_datenbank_suche.h"
 #include "ui/frm_optionen.h"
 #include "ui/frm_vollbild.h"
+#include "ui/schnellfilter_steuerung.h"
 #include "ui/sld_blockverwaltung.h"
+#include "ui/zuletzt_steuerung.h"
 #include "ui_frm_blockverwaltung.h"
 
 namespace tessara {
@@ -40,13 +40,35 @@ QString q(const std::string& s) { return QString::fromStdString(s); }
 
 }  // namespace
 
+// What the panels may ask of the window, and the window's news they follow.
+class FrmBlockverwaltung::Aktionen final : public BlockAktionen {
+  public:
+    explicit Aktionen(FrmBlockverwaltung& f) : BlockAktionen(&f), f_(f) {}
+    bool zumBlockSpringen(const std::string& strBlock) override {
+        return f_.zumBlockSpringen(strBlock);
+    }
+    bool blockEinfuegen(const std::string& strBlock) override {
+        if (!f_.zumBlockSpringen(strBlock)) return false;
+        f_.cmbEinfuegen_Click();
+        return true;
+    }
+    void ordnerUndSeitenNeuAnzeigen() override { f_.subOrdnerUndSeitenNeuAnzeigen(); }
+    const std::vector<std::string>& zuletztEingefuegt() const override {
+        return f_.zuletztEingefuegt_;
+    }
+
+  private:
+    FrmBlockverwaltung& f_;
+};
+
 FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWidget* eltern)
     : QMainWindow(eltern),
       z_(z),
       v_(v),
       ui_(std::make_unique<Ui::frmBlockverwaltung>()),
-      modell_(z, fctKatalogOeffner(z)),
+      sitzung_(z, fctKatalogOeffner(z)),
       maler_(std::make_unique<ui::DiaMaler>(cache_)),
+      aktionen_(std::make_unique<Aktionen>(*this)),
       laden_(fctLadeAblauf()),
       entladen_(fctEntladeAblauf()) {
     ui_->setupUi(this);
@@ -83,6 +105,9 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
     connect(maler_.get(), &ui::DiaMaler::seiteFertig, this, [this](int gen) {
         if (gen == maler_->generation()) emit seiteGemalt();
     });
+    connect(this, &FrmBlockverwaltung::seiteGemalt, aktionen_.get(), &BlockAktionen::seiteGemalt);
+    connect(this, &FrmBlockverwaltung::einfuegungBeendet, aktionen_.get(),
+            &BlockAktionen::einfuegungBeendet);
     bildTimer_.setSingleShot(true);
     bildTimer_.setInterval(120);
     connect(&bildTimer_, &QTimer::timeout, this, [this] { bilderAnfordern(); });
@@ -103,7 +128,7 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
     connect(ui_->comboxBilderanzahl, &QComboBox::activated, this,
             [this](int i) { comboxBilderanzahl_Click(i); });
     connect(ui_->lisBlockBenennung, &QListWidget::currentRowChanged, this, [this](int i) {
-        if (!booBoxenFuellen_ && i >= 0) sldBlockverwaltung_LButtonDown(i);
+        if (i >= 0) sldBlockverwaltung_LButtonDown(i);
     });
     connect(ui_->lisBlockBenennung, &QListWidget::itemDoubleClicked, this,
             [this](QListWidgetItem* it) {
@@ -116,19 +141,61 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
             [this] { mnuBibliothekOeffnen_Click(); });
     connect(ui_->mnuBeenden, &QAction::triggered, this, [this] { close(); });
     connect(ui_->mnuMarkierungenAufheben, &QAction::triggered, this, [this] {
-        modell_.fctMarkierungenAlleLoeschen();
-        Anzeigen();
+        modell().fctMarkierungenAlleLoeschen();
+        neuZeichnen(kSeiteGeaendert);
     });
     connect(ui_->mnuInfo, &QAction::triggered, this, [this] {
         fctMsgbox(z_, MsgboxArt::Info,
                   {MsgboxZeile(fctFensterTitel(z_, fctBeschriftung(z_, "ProgName"))),
-                   MsgboxZeile(modell_.strDatenbank())});
+                   MsgboxZeile(modell().strDatenbank())});
     });
     for (QCheckBox* c : fraEinfuegenBoxen())
         connect(c, &QCheckBox::toggled, this, [this] { einfuegeOptionenUebernehmen(); });
     ui_->rasterFlaeche->installEventFilter(this);
-    subSucheEinrichten(*this);
-    subVerwaltungEinbinden(*this);
+    panelsEinbauen();
+}
+
+// The search window behind its menu entry, the quick filter and the recent
+// blocks in the side bar above the Page's block list, and the management
+// windows behind theirs.
+void FrmBlockverwaltung::panelsEinbauen() {
+    const FensterKontext k{z_, sitzung_, cache_, *aktionen_};
+    auto* suche = new QAction(this);
+    suche->setObjectName(QStringLiteral("mnuDatenbankSuche"));
+    suche->setShortcut(QKeySequence::Find);
+    ui_->mnuBlock->addAction(suche);
+    connect(suche, &QAction::triggered, this, [this, k] {
+        // One search window; it keeps its fields between two searches.
+        auto* fenster = findChild<FrmDatenbankSuche*>(QString(), Qt::FindDirectChildrenOnly);
+        if (!fenster) fenster = new FrmDatenbankSuche(k, this);
+        fenster->frmDatenbankSucheBeschriften();
+        fenster->show();
+        fenster->raise();
+        fenster->activateWindow();
+    });
+
+    auto* leiste = ui_->seitenleiste;
+    const int stelle = std::max(0, leiste->indexOf(ui_->labBlockBenennung));
+    auto* filter = new QWidget(ui_->labBlockBenennung->parentWidget());
+    filter->setObjectName(QStringLiteral("schnellfilterFlaeche"));
+    new SchnellfilterSteuerung(k, filter);
+    auto* zuletzt = new QWidget(ui_->labBlockBenennung->parentWidget());
+    zuletzt->setObjectName(QStringLiteral("zuletztFlaeche"));
+    new ZuletztSteuerung(k, zuletzt);
+    leiste->insertWidget(stelle, filter, 2);
+    leiste->insertWidget(stelle + 1, zuletzt);
+
+    verwaltung_ = new Verwaltungsfenster(k, this);
+    connect(ui_->mnuOrdnerverwaltung, &QAction::triggered, verwaltung_,
+            &Verwaltungsfenster::mnuOrdnerverwaltung_Click);
+    connect(ui_->mnuSeitenverwaltung, &QAction::triggered, verwaltung_,
+            &Verwaltungsfenster::mnuSeitenverwaltung_Click);
+    connect(ui_->mnuDefMenue, &QAction::triggered, verwaltung_,
+            &Verwaltungsfenster::mnuDefMenue_Click);
+    connect(ui_->mnuBlockEigenschaften, &QAction::triggered, verwaltung_,
+            &Verwaltungsfenster::mnuBlockEigenschaften_Click);
+    connect(ui_->chkOrdnerSortieren, &QAction::toggled, verwaltung_,
+            &Verwaltungsfenster::chkOrdnerSortieren_Click);
 }
 
 FrmBlockverwaltung::~FrmBlockverwaltung() {
@@ -163,7 +230,7 @@ void FrmBlockverwaltung::slotsAnlegen(int anzahl) {
                 [this] { bildTimer_.start(); });
         connect(s->markieren, &QCheckBox::clicked, this,
                 [this, i](bool an) { chkMarkieren_Click(i, an); });
-        s->markieren->setEnabled(!booSchreibschutz_);
+        s->markieren->setEnabled(!schreibgeschuetzt());
         s->hide();
     }
 }
@@ -172,9 +239,9 @@ void FrmBlockverwaltung::slotsAnlegen(int anzahl) {
 // the Page's count stay hidden.
 void FrmBlockverwaltung::rasterAnordnen() {
     auto* raster = static_cast<QGridLayout*>(ui_->rasterFlaeche->layout());
-    const long index = modell_.longAnzahlDerBilder();
+    const long index = modell().longAnzahlDerBilder();
     // No library open: no slots, rather than a grid of slots that lead nowhere.
-    const int anzahl = modell_.seitenSlots().empty() ? 0 : fctSlotsProSeite(index);
+    const int anzahl = modell().seitenSlots().empty() ? 0 : fctSlotsProSeite(index);
     const int spalten = fctRasterSpalten(index);
     if (anzahl == angeordnet_ && spalten == angeordnetSpalten_) return;
     slotsAnlegen(anzahl);
@@ -196,7 +263,7 @@ void FrmBlockverwaltung::rasterAnordnen() {
 }
 
 void FrmBlockverwaltung::bilderAnfordern() {
-    const auto& belegung = modell_.seitenSlots();
+    const auto& belegung = modell().seitenSlots();
     if (belegung.empty()) {
         maler_->abbrechen();
         emit seiteGemalt();
@@ -208,105 +275,107 @@ void FrmBlockverwaltung::bilderAnfordern() {
     maler_->seiteAnfordern(namen, slots_[0]->dia->size(), ui::DiaHintergrund::Dunkel);
 }
 
-void FrmBlockverwaltung::Anzeigen() {
+void FrmBlockverwaltung::neuZeichnen(typAenderung was) {
     Prozedur p(z_, "Anzeigen", true);
-    rasterAnordnen();
-    const auto& belegung = modell_.seitenSlots();
-    const int pos = modell_.intPosition();
-    const std::string basis = modell_.strBasisVerzeichnis();
-    const auto* ordner = modell_.aktuellerOrdner();
-    for (int i = 0; i < static_cast<int>(belegung.size()) && i < static_cast<int>(slots_.size());
-         ++i) {
-        const typSlot& s = belegung[i];
-        SlotFeld* f = slots_[i];
-        f->beschriftung->setText(q(s.strBeschriftung));
-        f->beschriftung->setToolTip(
-            q(s.strBlockNr + (s.booBelegt ? "  " + s.strBeschriftung : "")));
-        f->markieren->setChecked(s.booMarkiert);
-        f->markieren->setEnabled(s.booBelegt && !booSchreibschutz_);
-        f->dia->setAusgewaehlt(i == pos);
-        if (s.booBelegt && ordner) {
-            const std::string dwg =
-                platform::nativePath(basis + fctZeichnungDatei(ordner->OrdnerNr, s.strBlockNr, 0));
-            f->dia->setZiehDaten(q(dwg), q(dwg));
-        } else {
-            f->dia->setZiehDaten({}, {});
+    if (was & kBibliothekGeaendert) {
+        verzeichnisBoxFuellen();
+        schreibschutzZeigen();
+        was = was | kBoxenGeaendert | kSeiteGeaendert;
+    }
+    if (was & kBoxenGeaendert) boxenFuellen();
+    if (was & kSeiteGeaendert) {
+        rasterAnordnen();
+        const auto& belegung = modell().seitenSlots();
+        const std::string basis = modell().strBasisVerzeichnis();
+        const auto* ordner = modell().aktuellerOrdner();
+        for (int i = 0;
+             i < static_cast<int>(belegung.size()) && i < static_cast<int>(slots_.size()); ++i) {
+            const typSlot& s = belegung[i];
+            SlotFeld* f = slots_[i];
+            f->beschriftung->setText(q(s.strBeschriftung));
+            f->beschriftung->setToolTip(
+                q(s.strBlockNr + (s.booBelegt ? "  " + s.strBeschriftung : "")));
+            f->markieren->setChecked(s.booMarkiert);
+            f->markieren->setEnabled(s.booBelegt && !schreibgeschuetzt());
+            if (s.booBelegt && ordner) {
+                const std::string dwg = platform::nativePath(
+                    basis + fctZeichnungDatei(ordner->OrdnerNr, s.strBlockNr, 0));
+                f->dia->setZiehDaten(q(dwg), q(dwg));
+            } else {
+                f->dia->setZiehDaten({}, {});
+            }
         }
+        auto* lis = ui_->lisBlockBenennung;
+        const QSignalBlocker still(lis);
+        const auto eintraege = modell().lisBlockBenennungAktualisieren();
+        if (lis->count() != static_cast<int>(eintraege.size())) {
+            lis->clear();
+            for (const auto& e : eintraege) lis->addItem(q(e));
+        } else {
+            for (int i = 0; i < lis->count(); ++i) lis->item(i)->setText(q(eintraege[i]));
+        }
+        bilderAnfordern();
     }
-    booBoxenFuellen_ = true;
-    auto* lis = ui_->lisBlockBenennung;
-    const auto eintraege = modell_.lisBlockBenennungAktualisieren();
-    if (lis->count() != static_cast<int>(eintraege.size())) {
-        lis->clear();
-        for (const auto& e : eintraege) lis->addItem(q(e));
-    } else {
-        for (int i = 0; i < lis->count(); ++i) lis->item(i)->setText(q(eintraege[i]));
-    }
-    lis->setCurrentRow(pos);
-    positionZeigen();
-    booBoxenFuellen_ = false;
-    bilderAnfordern();
+    if (was != kNichtsGeaendert) positionZeigen();
 }
 
 // The parts of the window that follow the selection: frame, list row, path,
 // Page number, the Page box.
 void FrmBlockverwaltung::positionZeigen() {
-    const auto& belegung = modell_.seitenSlots();
-    const int pos = modell_.intPosition();
+    const auto& belegung = modell().seitenSlots();
+    const int pos = modell().intPosition();
     for (int i = 0; i < static_cast<int>(belegung.size()) && i < static_cast<int>(slots_.size());
          ++i)
         slots_[i]->dia->setAusgewaehlt(i == pos);
     std::string pfad;
-    const auto* ordner = modell_.aktuellerOrdner();
+    const auto* ordner = modell().aktuellerOrdner();
     if (pos >= 0 && pos < static_cast<int>(belegung.size()) && belegung[pos].booBelegt && ordner)
         pfad =
-            platform::nativePath(modell_.strBasisVerzeichnis() +
+            platform::nativePath(modell().strBasisVerzeichnis() +
                                  fctZeichnungDatei(ordner->OrdnerNr, belegung[pos].strBlockNr, 0));
     ui_->txtVerzeichnisBlock->setText(q(pfad));
     ui_->txtVerzeichnisBlock->setToolTip(q(pfad));
-    const bool alt = booBoxenFuellen_;
-    booBoxenFuellen_ = true;
-    ui_->lisBlockBenennung->setCurrentRow(pos);
+    {
+        const QSignalBlocker still(ui_->lisBlockBenennung);
+        ui_->lisBlockBenennung->setCurrentRow(pos);
+    }
     QString format = ui::fctText(z_, QString::fromLatin1(kForm), QStringLiteral("labSeitenNr"));
     if (!format.contains(QLatin1String("%1"))) format = QStringLiteral("%1 / %2");
     // "of" counts the Pages the Folder has, not the code table's reach.
     const long seiten =
-        std::max<long>(static_cast<long>(modell_.arySeiten().size()), modell_.intSeite() + 1);
-    ui_->labSeitenNr->setText(format.arg(modell_.intSeite() + 1).arg(seiten));
+        std::max<long>(static_cast<long>(modell().arySeiten().size()), modell().intSeite() + 1);
+    ui_->labSeitenNr->setText(format.arg(modell().intSeite() + 1).arg(seiten));
     int seitenIndex = -1;
-    for (int i = 0; i < static_cast<int>(modell_.seitenListe().size()); ++i)
-        if (modell_.seitenListe()[i].SeitenNr == modell_.intSeite() + 1) seitenIndex = i;
+    for (int i = 0; i < static_cast<int>(modell().seitenListe().size()); ++i)
+        if (modell().seitenListe()[i].SeitenNr == modell().intSeite() + 1) seitenIndex = i;
     ui_->comboxSeite->setCurrentIndex(seitenIndex);
-    ui_->comboxOrdner->setCurrentIndex(modell_.intOrdnerIndex());
-    ui_->combutZurueck->setEnabled(modell_.intSeite() > 0);
-    ui_->mnuSeiteZurueck->setEnabled(modell_.intSeite() > 0);
-    ui_->combutVor->setEnabled(modell_.offen() && modell_.intSeite() < modell_.letzteSeite());
-    booBoxenFuellen_ = alt;
+    ui_->comboxOrdner->setCurrentIndex(modell().intOrdnerIndex());
+    ui_->combutZurueck->setEnabled(modell().intSeite() > 0);
+    ui_->mnuSeiteZurueck->setEnabled(modell().intSeite() > 0);
+    ui_->combutVor->setEnabled(modell().offen() && modell().intSeite() < modell().letzteSeite());
 }
 
 void FrmBlockverwaltung::subOrdnerUndSeitenNeuAnzeigen() {
     Prozedur p(z_, "subOrdnerUndSeitenNeuAnzeigen", true);
-    if (!modell_.offen()) return;
-    const auto* o = modell_.aktuellerOrdner();
+    if (!modell().offen()) return;
+    const auto* o = modell().aktuellerOrdner();
     const std::string nr = o ? o->OrdnerNr : std::string();
-    const long seite = modell_.intSeite();
-    const int pos = modell_.intPosition();
-    modell_.OrdnerInArrayEinlesen();
+    const long seite = modell().intSeite();
+    const int pos = modell().intPosition();
+    modell().OrdnerInArrayEinlesen();
     // The Folder shown may have gone: the first one takes its place.
-    if (nr.empty() || !modell_.fctOrdnerWaehlen(nr, seite)) modell_.comboxOrdner_Click(0);
-    modell_.subPositionSetzen(pos);
-    boxenFuellen();
-    Anzeigen();
+    if (nr.empty() || !modell().fctOrdnerWaehlen(nr, seite)) modell().comboxOrdner_Click(0);
+    modell().subPositionSetzen(pos);
+    neuZeichnen(kBoxenGeaendert | kSeiteGeaendert);
 }
 
+// The boxes change only on the user's pick (activated), never while filled.
 void FrmBlockverwaltung::boxenFuellen() {
-    booBoxenFuellen_ = true;
     ui_->comboxOrdner->clear();
-    for (const auto& o : modell_.aryOrdner()) ui_->comboxOrdner->addItem(q(o.OrdnerName));
+    for (const auto& o : modell().aryOrdner()) ui_->comboxOrdner->addItem(q(o.OrdnerName));
     ui_->comboxSeite->clear();
-    for (const auto& s : modell_.seitenListe()) ui_->comboxSeite->addItem(q(s.SeitenName));
-    ui_->comboxBilderanzahl->setCurrentIndex(static_cast<int>(modell_.longAnzahlDerBilder()));
-    booBoxenFuellen_ = false;
+    for (const auto& s : modell().seitenListe()) ui_->comboxSeite->addItem(q(s.SeitenName));
+    ui_->comboxBilderanzahl->setCurrentIndex(static_cast<int>(modell().longAnzahlDerBilder()));
 }
 
 void FrmBlockverwaltung::statusZeigen(const QString& text) {
@@ -316,53 +385,50 @@ void FrmBlockverwaltung::statusZeigen(const QString& text) {
 // --- Handlers -------------------------------------------------------------
 
 void FrmBlockverwaltung::combutVor_Click() {
-    if (modell_.combutVor()) Anzeigen();
+    if (modell().combutVor()) neuZeichnen(kSeiteGeaendert);
 }
 
 void FrmBlockverwaltung::combutZurueck_Click() {
-    if (modell_.combutZurueck()) Anzeigen();
+    if (modell().combutZurueck()) neuZeichnen(kSeiteGeaendert);
 }
 
 void FrmBlockverwaltung::combutZurueckAnfang_Click() {
-    if (modell_.combutZurueckAnfang()) Anzeigen();
+    if (modell().combutZurueckAnfang()) neuZeichnen(kSeiteGeaendert);
 }
 
 void FrmBlockverwaltung::comboxOrdner_Click(int intIndex) {
-    if (booBoxenFuellen_) return;
-    if (modell_.comboxOrdner_Click(intIndex)) {
-        boxenFuellen();
-        Anzeigen();
-    }
+    if (modell().comboxOrdner_Click(intIndex)) neuZeichnen(kBoxenGeaendert | kSeiteGeaendert);
 }
 
 void FrmBlockverwaltung::comboxSeite_Click(int intIndex) {
-    if (booBoxenFuellen_) return;
-    const auto& liste = modell_.seitenListe();
+    const auto& liste = modell().seitenListe();
     if (intIndex < 0 || intIndex >= static_cast<int>(liste.size())) return;
-    if (modell_.GeheZuSeite(liste[intIndex].SeitenNr - 1)) Anzeigen();
+    if (modell().GeheZuSeite(liste[intIndex].SeitenNr - 1)) neuZeichnen(kSeiteGeaendert);
 }
 
 void FrmBlockverwaltung::comboxBilderanzahl_Click(int intIndex) {
-    if (booBoxenFuellen_ || !fctBilderanzahlGueltig(intIndex)) return;
-    setup_.longAnzahlDerBilder = intIndex;
-    modell_.BilderAnzeigenBeiGeaenderterBilderanzahl(intIndex);
-    Anzeigen();
+    if (!fctBilderanzahlGueltig(intIndex)) return;
+    sitzung_.setup().longAnzahlDerBilder = intIndex;
+    modell().BilderAnzeigenBeiGeaenderterBilderanzahl(intIndex);
+    neuZeichnen(kSeiteGeaendert);
 }
 
 void FrmBlockverwaltung::sldBlockverwaltung_LButtonDown(int intPosition) {
-    modell_.subPositionSetzen(intPosition);
-    positionZeigen();
+    modell().subPositionSetzen(intPosition);
+    neuZeichnen(kPositionGeaendert);
     ui_->rasterFlaeche->setFocus();
 }
 
 void FrmBlockverwaltung::sldBlockverwaltung_DblClick(int intPosition) {
-    if (booSchreibschutz_ && setup_.longDoppelklick == 2) return;  // marking writes the catalogue
-    doppelklickAusfuehren(modell_.fctDoppelklick(intPosition, setup_.longDoppelklick));
+    const long doppelklick = sitzung_.setup().longDoppelklick;
+    if (schreibgeschuetzt() && doppelklick == 2) return;  // marking writes the catalogue
+    doppelklickAusfuehren(modell().fctDoppelklick(intPosition, doppelklick));
 }
 
 void FrmBlockverwaltung::lisBlockBenennung_DblClick(int intEintrag) {
-    if (booSchreibschutz_ && setup_.longDoppelklick == 2) return;
-    doppelklickAusfuehren(modell_.fctListeDoppelklick(intEintrag, setup_.longDoppelklick));
+    const long doppelklick = sitzung_.setup().longDoppelklick;
+    if (schreibgeschuetzt() && doppelklick == 2) return;
+    doppelklickAusfuehren(modell().fctListeDoppelklick(intEintrag, doppelklick));
 }
 
 void FrmBlockverwaltung::doppelklickAusfuehren(DoppelklickAktion aktion) {
@@ -371,7 +437,7 @@ void FrmBlockverwaltung::doppelklickAusfuehren(DoppelklickAktion aktion) {
             cmbEinfuegen_Click();
             break;
         case DoppelklickAktion::Markieren:
-            Anzeigen();
+            neuZeichnen(kSeiteGeaendert);
             break;
         case DoppelklickAktion::Vollbild:
             mnuVollbild_Click();
@@ -382,14 +448,14 @@ void FrmBlockverwaltung::doppelklickAusfuehren(DoppelklickAktion aktion) {
 }
 
 void FrmBlockverwaltung::chkMarkieren_Click(int intPosition, bool booMarkiert) {
-    if (booSchreibschutz_) return;
-    modell_.fctMarkierungSetzen(intPosition, booMarkiert);
-    Anzeigen();
+    if (schreibgeschuetzt()) return;
+    modell().fctMarkierungSetzen(intPosition, booMarkiert);
+    neuZeichnen(kSeiteGeaendert);
 }
 
 void FrmBlockverwaltung::mnuVollbild_Click() {
-    const auto& belegung = modell_.seitenSlots();
-    const int pos = modell_.intPosition();
+    const auto& belegung = modell().seitenSlots();
+    const int pos = modell().intPosition();
     if (pos < 0 || pos >= static_cast<int>(belegung.size())) return;
     auto* f = new FrmVollbild(z_, cache_, belegung[pos].strBildname, belegung[pos].strBeschriftung,
                               "frmBockverwaltung", this);
@@ -399,25 +465,26 @@ void FrmBlockverwaltung::mnuVollbild_Click() {
 }
 
 void FrmBlockverwaltung::mnuOptionen_Click() {
-    const std::int32_t sortiertVorher = setup_.lonOrdnerSortieren;
-    const std::int32_t rechteVorher = setup_.longRechteverwaltung;
-    FrmOptionen f(z_, setup_, this);
+    typSetupWerte& setup = sitzung_.setup();
+    const std::int32_t sortiertVorher = setup.lonOrdnerSortieren;
+    const std::int32_t rechteVorher = setup.longRechteverwaltung;
+    FrmOptionen f(z_, setup, this);
     ui::subFormularBeschriften(z_, &f);
     if (f.exec() != QDialog::Accepted) return;
-    if (setup_.lonOrdnerSortieren != sortiertVorher ||
-        setup_.longRechteverwaltung != rechteVorher) {
-        if (setup_.lonOrdnerSortieren != sortiertVorher)
-            subOrdnerSortierenSpeichern(z_, setup_.lonOrdnerSortieren == 1);
-        subOrdnerAnsichtSetzen(*this);
-        fctCboOrdnerNeuAnzeigen(z_, modell_, "", false);
+    typAenderung was = kSeiteGeaendert;
+    if (setup.lonOrdnerSortieren != sortiertVorher || setup.longRechteverwaltung != rechteVorher) {
+        if (setup.lonOrdnerSortieren != sortiertVorher)
+            subOrdnerSortierenSpeichern(z_, setup.lonOrdnerSortieren == 1);
+        ordnerAnsichtSetzen();
+        fctCboOrdnerNeuAnzeigen(z_, modell(), "", false);
         subOrdnerUndSeitenNeuAnzeigen();
     }
     einfuegeOptionenZeigen();
-    if (setup_.longAnzahlDerBilder != modell_.longAnzahlDerBilder()) {
-        modell_.BilderAnzeigenBeiGeaenderterBilderanzahl(setup_.longAnzahlDerBilder);
-        boxenFuellen();
+    if (setup.longAnzahlDerBilder != modell().longAnzahlDerBilder()) {
+        modell().BilderAnzeigenBeiGeaenderterBilderanzahl(setup.longAnzahlDerBilder);
+        was = was | kBoxenGeaendert;
     }
-    Anzeigen();
+    neuZeichnen(was);
 }
 
 void FrmBlockverwaltung::mnuBibliothekOeffnen_Click() {
@@ -425,10 +492,30 @@ void FrmBlockverwaltung::mnuBibliothekOeffnen_Click() {
         z_.benutzer ? z_.benutzer->dateiWaehlen(ui::fctText(z_, QString::fromLatin1(kForm),
                                                             QStringLiteral("mnuBibliothekOeffnen"))
                                                     .toStdString(),
-                                                strDbVerzeichnis_,
+                                                sitzung_.strDbVerzeichnis(),
                                                 "Tessara-Bibliothek (dbTessara.mdb)", false)
                     : std::string();
     if (!datei.empty()) datenbankWechseln(datei);
+}
+
+bool FrmBlockverwaltung::zumBlockSpringen(const std::string& strBlock) {
+    Prozedur p(z_, "fctZumBlockSpringen", true);
+    if (!modell().offen()) return false;
+    p.step("fctAufOrdnerUndSeiteSpringen");
+    if (strBlock.size() < 4 ||
+        !modell().fctAufOrdnerUndSeiteSpringen(strBlock.substr(0, 3), strBlock)) {
+        fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kMsgKeinBlock), MsgboxZeile(strBlock)});
+        return false;
+    }
+    p.step("subOrdnerUndSeitenNeuAnzeigen");
+    subOrdnerUndSeitenNeuAnzeigen();
+    return true;
+}
+
+void FrmBlockverwaltung::ordnerAnsichtSetzen() {
+    const bool nachName = fctOrdnerAnsichtSetzen(z_, sitzung_);
+    const QSignalBlocker still(ui_->chkOrdnerSortieren);
+    ui_->chkOrdnerSortieren->setChecked(nachName);
 }
 
 // --- Keys ------------------------------------------------------------------
@@ -446,28 +533,26 @@ void FrmBlockverwaltung::keyPressEvent(QKeyEvent* e) {
 }
 
 bool FrmBlockverwaltung::tasteImRaster(QKeyEvent* e) {
-    const int n = static_cast<int>(modell_.seitenSlots().size());
-    if (n == 0) return false;
-    const int spalten = fctRasterSpalten(modell_.longAnzahlDerBilder());
-    int pos = modell_.intPosition();
+    if (modell().seitenSlots().empty()) return false;
+    RasterTaste t;
     switch (e->key()) {
         case Qt::Key_Left:
-            pos = std::max(0, pos - 1);
+            t = RasterTaste::Links;
             break;
         case Qt::Key_Right:
-            pos = std::min(n - 1, pos + 1);
+            t = RasterTaste::Rechts;
             break;
         case Qt::Key_Up:
-            pos = pos - spalten >= 0 ? pos - spalten : pos;
+            t = RasterTaste::Hoch;
             break;
         case Qt::Key_Down:
-            pos = pos + spalten < n ? pos + spalten : pos;
+            t = RasterTaste::Runter;
             break;
         case Qt::Key_Home:
-            pos = 0;
+            t = RasterTaste::Anfang;
             break;
         case Qt::Key_End:
-            pos = n - 1;
+            t = RasterTaste::Ende;
             break;
         case Qt::Key_PageDown:
             combutVor_Click();
@@ -482,26 +567,19 @@ bool FrmBlockverwaltung::tasteImRaster(QKeyEvent* e) {
         default:
             return false;
     }
-    sldBlockverwaltung_LButtonDown(pos);
+    sldBlockverwaltung_LButtonDown(sitzung_.fctRasterZiel(t));
     return true;
 }
 
 // --- Write protection ----------------------------------------------------------
 
-bool FrmBlockverwaltung::fctSperrenCmdBeiSchreibschutz() {
-    Prozedur p(z_, "fctSperrenCmdBeiSchreibschutz", true);
-    // A write-protected directory, or a database file marked read-only.
-    std::error_code ec;
-    const auto rechte =
-        std::filesystem::status(fctNativerPfad(modell_.strDatenbank()), ec).permissions();
-    const bool dateiNurLesen =
-        !ec && (rechte & std::filesystem::perms::owner_write) == std::filesystem::perms::none;
-    booSchreibschutz_ = !strDbVerzeichnis_.empty() &&
-                        (dateiNurLesen || fctReadOnlyMitVerzeichnis(z_, strDbVerzeichnis_));
-    ui_->labSchreibschutz->setVisible(booSchreibschutz_);
-    ui_->mnuMarkierungenAufheben->setEnabled(!booSchreibschutz_);
-    for (auto* s : slots_) s->markieren->setEnabled(!booSchreibschutz_);
-    return booSchreibschutz_;
+// Every command that changes the catalogue is disabled when the library is
+// write-protected.
+void FrmBlockverwaltung::schreibschutzZeigen() {
+    const bool gesperrt = schreibgeschuetzt();
+    ui_->labSchreibschutz->setVisible(gesperrt);
+    ui_->mnuMarkierungenAufheben->setEnabled(!gesperrt);
+    for (auto* s : slots_) s->markieren->setEnabled(!gesperrt);
 }
 
 // --- Closing -----------------------------------------------------------------
@@ -511,8 +589,8 @@ void FrmBlockverwaltung::closeEvent(QCloseEvent* e) {
         e->accept();
         return;
     }
-    if (booGeladen_ &&
-        !fctMsgbox(z_, MsgboxArt::Frage, {MsgboxZeile(408L)}, kGruppeAllg, "TessaraBeenden")) {
+    if (booGeladen_ && !fctMsgbox(z_, MsgboxArt::Frage, {MsgboxZeile(kMsgTessaraBeenden)},
+                                  kGruppeAllg, "TessaraBeenden")) {
         e->ignore();
         return;
     }

@@ -1,8 +1,11 @@
 #pragma once
 // frmBlockverwaltung, the main window: the library as a Folder box, a Page
 // box and a grid of slide previews, one slot per Block. The window is an
-// adapter over the navigation model: its handlers call the model (or the
-// insertion of the CAD bridge) and redraw from the model's state.
+// adapter over the library session: its handlers call the session, its
+// model or the insertion of the CAD bridge, and redraw from what they say
+// changed, in one place (neuZeichnen). Its panels (search, quick filter,
+// recent blocks, management windows) get the session and BlockAktionen,
+// never the window.
 #include <QCheckBox>
 #include <QMainWindow>
 #include <QPointer>
@@ -13,10 +16,10 @@
 #include "cad/block_daten.h"
 #include "cad/cad_verbindung.h"
 #include "entry/start_ablauf.h"
-#include "library/navigation_model.h"
+#include "library/bibliothek_sitzung.h"
 #include "startup/programm_zustand.h"
-#include "startup/registry_werte.h"
 #include "startup/schritt_ablauf.h"
+#include "ui/block_aktionen.h"
 #include "ui/preview_cache.h"
 #include "ui/slide_page_painter.h"
 
@@ -28,6 +31,7 @@ namespace tessara {
 
 class SlotFeld;
 class FrmStartfenster;
+class Verwaltungsfenster;
 
 class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     Q_OBJECT
@@ -62,27 +66,19 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     void mnuVollbild_Click();
     void mnuBibliothekOeffnen_Click();
 
-    // Redraws the selection frame, the Page number, the boxes and the slots.
-    void Anzeigen();
+    // Redraws the slots, the selection and the Page number.
+    void Anzeigen() { neuZeichnen(kSeiteGeaendert); }
     // After every change to Folders or Pages: the navigation model is read
     // again, the Folder and Page boxes are refilled and the Page redrawn.
     void subOrdnerUndSeitenNeuAnzeigen();
-    ProgrammZustand& zustand() { return z_; }
-    // Disables every command that changes the catalogue when the library
-    // directory is write-protected; answers whether it is.
-    bool fctSperrenCmdBeiSchreibschutz();
 
     // The Variant choice before an insertion; unset inserts the Block itself.
     std::function<std::optional<typVariante>(const typEinfuegeAuftrag&)> variantenAuswahl;
 
-    NavigationsModell& modell() { return modell_; }
-    const typSetupWerte& setup() const { return setup_; }
+    NavigationsModell& modell() { return sitzung_.modell(); }
+    const typSetupWerte& setup() { return sitzung_.setup(); }
+    bool schreibgeschuetzt() const { return sitzung_.schreibgeschuetzt(); }
     ui::DiaVorschauCache& vorschau() { return cache_; }
-    ui::DiaMaler& maler() { return *maler_; }
-    bool schreibgeschuetzt() const { return booSchreibschutz_; }
-    // The block numbers the last insertion took in, in the order inserted
-    // (read when einfuegungBeendet comes).
-    const std::vector<std::string>& zuletztEingefuegt() const { return zuletztEingefuegt_; }
     // Runs the closing sequence (what closing the window does, without the
     // question whether Tessara should close).
     void entladen();
@@ -99,15 +95,23 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     bool eventFilter(QObject* o, QEvent* e) override;
 
   private:
+    class Aktionen;
+    // The one place the window redraws: each part of the window that the
+    // change touches, from the session's state.
+    void neuZeichnen(typAenderung was);
     void ladeSchritteSetzen();
     void entladeSchritteSetzen();
     void rasterAufbauen();
+    void panelsEinbauen();
     void bilderAnfordern();
     void boxenFuellen();
     void verzeichnisBoxFuellen();
     void positionZeigen();
+    void schreibschutzZeigen();
+    void ordnerAnsichtSetzen();
     bool bibliothekOeffnen(const std::string& strDb);
-    void positionSpeichern();
+    void oeffnenFehlerMelden(const typOeffnenErgebnis& r);
+    bool zumBlockSpringen(const std::string& strBlock);
     void einfuegeOptionenZeigen();
     void einfuegeOptionenUebernehmen();
     std::vector<std::int32_t*> einfuegeSchalter();
@@ -115,7 +119,6 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     void statusZeigen(const QString& text);
     void ausgabe(const std::string& zeile);
     bool einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bool booMarkiert);
-    std::vector<typEinfuegeAuftrag> markierteAuftraege();
     bool tasteImRaster(QKeyEvent* e);
     void doppelklickAusfuehren(DoppelklickAktion aktion);
     void rasterAnordnen();
@@ -125,10 +128,11 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     ProgrammZustand& z_;
     CadVerbindung& v_;
     std::unique_ptr<Ui::frmBlockverwaltung> ui_;
-    NavigationsModell modell_;
+    BibliothekSitzung sitzung_;
     ui::DiaVorschauCache cache_;
     std::unique_ptr<ui::DiaMaler> maler_;
-    typSetupWerte setup_;
+    std::unique_ptr<Aktionen> aktionen_;
+    Verwaltungsfenster* verwaltung_ = nullptr;
     SchrittAblauf laden_;
     SchrittAblauf entladen_;
     std::vector<SlotFeld*> slots_;  // made as needed, the unused hidden
@@ -136,14 +140,11 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     int angeordnetSpalten_ = 0;     // and its columns
     QPointer<FrmStartfenster> start_;
     QTimer timer_;
-    QTimer bildTimer_;              // repaints the previews once a resize has settled
-    std::string strDbVerzeichnis_;  // library directory, no trailing backslash
-    bool booSchreibschutz_ = false;
+    QTimer bildTimer_;  // repaints the previews once a resize has settled
     bool booStartAbbrechen_ = false;
     bool booGeladen_ = false;
     bool booEntladen_ = false;
     bool booEinfuegenLaeuft_ = false;
-    bool booBoxenFuellen_ = false;  // the boxes are being refilled: no click handlers
     std::vector<std::string> zuletztEingefuegt_;
 };
 

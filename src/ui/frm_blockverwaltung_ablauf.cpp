@@ -5,6 +5,7 @@
 #include <QInputDialog>
 #include <QPointer>
 #include <QScreen>
+#include <QSignalBlocker>
 #include <iostream>
 
 #include "authoring/datei_layout.h"
@@ -12,9 +13,10 @@
 #include "cad/block_daten_lesen.h"
 #include "cad/block_einfuegen.h"
 #include "cad/cad_einstellungen.h"
+#include "cad/markierte_auftraege.h"
 #include "captions/beschriftung.h"
 #include "captions/meldungen.h"
-#include "db/jet_opener.h"
+#include "captions/meldungs_nummern.h"
 #include "library/datenbank.h"
 #include "library/schema.h"
 #include "platform/desktop.h"
@@ -25,25 +27,11 @@
 #include "startup/pfade.h"
 #include "ui/beschriften.h"
 #include "ui/frm_blockverwaltung.h"
-#include "ui/frm_blockverwaltung_verwaltung.h"
 #include "ui/frm_startfenster.h"
 #include "ui/sld_blockverwaltung.h"
 #include "ui_frm_blockverwaltung.h"
 
 namespace tessara {
-
-namespace {
-
-// Message numbers of the main window.
-constexpr long kBibliothekNichtOeffnen = 400;
-constexpr long kDateiBeschaedigt = 401;
-constexpr long kDatenbankGesperrt = 402;
-constexpr long kVerzeichnisFehlt = 404;
-constexpr long kCodeTabelleFehlt = 405;
-constexpr long kEinstellungUngueltig = 406;
-constexpr long kKeinBlock = 407;
-
-}  // namespace
 
 void FrmBlockverwaltung::meldenMitPfad(long lngNummer, const std::string& strPfad) {
     fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(lngNummer), MsgboxZeile(strPfad)});
@@ -84,8 +72,9 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
         // when inserting, not before the library is even on screen.
         if (!ACAD_Connect(z_, v_, false, true, lt))
             fctMsgbox(z_, MsgboxArt::Info,
-                      {MsgboxZeile(410L), MsgboxZeile(411L), MsgboxZeile(412L)}, kGruppeAllg,
-                      "AcadVerbindung");
+                      {MsgboxZeile(kMsgKeinHost1), MsgboxZeile(kMsgKeinHost2),
+                       MsgboxZeile(kMsgKeinHost3)},
+                      kGruppeAllg, "AcadVerbindung");
     });
     l.setzen("me.show", [this] { zeigen(); });
     l.setzen("Daten aus Ini-DAtei lesen", [this] {
@@ -95,14 +84,14 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     l.setzen("subAktuelleDatenbankAusRegistrierdatenbank",
              [this] { EintraegeAusRegistrierdatenbank(z_); });
     l.setzen("SetupEinstellungenZuweisen", [this] {
-        SetupEinstellungenZuweisen(z_, setup_);
-        if (fctSetupWerteKorrigieren(setup_))
-            fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kEinstellungUngueltig)});
+        SetupEinstellungenZuweisen(z_, sitzung_.setup());
+        if (fctSetupWerteKorrigieren(sitzung_.setup()))
+            fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kMsgEinstellungUngueltig)});
     });
     l.setzen("nach vorhandener Db suchen", [this] {
         if (!z_.strAktuelleDb.empty() &&
             !fctVerzeichnisExistiert(fctVerzeichnisVon(z_.strAktuelleDb)))
-            meldenMitPfad(kVerzeichnisFehlt, fctVerzeichnisVon(z_.strAktuelleDb));
+            meldenMitPfad(kMsgVerzeichnisFehlt, fctVerzeichnisVon(z_.strAktuelleDb));
     });
     l.setzen(
         "erste Datenbank wird eingebunden",
@@ -129,7 +118,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
         "Db wird neu angelegt",
         [this] {
             if (!Mk_Datenbank(z_, fctKatalogOeffner(z_), z_.strAktuelleDb))
-                meldenMitPfad(kBibliothekNichtOeffnen, z_.strAktuelleDb);
+                meldenMitPfad(kMsgBibliothekNichtOeffnen, z_.strAktuelleDb);
         },
         [this] {
             return !z_.strAktuelleDb.empty() && !fctDateiExistiert(z_.strAktuelleDb) &&
@@ -137,8 +126,8 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
                    !fctReadOnlyMitVerzeichnis(z_, fctVerzeichnisVon(z_.strAktuelleDb));
         });
     l.setzen("setupeinstellungen zuweisen", [this] {
-        subOrdnerAnsichtSetzen(*this);
-        modell_.setAnzahlDerBilder(setup_.longAnzahlDerBilder);
+        ordnerAnsichtSetzen();
+        modell().setAnzahlDerBilder(sitzung_.setup().longAnzahlDerBilder);
     });
     l.setzen("in Ini-Datei abspeichern", [this] { subSpeichernTessaraIniDatei(z_); });
     l.setzen("in Registry abspeichern", [this] {
@@ -163,11 +152,11 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     });
     l.setzen("Ordnernummern einlesen", [this] {
         if (start_) start_->schritt(2, 4, {});
-        if (!modell_.fctCodeTabelleLesen(fctCodeTabelleDatei(z_.strAppPfad)))
-            meldenMitPfad(kCodeTabelleFehlt, fctCodeTabelleDatei(z_.strAppPfad));
+        if (!modell().fctCodeTabelleLesen(fctCodeTabelleDatei(z_.strAppPfad)))
+            meldenMitPfad(kMsgCodetabelle, fctCodeTabelleDatei(z_.strAppPfad));
     });
     l.setzen("Bilderanzahl festlegen",
-             [this] { modell_.setAnzahlDerBilder(setup_.longAnzahlDerBilder); });
+             [this] { modell().setAnzahlDerBilder(sitzung_.setup().longAnzahlDerBilder); });
     l.setzen("Formular auf Grösse Angleichen", [this] {
         const auto g = fctFensterGeometrieLesen(z_);
         const QRect frei = screen() ? screen()->availableGeometry() : QRect();
@@ -176,7 +165,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
         else if (!frei.isNull())  // first start: the designed size, but never past the screen
             resize(std::min(width(), frei.width() * 9 / 10),
                    std::min(height(), frei.height() * 9 / 10));
-        if (g.booPosition && setup_.longFensterpositionSpeichern) {
+        if (g.booPosition && sitzung_.setup().longFensterpositionSpeichern) {
             const QPoint p(g.longCurrentX, g.longCurrentY);
             if (frei.isNull() || frei.adjusted(-50, -50, -100, -100).contains(p)) move(p);
         }
@@ -185,11 +174,10 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
         if (start_) start_->schritt(3, 4, {});
         if (!z_.strAktuelleDb.empty() && fctDateiExistiert(z_.strAktuelleDb))
             bibliothekOeffnen(z_.strAktuelleDb);
-        verzeichnisBoxFuellen();
     });
     l.setzen("Blocknummern einlesen", [] {});  // the first Page was read with the library
-    l.setzen("Werte für die Seite anzeigen", [this] { boxenFuellen(); });
-    l.setzen("Anzeigen aufrufen", [this] { Anzeigen(); });
+    l.setzen("Werte für die Seite anzeigen", [] {});
+    l.setzen("Anzeigen aufrufen", [this] { neuZeichnen(kBibliothekGeaendert); });
     l.setzen("Maske in Position bringen", [this] {
         if (start_) {
             start_->schritt(4, 4, {});
@@ -204,7 +192,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
 void FrmBlockverwaltung::entladeSchritteSetzen() {
     auto& e = entladen_;
     e.setzen("Markierte Bloecke aus Db löschen", [this] {
-        if (modell_.offen() && !booSchreibschutz_) modell_.fctMarkierungenAlleLoeschen();
+        if (modell().offen() && !schreibgeschuetzt()) modell().fctMarkierungenAlleLoeschen();
     });
     e.setzen("longCurrent abspeichern", [this] {
         typFensterGeometrie g;
@@ -213,26 +201,26 @@ void FrmBlockverwaltung::entladeSchritteSetzen() {
         g.longCurrentY = r.y();
         g.lonFrmHeight = r.height();
         g.lonFrmWidth = r.width();
-        setup_.longCurrentX = g.longCurrentX;
-        setup_.longCurrentY = g.longCurrentY;
-        setup_.lonFrmHeight = g.lonFrmHeight;
-        setup_.lonFrmWidth = g.lonFrmWidth;
-        subFensterGeometrieSpeichern(z_, g, setup_.longFensterpositionSpeichern != 0);
+        sitzung_.setup().longCurrentX = g.longCurrentX;
+        sitzung_.setup().longCurrentY = g.longCurrentY;
+        sitzung_.setup().lonFrmHeight = g.lonFrmHeight;
+        sitzung_.setup().lonFrmWidth = g.lonFrmWidth;
+        subFensterGeometrieSpeichern(z_, g, sitzung_.setup().longFensterpositionSpeichern != 0);
     });
     e.setzen("IniDatei speichern", [this] {
         subSpeichernTessaraIniDatei(z_);
-        positionSpeichern();
+        sitzung_.subPositionSpeichern();
     });
     e.setzen("Einträge in die Registry", [this] {
-        setup_.Eintrag1 = z_.strAktuelleDb;
-        setup_.strVerzeichnisVorgabe = z_.strVerzeichnisVorgabe;
-        setup_.strACadVersion = v_.typAcadVersionInfo.strACadVersion;
-        SetupInRegistrierdatenbankSpeichern(z_, setup_);
+        sitzung_.setup().Eintrag1 = z_.strAktuelleDb;
+        sitzung_.setup().strVerzeichnisVorgabe = z_.strVerzeichnisVorgabe;
+        sitzung_.setup().strACadVersion = v_.typAcadVersionInfo.strACadVersion;
+        SetupInRegistrierdatenbankSpeichern(z_, sitzung_.setup());
         subRegistryEintraegeSpeichern(z_);
     });
     e.setzen("Rs schließen", [this] {
         maler_->abbrechen();
-        modell_.subSchliessen();
+        sitzung_.subSchliessen();
     });
     e.setzen("Temp-Verzeichnis löschen", [this] {
         if (fctFolderExist(z_, z_.strCTemp + "TempTessara"))
@@ -248,114 +236,47 @@ void FrmBlockverwaltung::entladen() {
 
 // --- Libraries -------------------------------------------------------------------
 
-void FrmBlockverwaltung::positionSpeichern() {
-    const auto* o = modell_.aktuellerOrdner();
-    if (!modell_.offen() || !o || strDbVerzeichnis_.empty()) return;
-    typDbPosition pos;
-    pos.strAktuelleOrdnerNr = fctOhneBlanks(o->OrdnerNr);
-    pos.s1 = static_cast<std::int16_t>(modell_.intSeite());
-    pos.Pos = modell_.intPosition();
-    subDbPositionSpeichern(z_, strDbVerzeichnis_, pos);
-    setup_.strAktuelleOrdnerNr = pos.strAktuelleOrdnerNr;
-    setup_.strAktuellerOrdnerName = o->OrdnerName;
-    setup_.longAnzahlDerBilder = modell_.longAnzahlDerBilder();
+void FrmBlockverwaltung::oeffnenFehlerMelden(const typOeffnenErgebnis& r) {
+    if (r.ok()) return;
+    std::vector<MsgboxZeile> zeilen{MsgboxZeile(r.lngMeldung), MsgboxZeile(r.strPfad)};
+    if (r.lngGrund) zeilen.emplace_back(r.lngGrund);
+    fctMsgbox(z_, MsgboxArt::Info, zeilen);
 }
 
 bool FrmBlockverwaltung::bibliothekOeffnen(const std::string& strDb) {
-    Prozedur p(z_, "ConnectionUndRecordsetOeffnen", true);
-    positionSpeichern();
     maler_->abbrechen();
-    modell_.subSchliessen();
-    strDbVerzeichnis_.clear();
-    booSchreibschutz_ = false;
-    const std::string dir = fctVerzeichnisVon(strDb);
-    p.step("Verzeichnis prüfen");
-    if (!fctVerzeichnisExistiert(dir)) {
-        meldenMitPfad(kVerzeichnisFehlt, dir);
-        Anzeigen();
-        return false;
-    }
-    if (!fctDateiExistiert(strDb)) {
-        p.step("Db wird neu angelegt");
-        if (fctReadOnlyMitVerzeichnis(z_, dir) || !Mk_Datenbank(z_, fctKatalogOeffner(z_), strDb)) {
-            meldenMitPfad(kBibliothekNichtOeffnen, strDb);
-            Anzeigen();
-            return false;
-        }
-    }
-    p.step("Datenbank öffnen");
-    if (!modell_.fctDatenbankOeffnen(strDb)) {
-        const std::string f = modell_.fehlerText();
-        const long grund =
-            f.find("lock") != std::string::npos ? kDatenbankGesperrt : kDateiBeschaedigt;
-        fctMsgbox(z_, MsgboxArt::Info,
-                  {MsgboxZeile(kBibliothekNichtOeffnen), MsgboxZeile(strDb), MsgboxZeile(grund)});
-        Anzeigen();
-        return false;
-    }
-    strDbVerzeichnis_ = dir;
-    z_.strAktuelleDb = strDb;
-    fctSperrenCmdBeiSchreibschutz();
-    p.step("Ordner aktualisieren");
-    modell_.setAnzahlDerBilder(setup_.longAnzahlDerBilder);
-    modell_.OrdnerInArrayEinlesen();
-    const typDbPosition pos = fctDbPositionLesen(z_, dir);
-    if (pos.strAktuelleOrdnerNr.empty() ||
-        !modell_.fctOrdnerWaehlen(pos.strAktuelleOrdnerNr, std::max<long>(0, pos.s1)))
-        modell_.comboxOrdner_Click(0);
-    modell_.subPositionSetzen(pos.Pos);
-    boxenFuellen();
-    verzeichnisBoxFuellen();
-    Anzeigen();
-    return true;
+    const typOeffnenErgebnis r = sitzung_.fctOeffnen(strDb);
+    oeffnenFehlerMelden(r);
+    neuZeichnen(kBibliothekGeaendert);
+    return r.ok();
 }
 
+// The list's own entries change only on the user's pick (activated), never
+// while it is filled.
 void FrmBlockverwaltung::verzeichnisBoxFuellen() {
-    const bool alt = booBoxenFuellen_;
-    booBoxenFuellen_ = true;
     auto* box = ui_->comboxVerzeichnis;
     box->clear();
-    for (const auto& d : z_.aryDbVerzeichnis) {
-        if (!fctDbEintragGueltig(d)) continue;
+    for (const auto& d : sitzung_.datenbankListe()) {
         box->addItem(QString::fromStdString(fctPfadAuf34ZeichenKuerzen(z_, d)),
                      QString::fromStdString(d));
         box->setItemData(box->count() - 1, QString::fromStdString(d), Qt::ToolTipRole);
-        if (d == strDbVerzeichnis_) box->setCurrentIndex(box->count() - 1);
+        if (d == sitzung_.strDbVerzeichnis()) box->setCurrentIndex(box->count() - 1);
     }
-    booBoxenFuellen_ = alt;
 }
 
 void FrmBlockverwaltung::comboxVerzeichnis_Click(int intIndex) {
-    if (booBoxenFuellen_ || intIndex < 0) return;
+    if (intIndex < 0) return;
     const std::string d = ui_->comboxVerzeichnis->itemData(intIndex).toString().toStdString();
-    if (d.empty() || d == strDbVerzeichnis_) return;
+    if (d.empty() || d == sitzung_.strDbVerzeichnis()) return;
     datenbankWechseln(fctDbDatei(d));
 }
 
 void FrmBlockverwaltung::datenbankWechseln(const std::string& strPfad) {
-    Prozedur p(z_, "comboxVerzeichnis_Click", true);
     ausgabe("Datenbank: " + strPfad);
-    // A handed-over path names the database file or its directory.
-    std::string db = strPfad;
-    std::string endung = db.size() >= 4 ? db.substr(db.size() - 4) : std::string();
-    for (auto& c : endung) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    if (endung != ".mdb") {
-        db = fctDbDatei(fctOhneBackslash(db));
-    }
-    const std::string dir = fctVerzeichnisVon(db);
-    p.step("aryVerzeichnisseDatenbank erweitern");
-    bool bekannt = false;
-    for (const auto& d : z_.aryDbVerzeichnis) bekannt = bekannt || d == dir;
-    if (!bekannt && fctVerzeichnisExistiert(dir)) {
-        if (z_.aryDbVerzeichnis.size() == 1 && !fctDbEintragGueltig(z_.aryDbVerzeichnis[0]))
-            z_.aryDbVerzeichnis[0] = dir;
-        else
-            z_.aryDbVerzeichnis.push_back(dir);
-        subSpeichernTessaraIniDatei(z_);
-    }
-    p.step("Datenbank wechseln");
-    if (bibliothekOeffnen(db)) fctEintrag1Speichern(z_, db);
-    verzeichnisBoxFuellen();
+    maler_->abbrechen();
+    const typOeffnenErgebnis r = sitzung_.fctWechseln(strPfad);
+    oeffnenFehlerMelden(r);
+    neuZeichnen(kBibliothekGeaendert);
 }
 
 // --- Re-entry --------------------------------------------------------------------
@@ -384,13 +305,12 @@ void FrmBlockverwaltung::blockAnfrageAusfuehren() {
     Prozedur p(z_, "blockAnfrageAusfuehren", true);
     ausgabe("Blockanfrage: " + z_.strUebergabeBlock + ";" + z_.strUebergabeVariante);
     const std::string nr = z_.strUebergabeBlock;
-    if (nr.size() < 4 || !modell_.fctAufOrdnerUndSeiteSpringen(nr.substr(0, 3), nr)) {
-        fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kKeinBlock), MsgboxZeile(nr)}, kGruppeAllg,
+    if (nr.size() < 4 || !modell().fctAufOrdnerUndSeiteSpringen(nr.substr(0, 3), nr)) {
+        fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kMsgKeinBlock), MsgboxZeile(nr)}, kGruppeAllg,
                   "KeinBlock");
         return;
     }
-    boxenFuellen();
-    Anzeigen();
+    neuZeichnen(kBoxenGeaendert | kSeiteGeaendert);
     cmbEinfuegen_Click();
 }
 
@@ -399,80 +319,57 @@ void FrmBlockverwaltung::blockAnfrageAusfuehren() {
 // The check boxes and the setup values they start from stay in step: a box
 // the user ticks is the option of the next insertion and is saved on closing.
 std::vector<std::int32_t*> FrmBlockverwaltung::einfuegeSchalter() {
-    return {&setup_.longBlockAusBibliothek,    &setup_.longAbfrageXFaktor,
-            &setup_.longAbfrageYFaktor,        &setup_.longAbfrageZFaktor,
-            &setup_.longAbfrageEinfuegewinkel, &setup_.longAbfrageAttributeBeimEinfuegen,
-            &setup_.longUrsprungBeimEinfuegen, &setup_.longReihe,
-            &setup_.longMehrfacheinfuegen,     &setup_.longBruchFrage};
+    return {&sitzung_.setup().longBlockAusBibliothek,
+            &sitzung_.setup().longAbfrageXFaktor,
+            &sitzung_.setup().longAbfrageYFaktor,
+            &sitzung_.setup().longAbfrageZFaktor,
+            &sitzung_.setup().longAbfrageEinfuegewinkel,
+            &sitzung_.setup().longAbfrageAttributeBeimEinfuegen,
+            &sitzung_.setup().longUrsprungBeimEinfuegen,
+            &sitzung_.setup().longReihe,
+            &sitzung_.setup().longMehrfacheinfuegen,
+            &sitzung_.setup().longBruchFrage};
 }
 
 void FrmBlockverwaltung::einfuegeOptionenZeigen() {
-    const bool alt = booBoxenFuellen_;
-    booBoxenFuellen_ = true;
     const auto boxen = fraEinfuegenBoxen();
     const auto werte = einfuegeSchalter();
-    for (std::size_t i = 0; i < boxen.size(); ++i) boxen[i]->setChecked(*werte[i] == 1);
-    booBoxenFuellen_ = alt;
+    for (std::size_t i = 0; i < boxen.size(); ++i) {
+        const QSignalBlocker still(boxen[i]);
+        boxen[i]->setChecked(*werte[i] == 1);
+    }
 }
 
 void FrmBlockverwaltung::einfuegeOptionenUebernehmen() {
-    if (booBoxenFuellen_) return;
     const auto boxen = fraEinfuegenBoxen();
     const auto werte = einfuegeSchalter();
     for (std::size_t i = 0; i < boxen.size(); ++i) *werte[i] = boxen[i]->isChecked() ? 1 : 0;
 }
 
-std::vector<typEinfuegeAuftrag> FrmBlockverwaltung::markierteAuftraege() {
-    std::vector<typEinfuegeAuftrag> auftraege;
-    db::Recordset& m = modell_.datenbank().rsMarkierteBloecke;
-    if (m.state() != db::adStateOpen || m.recordCount() < 1) return auftraege;
-    m.moveFirst();
-    while (!m.eof()) {
-        const std::string nr = m.text("BlockNr");
-        db::Recordset rs;
-        rs.open(
-            "SELECT Nr, Block, OrdnerID,  SlideLib, BlkName0, M0, M1, M2, M3, M4, M5, M6, M7, M8, "
-            "M9, AX1, AX2, "
-            "AX3, AX4, LAYER, LYCOLOR, LYLINE FROM tblBlockInfo WHERE Block LIKE '" +
-                nr + "'",
-            modell_.datenbank().con);
-        if (rs.recordCount() > 0) {
-            typEinfuegeAuftrag a;
-            a.block = fctBlockDatenAusRs(rs);
-            const auto ansicht = m.value("MarkierteAnsicht");
-            const auto punkt = m.value("NummerEinfuegepkt");
-            a.ansicht = ansicht.isNull() ? 0 : std::clamp(static_cast<int>(ansicht.asInt()), 0, 4);
-            a.nummerEinfuegepkt =
-                punkt.isNull() || punkt.asInt() < 1 ? 1 : static_cast<int>(punkt.asInt());
-            auftraege.push_back(std::move(a));
-        }
-        m.moveNext();
-    }
-    return auftraege;
-}
-
 void FrmBlockverwaltung::cmbEinfuegen_Click() {
     Prozedur p(z_, "cmbEinfuegen_Click", true);
-    if (booEinfuegenLaeuft_ || !modell_.offen()) return;
+    if (booEinfuegenLaeuft_ || !modell().offen()) return;
     p.geschuetzt([&] {
         // Marking is active when the selected slot is one of the marked
         // blocks: then the marked blocks go in one after another. An
         // unmarked slot inserts itself alone, however many others are marked.
         p.step("markieren von Blöcken");
-        const auto& belegung = modell_.seitenSlots();
-        const int pos = modell_.intPosition();
+        const auto& belegung = modell().seitenSlots();
+        const int pos = modell().intPosition();
         const bool slotMarkiert =
             pos >= 0 && pos < static_cast<int>(belegung.size()) && belegung[pos].booMarkiert;
-        auto auftraege = slotMarkiert ? markierteAuftraege() : std::vector<typEinfuegeAuftrag>{};
+        auto auftraege = slotMarkiert ? fctMarkierteAuftraege(modell().datenbank())
+                                      : std::vector<typEinfuegeAuftrag>{};
         const bool markiert = !auftraege.empty();
         if (!markiert) {
             p.step("BlockSuche in rsBlockInfo0");
-            if (!modell_.fctBlockSuchen(modell_.intPosition())) {
-                fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kKeinBlock)}, kGruppeAllg, "KeinBlock");
+            if (!modell().fctBlockSuchen(modell().intPosition())) {
+                fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kMsgKeinBlock)}, kGruppeAllg,
+                          "KeinBlock");
                 return;
             }
             typEinfuegeAuftrag a;
-            a.block = fctBlockDatenAusRs(modell_.datenbank().rsBlockInfo0);
+            a.block = fctBlockDatenAusRs(modell().datenbank().rsBlockInfo0);
             auftraege.push_back(std::move(a));
         }
         einfuegen(std::move(auftraege), markiert);
@@ -502,19 +399,20 @@ bool FrmBlockverwaltung::einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bo
         bool lt = false;
         if (!ACAD_Connect(z_, v_, false, true, lt)) {
             fctMsgbox(z_, MsgboxArt::Info,
-                      {MsgboxZeile(410L), MsgboxZeile(411L), MsgboxZeile(412L)}, kGruppeAllg,
-                      "AcadVerbindung");
+                      {MsgboxZeile(kMsgKeinHost1), MsgboxZeile(kMsgKeinHost2),
+                       MsgboxZeile(kMsgKeinHost3)},
+                      kGruppeAllg, "AcadVerbindung");
             return false;
         }
     }
     EinfuegeAnfrage a;
-    a.strBibliothek = modell_.strBasisVerzeichnis();
+    a.strBibliothek = modell().strBasisVerzeichnis();
     a.strLspVerzeichnis = z_.strCTemp + "TempTessara\\";
     a.strKopieVerzeichnis = z_.strCTemp;
     a.auftraege = std::move(auftraege);
     a.booMarkiert = booMarkiert;
     a.variantenAuswahl = variantenAuswahl;
-    a.optionen = fctEinfuegeOptionenAusSetup(setup_);
+    a.optionen = fctEinfuegeOptionenAusSetup(sitzung_.setup());
 
     booEinfuegenLaeuft_ = true;
     ui_->cmbEinfuegen->setEnabled(false);
@@ -522,18 +420,13 @@ bool FrmBlockverwaltung::einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bo
     ui_->cmbEinfuegen->setEnabled(true);
     booEinfuegenLaeuft_ = false;
 
-    if (r.booMarkierenAus && !booSchreibschutz_) {
+    if (r.booMarkierenAus && !schreibgeschuetzt()) {
         p.step("markierte Blöcke aus Rs löschen");
-        db::Recordset& m = modell_.datenbank().rsMarkierteBloecke;
-        for (const auto& nr : r.erledigteBloecke) {
-            if (m.state() != db::adStateOpen || m.recordCount() < 1) break;
-            m.moveFirst();
-            if (m.find("BlockNr LIKE '" + nr + "'")) m.deleteCurrent();
-        }
-        modell_.subSeiteNeuAnzeigen();
-        Anzeigen();
+        subMarkierteLoeschen(modell().datenbank(), r.erledigteBloecke);
+        modell().subSeiteNeuAnzeigen();
+        neuZeichnen(kSeiteGeaendert);
     }
-    if (setup_.longTessaraAnzeigenNachEinfuegen == 1) zeigen();
+    if (sitzung_.setup().longTessaraAnzeigenNachEinfuegen == 1) zeigen();
     zuletztEingefuegt_ = r.erledigteBloecke;
     emit einfuegungBeendet(r.eingefuegt);
     if (r.booProgrammEnde) close();

@@ -5,12 +5,12 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "library/bibliothek_sitzung.h"
 #include "search/such_kriterien_datei.h"
 #include "startup/einstellungen.h"
 #include "startup/fehler_log.h"
 #include "ui/beschriften.h"
 #include "ui/frm_suchergebnis.h"
-#include "ui/such_aktionen.h"
 #include "ui_frm_datenbank_suche.h"
 
 namespace tessara {
@@ -21,15 +21,15 @@ constexpr const char* kDirektEinfuegen = "DirektEinfuegen";
 
 }  // namespace
 
-FrmDatenbankSuche::FrmDatenbankSuche(FrmBlockverwaltung& haupt)
-    : QDialog(&haupt), haupt_(haupt), ui_(std::make_unique<Ui::frmDatenbankSuche>()) {
+FrmDatenbankSuche::FrmDatenbankSuche(FensterKontext k, QWidget* eltern)
+    : QDialog(eltern), k_(k), ui_(std::make_unique<Ui::frmDatenbankSuche>()) {
     ui_->setupUi(this);
     for (int i = 0; i < kSuchOperatoren; ++i) {
         for (const auto& o : fctSuchOperatoren()) op(i)->addItem(QString::fromStdString(o));
         op(i)->setCurrentIndex(-1);
     }
     for (int i = 0; i < kSuchFelder; ++i) lab(i)->setBuddy(txt(i));
-    ProgrammZustand& z = haupt_.zustand();
+    ProgrammZustand& z = k_.z;
     ui_->checkDirektEinfuegen->setChecked(
         fctBoolWert(IniGetValue(z, z.strIniDatei, kAllgemeineDaten, kDirektEinfuegen)));
     connect(ui_->cmbSuchen, &QPushButton::clicked, this, [this] { cmbSuchen_Click(); });
@@ -52,11 +52,11 @@ QLabel* FrmDatenbankSuche::lab(int i) const {
 }
 
 void FrmDatenbankSuche::frmDatenbankSucheBeschriften() {
-    ProgrammZustand& z = haupt_.zustand();
+    ProgrammZustand& z = k_.z;
     ui::subFormularBeschriften(z, this);
-    const auto* o = haupt_.modell().aktuellerOrdner();
-    if (!o || !haupt_.modell().offen()) return;
-    const auto b = fctSuchBeschriftungen(z, haupt_.modell().datenbank().con, o->OrdnerNr);
+    const auto* o = k_.sitzung.modell().aktuellerOrdner();
+    if (!o || !k_.sitzung.modell().offen()) return;
+    const auto b = fctSuchBeschriftungen(z, k_.sitzung.modell().datenbank().con, o->OrdnerNr);
     for (int i = 0; i < 10; ++i)
         if (!b[i].empty()) lab(i)->setText(QString::fromStdString(b[i]));
 }
@@ -93,30 +93,30 @@ void FrmDatenbankSuche::cmbLeeren_Click() {
 }
 
 void FrmDatenbankSuche::cmbLaden_Click() {
-    ProgrammZustand& z = haupt_.zustand();
+    ProgrammZustand& z = k_.z;
     if (!z.benutzer) return;
     typSuchKriterien k = kriterien();
     if (fctKriterienLaden(z, *z.benutzer, k)) setKriterien(k);
 }
 
 void FrmDatenbankSuche::combutDatei_Click() {
-    ProgrammZustand& z = haupt_.zustand();
+    ProgrammZustand& z = k_.z;
     if (!z.benutzer) return;
     fctKriterienSpeichern(z, *z.benutzer, kriterien());
 }
 
 void FrmDatenbankSuche::cmbSuchen_Click() {
-    ProgrammZustand& z = haupt_.zustand();
-    auto& m = haupt_.modell();
+    ProgrammZustand& z = k_.z;
+    auto& m = k_.sitzung.modell();
     if (!m.offen()) return;
     const auto* o = m.aktuellerOrdner();
     const typSuchAusgang a =
         fctDatenbankSuchen(z, m.datenbank().con, kriterien(), z.strTblBlockInfo, o ? o->Nr : 0);
     if (a.ergebnis == SuchErgebnis::Einfuegen) {
-        ui::fctBlockEinfuegen(haupt_, a.treffer.front().Block);
+        k_.aktionen.blockEinfuegen(a.treffer.front().Block);
     } else if (a.ergebnis == SuchErgebnis::Anzeigen) {
         if (ergebnis_) ergebnis_->close();
-        ergebnis_ = new FrmSuchergebnis(haupt_, a.treffer);
+        ergebnis_ = new FrmSuchergebnis(k_, a.treffer, parentWidget());
         ergebnis_->setAttribute(Qt::WA_DeleteOnClose);
         ergebnis_->show();
     }

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "search/datenbank_suche.h"
-#include "ui/frm_blockverwaltung.h"
+#include "ui/block_aktionen.h"
 #include "ui/frm_suchergebnis.h"
 
 namespace Ui {
@@ -23,7 +23,7 @@ namespace tessara {
 class FrmDatenbankSuche : public QDialog {
     Q_OBJECT
   public:
-    explicit FrmDatenbankSuche(FrmBlockverwaltung& haupt);
+    FrmDatenbankSuche(FensterKontext k, QWidget* eltern);
     ~FrmDatenbankSuche() override;
 
     // Captions from the caption files, then the field labels from the
@@ -49,7 +49,7 @@ class FrmDatenbankSuche : public QDialog {
     QComboBox* op(int i) const;
     QLabel* lab(int i) const;
 
-    FrmBlockverwaltung& haupt_;
+    FensterKontext k_;
     std::unique_ptr<Ui::frmDatenbankSuche> ui_;
     QPointer<FrmSuchergebnis> ergebnis_;
 };

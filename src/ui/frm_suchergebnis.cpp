@@ -9,9 +9,9 @@
 #include <QVBoxLayout>
 #include <map>
 
+#include "library/bibliothek_sitzung.h"
 #include "startup/fehler_log.h"
 #include "ui/beschriften.h"
-#include "ui/such_aktionen.h"
 
 namespace tessara {
 
@@ -38,8 +38,9 @@ QString q(const std::string& s) { return QString::fromStdString(s); }
 
 }  // namespace
 
-FrmSuchergebnis::FrmSuchergebnis(FrmBlockverwaltung& haupt, std::vector<typSuchTreffer> treffer)
-    : QDialog(&haupt), haupt_(haupt), treffer_(std::move(treffer)), maler_(haupt.vorschau()) {
+FrmSuchergebnis::FrmSuchergebnis(FensterKontext k, std::vector<typSuchTreffer> treffer,
+                                 QWidget* eltern)
+    : QDialog(eltern), k_(k), treffer_(std::move(treffer)), maler_(k.vorschau) {
     setObjectName(QString::fromLatin1(kForm));
     auto* layout = new QVBoxLayout(this);
     labTreffer_ = new QLabel(this);
@@ -71,7 +72,7 @@ FrmSuchergebnis::FrmSuchergebnis(FrmBlockverwaltung& haupt, std::vector<typSuchT
     knoepfe->addWidget(schliessen);
     layout->addLayout(knoepfe);
 
-    ProgrammZustand& z = haupt_.zustand();
+    ProgrammZustand& z = k_.z;
     ui::subFormularBeschriften(z, this);
     const QString form = QString::fromLatin1(kForm);
     QStringList koepfe;
@@ -101,22 +102,13 @@ FrmSuchergebnis::FrmSuchergebnis(FrmBlockverwaltung& haupt, std::vector<typSuchT
 FrmSuchergebnis::~FrmSuchergebnis() { maler_.abbrechen(); }
 
 void FrmSuchergebnis::fuellen() {
-    ProgrammZustand& z = haupt_.zustand();
-    Prozedur p(z, "SuchergebnisAnzeigen", true);
-    auto& m = haupt_.modell();
+    Prozedur p(k_.z, "SuchergebnisAnzeigen", true);
+    auto& m = k_.sitzung.modell();
     // Page names by Folder and Page number, read once for all hits.
     std::map<std::pair<long, long>, std::string> seitenNamen;
     p.geschuetztNurLog([&] {
         p.step("Seiten lesen");
-        db::Recordset rs;
-        rs.open("SELECT NrTblOrdner, SeitenNr, SeitenName FROM tblSeiten", m.datenbank().con);
-        if (rs.recordCount() > 0)
-            for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
-                const auto o = rs.value("NrTblOrdner"), s = rs.value("SeitenNr");
-                if (!o.isNull() && !s.isNull())
-                    seitenNamen[{static_cast<long>(o.asInt()), static_cast<long>(s.asInt())}] =
-                        rs.text("SeitenName");
-            }
+        seitenNamen = fctSeitenNamenLesen(m.datenbank().con);
     });
     grid_->setSortingEnabled(false);
     grid_->setRowCount(static_cast<int>(treffer_.size()));
@@ -160,7 +152,7 @@ void FrmSuchergebnis::fuellen() {
         grid_->setItem(i, Ansichten, new Eintrag(ansichten.join(QStringLiteral(", "))));
         grid_->setItem(i, Benennung, new Eintrag(q(t.M0)));
         vorschau_.push_back(vorschau);
-        bilder << ui::fctVorschauName(haupt_, t.SlideLib);
+        bilder << ui::fctVorschauName(k_.sitzung, t.SlideLib);
     }
     grid_->setSortingEnabled(true);
     grid_->sortByColumn(Blocknummer, Qt::AscendingOrder);
@@ -179,12 +171,12 @@ const typSuchTreffer* FrmSuchergebnis::trefferInZeile(int zeile) const {
 
 bool FrmSuchergebnis::cmdSpringen_Click() {
     const auto* t = trefferInZeile(grid_->currentRow());
-    return t && ui::fctZumBlockSpringen(haupt_, t->Block);
+    return t && k_.aktionen.zumBlockSpringen(t->Block);
 }
 
 bool FrmSuchergebnis::cmbEinfuegen_Click() {
     const auto* t = trefferInZeile(grid_->currentRow());
-    return t && ui::fctBlockEinfuegen(haupt_, t->Block);
+    return t && k_.aktionen.blockEinfuegen(t->Block);
 }
 
 bool FrmSuchergebnis::eventFilter(QObject* o, QEvent* e) {

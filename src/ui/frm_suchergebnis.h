@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "search/datenbank_suche.h"
-#include "ui/frm_blockverwaltung.h"
+#include "ui/block_aktionen.h"
 #include "ui/slide_page_painter.h"
 
 class QTableWidget;
@@ -19,7 +19,7 @@ namespace tessara {
 class FrmSuchergebnis : public QDialog {
     Q_OBJECT
   public:
-    FrmSuchergebnis(FrmBlockverwaltung& haupt, std::vector<typSuchTreffer> treffer);
+    FrmSuchergebnis(FensterKontext k, std::vector<typSuchTreffer> treffer, QWidget* eltern);
     ~FrmSuchergebnis() override;
 
     QTableWidget* DataGrid1() const { return grid_; }
@@ -39,7 +39,7 @@ class FrmSuchergebnis : public QDialog {
   private:
     void fuellen();
 
-    FrmBlockverwaltung& haupt_;
+    FensterKontext k_;
     std::vector<typSuchTreffer> treffer_;
     QTableWidget* grid_ = nullptr;
     QLabel* labTreffer_ = nullptr;

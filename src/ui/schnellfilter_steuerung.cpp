@@ -9,12 +9,9 @@
 #include <QVBoxLayout>
 #include <QtConcurrent/QtConcurrentRun>
 
-#include "db/jet_opener.h"
-#include "library/datenbank.h"
-#include "platform/environment.h"
+#include "library/bibliothek_sitzung.h"
 #include "startup/fehler_log.h"
 #include "ui/beschriften.h"
-#include "ui/such_aktionen.h"
 
 namespace tessara {
 
@@ -22,8 +19,8 @@ namespace {
 QString q(const std::string& s) { return QString::fromStdString(s); }
 }  // namespace
 
-SchnellfilterSteuerung::SchnellfilterSteuerung(FrmBlockverwaltung& haupt, QWidget* flaeche)
-    : QObject(&haupt), haupt_(haupt), abbruch_(std::make_shared<std::atomic<bool>>(false)) {
+SchnellfilterSteuerung::SchnellfilterSteuerung(FensterKontext k, QWidget* flaeche)
+    : QObject(flaeche), k_(k), abbruch_(std::make_shared<std::atomic<bool>>(false)) {
     setObjectName(QStringLiteral("schnellfilterSteuerung"));
     // One scan at a time: a cancelled scan stops within a few hundred rows,
     // and the next one waits for that only.
@@ -66,7 +63,7 @@ SchnellfilterSteuerung::SchnellfilterSteuerung(FrmBlockverwaltung& haupt, QWidge
         const std::string db = strGelesen_;
         strGelesen_.clear();
         if (!g.zeilen) {
-            subErrorAllgemein(haupt_.zustand(), true, "Schnellsuche: " + db + ": " + g.fehler, 0);
+            subErrorAllgemein(k_.z, true, "Schnellsuche: " + db + ": " + g.fehler, 0);
             return;
         }
         setSchnappschuss(std::move(g.zeilen), db);
@@ -114,7 +111,7 @@ void SchnellfilterSteuerung::textGeaendert() {
         anzahl_->clear();
         return;
     }
-    const std::string db = haupt_.modell().strDatenbank();
+    const std::string db = k_.sitzung.modell().strDatenbank();
     if (!zeilen_ || strDb_ != db) {
         // The scan follows once the library's rows are read.
         abbruch_->store(true);
@@ -127,15 +124,13 @@ void SchnellfilterSteuerung::textGeaendert() {
 }
 
 void SchnellfilterSteuerung::schnappschussLesen() {
-    const std::string db = haupt_.modell().strDatenbank();
+    const std::string db = k_.sitzung.modell().strDatenbank();
     if (db.empty() || lesen_.isRunning()) return;
     strGelesen_ = db;
-    const std::string tabelle = haupt_.zustand().strTblBlockInfo;
+    const std::string tabelle = k_.z.strTblBlockInfo;
     lesen_.setFuture(QtConcurrent::run([db, tabelle]() -> Gelesen {
         try {
-            db::Connection con(db::jetOpener(platform::nativePath));
-            con.open(fctJetVerbindung(db));
-            return {fctSchnellSchnappschussLesen(con, tabelle), {}};
+            return {fctSchnellSchnappschussLesen(db, tabelle), {}};
         } catch (const std::exception& e) {
             return {nullptr, e.what()};
         }
@@ -189,7 +184,7 @@ void SchnellfilterSteuerung::scanStarten() {
 }
 
 void SchnellfilterSteuerung::anzahlZeigen() {
-    QString format = ui::fctText(haupt_.zustand(), QStringLiteral("frmBlockverwaltung"),
+    QString format = ui::fctText(k_.z, QStringLiteral("frmBlockverwaltung"),
                                  QStringLiteral("labSchnellfilterTreffer"));
     if (!format.contains(QLatin1String("%1"))) format = QStringLiteral("%1");
     anzahl_->setText(format.arg(gesamt_) + (laeuft_ ? QStringLiteral(" …") : QString()));
@@ -204,12 +199,12 @@ const typSchnellZeile* SchnellfilterSteuerung::zeile(int listenZeile) const {
 
 bool SchnellfilterSteuerung::springen(int listenZeile) {
     const auto* z = zeile(listenZeile);
-    return z && ui::fctZumBlockSpringen(haupt_, z->Block);
+    return z && k_.aktionen.zumBlockSpringen(z->Block);
 }
 
 bool SchnellfilterSteuerung::einfuegen(int listenZeile) {
     const auto* z = zeile(listenZeile);
-    return z && ui::fctBlockEinfuegen(haupt_, z->Block);
+    return z && k_.aktionen.blockEinfuegen(z->Block);
 }
 
 }  // namespace tessara

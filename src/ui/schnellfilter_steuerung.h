@@ -14,7 +14,7 @@
 #include <string>
 
 #include "search/schnellfilter.h"
-#include "ui/frm_blockverwaltung.h"
+#include "ui/block_aktionen.h"
 
 class QLabel;
 class QLineEdit;
@@ -28,7 +28,7 @@ class SchnellfilterSteuerung : public QObject {
     Q_OBJECT
   public:
     // Builds the widgets into `flaeche` (the side bar's part for them).
-    SchnellfilterSteuerung(FrmBlockverwaltung& haupt, QWidget* flaeche);
+    SchnellfilterSteuerung(FensterKontext k, QWidget* flaeche);
     ~SchnellfilterSteuerung() override;
 
     // The list shows at most this many hits; the count says how many there are.
@@ -61,7 +61,7 @@ class SchnellfilterSteuerung : public QObject {
     void anzahlZeigen();
     const typSchnellZeile* zeile(int listenZeile) const;
 
-    FrmBlockverwaltung& haupt_;
+    FensterKontext k_;
     QLineEdit* txt_ = nullptr;
     QListWidget* lis_ = nullptr;
     QLabel* anzahl_ = nullptr;

@@ -6,10 +6,10 @@
 #include <QVBoxLayout>
 #include <map>
 
+#include "library/bibliothek_sitzung.h"
 #include "search/zuletzt_eingefuegt.h"
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
-#include "ui/such_aktionen.h"
 
 namespace tessara {
 
@@ -21,8 +21,8 @@ QString q(const std::string& s) { return QString::fromStdString(s); }
 
 }  // namespace
 
-ZuletztSteuerung::ZuletztSteuerung(FrmBlockverwaltung& haupt, QWidget* flaeche)
-    : QObject(&haupt), haupt_(haupt), maler_(haupt.vorschau()) {
+ZuletztSteuerung::ZuletztSteuerung(FensterKontext k, QWidget* flaeche)
+    : QObject(flaeche), k_(k), maler_(k.vorschau) {
     setObjectName(QStringLiteral("zuletztSteuerung"));
     auto* layout = new QVBoxLayout(flaeche);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -39,10 +39,10 @@ ZuletztSteuerung::ZuletztSteuerung(FrmBlockverwaltung& haupt, QWidget* flaeche)
     lis_->installEventFilter(this);
     connect(lis_, &QListWidget::itemClicked, this,
             [this](QListWidgetItem* it) { einfuegen(lis_->row(it)); });
-    connect(&haupt_, &FrmBlockverwaltung::einfuegungBeendet, this,
+    connect(&k_.aktionen, &BlockAktionen::einfuegungBeendet, this,
             [this](int n) { nachEinfuegung(n); });
     // A library opened or switched: its own list.
-    connect(&haupt_, &FrmBlockverwaltung::seiteGemalt, this, [this] { bibliothekPruefen(); });
+    connect(&k_.aktionen, &BlockAktionen::seiteGemalt, this, [this] { bibliothekPruefen(); });
     connect(&maler_, &ui::DiaMaler::bildFertig, this, [this](int gen, int i, const QImage& b) {
         if (gen == maler_.generation() && lis_->item(i))
             lis_->item(i)->setIcon(QIcon(QPixmap::fromImage(b)));
@@ -68,63 +68,53 @@ bool ZuletztSteuerung::eventFilter(QObject* o, QEvent* e) {
 }
 
 void ZuletztSteuerung::bibliothekPruefen() {
-    const std::string db = haupt_.modell().offen() ? haupt_.modell().strDatenbank() : std::string();
+    const auto& m = k_.sitzung.modell();
+    const std::string db = m.offen() ? m.strDatenbank() : std::string();
     if (db == strDb_) return;
     strDb_ = db;
-    liste_ = db.empty() ? std::vector<std::string>()
-                        : fctZuletztLesen(haupt_.zustand(), fctVerzeichnisVon(db));
+    liste_ = db.empty() ? std::vector<std::string>() : fctZuletztLesen(k_.z, fctVerzeichnisVon(db));
     zeigen();
 }
 
 void ZuletztSteuerung::nachEinfuegung(int eingefuegt) {
     bibliothekPruefen();
-    if (eingefuegt <= 0 || strDb_.empty() || haupt_.zuletztEingefuegt().empty()) return;
-    liste_ = fctZuletztErgaenzen(liste_, haupt_.zuletztEingefuegt());
-    fctZuletztSpeichern(haupt_.zustand(), fctVerzeichnisVon(strDb_), liste_);
+    const auto& neu = k_.aktionen.zuletztEingefuegt();
+    if (eingefuegt <= 0 || strDb_.empty() || neu.empty()) return;
+    liste_ = fctZuletztErgaenzen(liste_, neu);
+    fctZuletztSpeichern(k_.z, fctVerzeichnisVon(strDb_), liste_);
     zeigen();
 }
 
 void ZuletztSteuerung::zeigen() {
-    ProgrammZustand& z = haupt_.zustand();
-    Prozedur p(z, "ZuletztAnzeigen", true);
+    Prozedur p(k_.z, "ZuletztAnzeigen", true);
     lis_->clear();
-    if (liste_.empty() || !haupt_.modell().offen()) {
+    if (liste_.empty() || !k_.sitzung.modell().offen()) {
         maler_.abbrechen();
         emit listeGezeigt();
         return;
     }
-    // Slide and name of every block of the list, in one statement.
-    std::map<std::string, std::pair<std::string, std::string>> daten;
-    std::string bedingung;
-    for (const auto& nr : liste_)
-        if (nr.find('\'') == std::string::npos)
-            bedingung += (bedingung.empty() ? "" : " OR ") + std::string("Block = '") + nr + "'";
+    std::map<std::string, typZuletztBlock> daten;
     p.geschuetztNurLog([&] {
         p.step("Blöcke lesen");
-        db::Recordset rs;
-        if (!bedingung.empty())
-            rs.open("SELECT Block, SlideLib, M0 FROM tblBlockInfo WHERE " + bedingung,
-                    haupt_.modell().datenbank().con);
-        if (rs.state() == db::adStateOpen && rs.recordCount() > 0)
-            for (rs.moveFirst(); !rs.eof(); rs.moveNext())
-                daten[rs.text("Block")] = {rs.text("SlideLib"), rs.text("M0")};
+        daten = fctZuletztBloeckeLesen(k_.sitzung.modell().datenbank().con, liste_);
     });
     QStringList bilder;
     for (const auto& nr : liste_) {
         const auto it = daten.find(nr);
-        const std::string name = it == daten.end() ? std::string() : it->second.second;
+        const std::string name = it == daten.end() ? std::string() : it->second.M0;
         auto* eintrag =
             new QListWidgetItem(q(nr) + (name.empty() ? QString() : "  " + q(name)), lis_);
         eintrag->setData(Qt::UserRole, q(nr));
         eintrag->setToolTip(eintrag->text());
-        bilder << (it == daten.end() ? QString() : ui::fctVorschauName(haupt_, it->second.first));
+        bilder << (it == daten.end() ? QString()
+                                     : ui::fctVorschauName(k_.sitzung, it->second.SlideLib));
     }
     maler_.seiteAnfordern(bilder, kBild, ui::DiaHintergrund::Dunkel);
 }
 
 bool ZuletztSteuerung::einfuegen(int zeile) {
     const QListWidgetItem* it = lis_->item(zeile);
-    return it && ui::fctBlockEinfuegen(haupt_, it->data(Qt::UserRole).toString().toStdString());
+    return it && k_.aktionen.blockEinfuegen(it->data(Qt::UserRole).toString().toStdString());
 }
 
 }  // namespace tessara

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "ui/frm_blockverwaltung.h"
+#include "ui/block_aktionen.h"
 #include "ui/slide_page_painter.h"
 
 class QListWidget;
@@ -17,7 +17,7 @@ namespace tessara {
 class ZuletztSteuerung : public QObject {
     Q_OBJECT
   public:
-    ZuletztSteuerung(FrmBlockverwaltung& haupt, QWidget* flaeche);
+    ZuletztSteuerung(FensterKontext k, QWidget* flaeche);
     ~ZuletztSteuerung() override;
 
     const std::vector<std::string>& liste() const { return liste_; }
@@ -36,7 +36,7 @@ class ZuletztSteuerung : public QObject {
     void nachEinfuegung(int eingefuegt);
     void zeigen();
 
-    FrmBlockverwaltung& haupt_;
+    FensterKontext k_;
     QListWidget* lis_ = nullptr;
     ui::DiaMaler maler_;
     std::string strDb_;

@@ -13,6 +13,7 @@
 #include "cad/block_einfuegen.h"
 #include "cad/cad_einstellungen.h"
 #include "cad_umgebung.h"
+#include "library/navigation_model.h"
 
 namespace tessara::test {
 namespace {
@@ -57,7 +58,7 @@ TEST_F(EinfuegeTexte, GleichDenGoldenenDateien) {
         ausdruecke += f + (" " + fctInsertAusdruck("Ventil=c:\\B\\0010A0.dwg", optionen(f))) + "\n";
     }
     const std::pair<std::string, std::string> faelle[] = {
-        {"abfrage.txt", zeilen({fctSqlBlockInfoEinfuegen(), fctKriteriumBlockSuche("0010A")})},
+        {"abfrage.txt", zeilen({fctSqlBlockInfo(), fctKriteriumBlockSuche("0010A")})},
         {"pfade.txt", zeilen({fctZeichnungsPfad("c:\\Bib\\", "001", "0010A", 0),
                               fctZeichnungsPfad("c:\\Bib\\", "001", "0010A", 3),
                               fctVariantenZeichnungsPfad("c:\\Bib\\", "001", "Var7", 1),

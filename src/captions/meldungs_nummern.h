@@ -1,0 +1,19 @@
+#pragma once
+// The numbers of the messages the main window and the library session show,
+// each defined once; their texts are in the message files.
+namespace tessara {
+
+inline constexpr long kMsgBibliothekNichtOeffnen = 400;  // then the path, then the reason
+inline constexpr long kMsgDateiBeschaedigt = 401;
+inline constexpr long kMsgDatenbankGesperrt = 402;
+inline constexpr long kMsgVerzeichnisFehlt = 404;
+inline constexpr long kMsgCodetabelle = 405;
+inline constexpr long kMsgEinstellungUngueltig = 406;
+inline constexpr long kMsgKeinBlock = 407;
+inline constexpr long kMsgTessaraBeenden = 408;
+// No CAD host found: three lines.
+inline constexpr long kMsgKeinHost1 = 410;
+inline constexpr long kMsgKeinHost2 = 411;
+inline constexpr long kMsgKeinHost3 = 412;
+
+}  // namespace tessara

@@ -1,0 +1,97 @@
+#pragma once
+// The open library as the main window shows it: which database is open, the
+// list of library directories, whether the library may be changed, where the
+// user stood in it, and the navigation model of its Folders, Pages and slots.
+//
+// Notes on the design:
+// - The window asks the session and redraws from what an operation answers
+//   (typAenderung), in one place; the session never draws and never asks.
+// - A failure is told by a message number (typOeffnenErgebnis), decided from
+//   the engine's error number, never from the wording of an error text.
+// - The position of a library (Folder code, Page, slot) is saved whenever the
+//   session leaves it: on a switch and on closing.
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "captions/meldungs_nummern.h"
+#include "library/navigation_model.h"
+#include "startup/programm_zustand.h"
+#include "startup/registry_werte.h"
+
+namespace tessara {
+
+// What an operation changed, for the window to redraw; flags combine.
+enum typAenderung : unsigned {
+    kNichtsGeaendert = 0,
+    kPositionGeaendert = 1,    // the selected slot
+    kSeiteGeaendert = 2,       // the slots of the Page (and the selection)
+    kBoxenGeaendert = 4,       // the Folder and Page boxes, the picture size
+    kBibliothekGeaendert = 8,  // another library, or none: everything, the list too
+};
+inline typAenderung operator|(typAenderung a, typAenderung b) {
+    return static_cast<typAenderung>(static_cast<unsigned>(a) | b);
+}
+
+// Why a library did not open: a message (lngMeldung, with strPfad below it)
+// and, where the engine said why, a reason line (lngGrund). Zero: it opened.
+struct typOeffnenErgebnis {
+    long lngMeldung = 0;
+    std::string strPfad;
+    long lngGrund = 0;
+    bool ok() const { return lngMeldung == 0; }
+};
+
+// The keys that move the selection in the grid.
+enum class RasterTaste { Links, Rechts, Hoch, Runter, Anfang, Ende };
+
+class BibliothekSitzung {
+  public:
+    BibliothekSitzung(ProgrammZustand& z, db::StorageOpener oeffner);
+
+    NavigationsModell& modell() { return modell_; }
+    const NavigationsModell& modell() const { return modell_; }
+    // The user's options (registry values); the session keeps the picture
+    // size and the position in them.
+    typSetupWerte& setup() { return setup_; }
+
+    // --- Libraries ---------------------------------------------------------------
+    // Opens the database strDb (a missing one in an existing, writable
+    // directory is created), after saving the position in the one open.
+    // The Folder and Page saved for the library become current.
+    typOeffnenErgebnis fctOeffnen(const std::string& strDb);
+    // A path handed over (a database file or its directory): the directory
+    // joins the database list when it is new and exists, the library opens
+    // and becomes the one the next start opens.
+    typOeffnenErgebnis fctWechseln(const std::string& strPfad);
+    // The library directories of the database list worth offering.
+    std::vector<std::string> datenbankListe() const;
+    // The directory of the open library, without a trailing backslash; empty
+    // when none is open.
+    const std::string& strDbVerzeichnis() const { return strDbVerzeichnis_; }
+    void subSchliessen();
+
+    // A write-protected library directory (its test file cannot be made) or
+    // a database file marked read-only; decided when the library opens.
+    bool schreibgeschuetzt() const { return booSchreibschutz_; }
+    bool fctSchreibschutzPruefen();
+
+    // Saves Folder code, Page and slot of the open library in its
+    // "dbTessara.ini", and the Folder and picture size in the options.
+    void subPositionSpeichern();
+
+    // --- Moving in the grid -----------------------------------------------------------
+    // The slot a key moves the selection to on the current Page: left and
+    // right by one, up and down by a row of the grid's shape, Home and End
+    // to the first and last slot; never off the Page.
+    int fctRasterZiel(RasterTaste taste) const;
+
+  private:
+    ProgrammZustand& z_;
+    NavigationsModell modell_;
+    typSetupWerte setup_;
+    std::string strDbVerzeichnis_;
+    bool booSchreibschutz_ = false;
+};
+
+}  // namespace tessara
