@@ -220,12 +220,12 @@ bool ACAD_Connect(ProgrammZustand& z, CadVerbindung& v, bool booNurAutomation, b
         p.step("Fensterauswahl");
         const bool fragen =
             v.fctMsgboxNichtMehrAnzeigen ? v.fctMsgboxNichtMehrAnzeigen("AutoCadTitel") : true;
-        if (fragen && v.listenAuswahl) {
+        if (fragen && v.booFensterlisteAnbieten && z.benutzer) {
             std::vector<std::string> titelListe;
             for (const auto& w : d->topLevelWindows()) titelListe.push_back(w.title);
             const std::string gewaehlt =
-                v.listenAuswahl("Übersicht der geöffneten Fenster",
-                                "Wählen Sie das AutoCAD-Fenster aus.", titelListe);
+                z.benutzer->listeWaehlen("Übersicht der geöffneten Fenster",
+                                         "Wählen Sie das AutoCAD-Fenster aus.", titelListe);
             if (!gewaehlt.empty() && fctFensterAktivieren(*d, gewaehlt, hwnd)) {
                 return titelTreffer(v, kAutoCadLt, gewaehlt, hwnd);
             }

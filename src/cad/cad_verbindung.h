@@ -21,12 +21,6 @@ struct AcadVersionInfo {
     std::string strAcadTitel;
 };
 
-// The general selection-list dialog: caption, prompt and the entries; answers
-// the chosen entry or empty when the user cancelled.
-using ListenAuswahl =
-    std::function<std::string(const std::string& caption, const std::string& prompt,
-                              const std::vector<std::string>& eintraege)>;
-
 // Connection state of the process. Owned next to ProgrammZustand by the
 // entry point; tests build their own.
 struct CadVerbindung {
@@ -35,8 +29,10 @@ struct CadVerbindung {
     AcadVersionInfo typAcadVersionInfo;
     std::uint8_t bytNurFenster = 0;
 
-    // The window-list choice of the title route; without it the choice is skipped.
-    ListenAuswahl listenAuswahl;
+    // Whether the title route offers the list of open windows (through
+    // Benutzer) when no host window is found; the insertion asks, start-up
+    // does not.
+    bool booFensterlisteAnbieten = false;
     // fctMsgboxNichtMehrAnzeigen: true lets the question through. Unset lets it through.
     std::function<bool(const std::string& schluessel)> fctMsgboxNichtMehrAnzeigen;
     // A numbered entry of the message file. Unset: the number itself in text.

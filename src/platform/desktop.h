@@ -26,8 +26,9 @@ class Desktop {
     // Visible top-level windows with a non-empty title, in the system's order.
     virtual std::vector<WindowInfo> topLevelWindows() = 0;
     // AppActivate: activates the first window whose title equals the text,
-    // else the first whose title begins with it (case-insensitive).
-    virtual bool activateByTitle(const std::string& title) = 0;
+    // else the first whose title begins with it (case-insensitive), in the
+    // order of topLevelWindows; the same on every backend.
+    bool activateByTitle(const std::string& title);
     // SetForegroundWindow followed by BringWindowToTop.
     virtual bool bringToFront(WindowHandle window) = 0;
     // GetForegroundWindow: the window that has the focus now, 0 when none.

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "jet/format/text.h"
 #include "platform/case_fold.h"
 
 namespace platform {
@@ -80,24 +81,6 @@ KeyStroke withModifiers(KeyStroke k, Modifiers m) {
 }
 
 }  // namespace
-
-void appendUtf8(std::string& out, char32_t cp) {
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (cp >> 18));
-        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-}
 
 std::optional<std::vector<KeyStroke>> parseSendKeys(const std::string& keys) {
     std::vector<KeyStroke> out;
@@ -215,7 +198,7 @@ std::string describeKeyStrokes(const std::vector<KeyStroke>& strokes) {
         if (k.key == NamedKey::Enter) {
             out += '\r';
         } else if (k.key == NamedKey::Character) {
-            appendUtf8(out, k.character);
+            jet::appendUtf8(out, k.character);
         } else if (k.key >= NamedKey::F1) {
             out += "{F" +
                    std::to_string(static_cast<int>(k.key) - static_cast<int>(NamedKey::F1) + 1) +

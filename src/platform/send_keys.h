@@ -49,7 +49,4 @@ std::optional<std::vector<KeyStroke>> parseSendKeys(const std::string& keys);
 // as "\r", other named keys in braces, modifiers as their prefix signs.
 std::string describeKeyStrokes(const std::vector<KeyStroke>& strokes);
 
-// Appends a code point to a UTF-8 string.
-void appendUtf8(std::string& out, char32_t cp);
-
 }  // namespace platform

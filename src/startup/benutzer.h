@@ -36,6 +36,14 @@ class Benutzer {
                                      const std::string& filter, bool speichern) = 0;
     // Progress of long work: done of total steps, with a line of text. total 0 ends it.
     virtual void fortschritt(long erledigt, long gesamt, const std::string& text) = 0;
+    // The general selection list: title, question and the entries; answers
+    // the chosen entry, empty when cancelled. An implementation without
+    // lists chooses nothing.
+    virtual std::string listeWaehlen(const std::string& titel, const std::string& frage,
+                                     const std::vector<std::string>& eintraege) {
+        (void)titel, (void)frage, (void)eintraege;
+        return {};
+    }
 };
 
 // Test double: records what was shown and answers from a queue.
@@ -53,6 +61,12 @@ class SkriptBenutzer : public Benutzer {
     std::vector<std::string> dateien;  // answers for dateiWaehlen
     std::vector<std::string> fortschritte;
     std::vector<bool> haken;  // check box states, from the front; default unticked
+    struct Liste {
+        std::string titel, frage;
+        std::vector<std::string> eintraege;
+    };
+    std::vector<Liste> listen;        // the selection lists offered
+    std::vector<std::string> wahlen;  // answers for listeWaehlen
 
     Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
                     Knoepfe knoepfe) override {
@@ -80,6 +94,11 @@ class SkriptBenutzer : public Benutzer {
     void fortschritt(long erledigt, long gesamt, const std::string& text) override {
         fortschritte.push_back(std::to_string(erledigt) + "/" + std::to_string(gesamt) + " " +
                                text);
+    }
+    std::string listeWaehlen(const std::string& titel, const std::string& frage,
+                             const std::vector<std::string>& eintraege) override {
+        listen.push_back({titel, frage, eintraege});
+        return nimm(wahlen);
     }
 
   private:

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "jet/format/text.h"
+
 namespace tessara {
 
 namespace {
@@ -12,24 +14,6 @@ constexpr char32_t kC1[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x
                               0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
                               0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                               0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-
-void anhaengen(std::string& out, char32_t c) {
-    if (c < 0x80) {
-        out.push_back(static_cast<char>(c));
-    } else if (c < 0x800) {
-        out.push_back(static_cast<char>(0xC0 | (c >> 6)));
-        out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    } else if (c < 0x10000) {
-        out.push_back(static_cast<char>(0xE0 | (c >> 12)));
-        out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
-        out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    } else {
-        out.push_back(static_cast<char>(0xF0 | (c >> 18)));
-        out.push_back(static_cast<char>(0x80 | ((c >> 12) & 0x3F)));
-        out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
-        out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    }
-}
 
 // Decodes one UTF-8 character at s[i]; answers its length, 0 when the
 // sequence is broken (overlong forms, surrogates and values beyond U+10FFFF
@@ -69,9 +53,9 @@ std::string fctAnsiNachUtf8(std::string_view ansi) {
     for (char ch : ansi) {
         const auto b = static_cast<unsigned char>(ch);
         if (b >= 0x80 && b < 0xA0 && kC1[b - 0x80] != 0)
-            anhaengen(out, kC1[b - 0x80]);
+            jet::appendUtf8(out, kC1[b - 0x80]);
         else
-            anhaengen(out, b);
+            jet::appendUtf8(out, b);
     }
     return out;
 }
@@ -129,13 +113,13 @@ std::string fctUtf16LeNachUtf8(std::string_view bytes) {
         if (c >= 0xD800 && c <= 0xDBFF && k + 1 < n) {
             const char32_t d = einheit(k + 1);
             if (d >= 0xDC00 && d <= 0xDFFF) {
-                anhaengen(out, 0x10000 + ((c - 0xD800) << 10) + (d - 0xDC00));
+                jet::appendUtf8(out, 0x10000 + ((c - 0xD800) << 10) + (d - 0xDC00));
                 ++k;
                 continue;
             }
         }
         if (c >= 0xD800 && c <= 0xDFFF) c = 0xFFFD;
-        anhaengen(out, c);
+        jet::appendUtf8(out, c);
     }
     return out;
 }

@@ -380,22 +380,7 @@ bool FrmBlockverwaltung::einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bo
     Prozedur p(z_, "Einfuegen", true);
     if (v_.typAcadVersionInfo.strACadVersion.empty()) {
         p.step("ACAD_Connect");
-        if (!v_.listenAuswahl)
-            v_.listenAuswahl = [z = &z_, eltern = QPointer<QWidget>(this)](
-                                   const std::string& titel, const std::string& frage,
-                                   const std::vector<std::string>& eintraege) {
-                QStringList liste;
-                for (const auto& e : eintraege) liste << QString::fromStdString(e);
-                QInputDialog d(eltern.data());
-                d.setWindowTitle(QString::fromStdString(titel));
-                d.setLabelText(QString::fromStdString(frage));
-                d.setComboBoxItems(liste);
-                d.setComboBoxEditable(false);
-                // The buttons in the user's language, as in the boxes.
-                d.setOkButtonText(QString::fromStdString(fctBeschriftung(*z, "cmbOk")));
-                d.setCancelButtonText(QString::fromStdString(fctBeschriftung(*z, "cmbAbbrechen")));
-                return d.exec() == QDialog::Accepted ? d.textValue().toStdString() : std::string();
-            };
+        v_.booFensterlisteAnbieten = true;
         bool lt = false;
         if (!ACAD_Connect(z_, v_, false, true, lt)) {
             fctMsgbox(z_, MsgboxArt::Info,

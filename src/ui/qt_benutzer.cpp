@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QMessageBox>
 
 #include "platform/environment.h"
@@ -113,6 +114,24 @@ Antwort QtBenutzer::zeigen(const std::string& text, const std::string& titel, Sy
         default:
             return Antwort::Ok;
     }
+}
+
+std::string QtBenutzer::listeWaehlen(const std::string& titel, const std::string& frage,
+                                     const std::vector<std::string>& eintraege) {
+    QStringList liste;
+    for (const auto& e : eintraege) liste << q(e);
+    QInputDialog d(eltern_.data());
+    d.setWindowTitle(q(titel));
+    d.setLabelText(q(frage));
+    d.setComboBoxItems(liste);
+    d.setComboBoxEditable(false);
+    // The buttons in the user's language, as in the boxes.
+    if (beschriftung_) {
+        if (const std::string ok = beschriftung_("cmbOk"); !ok.empty()) d.setOkButtonText(q(ok));
+        if (const std::string ab = beschriftung_("cmbAbbrechen"); !ab.empty())
+            d.setCancelButtonText(q(ab));
+    }
+    return d.exec() == QDialog::Accepted ? d.textValue().toStdString() : std::string();
 }
 
 std::string QtBenutzer::ordnerWaehlen(const std::string& titel, const std::string& start) {

@@ -32,6 +32,8 @@ class QtBenutzer : public Benutzer {
     std::string dateiWaehlen(const std::string& titel, const std::string& start,
                              const std::string& filter, bool speichern) override;
     void fortschritt(long erledigt, long gesamt, const std::string& text) override;
+    std::string listeWaehlen(const std::string& titel, const std::string& frage,
+                             const std::vector<std::string>& eintraege) override;
 
   private:
     Antwort zeigen(const std::string& text, const std::string& titel, Symbol symbol,

@@ -165,7 +165,7 @@ TEST_F(Verbindung, OhneLtWahlKeinePlainAutoCadProbe) {
     // Automation fails, the title route must not take a plain "AutoCAD ..."
     // window as full AutoCAD.
     desktop.addWindow("AutoCAD 2015 - [a.dwg]");
-    v.listenAuswahl = [](auto&&...) { return std::string(); };
+    v.booFensterlisteAnbieten = true;  // and the user cancels it
     EXPECT_FALSE(verbinden());
     ASSERT_EQ(benutzer.gezeigt.size(), 1u);
     EXPECT_EQ(benutzer.gezeigt[0].text, "Meldung 118");
@@ -227,19 +227,14 @@ TEST_F(Verbindung, AktivierungsfehlerFuehrtZumNaechstenKandidaten) {
 TEST_F(Verbindung, FensterlisteWaehlen) {
     desktop.addWindow("Notepad");
     const auto h = desktop.addWindow("MeinCAD 7 - [Plan.dwg]");
-    std::vector<std::string> angeboten;
-    std::string caption, prompt;
-    v.listenAuswahl = [&](const std::string& c, const std::string& p,
-                          const std::vector<std::string>& e) {
-        caption = c;
-        prompt = p;
-        angeboten = e;
-        return std::string("MeinCAD 7 - [Plan.dwg]");
-    };
+    v.booFensterlisteAnbieten = true;
+    benutzer.wahlen = {"MeinCAD 7 - [Plan.dwg]"};
     ASSERT_TRUE(verbinden());
-    EXPECT_EQ(caption, "Übersicht der geöffneten Fenster");
-    EXPECT_EQ(prompt, "Wählen Sie das AutoCAD-Fenster aus.");
-    EXPECT_EQ(angeboten, (std::vector<std::string>{"Notepad", "MeinCAD 7 - [Plan.dwg]"}));
+    ASSERT_EQ(benutzer.listen.size(), 1u);
+    EXPECT_EQ(benutzer.listen[0].titel, "Übersicht der geöffneten Fenster");
+    EXPECT_EQ(benutzer.listen[0].frage, "Wählen Sie das AutoCAD-Fenster aus.");
+    EXPECT_EQ(benutzer.listen[0].eintraege,
+              (std::vector<std::string>{"Notepad", "MeinCAD 7 - [Plan.dwg]"}));
     EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
     EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "MeinCAD 7 - [Plan.dwg]");
     EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, h);
@@ -247,19 +242,16 @@ TEST_F(Verbindung, FensterlisteWaehlen) {
 
 TEST_F(Verbindung, FensterlisteUnterdrueckt) {
     desktop.addWindow("MeinCAD 7");
-    bool gefragt = false;
     std::string schluessel;
     v.fctMsgboxNichtMehrAnzeigen = [&](const std::string& k) {
         schluessel = k;
         return false;
     };
-    v.listenAuswahl = [&](auto&&...) {
-        gefragt = true;
-        return std::string("MeinCAD 7");
-    };
+    v.booFensterlisteAnbieten = true;
+    benutzer.wahlen = {"MeinCAD 7"};
     EXPECT_FALSE(verbinden());
     EXPECT_EQ(schluessel, "AutoCadTitel");
-    EXPECT_FALSE(gefragt);
+    EXPECT_TRUE(benutzer.listen.empty());
     EXPECT_EQ(benutzer.gezeigt.size(), 1u);
 }
 

@@ -4,8 +4,6 @@
 
 namespace jet {
 
-namespace {
-
 void appendUtf8(std::string& out, char32_t c) {
     if (c < 0x80) {
         out += char(c);
@@ -23,6 +21,8 @@ void appendUtf8(std::string& out, char32_t c) {
         out += char(0x80 | (c & 0x3F));
     }
 }
+
+namespace {
 
 // Appends UTF-16 code units, pairing surrogates; lone surrogates become U+FFFD.
 struct Utf16Sink {

@@ -10,6 +10,8 @@
 namespace jet {
 
 std::string decodeText(const std::uint8_t* p, std::size_t n);  // either form
+// The UTF-8 bytes of one code point, appended: the program's one encoder.
+void appendUtf8(std::string& out, char32_t c);
 std::string ucs2ToUtf8(const std::uint8_t* p, std::size_t n);
 std::vector<std::uint8_t> utf8ToUcs2(const std::string& s);  // unpaired/invalid bytes become U+FFFD
 // The compressed form when it is shorter and possible, else plain UCS-2.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/case_fold.h"
 #include "platform/send_keys.h"
 
 namespace platform {
@@ -82,15 +81,6 @@ bool MemoryDesktop::activate(Window& w) {
     foreground_ = w.handle;
     activations_.push_back(w.handle);
     return true;
-}
-
-bool MemoryDesktop::activateByTitle(const std::string& title) {
-    if (title.empty()) return false;
-    for (auto& w : windows_)
-        if (equalsIgnoreCase(w.title, title)) return activate(w);
-    for (auto& w : windows_)
-        if (startsWithIgnoreCase(w.title, title)) return activate(w);
-    return false;
 }
 
 bool MemoryDesktop::bringToFront(WindowHandle window) {

@@ -58,7 +58,6 @@ class MemoryDesktop : public Desktop {
 
     // --- Desktop ---
     std::vector<WindowInfo> topLevelWindows() override;
-    bool activateByTitle(const std::string& title) override;
     bool bringToFront(WindowHandle window) override;
     WindowHandle foregroundWindow() override { return foreground_; }
     bool sendKeys(const std::string& keys) override;

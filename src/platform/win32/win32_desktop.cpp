@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "platform/case_fold.h"
+#include "jet/format/text.h"
 #include "platform/send_keys.h"
 #include "platform/win32/utf16.h"
 
@@ -85,7 +85,7 @@ void appendStroke(std::vector<INPUT>& out, const KeyStroke& k) {
     std::wstring units;
     if (k.key == NamedKey::Character) {
         std::string utf8;
-        appendUtf8(utf8, k.character);
+        jet::appendUtf8(utf8, k.character);
         units = win32::toWide(utf8);
         if (units.size() == 1) {
             SHORT scan = VkKeyScanW(units[0]);
@@ -123,16 +123,6 @@ std::vector<WindowInfo> Win32Desktop::topLevelWindows() {
     std::vector<WindowInfo> out;
     EnumWindows(collect, reinterpret_cast<LPARAM>(&out));
     return out;
-}
-
-bool Win32Desktop::activateByTitle(const std::string& title) {
-    if (title.empty()) return false;
-    auto windows = topLevelWindows();
-    for (const auto& w : windows)
-        if (equalsIgnoreCase(w.title, title)) return bringToFront(w.handle);
-    for (const auto& w : windows)
-        if (startsWithIgnoreCase(w.title, title)) return bringToFront(w.handle);
-    return false;
 }
 
 bool Win32Desktop::bringToFront(WindowHandle window) {

@@ -10,7 +10,6 @@ namespace platform {
 class Win32Desktop : public Desktop {
   public:
     std::vector<WindowInfo> topLevelWindows() override;
-    bool activateByTitle(const std::string& title) override;
     bool bringToFront(WindowHandle window) override;
     WindowHandle foregroundWindow() override;
     bool sendKeys(const std::string& keys) override;

@@ -12,7 +12,6 @@
 #include <thread>
 #include <vector>
 
-#include "platform/case_fold.h"
 #include "platform/send_keys.h"
 
 namespace platform {
@@ -309,16 +308,6 @@ std::vector<WindowInfo> X11Desktop::topLevelWindows() {
         if (!t.empty()) out.push_back(WindowInfo{static_cast<WindowHandle>(w), t});
     }
     return out;
-}
-
-bool X11Desktop::activateByTitle(const std::string& title) {
-    if (title.empty()) return false;
-    auto windows = topLevelWindows();
-    for (const auto& w : windows)
-        if (equalsIgnoreCase(w.title, title)) return bringToFront(w.handle);
-    for (const auto& w : windows)
-        if (startsWithIgnoreCase(w.title, title)) return bringToFront(w.handle);
-    return false;
 }
 
 bool X11Desktop::bringToFront(WindowHandle window) {

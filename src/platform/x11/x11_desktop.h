@@ -28,7 +28,6 @@ class X11Desktop : public Desktop {
     bool canType() const;
 
     std::vector<WindowInfo> topLevelWindows() override;
-    bool activateByTitle(const std::string& title) override;
     bool bringToFront(WindowHandle window) override;
     WindowHandle foregroundWindow() override;
     bool sendKeys(const std::string& keys) override;
