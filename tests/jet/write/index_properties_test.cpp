@@ -19,18 +19,13 @@
 namespace {
 
 using namespace jet;
+using idxtest::indexNamed;
 using idxtest::TempCopy;
 using Bytes = std::vector<std::uint8_t>;
 
 const char* const kFile = "testIndexPropertiesV2000.mdb";
 
 Value text(const char* s) { return std::string(s); }
-
-std::size_t indexNamed(const TableDef& def, const std::string& name) {
-    for (std::size_t i = 0; i < def.indexes.size(); ++i)
-        if (def.indexes[i].name == name) return i;
-    throw Error("no index " + name);
-}
 
 const RealIndex& realNamed(const TableDef& def, const std::string& name) {
     return def.realIndexes[def.indexes[indexNamed(def, name)].realIndex];

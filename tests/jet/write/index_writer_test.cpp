@@ -25,13 +25,8 @@ namespace {
 using namespace jet;
 using idxtest::TempCopy;
 using Bytes = std::vector<std::uint8_t>;
-
-std::string hex(const Bytes& b) {
-    static const char* d = "0123456789abcdef";
-    std::string s;
-    for (auto x : b) s += {d[x >> 4], d[x & 15]};
-    return s;
-}
+using idxtest::hex;
+using idxtest::unhex;
 
 // Every Text-keyed entry Access wrote, with the row it points at, one file
 // after the other.

@@ -111,7 +111,7 @@ TEST_F(Relationships, AccessMadeRelationshipsHoldOnEveryStatement) {
 // Pages go with their Folder, a Folder holding Blocks stays, a deleted
 // Block leaves its Variants without one.
 TEST_F(Relationships, EnforcedForeignKeysMadeThroughTheCatalogue) {
-    const std::string path = (scratch.dir() / "katalog.mdb").string();
+    const std::string path = (scratch.path() / "katalog.mdb").string();
     db::Catalog cat;
     cat.create("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path, db::jetOpener());
     auto table = [&](const std::string& name, const std::string& text, const std::string& ref,
@@ -269,7 +269,7 @@ TEST_F(Relationships, CreatedLikeAccessCreatesThem) {
 // cascading delete runs down the chain, also under a statement that names
 // rows the cascade took already.
 TEST_F(Relationships, TableRelatedToItself) {
-    const std::string path = (scratch.dir() / "self.mdb").string();
+    const std::string path = (scratch.path() / "self.mdb").string();
     createDatabase(path);
     {
         Writer w(openWritable(path));
