@@ -7,6 +7,9 @@
 //   load catalogue <blocks>       the program's six tables, filled
 //   load copy <file.mdb>          a private copy of an Access-made file (mdb only)
 //   copy <file.mdb>               one more private copy, named ${dir}/<file.mdb>
+//   database <file.mdb>           a new empty database ${dir}/<file.mdb>, used from now on
+//   use <file.mdb>                statements go to that database (the catalogue
+//                                 is dbTessara.mdb)
 //   table <name> <col>:<type>[(size)][!] ... [primary(<col>)]   ! = not Null
 //   statement ok                  then the SQL; optionally ---- and rows affected
 //   statement error <n> <kind>    then the SQL, ---- and Jet's message
@@ -171,6 +174,7 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
     void TearDown() override {
         ex.reset();
         db.reset();
+        named.clear();
         std::error_code ec;
         if (!dir.empty()) fs::remove_all(dir, ec);
     }
@@ -255,13 +259,17 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
         if (rows != r.expected)
             ADD_FAILURE_AT(file.c_str(), r.line) << "sqlite3 answers:\n" << answer;
     }
+    // A new database at ${dir}/<name>; the in-memory ones share one set of
+    // files, so IN '<path>' finds them.
+    std::shared_ptr<sql::Storage> create(const std::string& name, bool onMdb) {
+        if (onMdb) return sql::openEngineStorage((dir / name).string(), true);
+        if (!files) files = std::make_shared<sql::MemoryFiles>();
+        return files->create((dir / name).string());
+    }
     void setUp(const Record& r, bool onMdb) {
         const auto& h = r.head;
         if (h[0] == "load" && h.at(1) == "catalogue") {
-            if (onMdb)
-                db = sql::openEngineStorage((dir / "dbTessara.mdb").string(), true);
-            else
-                db = std::make_shared<sql::MemoryFiles>()->create("C:\\Lib\\dbTessara.mdb");
+            db = named["dbTessara.mdb"] = create("dbTessara.mdb", onMdb);
             fixture::fill(*db, std::stoi(h.at(2)));
         } else if (h[0] == "load" && h.at(1) == "empty") {
             if (onMdb)
@@ -270,6 +278,10 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
                 db = std::make_shared<sql::MemoryStorage>();
         } else if (h[0] == "load" && h.at(1) == "copy") {
             db = sql::openEngineStorage(copy(h.at(2)).string(), false);
+        } else if (h[0] == "database") {
+            db = named[h.at(1)] = create(h.at(1), onMdb);
+        } else if (h[0] == "use" && named.count(h.at(1))) {
+            db = named[h[1]];
         } else if (h[0] == "copy") {
             copy(h.at(1));
         } else if (h[0] == "table") {
@@ -300,6 +312,8 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
     std::string script;  // the tables and rows, for sqlite3
     fs::path dir;
     std::shared_ptr<sql::Storage> db;
+    std::shared_ptr<sql::MemoryFiles> files;
+    std::map<std::string, std::shared_ptr<sql::Storage>> named;  // by file name
     std::unique_ptr<sql::Executor> ex;
     bool write = std::getenv("TESSARA_SQLTEST_WRITE") != nullptr;
     std::map<int, std::vector<std::string>> rewritten;  // header line -> expected part
@@ -318,7 +332,7 @@ TEST_P(SqlLogic, Records) {
     for (const auto& r : records) {
         const std::string& k = r.head[0];
         if (k == "stores") continue;
-        if (k == "load" || k == "copy" || k == "table") {
+        if (k == "load" || k == "copy" || k == "table" || k == "database" || k == "use") {
             setUp(r, store == "mdb");
             continue;
         }
