@@ -10,6 +10,8 @@
 
 namespace {
 
+using jettest::lines;
+
 TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
     namespace fs = std::filesystem;
     fs::path dir = fs::temp_directory_path() / ("jetcreate-cli-" + std::to_string(::getpid()));
@@ -37,18 +39,6 @@ TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
     std::string content((std::istreambuf_iterator<char>(in)), {});
     EXPECT_EQ(content, "keep me");
     fs::remove_all(dir);
-}
-
-std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> out;
-    std::size_t at = 0;
-    while (at < text.size()) {
-        std::size_t end = text.find('\n', at);
-        if (end == std::string::npos) end = text.size();
-        out.push_back(text.substr(at, end - at));
-        at = end + 1;
-    }
-    return out;
 }
 
 // A new file holds Jet's own system tables and catalogue rows, reads back in

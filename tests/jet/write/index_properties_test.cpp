@@ -21,6 +21,7 @@ namespace {
 using namespace jet;
 using idxtest::indexNamed;
 using idxtest::TempCopy;
+using txtest::fileBytes;
 using Bytes = std::vector<std::uint8_t>;
 
 const char* const kFile = "testIndexPropertiesV2000.mdb";
@@ -45,11 +46,6 @@ Bytes rawEntry(const TableDef& def, const std::string& index) {
     at += tdef::kRealIndexEntry * def.indexes[indexNamed(def, index)].realIndex;
     return Bytes(def.raw.begin() + std::ptrdiff_t(at),
                  def.raw.begin() + std::ptrdiff_t(at + tdef::kRealIndexEntry));
-}
-
-Bytes fileBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), {});
 }
 
 std::size_t exportedRows(const std::string& path, const std::string& table) {
