@@ -321,7 +321,9 @@ TEST_F(RowWrites, DeletesAndSlotsReused) {
     expectExportMatches(path, "Kopie");
 }
 
-// Writes that are refused leave every byte of the file as it was.
+// Writes that are refused leave every byte of the file as it was. Key and
+// reference refusals are in index_properties_test.cpp and
+// relationship_statements.txt.
 TEST_F(RowWrites, RefusedWritesLeaveTheFileUntouched) {
     struct Case {
         const char* what;
@@ -342,26 +344,6 @@ TEST_F(RowWrites, RefusedWritesLeaveTheFileUntouched) {
              w.insert("Table", r);
          },
          rowerr::kConversion, "conversion"},
-        {"duplicate primary key", "testV2000.mdb",
-         [](Writer& w, Database&) {
-             Row r{text("A"), {}, {}, {}, {}, {}, {}, {}, false};  // keys ignore case
-             w.insert("Table1", r);
-         },
-         rowerr::kDuplicate, rowerr::kDuplicateMessage},
-        {"update onto another row's key", "testV2000.mdb",
-         [](Writer& w, Database& db) {
-             std::vector<RowId> ids = db.table("Table1").rowIds();
-             Row r = *db.table("Table1").read(ids.at(0));
-             r[0] = (*db.table("Table1").read(ids.at(1)))[0];
-             w.update("Table1", ids[0], r);
-         },
-         rowerr::kDuplicate, "duplicate"},
-        {"Null primary key", "testV2000.mdb",
-         [](Writer& w, Database&) {
-             Row r{Value{}, {}, {}, {}, {}, {}, {}, {}, false};
-             w.insert("Table1", r);
-         },
-         rowerr::kNullKey, rowerr::kNullKeyMessage},
         {"index this engine cannot keep", "testV2000.mdb",
          [](Writer& w, Database&) {
              Row r{text("n"), Value{}};
@@ -374,13 +356,6 @@ TEST_F(RowWrites, RefusedWritesLeaveTheFileUntouched) {
              w.insert("Table1", r);
          },
          0, "sort code"},
-        {"reference without its related row", "indexTestV2000.mdb",
-         [](Writer& w, Database&) {
-             Row r{std::int32_t(10), std::int32_t(99), std::int32_t(13), text("x"),
-                   std::int32_t(0)};
-             w.insert("Table1", r);
-         },
-         3201, "a related record is required in table 'Table2'"},
         {"row larger than a page", "testV2000.mdb",
          [](Writer& w, Database&) {
              std::string omegas;
