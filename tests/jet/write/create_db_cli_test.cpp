@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "jet/support/mdbtools.h"
+#include "jet/support/tx_support.h"
 
 namespace {
 
@@ -14,9 +15,8 @@ using jettest::lines;
 
 TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
     namespace fs = std::filesystem;
-    fs::path dir = fs::temp_directory_path() / ("jetcreate-cli-" + std::to_string(::getpid()));
-    fs::create_directories(dir);
-    fs::path existing = dir / "there.mdb";
+    txtest::TempDir dir;
+    fs::path existing = dir.path() / "there.mdb";
     { std::ofstream(existing) << "keep me"; }
     struct Case {
         std::string args;
@@ -38,7 +38,6 @@ TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
     std::ifstream in(existing);
     std::string content((std::istreambuf_iterator<char>(in)), {});
     EXPECT_EQ(content, "keep me");
-    fs::remove_all(dir);
 }
 
 // A new file holds Jet's own system tables and catalogue rows, reads back in
@@ -46,11 +45,9 @@ TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
 // relations afterwards (the catalogue schema is the heaviest such use).
 TEST(CreateDbCommand, NewDatabasesReadBackEverywhere) {
     namespace fs = std::filesystem;
-    fs::path dir = fs::temp_directory_path() / ("jetcreate-new-" + std::to_string(::getpid()));
-    fs::remove_all(dir);
-    fs::create_directories(dir);
+    txtest::TempDir dir;
     const std::string cli = jettest::quote(TESSARA_CLI);
-    const fs::path empty = dir / "leer.mdb";
+    const fs::path empty = dir.path() / "leer.mdb";
     int status = 1;
     std::string out = jettest::run(
         cli + " create-db --empty " + jettest::quote(empty.string()) + " 2>&1", &status);
@@ -69,7 +66,7 @@ TEST(CreateDbCommand, NewDatabasesReadBackEverywhere) {
     out = jettest::run(cli + " check " + jettest::quote(empty.string()) + " 2>&1", &status);
     EXPECT_EQ(status, 0) << out;
 
-    const fs::path catalogue = dir / "dbTessara.mdb";
+    const fs::path catalogue = dir.path() / "dbTessara.mdb";
     out = jettest::run(cli + " create-db " + jettest::quote(catalogue.string()) + " 2>&1", &status);
     ASSERT_EQ(status, 0) << out;
     EXPECT_EQ(lines(jettest::run("mdb-tables -1 " + jettest::quote(catalogue.string()), &status)),
@@ -96,7 +93,6 @@ TEST(CreateDbCommand, NewDatabasesReadBackEverywhere) {
     EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1) << out;
     out = jettest::run(cli + " check " + jettest::quote(catalogue.string()) + " 2>&1", &status);
     EXPECT_EQ(status, 0) << out;
-    fs::remove_all(dir);
 }
 
 }  // namespace
