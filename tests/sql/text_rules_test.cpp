@@ -1,12 +1,10 @@
 // Jet's text rules: LIKE, case-insensitive comparison, General sort order.
+// The same rules inside statements are in text/comparison.test.
 #include "jet/sql/text_rules.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-
-#include "jet/sql/executor.h"
-#include "jet/sql/memory_storage.h"
 
 namespace {
 
@@ -86,68 +84,6 @@ TEST(TextRules, Utf8RoundTripAndLength) {
                                           "b"))
                   .size(),
               3u);
-}
-
-class SqlTextRules : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        db = std::make_shared<sql::MemoryStorage>();
-        db->createTable("t",
-                        {{"Nr", sql::ColumnType::Long, 0, true, false},
-                         {"Name", sql::ColumnType::Text, 50, false, true},
-                         {"Zahl", sql::ColumnType::Double, 0, false, true}},
-                        {});
-        ex = std::make_unique<sql::Executor>(db);
-        for (const char* n : {"b", "A", "2", "10", "a", "1", "Öl", "ol", "STRASSE"})
-            ex->execute(std::string("INSERT INTO t (Name) VALUES ('") + n + "')");
-        ex->execute("INSERT INTO t (Zahl) VALUES (1.5)");
-    }
-    std::vector<std::string> names(const std::string& sqlText) {
-        std::vector<std::string> out;
-        for (const auto& r : ex->query(sqlText).rows) out.push_back(r[0].toString());
-        return out;
-    }
-    std::shared_ptr<sql::MemoryStorage> db;
-    std::unique_ptr<sql::Executor> ex;
-};
-
-TEST_F(SqlTextRules, OrderByNullsFirstThenGeneralOrder) {
-    EXPECT_EQ(names("SELECT Name FROM t ORDER BY Name"),
-              (std::vector<std::string>{"", "1", "10", "2", "A", "a", "b", "ol", "Öl", "STRASSE"}));
-    EXPECT_EQ(names("SELECT Name FROM t ORDER BY Name DESC"),
-              (std::vector<std::string>{"STRASSE", "Öl", "ol", "b", "A", "a", "2", "10", "1", ""}));
-    EXPECT_EQ(
-        names("SELECT Name FROM t WHERE Name IS NOT NULL ORDER BY Zahl DESC, Name ASC").front(),
-        "1");
-}
-
-TEST_F(SqlTextRules, ComparisonsAreCaseInsensitive) {
-    EXPECT_EQ(names("SELECT Name FROM t WHERE Name = 'a'"), (std::vector<std::string>{"A", "a"}));
-    EXPECT_EQ(names("SELECT Name FROM t WHERE Name LIKE 'öL'"), (std::vector<std::string>{"Öl"}));
-    EXPECT_EQ(names("SELECT Name FROM t WHERE Name = 'Straße'"),
-              (std::vector<std::string>{"STRASSE"}));
-    EXPECT_EQ(names("SELECT Name FROM t WHERE Name < '2' ORDER BY Name"),
-              (std::vector<std::string>{"1", "10"}));
-    EXPECT_EQ(names("SELECT Name FROM t WHERE NOT (Name LIKE '[a-b]' OR Name LIKE '%l') AND Name "
-                    "<> 'STRASSE' ORDER BY Name"),
-              (std::vector<std::string>{"1", "10", "2"}));
-    EXPECT_EQ(
-        names("SELECT Name FROM t WHERE Name NOT LIKE '%l' AND Name IN ('a', 'b') ORDER BY Name"),
-        (std::vector<std::string>{"A", "a", "b"}));
-}
-
-TEST_F(SqlTextRules, NumbersCompareAsNumbersAndLikeSeesTheirText) {
-    EXPECT_EQ(names("SELECT Zahl FROM t WHERE Zahl > 1"), (std::vector<std::string>{"1.5"}));
-    EXPECT_EQ(names("SELECT Zahl FROM t WHERE Zahl LIKE '1.5'"), (std::vector<std::string>{"1.5"}));
-    EXPECT_EQ(names("SELECT Nr FROM t WHERE Nr LIKE '1_'"), (std::vector<std::string>{"10"}));
-    EXPECT_EQ(names("SELECT Nr FROM t WHERE Nr BETWEEN 2 AND 3"),
-              (std::vector<std::string>{"2", "3"}));
-}
-
-TEST_F(SqlTextRules, NullNeverEqualsAnything) {
-    EXPECT_EQ(names("SELECT Nr FROM t WHERE Name = NULL").size(), 0u);
-    EXPECT_EQ(names("SELECT Nr FROM t WHERE Name IS NULL"), (std::vector<std::string>{"10"}));
-    EXPECT_EQ(names("SELECT Nr FROM t WHERE NOT (Name = 'zz')").size(), 9u);
 }
 
 }  // namespace

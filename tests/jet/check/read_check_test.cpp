@@ -69,6 +69,12 @@ TEST(JetCheck, ReportsEachKindOfDamage) {
              page[indexpage::kFirstEntry + 4] ^= 0x09;
          },
          {"does not match the row"}},
+        {"free-space figure of a data page",
+         [&](Bytes& b) {
+             put16(b.data() + std::size_t(victim.page) * kPageSize + datapage::kFreeSpace, 16);
+         },
+         {"data page " + std::to_string(victim.page) +
+          ": header states 16 bytes free, the page has"}},
     };
     EXPECT_EQ(checkDatabase(*db), std::vector<std::string>{});
     for (const Case& c : cases) {

@@ -11,6 +11,8 @@
 
 namespace {
 
+using jettest::lines;
+
 using jettest::quote;
 using jettest::run;
 
@@ -32,18 +34,6 @@ std::string cutCopy(const std::string& name, std::uint32_t from) {
 std::uint32_t firstDataPage(const std::string& name, const std::string& table) {
     auto db = jet::Database::open(jettest::testFile(name));
     return jet::readUsageMap(db->pages(), db->tableDef(table)->usedPages).pages.at(0);
-}
-
-std::vector<std::string> lines(const std::string& s) {
-    std::vector<std::string> out;
-    std::size_t at = 0;
-    while (at < s.size()) {
-        std::size_t nl = s.find('\n', at);
-        if (nl == std::string::npos) nl = s.size();
-        out.push_back(s.substr(at, nl - at));
-        at = nl + 1;
-    }
-    return out;
 }
 
 class CliFile : public ::testing::TestWithParam<std::string> {};

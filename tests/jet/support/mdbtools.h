@@ -11,7 +11,8 @@ std::vector<std::string> testFiles();  // every .mdb of the shared test data (md
 
 // Runs a shell command, returns its standard output; exit status in *status.
 std::string run(const std::string& command, int* status = nullptr);
-std::string quote(const std::string& arg);  // for the shell
+std::string quote(const std::string& arg);                // for the shell
+std::vector<std::string> lines(const std::string& text);  // split at newlines
 bool haveMdbTools();
 
 // CSV as mdb-export prints it: quoted fields may hold commas, newlines and

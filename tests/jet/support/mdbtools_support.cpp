@@ -65,6 +65,18 @@ bool haveMdbTools() {
     return status == 0;
 }
 
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> out;
+    std::size_t at = 0;
+    while (at < text.size()) {
+        std::size_t nl = text.find('\n', at);
+        if (nl == std::string::npos) nl = text.size();
+        out.push_back(text.substr(at, nl - at));
+        at = nl + 1;
+    }
+    return out;
+}
+
 std::vector<CsvRow> parseCsv(const std::string& s) {
     std::vector<CsvRow> rows;
     CsvRow row;

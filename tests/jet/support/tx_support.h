@@ -21,7 +21,8 @@ namespace txtest {
 namespace fs = std::filesystem;
 
 inline std::string testFile(const std::string& name) {
-    return std::string(TESSARA_TESTDATA) + "/mdb/" + name;
+    fs::path index = fs::path(TESSARA_TESTDATA) / "mdb-index" / name;
+    return fs::exists(index) ? index.string() : std::string(TESSARA_TESTDATA) + "/mdb/" + name;
 }
 
 class TempDir {
@@ -42,6 +43,8 @@ class TempDir {
     std::string copy(const std::string& name, const std::string& as = {}) const {
         fs::path to = path_ / (as.empty() ? name : as);
         fs::copy_file(testFile(name), to, fs::copy_options::overwrite_existing);
+        // The shared files are read-only.
+        fs::permissions(to, fs::perms::owner_write, fs::perm_options::add);
         return to.string();
     }
 

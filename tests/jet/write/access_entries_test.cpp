@@ -16,6 +16,7 @@
 #include "jet/read/header.h"
 #include "jet/read/table.h"
 #include "jet/support/mdbtools.h"
+#include "jet/support/tx_support.h"
 #include "jet/write/writer.h"
 
 namespace {
@@ -66,14 +67,7 @@ std::map<std::string, ObjectSecurity> security(jet::Database& db) {
     return out;
 }
 
-struct TempDir {
-    fs::path path = fs::temp_directory_path() / ("jetcreate-aces-" + std::to_string(::getpid()));
-    TempDir() {
-        fs::remove_all(path);
-        fs::create_directories(path);
-    }
-    ~TempDir() { fs::remove_all(path); }
-};
+using txtest::TempDir;
 
 const jet::TableSpec kTable{
     "tblOrdner",
@@ -82,7 +76,7 @@ const jet::TableSpec kTable{
 
 TEST(AccessEntries, NewDatabaseAsAccess2000MakesIt) {
     TempDir dir;
-    const std::string made = (dir.path / "neu.mdb").string();
+    const std::string made = (dir.path() / "neu.mdb").string();
     jet::createDatabase(made);
     {
         auto db = jet::Database::open(made, {.writable = true});
@@ -129,7 +123,7 @@ TEST(AccessEntries, NewDatabaseAsAccess2000MakesIt) {
 // container and hands a new table what Access handed that file's tables.
 TEST(AccessEntries, TablesCreatedInAccessMadeFilesGetWhatAccessGives) {
     TempDir dir;
-    const fs::path copy = dir.path / "testV2000.mdb";
+    const fs::path copy = dir.path() / "testV2000.mdb";
     fs::copy_file(jettest::testFile("testV2000.mdb"), copy);
     fs::permissions(copy, fs::perms::owner_write, fs::perm_options::add);
     {

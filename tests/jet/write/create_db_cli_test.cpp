@@ -7,14 +7,16 @@
 #include <fstream>
 
 #include "jet/support/mdbtools.h"
+#include "jet/support/tx_support.h"
 
 namespace {
 
+using jettest::lines;
+
 TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
     namespace fs = std::filesystem;
-    fs::path dir = fs::temp_directory_path() / ("jetcreate-cli-" + std::to_string(::getpid()));
-    fs::create_directories(dir);
-    fs::path existing = dir / "there.mdb";
+    txtest::TempDir dir;
+    fs::path existing = dir.path() / "there.mdb";
     { std::ofstream(existing) << "keep me"; }
     struct Case {
         std::string args;
@@ -36,19 +38,6 @@ TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
     std::ifstream in(existing);
     std::string content((std::istreambuf_iterator<char>(in)), {});
     EXPECT_EQ(content, "keep me");
-    fs::remove_all(dir);
-}
-
-std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> out;
-    std::size_t at = 0;
-    while (at < text.size()) {
-        std::size_t end = text.find('\n', at);
-        if (end == std::string::npos) end = text.size();
-        out.push_back(text.substr(at, end - at));
-        at = end + 1;
-    }
-    return out;
 }
 
 // A new file holds Jet's own system tables and catalogue rows, reads back in
@@ -56,11 +45,9 @@ std::vector<std::string> lines(const std::string& text) {
 // relations afterwards (the catalogue schema is the heaviest such use).
 TEST(CreateDbCommand, NewDatabasesReadBackEverywhere) {
     namespace fs = std::filesystem;
-    fs::path dir = fs::temp_directory_path() / ("jetcreate-new-" + std::to_string(::getpid()));
-    fs::remove_all(dir);
-    fs::create_directories(dir);
+    txtest::TempDir dir;
     const std::string cli = jettest::quote(TESSARA_CLI);
-    const fs::path empty = dir / "leer.mdb";
+    const fs::path empty = dir.path() / "leer.mdb";
     int status = 1;
     std::string out = jettest::run(
         cli + " create-db --empty " + jettest::quote(empty.string()) + " 2>&1", &status);
@@ -79,7 +66,7 @@ TEST(CreateDbCommand, NewDatabasesReadBackEverywhere) {
     out = jettest::run(cli + " check " + jettest::quote(empty.string()) + " 2>&1", &status);
     EXPECT_EQ(status, 0) << out;
 
-    const fs::path catalogue = dir / "dbTessara.mdb";
+    const fs::path catalogue = dir.path() / "dbTessara.mdb";
     out = jettest::run(cli + " create-db " + jettest::quote(catalogue.string()) + " 2>&1", &status);
     ASSERT_EQ(status, 0) << out;
     EXPECT_EQ(lines(jettest::run("mdb-tables -1 " + jettest::quote(catalogue.string()), &status)),
@@ -106,7 +93,6 @@ TEST(CreateDbCommand, NewDatabasesReadBackEverywhere) {
     EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1) << out;
     out = jettest::run(cli + " check " + jettest::quote(catalogue.string()) + " 2>&1", &status);
     EXPECT_EQ(status, 0) << out;
-    fs::remove_all(dir);
 }
 
 }  // namespace

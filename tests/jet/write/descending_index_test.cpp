@@ -23,6 +23,7 @@
 namespace {
 
 using namespace jet;
+using idxtest::indexNamed;
 
 double number(const Value& v) {
     if (auto p = std::get_if<std::uint8_t>(&v)) return *p;
@@ -34,12 +35,6 @@ double number(const Value& v) {
     if (auto p = std::get_if<DateTime>(&v)) return p->days;
     ADD_FAILURE() << "not a number: " << toText(v);
     return 0;
-}
-
-std::size_t indexNamed(const TableDef& def, const std::string& name) {
-    for (std::size_t i = 0; i < def.indexes.size(); ++i)
-        if (def.indexes[i].name == name) return i;
-    throw Error("no index " + name);
 }
 
 // Rows whose value in the index's single column lies in [low, high], read

@@ -27,20 +27,8 @@ namespace {
 
 using namespace jet;
 using Bytes = std::vector<std::uint8_t>;
-
-std::string hex(const Bytes& b) {
-    static const char* d = "0123456789abcdef";
-    std::string s;
-    for (auto x : b) s += {d[x >> 4], d[x & 15]};
-    return s;
-}
-
-Bytes unhex(const std::string& h) {
-    Bytes b;
-    for (std::size_t i = 0; i + 1 < h.size(); i += 2)
-        b.push_back(std::uint8_t(std::stoi(h.substr(i, 2), nullptr, 16)));
-    return b;
-}
+using idxtest::hex;
+using idxtest::unhex;
 
 // A table "Parts" with one Text column K (General order) and an index on it.
 struct TextIndex {
@@ -65,46 +53,10 @@ struct TextIndex {
     }
 };
 
-std::u16string everyCodeUnitFrom1To255() {
-    std::u16string s;
-    for (char16_t c = 1; c <= 0xFF; ++c) s += c;
-    return s;
-}
-
-// Keys Access 2003 wrote into a Jet 4 file (the indexed Text column of
-// Jackcess' public test file testUnicodeCompV2003.mdb), read with our
-// reader and copied here as hex. Between them they hold every character
-// U+0001-U+00FF: two-byte inline codes, accent codes with placeholders,
-// skip codes at their places, a 255-character value.
 struct AccessKey {
     std::string what;
     std::u16string text;
     std::string key;
-};
-
-const AccessKey kAccessKeys[] = {
-    {"plain", u"only ascii chars", "7f64625e76074a6b4d5959074d574a696b0100"},
-    {"umlauts", u"\u00E4\u00E4kk\u00F6si\u00E4", "7f4a4a5c5c646b594a01131302021302021300"},
-    {"umlaut_then_plain", u"\u00FCmlaut", "7f6f605e4a6f6d011300"},
-    {"skipped_controls", u"3L9\u001D52\u0002_AB(\u00A5\u0005!!V",
-     "7f3c5e48403a2b034a4c1434a9090971010101018013061a801b0604802f060700"},
-    {"every_latin1_character", everyCodeUnitFrom1To255(),
-     "7f0803080408050806080707090a0c0e10121416182c1a1c1e36383a3c3e404244464820222e303224264a4c"
-     "4d4f51535557595b5c5e6062646668696b6d6f717375767827292a2b022b032b074a4c4d4f51535557595b5c"
-     "5e6062646668696b6d6f71737576782b092b0b2b0d2b0f08022b1034a634a734a834a92b1134aa2b1234ab4a"
-     "330534ac34ad2b1334ae33043a3c2b1434af34b034b12b153864330737123716371a2b164a4a4a4a4a4a4a51"
-     "4d51515151595959594f6264646464643309646f6f6f6f766d576b6b4a4a4a4a4a4a4a514d51515151595959"
-     "594f626464646464330a646f6f6f6f766d577601020202020202020202020202020202020202020202020202"
-     "0202020202020202020202020202020202020202020202020202020202020202020202020202020202020202"
-     "0202020202020202020202020202020202020202020202020202020202020202020202020202020203020202"
-     "02020202020202020202020302020202020f0e1219131a021c0f0e12130f0e121368190f0e12191302210f0e"
-     "12130e02020f0e1219131a021c0f0e12130f0e121368190f0e12191302210f0e12130e021301010180070603"
-     "8007060480070605800706068007060780070608800706098007060a801b060b801b060c801b060d801b060e"
-     "801b060f801b0610801b0611801b0612801b0613801b0614801b0615801b0616801b0617801b0618801b0619"
-     "801b061a801b061b801b061c80370680804b0682818f061d818f061e818f061f818f0620818f0621818f0622"
-     "818f0623818f0624818f0625818f0626818f0627818f0628818f0629818f062a818f062b818f062c818f062d"
-     "818f062e818f062f818f0630818f0631818f0632818f0633818f0634818f0635818f0636818f0637818f0638"
-     "818f0639818f063a818f063b818f063c818f063d81c3068300"},
 };
 
 void PrintTo(const AccessKey& k, std::ostream* os) { *os << k.what; }
@@ -122,32 +74,43 @@ TEST_P(JetGeneralSortAccessKeys, ReEncodeByteForByte) {
     EXPECT_EQ(hex(TextIndex(false).key(k.text)), hex(want));
 }
 
-INSTANTIATE_TEST_SUITE_P(Access2003, JetGeneralSortAccessKeys, testing::ValuesIn(kAccessKeys),
-                         [](const testing::TestParamInfo<AccessKey>& i) { return i.param.what; });
-
-// Keys Access wrote into public files for text in other scripts (golden
-// file; the files are named there).
-std::vector<AccessKey> goldenAccessKeys() {
+// Keys Access wrote, from a golden file: key, value (\uXXXX escapes taken),
+// and a name, or the line's number.
+std::vector<AccessKey> goldenAccessKeys(const std::string& name) {
     std::ifstream in(std::filesystem::path(TESSARA_SOURCE_DIR) / "tests" / "jet" / "write" /
-                     "golden" / "general_sort_access_keys.txt");
+                     "golden" / name);
     std::vector<AccessKey> out;
     std::string line;
     while (std::getline(in, line)) {
         if (line.empty() || line[0] == '#') continue;
         std::size_t a = line.find('\t'), b = line.find('\t', a + 1);
-        out.push_back({"line_" + std::to_string(out.size() + 1),
-                       utf8ToUtf16(line.substr(a + 1, b - a - 1)), line.substr(0, a)});
+        std::u16string text = utf8ToUtf16(line.substr(a + 1, b - a - 1));
+        for (std::size_t e = 0; (e = text.find(u"\\u", e)) != std::u16string::npos; ++e)
+            text.replace(e, 6, 1,
+                         char16_t(std::stoi(utf16ToUtf8(text.substr(e + 2, 4)), nullptr, 16)));
+        std::string what = name == "general_sort_access_keys.txt"
+                               ? "line_" + std::to_string(out.size() + 1)
+                               : line.substr(b + 1);
+        out.push_back({what, text, line.substr(0, a)});
     }
     return out;
 }
 
+// Access 2003's keys for every character U+0001-U+00FF (the file says where
+// they come from).
+INSTANTIATE_TEST_SUITE_P(Access2003, JetGeneralSortAccessKeys,
+                         testing::ValuesIn(goldenAccessKeys("general_sort_access2003_keys.txt")),
+                         [](const testing::TestParamInfo<AccessKey>& i) { return i.param.what; });
+
+// Keys Access wrote into public files for text in other scripts (the files
+// are named in the golden file).
 INSTANTIATE_TEST_SUITE_P(OtherScripts, JetGeneralSortAccessKeys,
-                         testing::ValuesIn(goldenAccessKeys()),
+                         testing::ValuesIn(goldenAccessKeys("general_sort_access_keys.txt")),
                          [](const testing::TestParamInfo<AccessKey>& i) { return i.param.what; });
 
 TEST(JetGeneralSort, GoldenAccessKeysCoverTheScripts) {
     std::set<char16_t> chars;
-    for (const AccessKey& k : goldenAccessKeys())
+    for (const AccessKey& k : goldenAccessKeys("general_sort_access_keys.txt"))
         for (char16_t c : k.text)
             if (c > 0xFF) chars.insert(c);
     EXPECT_EQ(chars.size(), 101u);
@@ -259,51 +222,16 @@ INSTANTIATE_TEST_SUITE_P(Values, JetGeneralSortRefuses, testing::ValuesIn(kRefus
                              return std::string(i.param.what);
                          });
 
-// Names and values as German users write them, into an Access-made file.
-const char* const kNames[] = {
-    "tblOrdner_tblSeiten",
-    "Zeichnungen 2025",
-    "Zeichnungen2025",
-    "Öl-Wanne",
-    "Ölwanne",
-    "Straße",
-    "Strasse",
-    "",
-    "O'Brien",
-    "Ärger",
-    "ärger",
-    "Apfel",
-    "Äpfel",
-    "Apfelbaum",
-    "Müller",
-    "Mueller",
-    "Größe 1/2\"",
-    "naïve café",
-    "Ventil DN50 – ÄÖÜß",  // with an en dash
-    "€ 100,-",
-    "wz 0 5 6 7 8 9 .",
-    "_x",
-    "0x",
-    "ax",
-    "~!@#$%^&*()_+{}|:<>?`-=[]\\;',./",
-    "ÀÁÂÃÅÆÇÈÉÊËÌÍÎÏÐÑÒÓÔÕØÙÚÛÝÞÿ",
-    // Suppliers across Europe.
-    "Capek",
-    "Čapek",
-    "Cbpek",
-    "Łódź Zawór Ω",
-    "Ventil Ω 50",
-    "Привод П-50",
-    "привод п-50",
-    "Ωμέγα",
-    "Škoda Ústí nad Labem",
-    "Kraków-Ślęża",
-    "Şişli Ţară",
-    "Rohr ⌀50 ≤ 6 bar",
-    "Ǆep ǅ",
-    "Cafe\u0301 (combining acute)",
-    "Мир",
-};
+// Names and values as German users write them, and suppliers' names across
+// Europe (golden file, one per line after its comment lines).
+std::vector<std::string> names() {
+    std::ifstream in(std::filesystem::path(TESSARA_SOURCE_DIR) / "tests" / "jet" / "write" /
+                     "golden" / "general_sort_names.txt");
+    std::vector<std::string> out;
+    for (std::string line; std::getline(in, line);)
+        if (line.rfind("# ", 0) != 0) out.push_back(line);
+    return out;
+}
 
 TEST(JetGeneralSortWrite, RowsWithNewCharactersKeepTheirIndexes) {
     idxtest::TempCopy copy("indexTestV2000.mdb");
@@ -325,8 +253,10 @@ TEST(JetGeneralSortWrite, RowsWithNewCharactersKeepTheirIndexes) {
         w.createRelationship(
             {"tblOrdner_tblSeiten", "tblSeiten", {"OrdnerId"}, "tblOrdner", {"Id"}, false});
         ASSERT_EQ(w.unwritableReason(table), "");
-        for (const char* name : kNames) {
-            Row row{Value{}, Value{std::string(name)}};
+        const std::vector<std::string> all = names();
+        ASSERT_EQ(all.size(), 41u);
+        for (const std::string& name : all) {
+            Row row{Value{}, Value{name}};
             rows[w.insert(table, row)] = name;
         }
         // Refused before anything is written: the table keeps its rows.

@@ -19,18 +19,14 @@
 namespace {
 
 using namespace jet;
+using idxtest::indexNamed;
 using idxtest::TempCopy;
+using txtest::fileBytes;
 using Bytes = std::vector<std::uint8_t>;
 
 const char* const kFile = "testIndexPropertiesV2000.mdb";
 
 Value text(const char* s) { return std::string(s); }
-
-std::size_t indexNamed(const TableDef& def, const std::string& name) {
-    for (std::size_t i = 0; i < def.indexes.size(); ++i)
-        if (def.indexes[i].name == name) return i;
-    throw Error("no index " + name);
-}
 
 const RealIndex& realNamed(const TableDef& def, const std::string& name) {
     return def.realIndexes[def.indexes[indexNamed(def, name)].realIndex];
@@ -50,11 +46,6 @@ Bytes rawEntry(const TableDef& def, const std::string& index) {
     at += tdef::kRealIndexEntry * def.indexes[indexNamed(def, index)].realIndex;
     return Bytes(def.raw.begin() + std::ptrdiff_t(at),
                  def.raw.begin() + std::ptrdiff_t(at + tdef::kRealIndexEntry));
-}
-
-Bytes fileBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), {});
 }
 
 std::size_t exportedRows(const std::string& path, const std::string& table) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "jet/format/error.h"
 #include "jet/format/general_sort.h"
 #include "jet/format/text.h"
 #include "jet/read/index_cursor.h"
@@ -14,29 +15,27 @@
 
 namespace idxtest {
 
+std::string hex(const std::vector<std::uint8_t>& b) {
+    static const char* d = "0123456789abcdef";
+    std::string s;
+    for (auto x : b) s += {d[x >> 4], d[x & 15]};
+    return s;
+}
+
+std::vector<std::uint8_t> unhex(const std::string& h) {
+    std::vector<std::uint8_t> b;
+    for (std::size_t i = 0; i + 1 < h.size(); i += 2)
+        b.push_back(std::uint8_t(std::stoi(h.substr(i, 2), nullptr, 16)));
+    return b;
+}
+
+std::size_t indexNamed(const jet::TableDef& def, const std::string& name) {
+    for (std::size_t i = 0; i < def.indexes.size(); ++i)
+        if (def.indexes[i].name == name) return i;
+    throw jet::Error("no index " + name);
+}
+
 namespace fs = std::filesystem;
-
-std::string testFile(const std::string& name) { return jettest::testFile(name); }
-
-std::vector<std::string> testFiles() { return jettest::testFiles(); }
-
-TempCopy::TempCopy(const std::string& file) {
-    std::string tmpl = (fs::temp_directory_path() / "jetindex-XXXXXX").string();
-    if (!mkdtemp(tmpl.data())) throw std::runtime_error("mkdtemp failed");
-    dir_ = tmpl;
-    path_ = (dir_ / file).string();
-    fs::copy_file(testFile(file), path_);
-    fs::permissions(path_, fs::perms::owner_read | fs::perms::owner_write);
-}
-
-TempCopy::~TempCopy() {
-    std::error_code ec;
-    fs::remove_all(dir_, ec);
-}
-
-std::shared_ptr<jet::Database> TempCopy::open(bool writable) const {
-    return jet::Database::open(path_, {.writable = writable});
-}
 
 namespace {
 

@@ -8,23 +8,31 @@
 #include <vector>
 
 #include "jet/read/database.h"
+#include "jet/support/mdbtools.h"
+#include "jet/support/tx_support.h"
 
 namespace idxtest {
 
+// A writable copy of a test file in a directory of its own.
 class TempCopy {
   public:
-    explicit TempCopy(const std::string& file);
-    ~TempCopy();
+    explicit TempCopy(const std::string& file) : path_(dir_.copy(file)) {}
     const std::string& path() const { return path_; }
-    std::shared_ptr<jet::Database> open(bool writable = true) const;
+    std::shared_ptr<jet::Database> open(bool writable = true) const {
+        return jet::Database::open(path_, {.writable = writable});
+    }
 
   private:
-    std::filesystem::path dir_;
+    txtest::TempDir dir_;
     std::string path_;
 };
+using jettest::testFile;
+using jettest::testFiles;
 
-std::string testFile(const std::string& name);
-std::vector<std::string> testFiles();
+std::string hex(const std::vector<std::uint8_t>& b);  // lower-case, no spaces
+std::vector<std::uint8_t> unhex(const std::string& h);
+// The logical index of that name; throws when the table has none.
+std::size_t indexNamed(const jet::TableDef& def, const std::string& name);
 
 struct TreeShape {
     std::size_t depth = 0, leaves = 0, nodes = 0, entries = 0;

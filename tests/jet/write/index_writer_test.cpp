@@ -7,8 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
-#include <iostream>
 #include <random>
 #include <set>
 
@@ -25,13 +23,8 @@ namespace {
 using namespace jet;
 using idxtest::TempCopy;
 using Bytes = std::vector<std::uint8_t>;
-
-std::string hex(const Bytes& b) {
-    static const char* d = "0123456789abcdef";
-    std::string s;
-    for (auto x : b) s += {d[x >> 4], d[x & 15]};
-    return s;
-}
+using idxtest::hex;
+using idxtest::unhex;
 
 // Every Text-keyed entry Access wrote, with the row it points at, one file
 // after the other.
@@ -186,11 +179,8 @@ TEST_P(JetIndexTree, InsertsAndRemovesSplitAndUnlinkPages) {
     db->begin();
     if (c.descending)
         for (const IndexEntry& e : accessEntries) indexRemove(*db, *work, ri, e.key, e.row);
-    auto t0 = std::chrono::steady_clock::now();
     for (const Item& it : items) indexInsert(*db, *work, ri, it.key, it.row);
-    double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
     db->commit();
-    std::cout << "[ figures ] " << c.name << ": " << c.count << " inserts in " << seconds << " s\n";
     db->begin();
     EXPECT_THROW(indexInsert(*db, *work, ri, items[0].key, items[0].row), Error);
     db->commit();

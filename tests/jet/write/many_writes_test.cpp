@@ -12,6 +12,7 @@
 #include "jet/read/database.h"
 #include "jet/read/table.h"
 #include "jet/support/mdbtools.h"
+#include "jet/support/tx_support.h"
 #include "jet/write/writer.h"
 
 namespace {
@@ -20,11 +21,8 @@ namespace fs = std::filesystem;
 
 TEST(ManyWrites, HundredThousandInsertsWithUpdatesAndDeletesReadBackEverywhere) {
     ASSERT_TRUE(jettest::haveMdbTools());
-    const fs::path dir =
-        fs::temp_directory_path() / ("jetcreate-many-" + std::to_string(::getpid()));
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    const std::string file = (dir / "viele.mdb").string();
+    txtest::TempDir dir;
+    const std::string file = (dir.path() / "viele.mdb").string();
     jet::createDatabase(file);
 
     using T = jet::ColumnType;
@@ -119,7 +117,6 @@ TEST(ManyWrites, HundredThousandInsertsWithUpdatesAndDeletesReadBackEverywhere) 
     }
     EXPECT_EQ(agree, model.size());
     EXPECT_GT(nulls, 0u);
-    fs::remove_all(dir);
 }
 
 }  // namespace

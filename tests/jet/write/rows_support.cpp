@@ -8,36 +8,10 @@
 
 namespace rowstest {
 
-Scratch::Scratch() {
-    std::random_device rd;
-    dir_ = std::filesystem::temp_directory_path() /
-           ("jetrows-" + std::to_string(::getpid()) + "-" + std::to_string(rd()));
-    std::filesystem::create_directories(dir_);
-}
-
-Scratch::~Scratch() {
-    std::error_code ec;
-    std::filesystem::remove_all(dir_, ec);
-}
-
-std::string Scratch::copy(const std::string& name) {
-    std::filesystem::path to = dir_ / name;
-    std::filesystem::copy_file(jettest::testFile(name), to,
-                               std::filesystem::copy_options::overwrite_existing);
-    std::filesystem::permissions(to, std::filesystem::perms::owner_write,
-                                 std::filesystem::perm_options::add);
-    return to.string();
-}
-
 std::shared_ptr<jet::Database> openWritable(const std::string& path) {
     jet::OpenOptions o;
     o.writable = true;
     return jet::Database::open(path, o);
-}
-
-std::vector<std::uint8_t> fileBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 std::vector<std::vector<std::string>> exportRows(const std::string& path,

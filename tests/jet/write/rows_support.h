@@ -9,27 +9,15 @@
 #include "jet/read/database.h"
 #include "jet/read/table.h"
 #include "jet/support/mdbtools.h"
+#include "jet/support/tx_support.h"
 #include "jet/write/writer.h"
 
 namespace rowstest {
 
-// A private directory holding copies of test files; removed at the end.
-class Scratch {
-  public:
-    Scratch();
-    ~Scratch();
-    Scratch(const Scratch&) = delete;
-    Scratch& operator=(const Scratch&) = delete;
-    // A writable copy of the named test file.
-    std::string copy(const std::string& name);
-    const std::filesystem::path& dir() const { return dir_; }
-
-  private:
-    std::filesystem::path dir_;
-};
+using Scratch = txtest::TempDir;  // copies of test files, removed at the end
+using txtest::fileBytes;
 
 std::shared_ptr<jet::Database> openWritable(const std::string& path);
-std::vector<std::uint8_t> fileBytes(const std::string& path);
 // mdb-export's rows of table (header row dropped), each cell as printed.
 std::vector<std::vector<std::string>> exportRows(const std::string& path, const std::string& table);
 // Every live row of the table in storage order.
