@@ -153,7 +153,10 @@ TEST_F(Navigation, PagingJumpingAndBackToTheLastFilledPage) {
     EXPECT_EQ(m.intSeite(), 4);
     ASSERT_TRUE(m.combutZurueckAnfang());
     EXPECT_EQ(m.intSeite(), 1);
-    EXPECT_FALSE(m.GeheZuSeite(m.letzteSeite() + 1));
+    const long letzte = kCodeTabelleLaenge / 9 - 1;  // the last Page all of whose slots have codes
+    EXPECT_TRUE(m.GeheZuSeite(letzte));
+    EXPECT_FALSE(m.GeheZuSeite(letzte + 1));
+    EXPECT_EQ(m.intSeite(), letzte) << "a refused Page leaves the current one";
 }
 
 TEST_F(Navigation, DoubleClickActsByTheSetting) {
