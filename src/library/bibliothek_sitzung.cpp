@@ -109,6 +109,74 @@ bool BibliothekSitzung::fctSchreibschutzPruefen() {
     return booSchreibschutz_;
 }
 
+namespace {
+typAenderung wenn(bool geaendert, typAenderung was) { return geaendert ? was : kNichtsGeaendert; }
+}  // namespace
+
+typAenderung BibliothekSitzung::fctVor() { return wenn(modell_.combutVor(), kSeiteGeaendert); }
+
+typAenderung BibliothekSitzung::fctZurueck() {
+    return wenn(modell_.combutZurueck(), kSeiteGeaendert);
+}
+
+typAenderung BibliothekSitzung::fctZurueckAnfang() {
+    return wenn(modell_.combutZurueckAnfang(), kSeiteGeaendert);
+}
+
+typAenderung BibliothekSitzung::fctOrdnerWaehlen(int intIndex) {
+    return wenn(modell_.comboxOrdner_Click(intIndex), kBoxenGeaendert | kSeiteGeaendert);
+}
+
+typAenderung BibliothekSitzung::fctSeiteWaehlen(int intIndex) {
+    const auto& liste = modell_.seitenListe();
+    if (intIndex < 0 || intIndex >= static_cast<int>(liste.size())) return kNichtsGeaendert;
+    return wenn(modell_.GeheZuSeite(liste[intIndex].SeitenNr - 1), kSeiteGeaendert);
+}
+
+typAenderung BibliothekSitzung::fctBilderanzahl(long longAnzahlDerBilder) {
+    if (!fctBilderanzahlGueltig(longAnzahlDerBilder)) return kNichtsGeaendert;
+    setup_.longAnzahlDerBilder = static_cast<std::int32_t>(longAnzahlDerBilder);
+    modell_.BilderAnzeigenBeiGeaenderterBilderanzahl(longAnzahlDerBilder);
+    return kBoxenGeaendert | kSeiteGeaendert;
+}
+
+typAenderung BibliothekSitzung::fctPositionSetzen(int intPosition) {
+    modell_.subPositionSetzen(intPosition);
+    return kPositionGeaendert;
+}
+
+typAenderung BibliothekSitzung::fctMarkieren(int intPosition, bool booMarkiert) {
+    if (booSchreibschutz_) return kSeiteGeaendert;  // the box shows the mark as it is
+    modell_.fctMarkierungSetzen(intPosition, booMarkiert);
+    return kSeiteGeaendert;
+}
+
+typAenderung BibliothekSitzung::fctMarkierungenAufheben() {
+    if (booSchreibschutz_) return kNichtsGeaendert;
+    return wenn(modell_.fctMarkierungenAlleLoeschen(), kSeiteGeaendert);
+}
+
+typAenderung BibliothekSitzung::fctOrdnerUndSeitenNeuEinlesen() {
+    Prozedur p(z_, "subOrdnerUndSeitenNeuAnzeigen", true);
+    if (!modell_.offen()) return kNichtsGeaendert;
+    const auto* o = modell_.aktuellerOrdner();
+    const std::string nr = o ? o->OrdnerNr : std::string();
+    const long seite = modell_.intSeite();
+    const int pos = modell_.intPosition();
+    modell_.OrdnerInArrayEinlesen();
+    // The Folder shown may have gone: the first one takes its place.
+    if (nr.empty() || !modell_.fctOrdnerWaehlen(nr, seite)) modell_.comboxOrdner_Click(0);
+    modell_.subPositionSetzen(pos);
+    return kBoxenGeaendert | kSeiteGeaendert;
+}
+
+DoppelklickAktion BibliothekSitzung::fctDoppelklick(int intPosition, bool booAusListe) {
+    const long doppelklick = setup_.longDoppelklick;
+    if (booSchreibschutz_ && doppelklick == 2) return DoppelklickAktion::Nichts;
+    return booAusListe ? modell_.fctListeDoppelklick(intPosition, doppelklick)
+                       : modell_.fctDoppelklick(intPosition, doppelklick);
+}
+
 int BibliothekSitzung::fctRasterZiel(RasterTaste taste) const {
     const int n = static_cast<int>(modell_.seitenSlots().size());
     const int pos = modell_.intPosition();

@@ -80,6 +80,28 @@ class BibliothekSitzung {
     // "dbTessara.ini", and the Folder and picture size in the options.
     void subPositionSpeichern();
 
+    // --- The window's commands; each answers what it changed ---------------------
+    typAenderung fctVor();
+    typAenderung fctZurueck();
+    typAenderung fctZurueckAnfang();
+    // The Folder at this index of the Folder box, then its saved Page.
+    typAenderung fctOrdnerWaehlen(int intIndex);
+    // The Page at this index of the Page box (the Pages by name).
+    typAenderung fctSeiteWaehlen(int intIndex);
+    // A picture size 0..7; kept in the options for the next start.
+    typAenderung fctBilderanzahl(long longAnzahlDerBilder);
+    typAenderung fctPositionSetzen(int intPosition);
+    // Marks are rows of the catalogue: refused on a write-protected library.
+    typAenderung fctMarkieren(int intPosition, bool booMarkiert);
+    typAenderung fctMarkierungenAufheben();
+    // After a change to Folders or Pages: the Folders read again, the
+    // current Folder, Page and slot kept where they still exist.
+    typAenderung fctOrdnerUndSeitenNeuEinlesen();
+    // What a double-click on a slot (or on an entry of the name list) asks
+    // for by the option longDoppelklick; marking is done here, and nothing
+    // happens on a write-protected library.
+    DoppelklickAktion fctDoppelklick(int intPosition, bool booAusListe = false);
+
     // --- Moving in the grid -----------------------------------------------------------
     // The slot a key moves the selection to on the current Page: left and
     // right by one, up and down by a row of the grid's shape, Home and End

@@ -140,10 +140,8 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
     connect(ui_->mnuBibliothekOeffnen, &QAction::triggered, this,
             [this] { mnuBibliothekOeffnen_Click(); });
     connect(ui_->mnuBeenden, &QAction::triggered, this, [this] { close(); });
-    connect(ui_->mnuMarkierungenAufheben, &QAction::triggered, this, [this] {
-        modell().fctMarkierungenAlleLoeschen();
-        neuZeichnen(kSeiteGeaendert);
-    });
+    connect(ui_->mnuMarkierungenAufheben, &QAction::triggered, this,
+            [this] { neuZeichnen(sitzung_.fctMarkierungenAufheben()); });
     connect(ui_->mnuInfo, &QAction::triggered, this, [this] {
         fctMsgbox(z_, MsgboxArt::Info,
                   {MsgboxZeile(fctFensterTitel(z_, fctBeschriftung(z_, "ProgName"))),
@@ -356,17 +354,7 @@ void FrmBlockverwaltung::positionZeigen() {
 }
 
 void FrmBlockverwaltung::subOrdnerUndSeitenNeuAnzeigen() {
-    Prozedur p(z_, "subOrdnerUndSeitenNeuAnzeigen", true);
-    if (!modell().offen()) return;
-    const auto* o = modell().aktuellerOrdner();
-    const std::string nr = o ? o->OrdnerNr : std::string();
-    const long seite = modell().intSeite();
-    const int pos = modell().intPosition();
-    modell().OrdnerInArrayEinlesen();
-    // The Folder shown may have gone: the first one takes its place.
-    if (nr.empty() || !modell().fctOrdnerWaehlen(nr, seite)) modell().comboxOrdner_Click(0);
-    modell().subPositionSetzen(pos);
-    neuZeichnen(kBoxenGeaendert | kSeiteGeaendert);
+    neuZeichnen(sitzung_.fctOrdnerUndSeitenNeuEinlesen());
 }
 
 // The boxes change only on the user's pick (activated), never while filled.
@@ -384,51 +372,35 @@ void FrmBlockverwaltung::statusZeigen(const QString& text) {
 
 // --- Handlers -------------------------------------------------------------
 
-void FrmBlockverwaltung::combutVor_Click() {
-    if (modell().combutVor()) neuZeichnen(kSeiteGeaendert);
-}
+void FrmBlockverwaltung::combutVor_Click() { neuZeichnen(sitzung_.fctVor()); }
 
-void FrmBlockverwaltung::combutZurueck_Click() {
-    if (modell().combutZurueck()) neuZeichnen(kSeiteGeaendert);
-}
+void FrmBlockverwaltung::combutZurueck_Click() { neuZeichnen(sitzung_.fctZurueck()); }
 
-void FrmBlockverwaltung::combutZurueckAnfang_Click() {
-    if (modell().combutZurueckAnfang()) neuZeichnen(kSeiteGeaendert);
-}
+void FrmBlockverwaltung::combutZurueckAnfang_Click() { neuZeichnen(sitzung_.fctZurueckAnfang()); }
 
 void FrmBlockverwaltung::comboxOrdner_Click(int intIndex) {
-    if (modell().comboxOrdner_Click(intIndex)) neuZeichnen(kBoxenGeaendert | kSeiteGeaendert);
+    neuZeichnen(sitzung_.fctOrdnerWaehlen(intIndex));
 }
 
 void FrmBlockverwaltung::comboxSeite_Click(int intIndex) {
-    const auto& liste = modell().seitenListe();
-    if (intIndex < 0 || intIndex >= static_cast<int>(liste.size())) return;
-    if (modell().GeheZuSeite(liste[intIndex].SeitenNr - 1)) neuZeichnen(kSeiteGeaendert);
+    neuZeichnen(sitzung_.fctSeiteWaehlen(intIndex));
 }
 
 void FrmBlockverwaltung::comboxBilderanzahl_Click(int intIndex) {
-    if (!fctBilderanzahlGueltig(intIndex)) return;
-    sitzung_.setup().longAnzahlDerBilder = intIndex;
-    modell().BilderAnzeigenBeiGeaenderterBilderanzahl(intIndex);
-    neuZeichnen(kSeiteGeaendert);
+    neuZeichnen(sitzung_.fctBilderanzahl(intIndex));
 }
 
 void FrmBlockverwaltung::sldBlockverwaltung_LButtonDown(int intPosition) {
-    modell().subPositionSetzen(intPosition);
-    neuZeichnen(kPositionGeaendert);
+    neuZeichnen(sitzung_.fctPositionSetzen(intPosition));
     ui_->rasterFlaeche->setFocus();
 }
 
 void FrmBlockverwaltung::sldBlockverwaltung_DblClick(int intPosition) {
-    const long doppelklick = sitzung_.setup().longDoppelklick;
-    if (schreibgeschuetzt() && doppelklick == 2) return;  // marking writes the catalogue
-    doppelklickAusfuehren(modell().fctDoppelklick(intPosition, doppelklick));
+    doppelklickAusfuehren(sitzung_.fctDoppelklick(intPosition));
 }
 
 void FrmBlockverwaltung::lisBlockBenennung_DblClick(int intEintrag) {
-    const long doppelklick = sitzung_.setup().longDoppelklick;
-    if (schreibgeschuetzt() && doppelklick == 2) return;
-    doppelklickAusfuehren(modell().fctListeDoppelklick(intEintrag, doppelklick));
+    doppelklickAusfuehren(sitzung_.fctDoppelklick(intEintrag, true));
 }
 
 void FrmBlockverwaltung::doppelklickAusfuehren(DoppelklickAktion aktion) {
@@ -448,9 +420,7 @@ void FrmBlockverwaltung::doppelklickAusfuehren(DoppelklickAktion aktion) {
 }
 
 void FrmBlockverwaltung::chkMarkieren_Click(int intPosition, bool booMarkiert) {
-    if (schreibgeschuetzt()) return;
-    modell().fctMarkierungSetzen(intPosition, booMarkiert);
-    neuZeichnen(kSeiteGeaendert);
+    neuZeichnen(sitzung_.fctMarkieren(intPosition, booMarkiert));
 }
 
 void FrmBlockverwaltung::mnuVollbild_Click() {
