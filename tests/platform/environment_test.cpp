@@ -8,7 +8,6 @@
 #include <map>
 #include <optional>
 
-#include "platform/memory/memory_environment.h"
 #include "platform/posix/posix_environment.h"
 
 namespace platform {
@@ -144,14 +143,6 @@ TEST_F(PathTest, EnvironmentDirectories) {
     std::string appDir = nativePath(e.applicationDirectory());
     EXPECT_TRUE(fs::exists(fs::path(appDir) / "test_platform")) << appDir;
     EXPECT_NE(e.applicationDirectory().back(), '\\');
-}
-
-TEST(MemoryEnvironment, GivesWhatWasSet) {
-    MemoryEnvironment e("c:\\Prog", "c:\\ProgramData", "c:\\temp\\", "/s a;b");
-    EXPECT_EQ(e.applicationDirectory(), "c:\\Prog");
-    EXPECT_EQ(e.commandLine(), "/s a;b");
-    e.setTemporaryDirectory("d:\\t\\");
-    EXPECT_EQ(e.temporaryDirectory(), "d:\\t\\");
 }
 
 }  // namespace

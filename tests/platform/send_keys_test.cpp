@@ -23,6 +23,7 @@ TEST(SendKeys, DecodesTheBraceNotation) {
         {"{{}{}}{+}{^}{%}{~}", "{}+^%~"},
         {"+a^b%c", "+a^b%c"},
         {"+(ab)c", "+a+bc"},
+        {"^+(xy)z", "+^x+^yz"},
         {"{LEFT 3}", "{LEFT}{LEFT}{LEFT}"},
         {"{F1}{f12}{TAB}{BS}{DEL}", "{F1}{F12}{TAB}{BS}{DEL}"},
         {"{a 2}", "aa"},
@@ -48,15 +49,6 @@ TEST(SendKeys, DecodesTheBraceNotation) {
         ASSERT_TRUE(strokes.has_value()) << c.keys;
         EXPECT_EQ(describeKeyStrokes(*strokes), c.described) << c.keys;
     }
-}
-
-TEST(SendKeys, ModifiersApplyToOneKeyOrAGroup) {
-    auto s = parseSendKeys("^+(xy)z");
-    ASSERT_TRUE(s);
-    ASSERT_EQ(s->size(), 3u);
-    EXPECT_TRUE((*s)[0].control && (*s)[0].shift && (*s)[0].character == 'x');
-    EXPECT_TRUE((*s)[1].control && (*s)[1].shift && (*s)[1].character == 'y');
-    EXPECT_FALSE((*s)[2].control || (*s)[2].shift);
 }
 
 TEST(SendKeys, AnyBytesNeverCrash) {
