@@ -107,12 +107,6 @@ TEST_F(Einstellungen, MeldungNichtMehrAnzeigen) {
     EXPECT_TRUE(fctIniDateiNeuAnlegen(z, "AutoCadTitel", 1));
 }
 
-TEST_F(Einstellungen, SektionLoeschen) {
-    schreiben(ini(), "[AllgemeineDaten]\r\nSprache=deutsch\r\n[LayerStates]\r\nA=1\r\n");
-    EXPECT_TRUE(IniDeleteSection(z, z.strIniDatei, kLayerStates));
-    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nSprache=deutsch\r\n");
-}
-
 TEST_F(Einstellungen, VerzeichnisVorgabeModusEins) {
     subVerzeichnisVorgabeAktualisieren(z, "c:\\Bibliothek", 1);
     EXPECT_EQ(z.strVerzeichnisVorgabe, "c:\\Bibliothek\\");
@@ -123,9 +117,6 @@ TEST_F(Einstellungen, VerzeichnisVorgabeModusEins) {
     subVerzeichnisVorgabeAktualisieren(z, "c:\\Bibliothek\\", 1);
     EXPECT_FALSE(fs::exists(ini()));
     EXPECT_EQ(z.strVerzeichnisVorgabe, "c:\\Bibliothek\\");
-}
-
-TEST_F(Einstellungen, VerzeichnisVorgabeAusLaufwerkUndVerzeichnis) {
     subVerzeichnisVorgabeAktualisieren(z, "d:\\Bib\\Elektro\\dbTessara.mdb", 0);
     EXPECT_EQ(z.strVerzeichnisVorgabe, "d:\\Bib\\Elektro\\");
     EXPECT_EQ(IniGetValue(z, z.strIniDatei, kAllgemeineDaten, "VerzeichnisVorgabe"),
@@ -198,9 +189,7 @@ TEST_F(Einstellungen, ErsterStartBeginntNeueDatei) {
     // A second start finds the file and leaves it alone.
     EXPECT_FALSE(fctIniDateiErsterStart(z));
     EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n");
-}
-
-TEST_F(Einstellungen, VorhandeneDateiNenntDatenbank) {
+    // An existing file names the database: true, and the 8.x file is not read.
     const std::string inhalt = "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n";
     schreiben(ini(), inhalt);
     schreiben(wurzel / "app" / "TessaraV8.ini", "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Alt\r\n");

@@ -62,17 +62,15 @@ TEST_F(FehlerLog, MeldungOderNurLog) {
     EXPECT_EQ(benutzer.gezeigt[0].symbol, Symbol::Ausrufezeichen);
     subErrorAllgemein(z, true, "leise", 1);
     EXPECT_EQ(benutzer.gezeigt.size(), 1u);
-}
-
-TEST_F(FehlerLog, ShowAllErrorMsgboxZeigtAuchNurLog) {
+    // sShowAllErrorMsgbox=1 shows log-only errors too.
     schreiben(ini(), "[AllgemeineDaten]\r\nsShowAllErrorMsgbox=1\r\n");
     subErrorAllgemein(z, true, "leise", 1);
-    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
-    EXPECT_EQ(benutzer.gezeigt[0].text, "Fehler: leise");
+    ASSERT_EQ(benutzer.gezeigt.size(), 2u);
+    EXPECT_EQ(benutzer.gezeigt[1].text, "Fehler: leise");
     // Any other value leaves log-only errors in the log.
     schreiben(ini(), "[AllgemeineDaten]\r\nsShowAllErrorMsgbox=2\r\n");
     subErrorAllgemein(z, true, "leise", 1);
-    EXPECT_EQ(benutzer.gezeigt.size(), 1u);
+    EXPECT_EQ(benutzer.gezeigt.size(), 2u);
 }
 
 TEST_F(FehlerLog, FehlersturmBremstDieMeldungen) {
@@ -211,9 +209,7 @@ TEST_F(FehlerLog, DebugSchalterWirdAngelegtAberNichtDieDatei) {
     schreiben(ini(), "[AllgemeineDaten]\r\nSprache=deutsch\r\n");
     EXPECT_FALSE(fctGetCDebug(z, z.strIniDatei, ""));
     EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nSprache=deutsch\r\nstrDebug=0\r\n");
-}
-
-TEST_F(FehlerLog, FehlerMeldungsFlagUndEigeneSektion) {
+    // The error box flag, and a section of its own.
     schreiben(ini(), "[Test]\r\nstrDebug=-1\r\nsOhneMsgboxDaDll=1\r\nsErrMsgbox=1\r\n");
     EXPECT_TRUE(fctGetCDebug(z, z.strIniDatei, "Test"));
     EXPECT_TRUE(z.booFehlerMsgbox);
