@@ -85,8 +85,8 @@ TEST_F(DemoBibliothek, SymbolsLaidOutAsTheCatalogueExpects) {
             EXPECT_GT(fs::file_size(wurzel / dwg), 0u) << dwg;
             if (v == 0) continue;
             ++mitAnsicht1;
-            EXPECT_NO_THROW(
-                slide::fctDiaLaden(fctBildnameAnsicht(basis, b.ordnerNr, b.blockNr, v, true)));
+            EXPECT_NO_THROW(slide::fctDiaLaden(basis + fctDiaBibliothek(b.ordnerNr, b.blockNr, v) +
+                                               "(" + fctDiaCode(v) + ")"));
         }
     }
     EXPECT_GE(mitAnsicht1, 5);
