@@ -198,17 +198,6 @@ TEST_F(Ordner, AnOlderDatabaseGetsTheSortNumberOnFirstUse) {
               (std::vector<std::string>{"Standard-Ordner|2", "Zweiter|1"}));
 }
 
-TEST_F(Ordner, WithoutDialogTheCodeFollowsTheLastKeyAndTheFolderBecomesCurrent) {
-    EXPECT_TRUE(fctOrdnerNeuAnlegen(z, *modell, "Import", ""));
-    EXPECT_FALSE(fctOrdnerNeuAnlegen(z, *modell, "import", ""));
-    EXPECT_TRUE(fctOrdnerNeuAnlegen(z, *modell, "Gegeben", "X1Y"));
-    EXPECT_EQ(ordnerNamen(*this),
-              (std::vector<std::string>{"000|Standard-Ordner", "002|Import", "X1Y|Gegeben"}));
-    ASSERT_NE(modell->aktuellerOrdner(), nullptr);
-    EXPECT_EQ(modell->aktuellerOrdner()->OrdnerName, "Gegeben");
-    EXPECT_TRUE(benutzer.gezeigt.empty());
-}
-
 TEST_F(Ordner, TheFolderBoxFollowsTheSortSetting) {
     for (const char* n : {"Zink", "Alu"}) ASSERT_TRUE(fctOrdnerNeu(z, *modell, n));
     auto namen = [&] {

@@ -66,28 +66,6 @@ TEST_F(Seiten, ATakenNumberIsOverwrittenInPlaceAfterAsking) {
     ASSERT_EQ(modell->seitenListe().size(), 3u);
 }
 
-TEST_F(Seiten, WithoutDialogATakenNumberIsOverwrittenAndTheNameQuestionIsFixed) {
-    ASSERT_TRUE(fctSeiteAendern(z, *modell, 1, "Erste"));
-    EXPECT_TRUE(benutzer.gezeigt.empty());
-    benutzer.antworten = {Antwort::Nein};
-    EXPECT_FALSE(fctSeiteAendern(z, *modell, 5, "erste"));
-    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
-    const auto& g = benutzer.gezeigt[0];
-    EXPECT_EQ(g.titel, "gleicher Seitenname");
-    EXPECT_EQ(g.text,
-              "Seite mit folgendem Name besteht schon:\rerste\rSoll die Seite trotzdem angelegt "
-              "werden?");
-    EXPECT_EQ(g.symbol, Symbol::Information);
-    EXPECT_EQ(g.knoepfe, Knoepfe::JaNein);
-    EXPECT_EQ(seiten(*this), std::vector<std::string>{"1|1|Erste"});
-
-    EXPECT_TRUE(fctSeiteAnlegenOhneKontrolle(z, *modell, 4, "Erste"));
-    EXPECT_EQ(seiten(*this), (std::vector<std::string>{"1|1|Erste", "2|4|Erste"}));
-    EXPECT_EQ(modell->intSeite(), 3);
-    EXPECT_EQ(fctSeitenNameMitIndex("Erste", 0), "Erste");
-    EXPECT_EQ(fctSeitenNameMitIndex("Erste", 2), "Erste-2");
-}
-
 TEST_F(Seiten, RenameKeepsTheNumberAndRefusesATakenName) {
     ASSERT_TRUE(fctSeiteNeu(z, *modell, "2", "Zwei"));
     EXPECT_FALSE(fctSeiteUmbenennen(z, *modell, 2, "1"));
