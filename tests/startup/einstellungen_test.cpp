@@ -6,6 +6,7 @@
 
 #include "einstellungen_umgebung.h"
 #include "startup/ini_datei.h"
+#include "tabelle.h"
 
 namespace tessara::einstellungentest {
 namespace {
@@ -126,46 +127,13 @@ TEST_F(Einstellungen, VerzeichnisVorgabeModusEins) {
     EXPECT_FALSE(fs::exists(ini()));  // unchanged: not written
 }
 
-struct ListenFall {
-    const char* name;
-    std::string inhalt;
-    std::vector<std::string> erwartet;
-};
-
 TEST_F(Einstellungen, DatenbanklisteLesen) {
-    const ListenFall faelle[] = {
-        {"keine Datei", "", {""}},
-        {"erster Start", "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n", {"0"}},
-        {"0 verdeckt die folgenden",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\nDbVerzeichnis1=c:\\Bib\r\n",
-         {"0"}},
-        {"drei",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=c:\\B\r\nDbVerzeichnis2=d:"
-         "\\C\r\n",
-         {"c:\\A", "c:\\B", "d:\\C"}},
-        {"Luecke beendet",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis2=c:\\C\r\n",
-         {"c:\\A"}},
-        {"0 in der Mitte beendet",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=0\r\nDbVerzeichnis2=c:"
-         "\\C\r\n",
-         {"c:\\A"}},
-        {"leerer Wert beendet",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=\r\nDbVerzeichnis2=c:\\C\r\n",
-         {"c:\\A"}},
-        {"erster gleichnamiger Schluessel gilt",
-         "[AllgemeineDaten]\r\nDbVerzeichnis1=c:\\B\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=\r\n",
-         {"c:\\A", "c:\\B"}},
-        {"leer an Stelle 0",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=\r\nDbVerzeichnis1=c:\\B\r\n",
-         {""}},
-    };
-    for (const auto& f : faelle) {
+    for (const auto& f : test::tabelle("startup/golden/datenbankliste.txt")) {
         fs::remove(ini());
-        if (!f.inhalt.empty()) schreiben(ini(), f.inhalt);
+        if (!f.at(1).empty()) schreiben(ini(), f[1]);
         z.aryDbVerzeichnis = {"alt", "alt", "alt", "alt"};
         subLesenTessaraIniDatei(z);
-        EXPECT_EQ(z.aryDbVerzeichnis, f.erwartet) << f.name;
+        EXPECT_EQ(z.aryDbVerzeichnis, std::vector<std::string>(f.begin() + 2, f.end())) << f[0];
     }
 }
 
