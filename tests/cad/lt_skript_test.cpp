@@ -6,6 +6,7 @@
 
 #include "cad/einfuege_texte.h"
 #include "cad_umgebung.h"
+#include "tabelle.h"
 
 namespace tessara::test {
 namespace {
@@ -31,45 +32,14 @@ INSTANTIATE_TEST_SUITE_P(Drei, DateiZeile,
                                            DateiZeilenFall{0, "", "\"c:\\B\\0010A2.dwg\""},
                                            DateiZeilenFall{0, "Flansch", "\"c:\\B\\0010A2.dwg\""}));
 
-struct EinfuegeSkriptFall {
-    std::string layer;
-    std::string ohneLayer;
-    long xref;
-    std::vector<std::string> erwartet;
-};
-
-class EinfuegeSkript : public ::testing::TestWithParam<EinfuegeSkriptFall> {};
-
-TEST_P(EinfuegeSkript, ZeileFuerZeile) {
-    const auto& f = GetParam();
-    EXPECT_EQ(fctSkriptEinfuegen(f.layer, f.ohneLayer, f.xref, 1, "Ventil", 0, "", "c:\\B\\b0.dwg"),
-              f.erwartet);
+TEST(LtSkriptTexte, EinfuegeSkriptZeileFuerZeile) {
+    for (const auto& f : tabelle("cad/golden/einfuege_skript.txt")) {
+        EXPECT_EQ(fctSkriptEinfuegen(f.at(0), f.at(1), std::stol(f.at(2)), 1, "Ventil", 0, "",
+                                     "c:\\B\\b0.dwg"),
+                  std::vector<std::string>(f.begin() + 3, f.end()))
+            << f[0] << "|" << f[1] << "|" << f[2];
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Faelle, EinfuegeSkript,
-    ::testing::Values(
-        EinfuegeSkriptFall{
-            "", "", 0, {"._-insert", "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}},
-        EinfuegeSkriptFall{"Armaturen",
-                           "",
-                           0,
-                           {"-layer", "se", "Armaturen", "", "._-insert",
-                            "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}},
-        EinfuegeSkriptFall{"Armaturen",
-                           "1",
-                           0,
-                           {"._-insert", "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}},
-        EinfuegeSkriptFall{"Armaturen",
-                           "0",
-                           1,
-                           {"-layer", "se", "Armaturen", "", "._-xref", "z", "",
-                            "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}},
-        EinfuegeSkriptFall{
-            "",
-            "",
-            1,
-            {"._-xref", "z", "", "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}}));
 
 TEST(LtSkriptTexte, ReplaceBackslashNurImGetipptenPfad) {
     EXPECT_EQ(fctSkriptPfadGetippt("c:\\temp\\bv8LT.scr", "/"), "c:/temp/bv8LT.scr");
