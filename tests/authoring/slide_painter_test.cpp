@@ -135,22 +135,6 @@ TEST(SlidePainter, SolidFillsAreFilled) {
     EXPECT_TRUE(inDerNaehe(bild, 150, 49, QColor(0, 255, 0)));
 }
 
-TEST(SlidePainter, TestDataSlidesPaintSomething) {
-    std::vector<std::string> bilder = {testdaten("slide_up.sld"), testdaten("slide_dn.sld"),
-                                       testdaten("slide_kss.sld"), testdaten("slide_kz.sld"),
-                                       testdaten("mylib.slb") + "(SLIDE2)"};
-    for (const auto& b : bilder) {
-        SCOPED_TRACE(b);
-        QImage bild = fctDiaBild(slide::fctDiaLaden(b), QSize(160, 120));
-        int gezeichnet = 0;
-        for (int y = 0; y < bild.height(); ++y)
-            for (int x = 0; x < bild.width(); ++x)
-                if (!nahe(bild.pixel(x, y), QColor(0, 0, 0), 10)) ++gezeichnet;
-        EXPECT_GT(gezeichnet, 50);
-        EXPECT_LT(gezeichnet, 160 * 120 / 2);
-    }
-}
-
 // A field of a title block as the host writes masked text: a hatch under
 // the field, the colour-0 mask over it, then a frame and text inside the
 // mask, and a colour-0 line across the hatch.
