@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "authoring/block_dateien.h"
+#include "tabelle.h"
 #include "temp_verzeichnis.h"
 
 using namespace tessara;
@@ -74,30 +75,8 @@ TEST_F(DateienOperationen, WriteProtection) {
 }
 
 TEST_F(DateienOperationen, ShorteningForDisplay) {
-    struct Fall {
-        std::string pfad, soll;
-    };
-    const std::string p34 = "C:\\Tessara\\Bibliothek\\001\\Blocks\\a";  // 34 characters
-    ASSERT_EQ(p34.size(), 34u);
-    const std::string p41 = "C:\\Programme\\Tessara\\Bibliothek\\0010x.slb";
-    ASSERT_EQ(p41.size(), 41u);
-    const std::string p36 = "C:\\abcdefghij\\klmnopqrstu\\vwxyz12.sl";
-    ASSERT_EQ(p36.size(), 36u);
-    const std::string p37 = "C:\\" + std::string(34, 'y');  // no backslash in the tail
-    ASSERT_EQ(p37.size(), 37u);
-    const Fall faelle[] = {
-        {"", ""},
-        {p34, p34},
-        // From 38 on: drive, "...", the last 32 characters from their first backslash.
-        {p41, "C:\\...\\Tessara\\Bibliothek\\0010x.slb"},
-        {"C:\\" + std::string(40, 'x'), "C:\\..." + std::string(32, 'x')},
-        // 35 to 37: shortened only where the result is shorter than the path.
-        {p36, "C:\\...\\klmnopqrstu\\vwxyz12.sl"},
-        {p37, p37},
-    };
-    for (const auto& f : faelle) {
-        SCOPED_TRACE(f.pfad);
-        EXPECT_EQ(fctPfadAuf34ZeichenKuerzen(z, f.pfad), f.soll);
+    for (const auto& f : tessara::test::tabelle("authoring/golden/pfad_kuerzen.txt")) {
+        EXPECT_EQ(fctPfadAuf34ZeichenKuerzen(z, f.at(0)), f.at(1)) << f[0];
     }
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "einstellungen_umgebung.h"
+#include "tabelle.h"
 
 namespace tessara::einstellungentest {
 namespace {
@@ -165,32 +166,13 @@ TEST_F(RegistryWerte, EintraegeBeimSchliessen) {
 }
 
 TEST_F(RegistryWerte, AktuelleDatenbankAusEintrag1) {
-    const struct {
-        const char* name;
-        std::optional<std::string> eintrag1;
-        std::vector<std::string> liste;
-        std::string erwartet;
-    } faelle[] = {
-        {"in der Liste", "d:\\B\\dbTessara.mdb", {"c:\\A", "d:\\B"}, "d:\\B\\dbTessara.mdb"},
-        {"Gross/Klein und Backslash",
-         "D:\\b\\dbTessara.mdb",
-         {"c:\\A", "d:\\B\\"},
-         "D:\\b\\dbTessara.mdb"},
-        {"nicht in der Liste",
-         "e:\\Weg\\dbTessara.mdb",
-         {"c:\\A", "d:\\B"},
-         "c:\\A\\dbTessara.mdb"},
-        {"fehlt", std::nullopt, {"c:\\A\\"}, "c:\\A\\dbTessara.mdb"},
-        {"keine Datenbank", "e:\\Weg\\dbTessara.mdb", {"0"}, ""},
-        {"Liste leer", std::nullopt, {}, ""},
-    };
-    for (const auto& f : faelle) {
+    for (const auto& f : test::tabelle("startup/golden/aktuelle_datenbank.txt")) {
         aufz.deleteValue(Hive::CurrentUser, z.strRegRoot, "Eintrag1");
-        if (f.eintrag1) aufz.writeString(Hive::CurrentUser, z.strRegRoot, "Eintrag1", *f.eintrag1);
-        z.aryDbVerzeichnis = f.liste;
+        if (f.at(1) != "-") aufz.writeString(Hive::CurrentUser, z.strRegRoot, "Eintrag1", f[1]);
+        z.aryDbVerzeichnis.assign(f.begin() + 3, f.end());
         z.strAktuelleDb = "vorher";
-        EXPECT_EQ(EintraegeAusRegistrierdatenbank(z), !f.erwartet.empty()) << f.name;
-        EXPECT_EQ(z.strAktuelleDb, f.erwartet) << f.name;
+        EXPECT_EQ(EintraegeAusRegistrierdatenbank(z), !f.at(2).empty()) << f[0];
+        EXPECT_EQ(z.strAktuelleDb, f[2]) << f[0];
     }
 }
 
