@@ -13,54 +13,23 @@ namespace {
 
 using Einstellungen = EinstellungenUmgebung;
 
-TEST_F(Einstellungen, ByteLeser) {
-    const struct {
-        const char* wert;
-        int erwartet;
-    } faelle[] = {
-        {"0", 0},   {"1", 1},   {"255", 255},   {"256", 0},   {"300", 0},   {"abc", 0},
-        {"-1", 0},  {"+5", 0},  {".5", 0},      {"", 0},      {"12", 12},   {"1e2", 100},
-        {"2.5", 2}, {"3.5", 4}, {"255.4", 255}, {"255.5", 0}, {"12abc", 0}, {"&H10", 0},
-    };
-    for (const auto& f : faelle) {
-        fctIniWertSchreiben(z.strIniDatei, kAllgemeineDaten, "bytEinzelEinlesen", f.wert);
-        EXPECT_EQ(fctIniByteLesen(z, z.strIniDatei, kAllgemeineDaten, "bytEinzelEinlesen"),
-                  f.erwartet)
-            << '"' << f.wert << '"';
+TEST_F(Einstellungen, ZahlenUndWahrheitswerte) {
+    for (const auto& f : test::tabelle("startup/golden/leser.txt")) {
+        SCOPED_TRACE(f.at(0) + " \"" + f.at(1) + "\"");
+        fctIniWertSchreiben(z.strIniDatei, "Position", "s1", f[1]);
+        const long erwartet = std::stol(f.at(2));
+        if (f[0] == "byte") {
+            EXPECT_EQ(fctIniByteLesen(z, z.strIniDatei, "Position", "s1"), erwartet);
+        } else if (f[0] == "int") {
+            EXPECT_EQ(fctIniIntLesen(z, z.strIniDatei, "Position", "s1"), erwartet);
+        } else if (f[0] == "long") {
+            EXPECT_EQ(fctIniLongLesen(z, z.strIniDatei, "Position", "s1"), erwartet);
+        } else {
+            EXPECT_EQ(fctBoolWert(f[1]), erwartet == 1);
+        }
     }
     EXPECT_EQ(fctIniByteLesen(z, z.strIniDatei, kAllgemeineDaten, "fehlt"), 0);
     EXPECT_EQ(z.fehler.intFehlerAnzahl, 0);
-}
-
-TEST_F(Einstellungen, GanzzahlLeser) {
-    const struct {
-        const char* wert;
-        int erwartet;
-    } faelle[] = {
-        {"0", 0},       {"32767", 32767}, {"32768", 0},  {"-32768", -32768}, {"-32769", 0},
-        {"abc", 0},     {" 42 ", 42},     {"12.5", 12},  {"13.5", 14},       {"&HFF", 255},
-        {"&HFFFF", -1}, {"&O17", 15},     {"1e3", 1000}, {"--1", 0},         {"", 0},
-    };
-    for (const auto& f : faelle) {
-        fctIniWertSchreiben(z.strIniDatei, "Position", "s1", f.wert);
-        EXPECT_EQ(fctIniIntLesen(z, z.strIniDatei, "Position", "s1"), f.erwartet)
-            << '"' << f.wert << '"';
-    }
-    fctIniWertSchreiben(z.strIniDatei, "Position", "Pos", "2147483647");
-    EXPECT_EQ(fctIniLongLesen(z, z.strIniDatei, "Position", "Pos"), 2147483647);
-    fctIniWertSchreiben(z.strIniDatei, "Position", "Pos", "2147483648");
-    EXPECT_EQ(fctIniLongLesen(z, z.strIniDatei, "Position", "Pos"), 0);
-}
-
-TEST_F(Einstellungen, BoolWert) {
-    EXPECT_TRUE(fctBoolWert("1"));
-    EXPECT_TRUE(fctBoolWert("-1"));
-    EXPECT_TRUE(fctBoolWert("True"));
-    EXPECT_TRUE(fctBoolWert("wahr"));
-    EXPECT_FALSE(fctBoolWert("0"));
-    EXPECT_FALSE(fctBoolWert("False"));
-    EXPECT_FALSE(fctBoolWert("ja"));
-    EXPECT_FALSE(fctBoolWert(""));
 }
 
 TEST_F(Einstellungen, IniGetValueMeldetUnlesbareDateiNurImLog) {
