@@ -28,6 +28,11 @@ class FakeEinfuegen : public CadUmgebung {
         auftrag.block.BlkName[0] = "Ventil:DN50";
         a.auftraege.push_back(auftrag);
     }
+    // The connection found an AutoCAD LT window: the script channel.
+    void ltHost() {
+        v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
+        desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    }
     std::vector<std::string> gesendet() const {
         std::vector<std::string> r;
         for (const auto& eintrag : log->eintraege)
@@ -167,8 +172,7 @@ TEST_F(FakeEinfuegen, MarkierteBloeckeNacheinander) {
 }
 
 TEST_F(FakeEinfuegen, LtGehtDenSkriptkanal) {
-    v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
-    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    ltHost();
     desktop.setKeyDown(platform::Key::LeftButton, true);
     const auto r = fctBlockEinfuegen(z, v, e, a);
     EXPECT_EQ(r.eingefuegt, 1);
@@ -241,8 +245,7 @@ TEST_F(FakeEinfuegen, VariantenauswahlAbgebrochenFuegtNichtsEin) {
 }
 
 TEST_F(FakeEinfuegen, VarianteImSkriptkanal) {
-    v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
-    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    ltHost();
     desktop.setKeyDown(platform::Key::LeftButton, true);
     a.optionen.checkBlock = 1;
     a.optionen.longVariantenfrage = 1;
@@ -296,8 +299,7 @@ TEST_F(FakeEinfuegen, EinstellungenAusDerDateiSteuernDenWeg) {
     ASSERT_EQ(getippt().size(), 2u);
     EXPECT_EQ(getippt()[0], "{(}load \"c:/temp/insert.lsp\"{)}\r");
 
-    v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
-    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    ltHost();
     desktop.setKeyDown(platform::Key::LeftButton, true);
     a.auftraege[0].block.Layer = "Armaturen";
     anlegen(z.strIniDatei, "[AllgemeineDaten]\r\nsOhneLayersteuerung=1\r\nsReplaceBackslash=/\r\n");
@@ -308,8 +310,7 @@ TEST_F(FakeEinfuegen, EinstellungenAusDerDateiSteuernDenWeg) {
 }
 
 TEST_F(FakeEinfuegen, MehrfachImSkriptkanalJeMarkiertemBlockBisEscape) {
-    v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
-    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    ltHost();
     typEinfuegeAuftrag zweiter = a.auftraege[0];
     zweiter.block.Block = "0010B";
     a.auftraege.push_back(zweiter);
@@ -336,8 +337,7 @@ TEST_F(FakeEinfuegen, MehrfachImSkriptkanalJeMarkiertemBlockBisEscape) {
 }
 
 TEST_F(FakeEinfuegen, EscapeOhneMehrfachBrichtImSkriptkanalAb) {
-    v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
-    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    ltHost();
     desktop.setKeyDown(platform::Key::Escape, true);
     const auto r = fctBlockEinfuegen(z, v, e, a);
     EXPECT_TRUE(r.booAbgebrochen);
