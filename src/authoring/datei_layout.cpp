@@ -45,10 +45,6 @@ std::string fctVarianteZeichnung(const std::string& ordnerNr, const std::string&
     return fctVariantenVerzeichnis(ordnerNr) + variantenDatei + ziffer(ansicht) + ".dwg";
 }
 
-std::string fctVarianteDatDatei(const std::string& ordnerNr, const std::string& variantenDatei) {
-    return fctVariantenVerzeichnis(ordnerNr) + variantenDatei + ".dat";
-}
-
 std::string fctLeerfeldBild(const std::string& programmVerzeichnis) {
     return programmVerzeichnis + "\\frei2.sld";
 }
@@ -67,18 +63,6 @@ bool fctSlideLibIstEinzeldia(const std::string& slideLib) { return endetAufSldOh
 std::string fctBildnameAnsicht0(const std::string& basisVerzeichnis, const std::string& slideLib) {
     if (fctSlideLibIstEinzeldia(slideLib)) return basisVerzeichnis + slideLib;
     return basisVerzeichnis + slideLib + "(" + fctDiaCode(0) + ")";
-}
-
-std::string fctBildnameAnsicht(const std::string& basisVerzeichnis, const std::string& ordnerNr,
-                               const std::string& blockNr, int ansicht, bool bibliotheken) {
-    if (ansicht == 0) {
-        return fctBildnameAnsicht0(basisVerzeichnis,
-                                   fctSlideLibEintrag(ordnerNr, blockNr, bibliotheken));
-    }
-    if (bibliotheken)
-        return basisVerzeichnis + fctDiaBibliothek(ordnerNr, blockNr, ansicht) + "(" +
-               fctDiaCode(ansicht) + ")";
-    return basisVerzeichnis + fctDiaDatei(ordnerNr, blockNr, ansicht);
 }
 
 }  // namespace tessara

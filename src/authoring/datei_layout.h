@@ -27,9 +27,6 @@ std::string fctVariantenVerzeichnis(const std::string& ordnerNr);
 // Variant directory & Variant file name & v & ".dwg"
 std::string fctVarianteZeichnung(const std::string& ordnerNr, const std::string& variantenDatei,
                                  int ansicht);
-// Variant directory & Variant file name & ".dat": the Variant's records of
-// 248 bytes lie beside its drawings under the Variant's own file name.
-std::string fctVarianteDatDatei(const std::string& ordnerNr, const std::string& variantenDatei);
 
 // Program directory & "\frei2.sld" and & "\txtPrefix.txt" (the program
 // directory is held without a trailing backslash).
@@ -47,9 +44,5 @@ bool fctSlideLibIstEinzeldia(const std::string& slideLib);
 // Picture of View 0: base & SlideLib & "(0A)" for a library, base & SlideLib
 // for a single slide. The base directory ends in "\".
 std::string fctBildnameAnsicht0(const std::string& basisVerzeichnis, const std::string& slideLib);
-// Picture of View 1..4: base & Folder directory & block number & v & ".slb" &
-// "(" & v & "A)" when the block uses libraries, else the single slide file.
-std::string fctBildnameAnsicht(const std::string& basisVerzeichnis, const std::string& ordnerNr,
-                               const std::string& blockNr, int ansicht, bool bibliotheken);
 
 }  // namespace tessara

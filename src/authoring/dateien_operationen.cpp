@@ -14,11 +14,6 @@ namespace tessara {
 namespace fs = std::filesystem;
 namespace {
 
-std::string klein(std::string s) {
-    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return s;
-}
-
 // Turns a failed file-system call into the procedure's error record.
 bool gescheitert(Prozedur& p, const std::error_code& ec, const std::string& was) {
     p.fehler(was + ": " + ec.message(), ec.value());
@@ -38,28 +33,6 @@ void verschieben(const fs::path& von, const fs::path& nach, std::error_code& ec)
             if (!ec) fs::remove(von, ec);
         }
     }
-}
-
-bool listeFuellen(Prozedur& p, const std::string& verzeichnis, const std::string* endung,
-                  std::vector<std::string>& liste) {
-    std::error_code ec;
-    std::vector<std::string> namen;
-    fs::directory_iterator it(fctNativerPfad(verzeichnis), ec);
-    if (ec) return gescheitert(p, ec, verzeichnis);
-    for (const auto& e : it) {
-        std::error_code ec2;
-        if (!e.is_regular_file(ec2)) continue;
-        std::string name = platform::utf8String(e.path().filename());
-        if (endung) {
-            std::string ext = platform::utf8String(e.path().extension());
-            if (!ext.empty()) ext.erase(0, 1);
-            if (klein(ext) != klein(*endung)) continue;
-        }
-        namen.push_back(std::move(name));
-    }
-    std::sort(namen.begin(), namen.end());
-    liste = std::move(namen);
-    return true;
 }
 
 }  // namespace
@@ -105,35 +78,6 @@ bool MoveAFile(ProgrammZustand& z, const std::string& von, const std::string& na
     });
 }
 
-bool CopyAFile(ProgrammZustand& z, const std::string& von, const std::string& nach) {
-    Prozedur p(z, "CopyAFile ");
-    return p.geschuetzt(false, [&] {
-        p.step("Datei kopieren");
-        std::error_code ec;
-        if (!fctDateiKopieren(von, nach, ec)) return gescheitert(p, ec, von + " -> " + nach);
-        return true;
-    });
-}
-
-bool CopyAFolder(ProgrammZustand& z, const std::string& von, const std::string& nach) {
-    Prozedur p(z, "CopyAFolder ");
-    return p.geschuetzt(false, [&] {
-        p.step("Verzeichnis kopieren");
-        std::error_code ec;
-        fs::path a = fctNativerPfad(fctOhneBackslash(von)),
-                 b = fctNativerPfad(fctOhneBackslash(nach));
-        if (!fs::is_directory(a, ec)) {
-            p.fehler("Pfad nicht gefunden: " + von, 76);
-            return false;
-        }
-        fs::create_directories(b, ec);
-        if (ec) return gescheitert(p, ec, nach);
-        fs::copy(a, b, fs::copy_options::recursive | fs::copy_options::overwrite_existing, ec);
-        if (ec) return gescheitert(p, ec, von + " -> " + nach);
-        return true;
-    });
-}
-
 bool DeleteAFolder(ProgrammZustand& z, const std::string& verzeichnis) {
     Prozedur p(z, "DeleteAFolder ");
     return p.geschuetzt(false, [&] {
@@ -171,54 +115,6 @@ bool MoveAFolder(ProgrammZustand& z, const std::string& von, const std::string& 
     });
 }
 
-bool SearchDWGFiles(ProgrammZustand& z, const std::string& verzeichnis) {
-    Prozedur p(z, "SearchDWGFiles ");
-    return p.geschuetzt(false, [&] {
-        p.step("dwg-Dateien suchen");
-        std::vector<std::string> namen;
-        std::string dwg = "dwg";
-        if (!listeFuellen(p, verzeichnis, &dwg, namen)) return false;
-        std::string basis = verzeichnis;
-        if (!basis.empty() && basis.back() != '\\') basis += '\\';
-        std::string text;
-        for (const auto& n : namen) text += basis + n + "\r\n";
-        p.step("txtDWGFiles schreiben");
-        std::ofstream out(fctNativerPfad(z.strCTemp + "txtDWGFiles" + ".txt"),
-                          std::ios::binary | std::ios::trunc);
-        out << fctNachWindows1252(text);
-        out.close();
-        if (!out) {
-            p.fehler("txtDWGFiles.txt kann nicht geschrieben werden", 75);
-            return false;
-        }
-        return true;
-    });
-}
-
-bool fctSearchFiles(ProgrammZustand& z, const std::string& verzeichnis,
-                    std::vector<std::string>& liste) {
-    Prozedur p(z, "fctSearchFiles ");
-    return p.geschuetzt(false, [&] { return listeFuellen(p, verzeichnis, nullptr, liste); });
-}
-
-bool fctSearchFiles(ProgrammZustand& z, const std::string& verzeichnis, const std::string& endung,
-                    std::vector<std::string>& liste) {
-    Prozedur p(z, "fctSearchFiles ");
-    return p.geschuetzt(false, [&] {
-        return listeFuellen(p, verzeichnis, endung.empty() ? nullptr : &endung, liste);
-    });
-}
-
-std::vector<std::string> fctSearchFilesAry(ProgrammZustand& z, const std::string& verzeichnis,
-                                           const std::string& endung) {
-    Prozedur p(z, "fctSearchFilesAry ");
-    return p.geschuetzt({}, [&] {
-        std::vector<std::string> liste;
-        listeFuellen(p, verzeichnis, endung.empty() ? nullptr : &endung, liste);
-        return liste;
-    });
-}
-
 bool fctFolderExist(ProgrammZustand& z, const std::string& verzeichnis) {
     Prozedur p(z, "fctFolderExist ");
     return p.geschuetzt(false,
@@ -235,65 +131,6 @@ bool fctFolderExistAnlegen(ProgrammZustand& z, const std::string& verzeichnis) {
         fs::create_directories(v, ec);
         if (ec) return gescheitert(p, ec, verzeichnis);
         return fs::is_directory(v, ec);
-    });
-}
-
-std::string fctFolderExistRueckgabe(ProgrammZustand& z, const std::string& dateiPfad) {
-    Prozedur p(z, "fctFolderExistRueckgabe ");
-    return p.geschuetzt({}, [&]() -> std::string {
-        auto pos = dateiPfad.rfind('\\');
-        if (pos == std::string::npos) return {};
-        std::string verzeichnis = dateiPfad.substr(0, pos + 1);
-        std::error_code ec;
-        fs::path v = fctNativerPfad(fctOhneBackslash(verzeichnis));
-        if (!fs::is_directory(v, ec)) {
-            p.step("Verzeichnis anlegen");
-            fs::create_directories(v, ec);
-            if (ec) {
-                gescheitert(p, ec, verzeichnis);
-                return {};
-            }
-        }
-        return verzeichnis;
-    });
-}
-
-bool fctFolderExistMitDatei(ProgrammZustand& z, const std::string& dateiPfad) {
-    Prozedur p(z, "fctFolderExistMitDatei ");
-    return p.geschuetzt(false, [&] { return !fctFolderExistRueckgabe(z, dateiPfad).empty(); });
-}
-
-PfadTeile fctPfadVollAufteilen(ProgrammZustand& z, const std::string& pfad) {
-    Prozedur p(z, "fctPfadVollAufteilen ");
-    return p.geschuetzt({}, [&] {
-        PfadTeile t;
-        std::string rest = pfad;
-        if (pfad.size() >= 2 && pfad[0] == '\\' && pfad[1] == '\\') {
-            // "\\server\share" is the drive of a network path.
-            auto server = pfad.find('\\', 2);
-            auto share =
-                server == std::string::npos ? std::string::npos : pfad.find('\\', server + 1);
-            t.laufwerk = pfad.substr(0, share);
-            rest = share == std::string::npos ? std::string() : pfad.substr(share);
-        } else if (pfad.size() >= 3 && std::isalpha(static_cast<unsigned char>(pfad[0])) &&
-                   pfad[1] == ':' && pfad[2] == '\\') {
-            t.laufwerk = pfad.substr(0, 2);
-            rest = pfad.substr(2);
-        }
-        auto slash = rest.rfind('\\');
-        std::string datei = rest;
-        if (slash != std::string::npos) {
-            t.verzeichnis = rest.substr(0, slash + 1);
-            datei = rest.substr(slash + 1);
-        }
-        auto punkt = datei.rfind('.');
-        if (punkt != std::string::npos && punkt > 0) {
-            t.name = datei.substr(0, punkt);
-            t.endung = datei.substr(punkt + 1);
-        } else {
-            t.name = datei;
-        }
-        return t;
     });
 }
 
@@ -350,87 +187,6 @@ std::string fctPfadAuf34ZeichenKuerzen(ProgrammZustand& z, const std::string& pf
 std::string fctBackslashAmEndeAnfuegen(ProgrammZustand& z, const std::string& text) {
     Prozedur p(z, "fctBackslashAmEndeAnfuegen ");
     return fctBackslashAmEndeAnfuegen(text);
-}
-
-std::vector<std::string> fctDateiNameAuslesen(ProgrammZustand& z, const std::string& verzeichnis) {
-    Prozedur p(z, "fctDateiNameAuslesen ");
-    return p.geschuetzt({}, [&] {
-        std::vector<std::string> liste;
-        listeFuellen(p, verzeichnis, nullptr, liste);
-        return liste;
-    });
-}
-
-std::string fctDateiEndungUmbenennen(ProgrammZustand& z, const std::string& dateiName,
-                                     const std::string& neueEndung) {
-    Prozedur p(z, "fctDateiEndungUmbenennen ");
-    auto bs = dateiName.rfind('\\');
-    auto punkt = dateiName.rfind('.');
-    std::string endung = neueEndung;
-    if (!endung.empty() && endung.front() == '.') endung.erase(0, 1);
-    std::size_t anfang = bs == std::string::npos ? 0 : bs + 1;
-    if (punkt == std::string::npos || punkt <= anfang) return dateiName + "." + endung;
-    return dateiName.substr(0, punkt + 1) + endung;
-}
-
-bool WriteIntorTxtFile(ProgrammZustand& z, const std::string& datei, const std::string& text) {
-    Prozedur p(z, "WriteIntorTxtFile ");
-    return p.geschuetzt(false, [&] {
-        p.step("Textdatei schreiben");
-        std::ofstream out(fctNativerPfad(datei), std::ios::binary | std::ios::trunc);
-        if (!out) {
-            p.fehler("Datei kann nicht geöffnet werden: " + datei, 75);
-            return false;
-        }
-        out << fctNachWindows1252(text);
-        out.close();
-        if (!out) {
-            p.fehler("Datei kann nicht geschrieben werden: " + datei, 75);
-            return false;
-        }
-        return true;
-    });
-}
-
-std::string fctNachWindows1252(const std::string& utf8) {
-    // Code points of 0x80..0x9F in Windows-1252, in byte order; 0 = unused.
-    static const char16_t k80[32] = {
-        0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-        0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-        0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-    std::string out;
-    out.reserve(utf8.size());
-    for (std::size_t i = 0; i < utf8.size();) {
-        auto c = static_cast<unsigned char>(utf8[i]);
-        if (c < 0x80) {
-            out += static_cast<char>(c);
-            ++i;
-            continue;
-        }
-        int laenge = (c & 0xE0) == 0xC0 ? 2 : (c & 0xF0) == 0xE0 ? 3 : (c & 0xF8) == 0xF0 ? 4 : 0;
-        bool gueltig = laenge > 0 && i + laenge <= utf8.size();
-        char32_t cp = laenge == 2 ? c & 0x1F : laenge == 3 ? c & 0x0F : c & 0x07;
-        for (int k = 1; gueltig && k < laenge; ++k) {
-            auto f = static_cast<unsigned char>(utf8[i + k]);
-            if ((f & 0xC0) != 0x80) gueltig = false;
-            cp = cp << 6 | (f & 0x3F);
-        }
-        if (!gueltig) {  // not UTF-8: the byte is taken to be 1252 already
-            out += static_cast<char>(c);
-            ++i;
-            continue;
-        }
-        i += laenge;
-        if (cp >= 0xA0 && cp <= 0xFF) {
-            out += static_cast<char>(cp);
-            continue;
-        }
-        char ersatz = '?';
-        for (int k = 0; k < 32; ++k)
-            if (k80[k] != 0 && k80[k] == cp) ersatz = static_cast<char>(0x80 + k);
-        out += ersatz;
-    }
-    return out;
 }
 
 }  // namespace tessara

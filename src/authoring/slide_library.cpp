@@ -146,10 +146,6 @@ Bildname fctBildnameZerlegen(const std::string& bildname) {
     return {bildname, {}};
 }
 
-std::string fctBildnameZusammensetzen(const std::string& bibliothek, const std::string& eintrag) {
-    return bibliothek + "(" + eintrag + ")";
-}
-
 Slide fctDiaLaden(const std::string& bildname) {
     Bildname b = fctBildnameZerlegen(bildname);
     std::string native = platform::nativePath(b.datei);

@@ -59,7 +59,6 @@ struct Bildname {
     std::string eintrag;  // the entry, empty for a single slide file
 };
 Bildname fctBildnameZerlegen(const std::string& bildname);
-std::string fctBildnameZusammensetzen(const std::string& bibliothek, const std::string& eintrag);
 
 // Loads the slide a picture name refers to; the file part goes through
 // platform::nativePath. Throws SlideError with the picture name in the text.

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "authoring/dateien_operationen.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "startup/fehler_log.h"
@@ -67,66 +66,5 @@ void buildLibraryFile(const std::string& libraryNativePath,
 }
 
 }  // namespace slide
-
-bool fctSlideBibliothekErstellen(ProgrammZustand& z, const std::string& bibliothek,
-                                 const std::vector<std::string>& dias) {
-    Prozedur p(z, "fctSlideBibliothekErstellen ");
-    return p.geschuetzt(false, [&] {
-        p.step("SlideLib erstellen");
-        std::vector<std::string> nativ;
-        for (const auto& d : dias) nativ.push_back(platform::nativePath(d));
-        slide::buildLibraryFile(platform::nativePath(bibliothek), nativ);
-        return true;
-    });
-}
-
-bool fctSlideBibliothekAusDialiste(ProgrammZustand& z, const std::string& bibliothek,
-                                   const std::string& dialiste) {
-    Prozedur p(z, "fctSlideBibliothekAusDialiste ");
-    return p.geschuetzt(false, [&] {
-        p.step("Dialiste lesen");
-        std::ifstream in(fctNativerPfad(dialiste), std::ios::binary);
-        if (!in) {
-            p.fehler("Dialiste nicht gefunden: " + dialiste, 53);
-            return false;
-        }
-        auto liste = slide::readSlideList(in);
-        p.step("SlideLib erstellen");
-        slide::buildLibraryFile(platform::nativePath(bibliothek), liste);
-        return true;
-    });
-}
-
-bool DialisteSchreiben(ProgrammZustand& z, const std::string& arbeitsVerzeichnis,
-                       const std::vector<std::string>& diaCodes) {
-    Prozedur p(z, "DialisteSchreiben ");
-    return p.geschuetzt(false, [&] {
-        std::string text;
-        for (const auto& code : diaCodes)
-            text += arbeitsVerzeichnis + "\\" + code + ".sld" + "\r\n";
-        return WriteIntorTxtFile(z, arbeitsVerzeichnis + "\\dialist.txt", text);
-    });
-}
-
-std::string fctSlidelibBefehl(const std::string& arbeitsVerzeichnis,
-                              const std::string& bibliothek) {
-    return arbeitsVerzeichnis + "\\slidelib.exe " + bibliothek + " < " + arbeitsVerzeichnis +
-           "\\dialist.txt";
-}
-
-std::string fctSlidelibBatZeile(const std::string& arbeitsVerzeichnis,
-                                const std::string& bibliothek) {
-    return "\"" + arbeitsVerzeichnis + "\\slidelib.exe\" \"" + bibliothek + "\" < \"" +
-           arbeitsVerzeichnis + "\\dialist.txt\"";
-}
-
-bool fctSlidelibBatSchreiben(ProgrammZustand& z, const std::string& arbeitsVerzeichnis,
-                             const std::string& bibliothek) {
-    Prozedur p(z, "fctSlidelibBatSchreiben ");
-    return p.geschuetzt(false, [&] {
-        return WriteIntorTxtFile(z, arbeitsVerzeichnis + "\\Slidelib.bat",
-                                 fctSlidelibBatZeile(arbeitsVerzeichnis, bibliothek) + "\r\n");
-    });
-}
 
 }  // namespace tessara

@@ -190,8 +190,4 @@ std::string fctSteuerelementText(ProgrammZustand& z, const std::string& f, const
     return schluessel;
 }
 
-std::string fctTooltipText(ProgrammZustand& z, const std::string& f, const std::string& c) {
-    return fctBeschriftungSuchen(z, BeschriftungsArt::Tooltip, f, c).value_or(std::string());
-}
-
 }  // namespace tessara

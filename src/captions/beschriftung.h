@@ -63,11 +63,6 @@ std::optional<std::string> fctBeschriftungSuchen(ProgrammZustand& z, Beschriftun
 std::string fctSteuerelementText(ProgrammZustand& z, const std::string& strFormular,
                                  const std::string& strSteuerelement);
 
-// The tool tip of a control; empty when there is none (tool tips are
-// optional, nothing is logged).
-std::string fctTooltipText(ProgrammZustand& z, const std::string& strFormular,
-                           const std::string& strSteuerelement);
-
 // Writes "<was> fehlt: <schluessel> (<datei>)" to the error log, log only,
 // the first time it is asked for this key, file and log file; true then.
 bool fctFehlendeBeschriftungMelden(ProgrammZustand& z, BeschriftungsArt art,

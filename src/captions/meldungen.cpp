@@ -120,22 +120,6 @@ void subMsgboxInfoZweizeilig(ProgrammZustand& z, long n1, long n2, int g,
                              const MsgboxZusatz& zusatz) {
     info(z, {n1, n2}, "", g, zusatz);
 }
-void subMsgboxInfoZweizeilig2(ProgrammZustand& z, long n1, long n2, int g,
-                              const MsgboxZusatz& zusatz) {
-    info(z, {n1, n2}, "2", g, zusatz);
-}
-void subMsgboxInfoDreizeilig(ProgrammZustand& z, long n1, long n2, long n3, int g,
-                             const MsgboxZusatz& zusatz) {
-    info(z, {n1, n2, n3}, "", g, zusatz);
-}
-void subMsgboxInfoDreizeilig12(ProgrammZustand& z, long n1, long n2, long n3, int g,
-                               const MsgboxZusatz& zusatz) {
-    info(z, {n1, n2, n3}, "12", g, zusatz);
-}
-void subMsgboxInfoVierZeilig(ProgrammZustand& z, long n1, long n2, long n3, long n4, int g,
-                             const MsgboxZusatz& zusatz) {
-    info(z, {n1, n2, n3, n4}, "", g, zusatz);
-}
 void subMsgboxInfoVierZeilig121(ProgrammZustand& z, long n1, long n2, long n3, long n4, int g,
                                 const MsgboxZusatz& zusatz) {
     info(z, {n1, n2, n3, n4}, "121", g, zusatz);
@@ -144,29 +128,9 @@ void subMsgboxInfoVierZeilig121(ProgrammZustand& z, long n1, long n2, long n3, l
 bool fctMsgboxFrageEinzeilig(ProgrammZustand& z, long n1, int g, const MsgboxZusatz& zusatz) {
     return frage(z, {n1}, "", g, zusatz);
 }
-bool fctMsgboxFrageZweizeilig(ProgrammZustand& z, long n1, long n2, int g,
-                              const MsgboxZusatz& zusatz) {
-    return frage(z, {n1, n2}, "", g, zusatz);
-}
 bool fctMsgboxFrageZweizeilig2(ProgrammZustand& z, long n1, long n2, int g,
                                const MsgboxZusatz& zusatz) {
     return frage(z, {n1, n2}, "2", g, zusatz);
-}
-bool fctMsgboxFrageDreizeilig(ProgrammZustand& z, long n1, long n2, long n3, int g,
-                              const MsgboxZusatz& zusatz) {
-    return frage(z, {n1, n2, n3}, "", g, zusatz);
-}
-bool fctMsgboxFrageDreizeilig12(ProgrammZustand& z, long n1, long n2, long n3, int g,
-                                const MsgboxZusatz& zusatz) {
-    return frage(z, {n1, n2, n3}, "12", g, zusatz);
-}
-bool fctMsgboxFrageVierZeilig(ProgrammZustand& z, long n1, long n2, long n3, long n4, int g,
-                              const MsgboxZusatz& zusatz) {
-    return frage(z, {n1, n2, n3, n4}, "", g, zusatz);
-}
-bool fctMsgboxFrageVierZeilig121(ProgrammZustand& z, long n1, long n2, long n3, long n4, int g,
-                                 const MsgboxZusatz& zusatz) {
-    return frage(z, {n1, n2, n3, n4}, "121", g, zusatz);
 }
 
 }  // namespace tessara

@@ -10,8 +10,7 @@
 //
 // The trailing digits of a name count the line breaks between its lines:
 // "Zweizeilig2" puts two breaks (an empty line) between line 1 and 2,
-// "Dreizeilig12" one after line 1 and two after line 2, "VierZeilig121"
-// one, two, one. A name without digits breaks once between every line.
+// "VierZeilig121" one, two, one. A name without digits breaks once between every line.
 //
 // Extra lines the caller has at hand (a path, a name) follow the message
 // lines, each on a line of its own.
@@ -76,31 +75,13 @@ void subMsgboxInfoEinzeilig(ProgrammZustand& z, long n1, int intGruppe = kGruppe
                             const MsgboxZusatz& zusatz = {});
 void subMsgboxInfoZweizeilig(ProgrammZustand& z, long n1, long n2, int intGruppe = kGruppeAllg,
                              const MsgboxZusatz& zusatz = {});
-void subMsgboxInfoZweizeilig2(ProgrammZustand& z, long n1, long n2, int intGruppe = kGruppeAllg,
-                              const MsgboxZusatz& zusatz = {});
-void subMsgboxInfoDreizeilig(ProgrammZustand& z, long n1, long n2, long n3,
-                             int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
-void subMsgboxInfoDreizeilig12(ProgrammZustand& z, long n1, long n2, long n3,
-                               int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
-void subMsgboxInfoVierZeilig(ProgrammZustand& z, long n1, long n2, long n3, long n4,
-                             int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
 void subMsgboxInfoVierZeilig121(ProgrammZustand& z, long n1, long n2, long n3, long n4,
                                 int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
 
 // --- Questions (true exactly on Yes) -----------------------------------------
 bool fctMsgboxFrageEinzeilig(ProgrammZustand& z, long n1, int intGruppe = kGruppeAllg,
                              const MsgboxZusatz& zusatz = {});
-bool fctMsgboxFrageZweizeilig(ProgrammZustand& z, long n1, long n2, int intGruppe = kGruppeAllg,
-                              const MsgboxZusatz& zusatz = {});
 bool fctMsgboxFrageZweizeilig2(ProgrammZustand& z, long n1, long n2, int intGruppe = kGruppeAllg,
                                const MsgboxZusatz& zusatz = {});
-bool fctMsgboxFrageDreizeilig(ProgrammZustand& z, long n1, long n2, long n3,
-                              int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
-bool fctMsgboxFrageDreizeilig12(ProgrammZustand& z, long n1, long n2, long n3,
-                                int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
-bool fctMsgboxFrageVierZeilig(ProgrammZustand& z, long n1, long n2, long n3, long n4,
-                              int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
-bool fctMsgboxFrageVierZeilig121(ProgrammZustand& z, long n1, long n2, long n3, long n4,
-                                 int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
 
 }  // namespace tessara

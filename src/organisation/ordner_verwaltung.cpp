@@ -433,55 +433,6 @@ bool fctOrdnerVerschieben(ProgrammZustand& z, NavigationsModell& m, long lngZeil
     });
 }
 
-bool fctOrdnerNeuAnlegen(ProgrammZustand& z, NavigationsModell& m, const std::string& strName,
-                         const std::string& strCode) {
-    Prozedur p(z, "fctOrdnerNeuAnlegen", true);
-    return p.geschuetzt(false, [&] {
-        typDatenbank& d = m.datenbank();
-        db::Recordset& rs = d.rsOrdner;
-        std::string code = strCode;
-        bool angelegt = false;
-        bool codetabelle = true;
-        {
-            SchreibEinheit e(d.con);
-            rs.requery();
-            if (!fctRsFind(z, rs, "Ordnername", strName)) {
-                if (code.empty()) {
-                    p.step("Code aus der Tabelle");
-                    long n = 0;
-                    if (rs.recordCount() > 0) {
-                        rs.moveLast();
-                        n = zahl(rs, "Nr");
-                    }
-                    std::vector<std::string> codes;
-                    codetabelle =
-                        fctOrdnerCodesEinlesen(z, fctCodeTabelleDatei(z.strAppPfad), n + 1, codes);
-                    if (codetabelle) code = codes[n + 1];
-                }
-                if (codetabelle) {
-                    p.step("Ordner anlegen");
-                    rs.addNew();
-                    rs.setValue("OrdnerNr", code);
-                    rs.setValue("Ordnername", strName);
-                    rs.setValue("NrTblDefMenue", 1);
-                    rs.update();
-                    if (fctSpalteVorhanden(rs, kSortSpalte)) {
-                        rs.setValue(kSortSpalte, static_cast<long long>(zahl(rs, "Nr")));
-                        rs.update();
-                    }
-                    e.commit();
-                    angelegt = true;
-                }
-            }
-        }
-        if (!codetabelle) info(z, {kMsgCodetabelle, fctCodeTabelleDatei(z.strAppPfad)});
-        if (!angelegt) return false;
-        m.OrdnerInArrayEinlesen();
-        m.fctOrdnerWaehlen(code);
-        return true;
-    });
-}
-
 bool fctCboOrdnerNeuAnzeigen(ProgrammZustand& z, NavigationsModell& m, const std::string& strName,
                              bool booReihenfolgeBehalten) {
     Prozedur p(z, "fctCboOrdnerNeuAnzeigen", true);

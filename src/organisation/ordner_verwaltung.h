@@ -35,7 +35,7 @@ inline constexpr long kMsgKeinCodeFrei = 423;
 inline constexpr long kMsgVerzeichnisUmbenennen = 424;
 inline constexpr long kMsgOrdnerVerschwunden = 425;
 
-// F3's one fixed message.
+// The one message of renaming that is not in the caption files.
 inline constexpr const char* kOrdnerInternerFehler =
     "Durch einen internen Fehler kann der Ordner nicht umbenannt werden";
 
@@ -97,11 +97,6 @@ bool fctWertVersetzen(ProgrammZustand& z, int intRichtung, db::Recordset& rs, lo
                       const std::string& strFeld);
 
 // --- Used without a dialog ---------------------------------------------------------
-// A Folder named strName unless one exists; an empty strCode takes entry n+1
-// of the code table, n being the key of rsOrdner's last record (no probing
-// for a free code). The model then shows the new Folder.
-bool fctOrdnerNeuAnlegen(ProgrammZustand& z, NavigationsModell& m, const std::string& strName,
-                         const std::string& strCode);
 // Reads the Folders again (in the sort order unless booReihenfolgeBehalten)
 // and makes the Folder strName current (the current one when empty), its
 // Pages and Blocks following.

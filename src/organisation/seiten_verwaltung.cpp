@@ -54,17 +54,11 @@ Lage lesen(NavigationsModell& m, long lngSeitenNr, const std::string& strName) {
     return l;
 }
 
-bool gleicherSeitennameFragen(ProgrammZustand& z, const std::string& strName) {
-    if (!z.benutzer) return false;
-    return z.benutzer->meldung("Seite mit folgendem Name besteht schon:\r" + strName +
-                                   "\rSoll die Seite trotzdem angelegt werden?",
-                               "gleicher Seitenname", Symbol::Information,
-                               Knoepfe::JaNein) == Antwort::Ja;
-}
-
-// P1 steps 3 and 4 (booDialog: with the dialog's questions) and P3.
+// Asks before a taken number or name is used, then writes the row; another
+// workstation may change the Pages while the user answers, so the rows are
+// read again under the lock and the questions repeated when they changed.
 bool seiteSchreiben(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
-                    const std::string& strName, bool booDialog) {
+                    const std::string& strName) {
     const auto* o = m.aktuellerOrdner();
     if (!o || !seitenOffen(m)) return false;
     db::Connection& con = m.datenbank().con;
@@ -76,14 +70,12 @@ bool seiteSchreiben(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
             SchreibEinheit e(con);
             vorher = lesen(m, lngSeitenNr, strName);
         }
-        if (vorher.nrZeile != 0 && booDialog &&
+        if (vorher.nrZeile != 0 &&
             !fctMsgbox(z, MsgboxArt::Frage,
                        {kMsgSeiteNrVergeben, nr + ": " + vorher.nrName, kMsgSeiteUeberschreiben}))
             return false;
         if (vorher.nameZeile != 0 &&
-            !(booDialog ? fctMsgbox(z, MsgboxArt::Frage,
-                                    {kMsgSeiteNameVergeben, strName, kMsgSeiteTrotzdem})
-                        : gleicherSeitennameFragen(z, strName)))
+            !fctMsgbox(z, MsgboxArt::Frage, {kMsgSeiteNameVergeben, strName, kMsgSeiteTrotzdem}))
             return false;
 
         SchreibEinheit e(con);
@@ -130,14 +122,8 @@ bool fctSeiteNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& st
             fctMsgbox(z, MsgboxArt::Info, {kMsgSeiteNrBereich, strSeitenNr});
             return false;
         }
-        return seiteSchreiben(z, m, nr, *name, true);
+        return seiteSchreiben(z, m, nr, *name);
     });
-}
-
-bool fctSeiteAendern(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
-                     const std::string& strName) {
-    Prozedur p(z, "fctSeiteAendern", true);
-    return p.geschuetzt(false, [&] { return seiteSchreiben(z, m, lngSeitenNr, strName, false); });
 }
 
 bool fctSeiteUmbenennen(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
@@ -221,31 +207,6 @@ typSeitenListe fctSeitenAnzeigen(ProgrammZustand& z, NavigationsModell& m) {
         l.nummern.push_back(s.SeitenNr);
     }
     return l;
-}
-
-bool fctSeiteAnlegenOhneKontrolle(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
-                                  const std::string& strName) {
-    Prozedur p(z, "fctSeiteAnlegenOhneKontrolle", true);
-    return p.geschuetzt(false, [&] {
-        const auto* o = m.aktuellerOrdner();
-        if (!o || !seitenOffen(m)) return false;
-        db::Recordset& rs = m.datenbank().rsSeiten;
-        {
-            SchreibEinheit e(m.datenbank().con);
-            rs.addNew();
-            rs.setValue("seitenNr", static_cast<long long>(lngSeitenNr));
-            rs.setValue("SeitenName", strName);
-            rs.setValue("NrTblOrdner", static_cast<long long>(o->Nr));
-            rs.update();
-            e.commit();
-        }
-        fctSeiteInCboEinlesen(z, m);
-        return m.GeheZuSeite(lngSeitenNr - 1);
-    });
-}
-
-std::string fctSeitenNameMitIndex(const std::string& strName, int intIndex) {
-    return intIndex > 0 ? strName + "-" + std::to_string(intIndex) : strName;
 }
 
 bool fctSeiteInCboEinlesen(ProgrammZustand& z, NavigationsModell& m) {

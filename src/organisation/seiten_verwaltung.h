@@ -47,17 +47,6 @@ struct typSeitenListe {
 };
 typSeitenListe fctSeitenAnzeigen(ProgrammZustand& z, NavigationsModell& m);
 
-// --- Used without a dialog ---------------------------------------------------------
-// creates or overwrites Page lngSeitenNr of the current Folder; a taken
-// number is overwritten without asking, a taken name asks the fixed question
-// "gleicher Seitenname". False when the user declines.
-bool fctSeiteAendern(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
-                     const std::string& strName);
-// Appends a Page row without any check, then shows that Page.
-bool fctSeiteAnlegenOhneKontrolle(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
-                                  const std::string& strName);
-// name & "-" & index while the running page index is above 0, else the name.
-std::string fctSeitenNameMitIndex(const std::string& strName, int intIndex);
 // Reads the current Folder's Pages again into the model (its Page box list).
 bool fctSeiteInCboEinlesen(ProgrammZustand& z, NavigationsModell& m);
 

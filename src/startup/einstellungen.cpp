@@ -146,12 +146,6 @@ bool IniSetValue(ProgrammZustand& z, const std::string& strDatei, const std::str
     return fctIniWertSchreiben(strDatei, strSektion, strSchluessel, strWert);
 }
 
-bool IniDeleteSection(ProgrammZustand& z, const std::string& strDatei,
-                      const std::string& strSektion) {
-    (void)z;
-    return fctIniSektionEntfernen(strDatei, strSektion);
-}
-
 // ---------------------------------------------------------------------------
 // Named operations.
 

@@ -39,9 +39,6 @@ std::uint8_t fctIniByteLesen(ProgrammZustand& z, const std::string& strDatei,
 // Writes key=value, creating file and section as needed.
 bool IniSetValue(ProgrammZustand& z, const std::string& strDatei, const std::string& strSektion,
                  const std::string& strSchluessel, const std::string& strWert);
-// Removes a whole section (the layer manager's "LayerStates", say).
-bool IniDeleteSection(ProgrammZustand& z, const std::string& strDatei,
-                      const std::string& strSektion);
 
 // VB's IsNumeric and the value it sees: blanks around, a sign, digits with a
 // decimal point, an exponent, or "&H"/"&O" numbers. Empty when not numeric.

@@ -317,14 +317,4 @@ bool fctIniWertSchreiben(const std::string& strDatei, std::string_view sektion,
     return fctIniSpeichern(strDatei, text);
 }
 
-bool fctIniSektionEntfernen(const std::string& strDatei, std::string_view sektion) {
-    IniText text;
-    std::string fehler;
-    const IniStatus s = fctIniLaden(strDatei, text, fehler);
-    if (s == IniStatus::DateiFehlt) return true;
-    if (s == IniStatus::Fehler) return false;
-    if (!text.sektionEntfernen(sektion)) return true;
-    return fctIniSpeichern(strDatei, text);
-}
-
 }  // namespace tessara

@@ -99,8 +99,6 @@ std::string fctIniWertLesen(const std::string& strDatei, std::string_view sektio
 // is not written again.
 bool fctIniWertSchreiben(const std::string& strDatei, std::string_view sektion,
                          std::string_view schluessel, std::string_view wert);
-// Removes the whole section; true also when there was none.
-bool fctIniSektionEntfernen(const std::string& strDatei, std::string_view sektion);
 
 // Splits one line of the form key=value as the engine does: name and value
 // trimmed, surrounding quotes of the value stripped. False for section

@@ -13,9 +13,6 @@ namespace {
 
 using platform::Hive;
 
-constexpr const char* kMaschinenSchluessel = "Software\\Tessara\\Version_8";
-constexpr const char* kMaschinenSetup = "SOFTWARE\\Tessara\\Version_8\\Setup";
-
 platform::Registry* registry(ProgrammZustand& z) {
     return z.plattform ? z.plattform->registry : nullptr;
 }
@@ -274,43 +271,6 @@ bool subRegistryEintraegeSpeichern(ProgrammZustand& z) {
 bool fctEintrag1Speichern(ProgrammZustand& z, const std::string& strDb) {
     auto* reg = registry(z);
     return reg && reg->writeString(Hive::CurrentUser, z.strRegRoot, "Eintrag1", strDb);
-}
-
-std::string fctVerzeichnisVorgabeAusRegistry(ProgrammZustand& z) {
-    auto* reg = registry(z);
-    if (!reg) return {};
-    return reg->readString(Hive::CurrentUser, z.strRegRoot, "strVerzeichnisVorgabe")
-        .value_or(std::string());
-}
-
-bool EintraegeInRegistrierdatenbank(ProgrammZustand& z) {
-    Prozedur p(z, "EintraegeInRegistrierdatenbank");
-    auto* reg = registry(z);
-    if (!reg) return false;
-    bool ok = true;
-    if (!reg->keyExists(Hive::LocalMachine, kMaschinenSchluessel)) {
-        p.step("Setup-Schlüssel anlegen");
-        std::string daten;
-        if (z.plattform->environment)
-            daten = z.plattform->environment->commonAppData() + "\\Tessara";
-        ok = reg->createKey(Hive::LocalMachine, kMaschinenSetup) && ok;
-        ok = reg->writeString(Hive::LocalMachine, kMaschinenSetup, "Anwendungsdaten", daten) && ok;
-    }
-    p.step("Datenbanken eintragen");
-    // An entry "0" (or empty) says there is no database; it has no file to
-    // list.
-    for (std::size_t i = 0; i < z.aryDbVerzeichnis.size(); ++i) {
-        if (!fctDbEintragGueltig(z.aryDbVerzeichnis[i])) continue;
-        ok = reg->writeString(Hive::LocalMachine, kMaschinenSchluessel,
-                              "Eintrag" + std::to_string(i + 2),
-                              fctDbDatei(z.aryDbVerzeichnis[i])) &&
-             ok;
-    }
-    ok = reg->writeString(Hive::LocalMachine, kMaschinenSchluessel, "Eintrag1", z.strAktuelleDb) &&
-         ok;
-    // The local machine's hive is often closed to ordinary users; the
-    // program runs on without these entries.
-    return ok;
 }
 
 bool EintraegeAusRegistrierdatenbank(ProgrammZustand& z) {

@@ -110,14 +110,7 @@ typFensterGeometrie fctFensterGeometrieLesen(ProgrammZustand& z);
 bool subRegistryEintraegeSpeichern(ProgrammZustand& z);
 // "Eintrag1" alone (a new database has become current).
 bool fctEintrag1Speichern(ProgrammZustand& z, const std::string& strDb);
-// "strVerzeichnisVorgabe" from the registry root; empty when missing.
-std::string fctVerzeichnisVorgabeAusRegistry(ProgrammZustand& z);
 
-// The machine-wide entries under "Software\Tessara\Version_8": "Eintrag"
-// i + 2 for every database of the list, "Eintrag1" the current one. When the
-// key is missing, "SOFTWARE\Tessara\Version_8\Setup" is created first, with
-// "Anwendungsdaten".
-bool EintraegeInRegistrierdatenbank(ProgrammZustand& z);
 // z.strAktuelleDb from "Eintrag1"; when its directory is not in the database
 // list, entry 0 of the list becomes current (empty when the list names no
 // database). True when a current database is set.

@@ -23,7 +23,6 @@ TEST(DateiLayout, PathsOfABlock) {
         {fctZeichnungDatei(o, b, 2), "001\\Block\\00100172.dwg"},
         {fctVariantenVerzeichnis(o), "001\\Block\\Varia\\"},
         {fctVarianteZeichnung(o, "Flansch DN50", 1), "001\\Block\\Varia\\Flansch DN501.dwg"},
-        {fctVarianteDatDatei(o, "Flansch DN50"), "001\\Block\\Varia\\Flansch DN50.dat"},
         {fctLeerfeldBild("c:\\Programme\\Tessara"), "c:\\Programme\\Tessara\\frei2.sld"},
         {fctCodeTabelleDatei("c:\\Programme\\Tessara"), "c:\\Programme\\Tessara\\txtPrefix.txt"},
         {fctSlideLibEintrag(o, b, true), "001\\00100170.slb"},
@@ -46,20 +45,6 @@ TEST(DateiLayout, PictureOfView0FollowsSlideLib) {
         SCOPED_TRACE(f.slideLib);
         EXPECT_EQ(fctBildnameAnsicht0(basis, f.slideLib), f.bild);
     }
-}
-
-TEST(DateiLayout, PictureOfViews1To4) {
-    const std::string basis = "d:\\Bibliothek\\";
-    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 1, true),
-              "d:\\Bibliothek\\001\\00100171.slb(1A)");
-    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 4, true),
-              "d:\\Bibliothek\\001\\00100174.slb(4A)");
-    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 2, false),
-              "d:\\Bibliothek\\001\\00100172.sld");
-    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 0, true),
-              "d:\\Bibliothek\\001\\00100170.slb(0A)");
-    EXPECT_EQ(fctBildnameAnsicht(basis, "001", "0010017", 0, false),
-              "d:\\Bibliothek\\001\\00100170.sld");
 }
 
 TEST(DateiLayout, SingleSlideTestLooksAtTheLastThreeCharacters) {

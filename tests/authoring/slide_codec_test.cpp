@@ -85,10 +85,8 @@ std::vector<std::uint8_t> alteFormDia(bool big) {
 
 TEST(SlideReader, PublishedExampleDecodesToTheAnnotatedPoints) {
     erwarteBeispiel(readSlide(beispielDia()));
-}
-
-TEST(SlideReader, HighByteFirstGivesTheSamePoints) {
-    auto s = readSlide(slidetest::beispielDiaHighByteFirst());
+    // High byte first gives the same points.
+    const auto s = readSlide(slidetest::beispielDiaHighByteFirst());
     EXPECT_TRUE(s.bigEndian);
     erwarteBeispiel(s);
 }
@@ -187,9 +185,7 @@ TEST(SlideReader, FillEndIsTheClosingRecordWhateverTheCountSays) {
         EXPECT_EQ(s.pointsOf(s.elements[0])[2], (Point{15, 20}));
         EXPECT_EQ(s.elements[1].kind, Element::Kind::Vector);
     }
-}
-
-TEST(SlideReader, FillInterruptedByAnotherRecordKeepsItsVertices) {
+    // A fill interrupted by another record keeps its vertices.
     auto d = kopf();
     fd(d, 3, -1);
     fd(d, 1, 1);
@@ -270,9 +266,7 @@ TEST(SlideWriter, RoundTripsTheTestSlidesToTheSameVectors) {
         EXPECT_NEAR(wieder.aspectRatio, s.aspectRatio, 1e-7);
         EXPECT_EQ(wieder.records.fills, s.records.fills);
     }
-}
-
-TEST(SlideWriter, UsesTheShortRecordsWhereTheLastPointAllows) {
+    // The short records are used where the last point allows.
     Slide s = readSlide(beispielDia());
     auto bytes = writeSlide(s);
     Slide wieder = readSlide(bytes);

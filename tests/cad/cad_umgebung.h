@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "cad/cad_verbindung.h"
 #include "platform/memory/fake_clock.h"
@@ -19,6 +20,16 @@
 #include "startup/programm_zustand.h"
 
 namespace tessara::test {
+
+// The lines of a file in tests/cad/golden/, split at LF only: a CR belongs to
+// the text the host receives.
+inline std::vector<std::string> goldenZeilen(const std::string& name) {
+    std::ifstream in(std::filesystem::path(TESSARA_SOURCE_DIR) / "tests/cad/golden" / name,
+                     std::ios::binary);
+    std::vector<std::string> zeilen;
+    for (std::string s; std::getline(in, s);) zeilen.push_back(s);
+    return zeilen;
+}
 
 class CadUmgebung : public ::testing::Test {
   protected:

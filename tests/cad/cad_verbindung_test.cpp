@@ -6,63 +6,14 @@
 
 #include "cad_umgebung.h"
 #include "fake_acad.h"
+#include "tabelle.h"
 
 namespace tessara::test {
 namespace {
 
-struct VersionsFall {
-    std::string version;
-    std::string erwartet;  // empty: no row matches
-};
-
-class VersionsTabelle : public ::testing::TestWithParam<VersionsFall> {};
-
-TEST_P(VersionsTabelle, ErsteFuenfZeichenEntscheiden) {
-    EXPECT_EQ(fctAcadVersionZuordnen(GetParam().version), GetParam().erwartet);
-}
-
-INSTANTIATE_TEST_SUITE_P(Alle, VersionsTabelle,
-                         ::testing::Values(VersionsFall{"15.0h (LMS Tech)", "AutoCAD 2000"},
-                                           VersionsFall{"15.05", "AutoCAD 2000i"},
-                                           VersionsFall{"15.06s (LMS Tech)", "AutoCAD 2002"},
-                                           VersionsFall{"16.0s (LMS Tech)", "AutoCAD 2004"},
-                                           VersionsFall{"16.1s (LMS Tech)", "AutoCAD 2005"},
-                                           VersionsFall{"16.2s (LMS Tech)", "AutoCAD 2006"},
-                                           VersionsFall{"17.0s (LMS Tech)", "AutoCAD 2007"},
-                                           VersionsFall{"17.1s (LMS Tech)", "AutoCAD 2008"},
-                                           VersionsFall{"17.2s (LMS Tech)", "AutoCAD 2009"},
-                                           VersionsFall{"18.0s (LMS Tech)", "AutoCAD 2010"},
-                                           VersionsFall{"18.1s (LMS Tech)", "AutoCAD 2011"},
-                                           VersionsFall{"18.2s (LMS Tech)", "AutoCAD 2012"},
-                                           VersionsFall{"19.0s (LMS Tech)", "AutoCAD 2013"},
-                                           VersionsFall{"19.1s (LMS Tech)", "AutoCAD 2014"},
-                                           VersionsFall{"20.0s (LMS Tech)", "AutoCAD 2015"},
-                                           // The first row ends in "h": 15.0s matches nothing.
-                                           VersionsFall{"15.0s (LMS Tech)", ""},
-                                           // Case counts.
-                                           VersionsFall{"16.1S", ""}, VersionsFall{"2008", ""},
-                                           VersionsFall{"", ""}, VersionsFall{"20.1s", ""}));
-
-TEST(VersionsTabelle, ReihenfolgeUndSchluesselWieGefuehrt) {
-    const auto& t = fctAcadVersionsTabelle();
-    ASSERT_EQ(t.size(), 15u);
-    EXPECT_STREQ(t.front().praefix, "15.0h");
-    EXPECT_STREQ(t[1].praefix, "15.05");
-    EXPECT_STREQ(t[2].praefix, "15.06");
-    EXPECT_STREQ(t.back().bezeichnung, "AutoCAD 2015");
-}
-
-TEST(HostTitel, AchtTitelInDieserReihenfolge) {
-    const auto& l = fctHostTitelListe();
-    const std::vector<std::pair<std::string, bool>> erwartet = {
-        {"AutoCAD LT", true},     {"Toolkit", true},     {"Easy Sketch", true},
-        {"MBI-CAD+T OEM", false}, {"!SlingShot", false}, {"CADSTA Elements", false},
-        {"Bricscad Pro", false},  {"ZWCAD", false}};
-    ASSERT_EQ(l.size(), erwartet.size());
-    for (std::size_t i = 0; i < l.size(); ++i) {
-        EXPECT_EQ(l[i].titel, erwartet[i].first) << i;
-        EXPECT_EQ(l[i].setztNurFenster, erwartet[i].second) << i;
-    }
+TEST(VersionsTabelle, ErsteFuenfZeichenEntscheiden) {
+    for (const auto& f : tabelle("cad/golden/versionen.txt"))
+        EXPECT_EQ(fctAcadVersionZuordnen(f.at(0)), f.at(1)) << f[0];
 }
 
 TEST(Titel, VorDemErstenBindestrichMitBlank) {
@@ -172,38 +123,23 @@ TEST_F(Verbindung, OhneLtWahlKeinePlainAutoCadProbe) {
     EXPECT_EQ(benutzer.gezeigt[0].titel, "Meldung 117");
 }
 
-struct TitelFall {
-    std::string fenster;
-    std::string strAcadTitel;
-    std::uint8_t bytNurFenster;
-};
-
-class TitelSuche : public Verbindung, public ::testing::WithParamInterface<TitelFall> {};
-
-TEST_P(TitelSuche, TitelUndNurFensterMarke) {
-    desktop.addWindow("Explorer");
-    const auto h = desktop.addWindow(GetParam().fenster);
-    ASSERT_TRUE(verbinden());
-    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
-    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, GetParam().strAcadTitel);
-    EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, h);
-    EXPECT_EQ(v.bytNurFenster, GetParam().bytNurFenster);
+TEST_F(Verbindung, TitelUndNurFensterMarke) {
+    for (const auto& f : tabelle("cad/golden/host_titel.txt")) {
+        SCOPED_TRACE(f.at(0));
+        platform::MemoryDesktop frisch(&uhr);
+        plattform.desktop = &frisch;
+        frisch.addWindow("Explorer");
+        const auto h = frisch.addWindow(f[0]);
+        v = CadVerbindung{};
+        v.automation = &automation;
+        ASSERT_TRUE(verbinden());
+        EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
+        EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, f.at(1));
+        EXPECT_EQ(v.typAcadVersionInfo.lngAcadHwnd, h);
+        EXPECT_EQ(v.bytNurFenster, std::stoi(f.at(2)));
+        plattform.desktop = &desktop;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    AchtHostsUndGenauerTitel, TitelSuche,
-    ::testing::Values(TitelFall{"AutoCAD LT 2015 - [Zeichnung1.dwg]", "AutoCAD LT", 1},
-                      TitelFall{"Toolkit 3 - [x.dwg]", "Toolkit", 1},
-                      TitelFall{"Easy Sketch", "Easy Sketch", 1},
-                      TitelFall{"MBI-CAD+T OEM 2", "MBI-CAD+T OEM", 0},
-                      TitelFall{"!SlingShot Pro", "!SlingShot", 0},
-                      TitelFall{"CADSTA Elements 1.0", "CADSTA Elements", 0},
-                      TitelFall{"Bricscad Pro V10 - [Plan.dwg]", "Bricscad Pro", 0},
-                      TitelFall{"ZWCAD 2012", "ZWCAD", 0},
-                      // Titles that carry the product further in: found by the
-                      // exact-title search, activated by the full title.
-                      TitelFall{"Plan.dwg - AutoCAD LT 2015", "Plan.dwg - AutoCAD LT 2015", 1},
-                      TitelFall{"Plan.dwg - !SlingShot", "Plan.dwg - !SlingShot", 0}));
 
 TEST_F(Verbindung, TitelReihenfolgeErsterTrefferDerListeGewinnt) {
     desktop.addWindow("ZWCAD 2012");

@@ -1,6 +1,6 @@
 // Where an insertion takes its settings from: the keys of "AllgemeineDaten"
 // in a real Settings file on disk, read through the program's INI reader, and
-// the user's stored options; and the AutoLISP variables of a Block record.
+// the user's stored options.
 #include <gtest/gtest.h>
 
 #include "cad/cad_einstellungen.h"
@@ -13,26 +13,21 @@ namespace {
 class CadEinstellungsDatei : public CadUmgebung {};
 
 TEST_F(CadEinstellungsDatei, AusDerEinstellungsdatei) {
+    // No file: every key empty.
+    auto e = fctCadEinstellungenLesen(z);
+    EXPECT_EQ(
+        e.sReplaceBackslash + e.sOhneLayersteuerung + e.NewInsertRoutine + e.OrthoNichtDeaktivieren,
+        "");
+    // Only "AllgemeineDaten" counts.
     anlegen(z.strIniDatei,
             "[Position]\r\nsReplaceBackslash=falsch\r\n"
             "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\nsReplaceBackslash=/\r\n"
             "sOhneLayersteuerung=1\r\nNewInsertRoutine=1\r\nOrthoNichtDeaktivieren=2\r\n");
-    const auto e = fctCadEinstellungenLesen(z);
+    e = fctCadEinstellungenLesen(z);
     EXPECT_EQ(e.sReplaceBackslash, "/");
     EXPECT_EQ(e.sOhneLayersteuerung, "1");
     EXPECT_EQ(e.NewInsertRoutine, "1");
     EXPECT_EQ(e.OrthoNichtDeaktivieren, "2");
-}
-
-TEST_F(CadEinstellungsDatei, FehlendeDateiUndSchluesselSindLeer) {
-    auto e = fctCadEinstellungenLesen(z);
-    EXPECT_EQ(e.sReplaceBackslash, "");
-    EXPECT_EQ(e.NewInsertRoutine, "");
-    anlegen(z.strIniDatei, "[AllgemeineDaten]\r\nsOhneLayersteuerung=0\r\n");
-    e = fctCadEinstellungenLesen(z);
-    EXPECT_EQ(e.sOhneLayersteuerung, "0");
-    EXPECT_EQ(e.sReplaceBackslash, "");
-    EXPECT_EQ(e.OrthoNichtDeaktivieren, "");
 }
 
 TEST(EinfuegeOptionenAusSetup, JedeOptionAufIhrFeld) {
@@ -87,33 +82,6 @@ TEST(EinfuegeOptionenAusSetup, WerteUnveraendert) {
     EXPECT_EQ(o.longEinfuegenLayer0, 1);
     EXPECT_EQ(o.lonLispVarUebergeben, 1);
     EXPECT_EQ(o.longVariantenfrage, 0);
-}
-
-TEST(LispVariablen, JederWertAlsZeichenkette) {
-    typBlockDaten b;
-    b.Block = "0010A";
-    b.M[0] = "DN50";
-    b.M[3] = R"(Zoll 2")";
-    b.M[9] = R"(c:\Normen)";
-    b.Layer = "Armaturen";
-    b.LyColor = "1";
-    const std::vector<std::string> erwartet = {
-        "(setq tessara_Block \"0010A\")\r",
-        "(setq tessara_M0 \"DN50\")\r",
-        "(setq tessara_M1 \"\")\r",
-        "(setq tessara_M2 \"\")\r",
-        "(setq tessara_M3 \"Zoll 2\\\"\")\r",
-        "(setq tessara_M4 \"\")\r",
-        "(setq tessara_M5 \"\")\r",
-        "(setq tessara_M6 \"\")\r",
-        "(setq tessara_M7 \"\")\r",
-        "(setq tessara_M8 \"\")\r",
-        "(setq tessara_M9 \"c:\\\\Normen\")\r",
-        "(setq tessara_LAYER \"Armaturen\")\r",
-        "(setq tessara_LYCOLOR \"1\")\r",
-        "(setq tessara_LYLINE \"\")\r",
-    };
-    EXPECT_EQ(fctLispVariablenBefehle(b), erwartet);
 }
 
 }  // namespace

@@ -57,6 +57,16 @@ TEST_F(EinfuegeTexte, GleichDenGoldenenDateien) {
         argumente += "\n";
         ausdruecke += f + (" " + fctInsertAusdruck("Ventil=c:\\B\\0010A0.dwg", optionen(f))) + "\n";
     }
+    // A Block record's values as AutoLISP strings, quotes and backslashes escaped.
+    typBlockDaten b;
+    b.Block = "0010A";
+    b.M[0] = "DN50";
+    b.M[3] = R"(Zoll 2")";
+    b.M[9] = R"(c:\Normen)";
+    b.Layer = "Armaturen";
+    b.LyColor = "1";
+    std::string lisp;
+    for (const auto& befehl : fctLispVariablenBefehle(b)) lisp += befehl + "\n";
     const std::pair<std::string, std::string> faelle[] = {
         {"abfrage.txt", zeilen({fctSqlBlockInfo(), fctKriteriumBlockSuche("0010A")})},
         {"pfade.txt", zeilen({fctZeichnungsPfad("c:\\Bib\\", "001", "0010A", 0),
@@ -72,6 +82,7 @@ TEST_F(EinfuegeTexte, GleichDenGoldenenDateien) {
                  fctTessaraEinfuegeTasten("Ventil=c:\\Bib (alt)\\0010A0.dwg", optionen("0001000")),
                  fctTastenSchuetzen("c:\\Programme (x86)\\a+b%c^d~e{f}[g]")})},
         {"argumente.txt", argumente},
+        {"lisp_variablen.txt", lisp},
         {"insert_ausdruck.txt", ausdruecke},
         {"einfuegepunkt.txt",
          zeilen({fctInsertNullpunktBefehl("Ventil=c:\\B\\0010A0.dwg"),
@@ -92,21 +103,6 @@ TEST_F(EinfuegeTexte, GleichDenGoldenenDateien) {
         ASSERT_TRUE(in) << "missing " << (ordner / name);
         EXPECT_EQ(text, std::string(std::istreambuf_iterator<char>(in), {}));
     }
-}
-
-TEST(CadEinstellungen, SchluesselAusAllgemeineDaten) {
-    std::vector<std::string> gefragt;
-    const auto e = fctCadEinstellungenLesen([&](const std::string& s, const std::string& k) {
-        gefragt.push_back(s + "/" + k);
-        return k == "sReplaceBackslash" ? std::string("/") : k == "NewInsertRoutine" ? "1" : "";
-    });
-    EXPECT_EQ(gefragt,
-              (std::vector<std::string>{
-                  "AllgemeineDaten/sReplaceBackslash", "AllgemeineDaten/sOhneLayersteuerung",
-                  "AllgemeineDaten/NewInsertRoutine", "AllgemeineDaten/OrthoNichtDeaktivieren"}));
-    EXPECT_EQ(e.sReplaceBackslash, "/");
-    EXPECT_EQ(e.NewInsertRoutine, "1");
-    EXPECT_EQ(e.sOhneLayersteuerung, "");
 }
 
 }  // namespace

@@ -6,39 +6,10 @@
 
 #include "cad/einfuege_texte.h"
 #include "cad_umgebung.h"
+#include "tabelle.h"
 
 namespace tessara::test {
 namespace {
-
-std::string crlf(const std::vector<std::string>& zeilen) {
-    std::string s;
-    for (const auto& z : zeilen) s += z + "\r\n";
-    return s;
-}
-
-TEST(LtSkriptTexte, Slide) {
-    EXPECT_EQ(
-        fctSkriptSlide("c:\\Bib\\001\\0010A0.sld"),
-        (std::vector<std::string>{"._mslide", "\"c:\\Bib\\001\\0010A0.sld\"", "._filedia", "1"}));
-}
-
-TEST(LtSkriptTexte, Oeffnen) {
-    EXPECT_EQ(fctSkriptOeffnen("c:\\Bib\\001\\Block\\0010A0.dwg"),
-              (std::vector<std::string>{"._open", "\"c:\\Bib\\001\\Block\\0010A0.dwg\"",
-                                        "._filedia", "1"}));
-}
-
-TEST(LtSkriptTexte, NeuerBlockMitBlankHinterWblock) {
-    const auto z = fctSkriptWblockNeu("c:\\B\\x.sld", "c:\\B\\x.dwg");
-    EXPECT_EQ(z, (std::vector<std::string>{"._mslide", "\"c:\\B\\x.sld\"", "._-wblock ",
-                                           "\"c:\\B\\x.dwg\"", ""}));
-    EXPECT_EQ(crlf(z), "._mslide\r\n\"c:\\B\\x.sld\"\r\n._-wblock \r\n\"c:\\B\\x.dwg\"\r\n\r\n");
-}
-
-TEST(LtSkriptTexte, NeueVariante) {
-    EXPECT_EQ(fctSkriptWblockVariante("c:\\B\\Varia\\v1.dwg"),
-              (std::vector<std::string>{"._-wblock", "\"c:\\B\\Varia\\v1.dwg\"", ""}));
-}
 
 struct DateiZeilenFall {
     std::uint8_t checkBlock;
@@ -61,45 +32,14 @@ INSTANTIATE_TEST_SUITE_P(Drei, DateiZeile,
                                            DateiZeilenFall{0, "", "\"c:\\B\\0010A2.dwg\""},
                                            DateiZeilenFall{0, "Flansch", "\"c:\\B\\0010A2.dwg\""}));
 
-struct EinfuegeSkriptFall {
-    std::string layer;
-    std::string ohneLayer;
-    long xref;
-    std::vector<std::string> erwartet;
-};
-
-class EinfuegeSkript : public ::testing::TestWithParam<EinfuegeSkriptFall> {};
-
-TEST_P(EinfuegeSkript, ZeileFuerZeile) {
-    const auto& f = GetParam();
-    EXPECT_EQ(fctSkriptEinfuegen(f.layer, f.ohneLayer, f.xref, 1, "Ventil", 0, "", "c:\\B\\b0.dwg"),
-              f.erwartet);
+TEST(LtSkriptTexte, EinfuegeSkriptZeileFuerZeile) {
+    for (const auto& f : tabelle("cad/golden/einfuege_skript.txt")) {
+        EXPECT_EQ(fctSkriptEinfuegen(f.at(0), f.at(1), std::stol(f.at(2)), 1, "Ventil", 0, "",
+                                     "c:\\B\\b0.dwg"),
+                  std::vector<std::string>(f.begin() + 3, f.end()))
+            << f[0] << "|" << f[1] << "|" << f[2];
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Faelle, EinfuegeSkript,
-    ::testing::Values(
-        EinfuegeSkriptFall{
-            "", "", 0, {"._-insert", "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}},
-        EinfuegeSkriptFall{"Armaturen",
-                           "",
-                           0,
-                           {"-layer", "se", "Armaturen", "", "._-insert",
-                            "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}},
-        EinfuegeSkriptFall{"Armaturen",
-                           "1",
-                           0,
-                           {"._-insert", "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}},
-        EinfuegeSkriptFall{"Armaturen",
-                           "0",
-                           1,
-                           {"-layer", "se", "Armaturen", "", "._-xref", "z", "",
-                            "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}},
-        EinfuegeSkriptFall{
-            "",
-            "",
-            1,
-            {"._-xref", "z", "", "\"Ventil0=c:\\B\\b0.dwg\"", "'setvar", "filedia", "1"}}));
 
 TEST(LtSkriptTexte, ReplaceBackslashNurImGetipptenPfad) {
     EXPECT_EQ(fctSkriptPfadGetippt("c:\\temp\\bv8LT.scr", "/"), "c:/temp/bv8LT.scr");
@@ -110,13 +50,6 @@ TEST(LtSkriptTexte, ReplaceBackslashNurImGetipptenPfad) {
 TEST(LtSkriptTexte, ExpliziterName) {
     EXPECT_EQ(fctExplizitenNamenBereinigen("Flansch, DN50 "), "Flansch_ DN50");
     EXPECT_EQ(fctExplizitenNamenBereinigen("  a,b,c   "), "  a_b_c");
-}
-
-TEST(LtSkriptTexte, StartBefehle) {
-    EXPECT_EQ(fctTastenfolge(fctSkriptStartBefehle(true, "c:\\temp\\bv8LT.scr")),
-              "_undo\r_m\rfiledia 0\rscript\rc:\\temp\\bv8LT.scr\r");
-    EXPECT_EQ(fctTastenfolge(fctSkriptStartBefehle(false, "c:/temp/bv8LT.scr")),
-              "filedia 0\rscript\rc:/temp/bv8LT.scr\r");
 }
 
 class LtKanal : public CadUmgebung {
@@ -275,9 +208,7 @@ TEST_F(LtKanal, SkriptWirdNeuGeschrieben) {
     ASSERT_TRUE(fctSkriptSchreiben(z, "c:\\temp\\bv8LT.scr", {"eins", "zwei", "drei", "vier"}));
     ASSERT_TRUE(fctSkriptSchreiben(z, "c:\\temp\\bv8LT.scr", {"a"}));
     EXPECT_EQ(lesen("c:\\temp\\bv8LT.scr"), "a\r\n");
-}
-
-TEST_F(LtKanal, SkriptInWindows1252) {
+    // The script is Windows-1252, as the host reads it.
     ASSERT_TRUE(fctSkriptSchreiben(z, "c:\\temp\\bv8LT.scr", {"Ölleitung Maß"}));
     EXPECT_EQ(lesen("c:\\temp\\bv8LT.scr"), "\xD6lleitung Ma\xDF\r\n");
 }

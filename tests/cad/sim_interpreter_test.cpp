@@ -33,23 +33,6 @@ TEST_F(SimHostBefehle, SkriptNurMitFiledia0) {
     EXPECT_EQ(host.variable("FILEDIA"), "1") << "the script sets it back";
 }
 
-TEST_F(SimHostBefehle, XrefMitOptionUndAntworten) {
-    anlegen("c:\\B\\b0.dwg");
-    const auto zeilen = fctSkriptEinfuegen("Rohr", "", 1, 0, "b", 0, "", "c:\\B\\b0.dwg");
-    ASSERT_TRUE(fctSkriptSchreiben(z, "c:\\temp\\bv8LT.scr", zeilen));
-    for (const char* t : {"filedia", "0", "script", "c:\\temp\\bv8LT.scr"}) host.eingabe(t);
-    EXPECT_TRUE(enthaelt("XREF WARTET AUF PUNKT")) << log.str();
-    EXPECT_TRUE(enthaelt("SETVAR' FILEDIA=1"));
-    host.linksklick(10, 20);
-    host.eingabe("2");
-    host.eingabe("");
-    host.eingabe("45");
-    EXPECT_TRUE(
-        enthaelt("XREF block=b0 datei=c:\\B\\b0.dwg punkt=10,20 x=2 y=2 winkel=45 "
-                 "layer=Rohr optionen=[z][]"))
-        << log.str();
-}
-
 TEST_F(SimHostBefehle, FehlendeZeichnungWirdNichtEingefuegt) {
     host.eingabe("._-insert");
     host.eingabe("\"a=c:\\fehlt.dwg\"");
@@ -71,14 +54,6 @@ TEST_F(SimHostBefehle, UndoZurueckZurMarke) {
     host.eingabe("_undo");
     host.eingabe("_b");
     EXPECT_EQ(host.zeichnung().size(), vorher);
-}
-
-TEST_F(SimHostBefehle, EscapeBrichtAb) {
-    host.eingabe("-layer");
-    host.escape();
-    EXPECT_TRUE(enthaelt("ABBRUCH LAYER"));
-    host.eingabe("gibtsnicht");
-    EXPECT_TRUE(enthaelt("UNBEKANNT [gibtsnicht]"));
 }
 
 }  // namespace

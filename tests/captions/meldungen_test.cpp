@@ -33,9 +33,6 @@ TEST_F(Meldungen, InfoFamilieVerbindetZeilen) {
         {[&] { subMsgboxInfoEinzeilig(z, 10, kGruppeGruppe); }, "G-eins"},
         {[&] { subMsgboxInfoZweizeilig(z, 10, 11, kGruppeSpeziell); }, "S-eins\rS-zwei"},
         {[&] { subMsgboxInfoZweizeilig(z, 10, 11); }, "eins\rzwei"},
-        {[&] { subMsgboxInfoZweizeilig2(z, 10, 11); }, "eins\r\rzwei"},
-        {[&] { subMsgboxInfoDreizeilig(z, 10, 11, 12); }, "eins\rzwei\rdrei"},
-        {[&] { subMsgboxInfoDreizeilig12(z, 10, 11, 12); }, "eins\rzwei\r\rdrei"},
         {[&] { subMsgboxInfoVierZeilig121(z, 10, 11, 12, 13); }, "eins\rzwei\r\rdrei\rvier"},
         {[&] { subMsgboxInfoEinzeilig(z, 10, kGruppeAllg, {"c:\\Bibliothek\\dbTessara.mdb"}); },
          "eins\rc:\\Bibliothek\\dbTessara.mdb"},
@@ -62,16 +59,13 @@ TEST_F(Meldungen, FrageIstWahrNurBeiJa) {
     for (const auto& [antwort, erwartet] : faelle) {
         benutzer.gezeigt.clear();
         benutzer.antworten = {antwort};
-        EXPECT_EQ(fctMsgboxFrageDreizeilig12(z, 10, 11, 12), erwartet);
+        EXPECT_EQ(fctMsgboxFrageZweizeilig2(z, 10, 11), erwartet);
         ASSERT_EQ(benutzer.gezeigt.size(), 1u);
-        EXPECT_EQ(benutzer.gezeigt[0].text, "eins\rzwei\r\rdrei");
+        EXPECT_EQ(benutzer.gezeigt[0].text, "eins\r\rzwei");
         EXPECT_EQ(benutzer.gezeigt[0].titel, "Frage-Titel");
         EXPECT_EQ(benutzer.gezeigt[0].symbol, Symbol::Frage);
         EXPECT_EQ(benutzer.gezeigt[0].knoepfe, Knoepfe::JaNein);
     }
-    benutzer.antworten = {Antwort::Ja};
-    EXPECT_TRUE(fctMsgboxFrageZweizeilig2(z, 10, 11));
-    EXPECT_EQ(benutzer.gezeigt.back().text, "eins\r\rzwei");
 }
 
 TEST_F(Meldungen, NichtMehrAnzeigen) {

@@ -6,8 +6,10 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 
 #include "platform/environment.h"
@@ -19,6 +21,7 @@
 #include "platform/platform.h"
 #include "startup/benutzer.h"
 #include "startup/einstellungen.h"
+#include "tabelle.h"
 
 namespace tessara {
 namespace {
@@ -186,31 +189,23 @@ TEST_F(StartAblauf, ZweiteKopieReichtDieAnfrageWeiterUndHoltDasFensterNachVorne)
     auto erste = prozess("");
     ASSERT_EQ(erste->main(), MainErgebnis::Laeuft);
 
-    struct Fall {
-        const char* zeile;
-        std::vector<platform::InstanceMessage> erwartet;
-    };
-    const Fall faelle[] = {
-        {"/s 0010017;A", {{"StartForm2", {"0010017", "a"}}}},
-        {"/s 0010017", {}},
-        {"/s a;b;c", {}},
-        {"lblkeinfuegen", {{"LBlkEinfuegen", {}}}},
-        {"lblock",
-         {{"ClassNameUebergeben", {"Tessara_8_5.clsTessaraStart"}}, {"LBlkEinfuegen", {}}}},
-        {"", {}},
-        {"/d \"c:\\Bibliothek\\dbTessara.mdb\"", {{"ChangeDb", {"c:\\Bibliothek\\dbTessara.mdb"}}}},
-    };
-    for (const auto& f : faelle) {
-        SCOPED_TRACE(f.zeile);
+    for (const auto& f : test::tabelle("entry/golden/zweite_kopie.txt")) {
+        SCOPED_TRACE(f.at(0));
         bus->sent.clear();
-        auto zweite = prozess(f.zeile);
+        auto zweite = prozess(f[0]);
         const auto fenster = zweite->desktop.addWindow("Tessara 1.9.0");
         EXPECT_EQ(zweite->main(), MainErgebnis::ProzessEnde);
-        ASSERT_EQ(bus->sent.size(), f.erwartet.size());
-        for (std::size_t i = 0; i < f.erwartet.size(); ++i) {
-            EXPECT_EQ(bus->sent[i].operation, f.erwartet[i].operation);
-            EXPECT_EQ(bus->sent[i].arguments, f.erwartet[i].arguments);
+        std::vector<std::string> gesendet;
+        for (const auto& m : bus->sent) {
+            std::string t = m.operation + "(";
+            for (std::size_t i = 0; i < m.arguments.size(); ++i)
+                t += (i ? "," : "") + m.arguments[i];
+            gesendet.push_back(t + ")");
         }
+        std::vector<std::string> erwartet;
+        std::copy_if(f.begin() + 1, f.end(), std::back_inserter(erwartet),
+                     [](const std::string& a) { return !a.empty(); });
+        EXPECT_EQ(gesendet, erwartet);
         EXPECT_EQ(zweite->desktop.activations(), std::vector<platform::WindowHandle>{fenster});
         EXPECT_TRUE(zweite->fenster.ereignisse.empty());
     }

@@ -8,6 +8,7 @@
 #include "organisation/ordner_verwaltung.h"
 #include "platform/environment.h"
 #include "startup/einstellungen.h"
+#include "tabelle.h"
 
 namespace tessara::orgtest {
 namespace {
@@ -38,45 +39,19 @@ TEST_F(Ordner, CodeTableWrapsAfterEntry42874) {
 }
 
 TEST_F(Ordner, NewFolderNamesAreCheckedBeforeAnythingIsWritten) {
-    struct Fall {
-        std::string name;
-        std::string meldung;  // empty: created
-        std::string gespeichert;
-    };
-    const std::string lang100(100, 'x');
-    std::string umlaute100;
-    for (int i = 0; i < 100; ++i) umlaute100 += "ä";
-    const Fall faelle[] = {
-        {"", m(267) + " / " + m(268), ""},
-        {"   ", m(267) + " / " + m(268), ""},
-        {"standard-ordner", m(269) + " / " + m(270), ""},
-        {"O'Brien", m(420) + " / O'Brien", ""},
-        {"50%", m(420) + " / 50%", ""},
-        {"[alt", m(420) + " / [alt", ""},
-        {"Rohr*", m(420) + " / Rohr*", ""},
-        {"Nr#1", m(420) + " / Nr#1", ""},
-        {"Tab\tName", m(420) + " / Tab\tName", ""},
-        {std::string(101, 'x'), m(421), ""},
-        {std::string(256, 'x'), m(421), ""},
-        {"  Armaturen  ", "", "Armaturen"},
-        {"Größe äöü ß", "", "Größe äöü ß"},
-        {"Teil_1", "", "Teil_1"},
-        {lang100, "", lang100},
-        {umlaute100, "", umlaute100},
-    };
     auto vorher = ordnerNamen(*this);
-    for (const auto& f : faelle) {
+    for (const auto& f : test::tabelle("organisation/golden/ordnernamen.txt")) {
+        SCOPED_TRACE(f.at(0));
         benutzer.gezeigt.clear();
-        const bool ok = fctOrdnerNeu(z, *modell, f.name);
-        EXPECT_EQ(ok, f.meldung.empty()) << f.name;
+        EXPECT_EQ(fctOrdnerNeu(z, *modell, f[0]), f.at(1).empty());
         auto nachher = ordnerNamen(*this);
-        if (f.meldung.empty()) {
-            EXPECT_TRUE(benutzer.gezeigt.empty()) << f.name;
-            ASSERT_EQ(nachher.size(), vorher.size() + 1) << f.name;
-            EXPECT_EQ(nachher.back().substr(4), f.gespeichert);
+        if (f[1].empty()) {
+            EXPECT_TRUE(benutzer.gezeigt.empty());
+            ASSERT_EQ(nachher.size(), vorher.size() + 1);
+            EXPECT_EQ(nachher.back().substr(4), f.at(2));
         } else {
-            EXPECT_EQ(gezeigt(), std::vector<std::string>{m(3) + ": " + f.meldung}) << f.name;
-            EXPECT_EQ(nachher, vorher) << f.name;
+            EXPECT_EQ(gezeigt(), std::vector<std::string>{m(3) + ": " + f[1]});
+            EXPECT_EQ(nachher, vorher);
         }
         vorher = nachher;
     }
@@ -196,17 +171,6 @@ TEST_F(Ordner, AnOlderDatabaseGetsTheSortNumberOnFirstUse) {
     EXPECT_TRUE(fctOrdnerVerschieben(z, *modell, 1, 0));
     EXPECT_EQ(zeilen("SELECT Ordnername, NrTblOrdnen FROM tblOrdner ORDER BY Nr"),
               (std::vector<std::string>{"Standard-Ordner|2", "Zweiter|1"}));
-}
-
-TEST_F(Ordner, WithoutDialogTheCodeFollowsTheLastKeyAndTheFolderBecomesCurrent) {
-    EXPECT_TRUE(fctOrdnerNeuAnlegen(z, *modell, "Import", ""));
-    EXPECT_FALSE(fctOrdnerNeuAnlegen(z, *modell, "import", ""));
-    EXPECT_TRUE(fctOrdnerNeuAnlegen(z, *modell, "Gegeben", "X1Y"));
-    EXPECT_EQ(ordnerNamen(*this),
-              (std::vector<std::string>{"000|Standard-Ordner", "002|Import", "X1Y|Gegeben"}));
-    ASSERT_NE(modell->aktuellerOrdner(), nullptr);
-    EXPECT_EQ(modell->aktuellerOrdner()->OrdnerName, "Gegeben");
-    EXPECT_TRUE(benutzer.gezeigt.empty());
 }
 
 TEST_F(Ordner, TheFolderBoxFollowsTheSortSetting) {

@@ -2,6 +2,7 @@
 // delete, the list of the Page window and the operations without a dialog.
 #include "bibliothek.h"
 #include "organisation/seiten_verwaltung.h"
+#include "tabelle.h"
 
 namespace tessara::orgtest {
 namespace {
@@ -14,27 +15,11 @@ std::vector<std::string> seiten(Bibliothek& b, int ordner = 1) {
 }
 
 TEST_F(Seiten, NumbersAndNamesOfANewPageAreChecked) {
-    struct Fall {
-        std::string nr, name, meldung;  // meldung empty: created
-    };
-    const Fall faelle[] = {
-        {"", "Leer", m(280)},
-        {"2", "  ", m(280)},
-        {"12a", "Zwölf", m(281) + " / 12a"},
-        {"-1", "Minus", m(281) + " / -1"},
-        {" 3", "Blank", m(281) + " /  3"},
-        {"0", "Null", m(422) + " / 0"},
-        {"99999", "Viel", m(422) + " / 99999"},
-        {"32768", "Zu viel", m(422) + " / 32768"},
-        {"2", "It's", m(420) + " / It's"},
-        {"007", "Sieben", ""},
-        {"32767", "Letzte", ""},
-    };
-    for (const auto& f : faelle) {
+    for (const auto& f : test::tabelle("organisation/golden/seiten_neu.txt")) {
         benutzer.gezeigt.clear();
-        EXPECT_EQ(fctSeiteNeu(z, *modell, f.nr, f.name), f.meldung.empty()) << f.nr;
-        if (!f.meldung.empty()) {
-            EXPECT_EQ(gezeigt(), std::vector<std::string>{m(3) + ": " + f.meldung});
+        EXPECT_EQ(fctSeiteNeu(z, *modell, f.at(0), f.at(1)), f.at(2).empty()) << f[0];
+        if (!f[2].empty()) {
+            EXPECT_EQ(gezeigt(), std::vector<std::string>{m(3) + ": " + f[2]});
         }
     }
     EXPECT_EQ(seiten(*this), (std::vector<std::string>{"1|1|1", "2|7|Sieben", "3|32767|Letzte"}));
@@ -64,28 +49,6 @@ TEST_F(Seiten, ATakenNumberIsOverwrittenInPlaceAfterAsking) {
     EXPECT_EQ(seiten(*this).back(), "3|3|bögen");
     // The Page box follows.
     ASSERT_EQ(modell->seitenListe().size(), 3u);
-}
-
-TEST_F(Seiten, WithoutDialogATakenNumberIsOverwrittenAndTheNameQuestionIsFixed) {
-    ASSERT_TRUE(fctSeiteAendern(z, *modell, 1, "Erste"));
-    EXPECT_TRUE(benutzer.gezeigt.empty());
-    benutzer.antworten = {Antwort::Nein};
-    EXPECT_FALSE(fctSeiteAendern(z, *modell, 5, "erste"));
-    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
-    const auto& g = benutzer.gezeigt[0];
-    EXPECT_EQ(g.titel, "gleicher Seitenname");
-    EXPECT_EQ(g.text,
-              "Seite mit folgendem Name besteht schon:\rerste\rSoll die Seite trotzdem angelegt "
-              "werden?");
-    EXPECT_EQ(g.symbol, Symbol::Information);
-    EXPECT_EQ(g.knoepfe, Knoepfe::JaNein);
-    EXPECT_EQ(seiten(*this), std::vector<std::string>{"1|1|Erste"});
-
-    EXPECT_TRUE(fctSeiteAnlegenOhneKontrolle(z, *modell, 4, "Erste"));
-    EXPECT_EQ(seiten(*this), (std::vector<std::string>{"1|1|Erste", "2|4|Erste"}));
-    EXPECT_EQ(modell->intSeite(), 3);
-    EXPECT_EQ(fctSeitenNameMitIndex("Erste", 0), "Erste");
-    EXPECT_EQ(fctSeitenNameMitIndex("Erste", 2), "Erste-2");
 }
 
 TEST_F(Seiten, RenameKeepsTheNumberAndRefusesATakenName) {

@@ -6,60 +6,30 @@
 
 #include "einstellungen_umgebung.h"
 #include "startup/ini_datei.h"
+#include "tabelle.h"
 
 namespace tessara::einstellungentest {
 namespace {
 
 using Einstellungen = EinstellungenUmgebung;
 
-TEST_F(Einstellungen, ByteLeser) {
-    const struct {
-        const char* wert;
-        int erwartet;
-    } faelle[] = {
-        {"0", 0},   {"1", 1},   {"255", 255},   {"256", 0},   {"300", 0},   {"abc", 0},
-        {"-1", 0},  {"+5", 0},  {".5", 0},      {"", 0},      {"12", 12},   {"1e2", 100},
-        {"2.5", 2}, {"3.5", 4}, {"255.4", 255}, {"255.5", 0}, {"12abc", 0}, {"&H10", 0},
-    };
-    for (const auto& f : faelle) {
-        fctIniWertSchreiben(z.strIniDatei, kAllgemeineDaten, "bytEinzelEinlesen", f.wert);
-        EXPECT_EQ(fctIniByteLesen(z, z.strIniDatei, kAllgemeineDaten, "bytEinzelEinlesen"),
-                  f.erwartet)
-            << '"' << f.wert << '"';
+TEST_F(Einstellungen, ZahlenUndWahrheitswerte) {
+    for (const auto& f : test::tabelle("startup/golden/leser.txt")) {
+        SCOPED_TRACE(f.at(0) + " \"" + f.at(1) + "\"");
+        fctIniWertSchreiben(z.strIniDatei, "Position", "s1", f[1]);
+        const long erwartet = std::stol(f.at(2));
+        if (f[0] == "byte") {
+            EXPECT_EQ(fctIniByteLesen(z, z.strIniDatei, "Position", "s1"), erwartet);
+        } else if (f[0] == "int") {
+            EXPECT_EQ(fctIniIntLesen(z, z.strIniDatei, "Position", "s1"), erwartet);
+        } else if (f[0] == "long") {
+            EXPECT_EQ(fctIniLongLesen(z, z.strIniDatei, "Position", "s1"), erwartet);
+        } else {
+            EXPECT_EQ(fctBoolWert(f[1]), erwartet == 1);
+        }
     }
     EXPECT_EQ(fctIniByteLesen(z, z.strIniDatei, kAllgemeineDaten, "fehlt"), 0);
     EXPECT_EQ(z.fehler.intFehlerAnzahl, 0);
-}
-
-TEST_F(Einstellungen, GanzzahlLeser) {
-    const struct {
-        const char* wert;
-        int erwartet;
-    } faelle[] = {
-        {"0", 0},       {"32767", 32767}, {"32768", 0},  {"-32768", -32768}, {"-32769", 0},
-        {"abc", 0},     {" 42 ", 42},     {"12.5", 12},  {"13.5", 14},       {"&HFF", 255},
-        {"&HFFFF", -1}, {"&O17", 15},     {"1e3", 1000}, {"--1", 0},         {"", 0},
-    };
-    for (const auto& f : faelle) {
-        fctIniWertSchreiben(z.strIniDatei, "Position", "s1", f.wert);
-        EXPECT_EQ(fctIniIntLesen(z, z.strIniDatei, "Position", "s1"), f.erwartet)
-            << '"' << f.wert << '"';
-    }
-    fctIniWertSchreiben(z.strIniDatei, "Position", "Pos", "2147483647");
-    EXPECT_EQ(fctIniLongLesen(z, z.strIniDatei, "Position", "Pos"), 2147483647);
-    fctIniWertSchreiben(z.strIniDatei, "Position", "Pos", "2147483648");
-    EXPECT_EQ(fctIniLongLesen(z, z.strIniDatei, "Position", "Pos"), 0);
-}
-
-TEST_F(Einstellungen, BoolWert) {
-    EXPECT_TRUE(fctBoolWert("1"));
-    EXPECT_TRUE(fctBoolWert("-1"));
-    EXPECT_TRUE(fctBoolWert("True"));
-    EXPECT_TRUE(fctBoolWert("wahr"));
-    EXPECT_FALSE(fctBoolWert("0"));
-    EXPECT_FALSE(fctBoolWert("False"));
-    EXPECT_FALSE(fctBoolWert("ja"));
-    EXPECT_FALSE(fctBoolWert(""));
 }
 
 TEST_F(Einstellungen, IniGetValueMeldetUnlesbareDateiNurImLog) {
@@ -107,12 +77,6 @@ TEST_F(Einstellungen, MeldungNichtMehrAnzeigen) {
     EXPECT_TRUE(fctIniDateiNeuAnlegen(z, "AutoCadTitel", 1));
 }
 
-TEST_F(Einstellungen, SektionLoeschen) {
-    schreiben(ini(), "[AllgemeineDaten]\r\nSprache=deutsch\r\n[LayerStates]\r\nA=1\r\n");
-    EXPECT_TRUE(IniDeleteSection(z, z.strIniDatei, kLayerStates));
-    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nSprache=deutsch\r\n");
-}
-
 TEST_F(Einstellungen, VerzeichnisVorgabeModusEins) {
     subVerzeichnisVorgabeAktualisieren(z, "c:\\Bibliothek", 1);
     EXPECT_EQ(z.strVerzeichnisVorgabe, "c:\\Bibliothek\\");
@@ -123,9 +87,6 @@ TEST_F(Einstellungen, VerzeichnisVorgabeModusEins) {
     subVerzeichnisVorgabeAktualisieren(z, "c:\\Bibliothek\\", 1);
     EXPECT_FALSE(fs::exists(ini()));
     EXPECT_EQ(z.strVerzeichnisVorgabe, "c:\\Bibliothek\\");
-}
-
-TEST_F(Einstellungen, VerzeichnisVorgabeAusLaufwerkUndVerzeichnis) {
     subVerzeichnisVorgabeAktualisieren(z, "d:\\Bib\\Elektro\\dbTessara.mdb", 0);
     EXPECT_EQ(z.strVerzeichnisVorgabe, "d:\\Bib\\Elektro\\");
     EXPECT_EQ(IniGetValue(z, z.strIniDatei, kAllgemeineDaten, "VerzeichnisVorgabe"),
@@ -135,46 +96,13 @@ TEST_F(Einstellungen, VerzeichnisVorgabeAusLaufwerkUndVerzeichnis) {
     EXPECT_FALSE(fs::exists(ini()));  // unchanged: not written
 }
 
-struct ListenFall {
-    const char* name;
-    std::string inhalt;
-    std::vector<std::string> erwartet;
-};
-
 TEST_F(Einstellungen, DatenbanklisteLesen) {
-    const ListenFall faelle[] = {
-        {"keine Datei", "", {""}},
-        {"erster Start", "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n", {"0"}},
-        {"0 verdeckt die folgenden",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\nDbVerzeichnis1=c:\\Bib\r\n",
-         {"0"}},
-        {"drei",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=c:\\B\r\nDbVerzeichnis2=d:"
-         "\\C\r\n",
-         {"c:\\A", "c:\\B", "d:\\C"}},
-        {"Luecke beendet",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis2=c:\\C\r\n",
-         {"c:\\A"}},
-        {"0 in der Mitte beendet",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=0\r\nDbVerzeichnis2=c:"
-         "\\C\r\n",
-         {"c:\\A"}},
-        {"leerer Wert beendet",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=\r\nDbVerzeichnis2=c:\\C\r\n",
-         {"c:\\A"}},
-        {"erster gleichnamiger Schluessel gilt",
-         "[AllgemeineDaten]\r\nDbVerzeichnis1=c:\\B\r\nDbVerzeichnis0=c:\\A\r\nDbVerzeichnis1=\r\n",
-         {"c:\\A", "c:\\B"}},
-        {"leer an Stelle 0",
-         "[AllgemeineDaten]\r\nDbVerzeichnis0=\r\nDbVerzeichnis1=c:\\B\r\n",
-         {""}},
-    };
-    for (const auto& f : faelle) {
+    for (const auto& f : test::tabelle("startup/golden/datenbankliste.txt")) {
         fs::remove(ini());
-        if (!f.inhalt.empty()) schreiben(ini(), f.inhalt);
+        if (!f.at(1).empty()) schreiben(ini(), f[1]);
         z.aryDbVerzeichnis = {"alt", "alt", "alt", "alt"};
         subLesenTessaraIniDatei(z);
-        EXPECT_EQ(z.aryDbVerzeichnis, f.erwartet) << f.name;
+        EXPECT_EQ(z.aryDbVerzeichnis, std::vector<std::string>(f.begin() + 2, f.end())) << f[0];
     }
 }
 
@@ -198,9 +126,7 @@ TEST_F(Einstellungen, ErsterStartBeginntNeueDatei) {
     // A second start finds the file and leaves it alone.
     EXPECT_FALSE(fctIniDateiErsterStart(z));
     EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n");
-}
-
-TEST_F(Einstellungen, VorhandeneDateiNenntDatenbank) {
+    // An existing file names the database: true, and the 8.x file is not read.
     const std::string inhalt = "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n";
     schreiben(ini(), inhalt);
     schreiben(wurzel / "app" / "TessaraV8.ini", "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Alt\r\n");

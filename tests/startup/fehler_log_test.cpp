@@ -9,6 +9,7 @@
 #include "einstellungen_umgebung.h"
 #include "jet/sql/error.h"
 #include "startup/ini_datei.h"
+#include "tabelle.h"
 
 namespace tessara::einstellungentest {
 namespace {
@@ -62,17 +63,15 @@ TEST_F(FehlerLog, MeldungOderNurLog) {
     EXPECT_EQ(benutzer.gezeigt[0].symbol, Symbol::Ausrufezeichen);
     subErrorAllgemein(z, true, "leise", 1);
     EXPECT_EQ(benutzer.gezeigt.size(), 1u);
-}
-
-TEST_F(FehlerLog, ShowAllErrorMsgboxZeigtAuchNurLog) {
+    // sShowAllErrorMsgbox=1 shows log-only errors too.
     schreiben(ini(), "[AllgemeineDaten]\r\nsShowAllErrorMsgbox=1\r\n");
     subErrorAllgemein(z, true, "leise", 1);
-    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
-    EXPECT_EQ(benutzer.gezeigt[0].text, "Fehler: leise");
+    ASSERT_EQ(benutzer.gezeigt.size(), 2u);
+    EXPECT_EQ(benutzer.gezeigt[1].text, "Fehler: leise");
     // Any other value leaves log-only errors in the log.
     schreiben(ini(), "[AllgemeineDaten]\r\nsShowAllErrorMsgbox=2\r\n");
     subErrorAllgemein(z, true, "leise", 1);
-    EXPECT_EQ(benutzer.gezeigt.size(), 1u);
+    EXPECT_EQ(benutzer.gezeigt.size(), 2u);
 }
 
 TEST_F(FehlerLog, FehlersturmBremstDieMeldungen) {
@@ -162,40 +161,19 @@ TEST_F(FehlerLog, FehlernummerAusDerAusnahme) {
     EXPECT_EQ(z.fehler.lngLetzteFehlerNr, 0);
 }
 
-struct DebugFall {
-    const char* name;
-    std::string inhalt;
-    std::vector<Antwort> antworten;
-    bool debug;
-    bool frage;
-};
-
 TEST_F(FehlerLog, DebugModusBestimmen) {
-    const DebugFall faelle[] = {
-        {"strDebug leer", "[AllgemeineDaten]\r\nstrDebug=\r\n", {}, false, false},
-        {"strDebug fehlt", "[AllgemeineDaten]\r\nSprache=deutsch\r\n", {}, false, false},
-        {"strDebug 0", "[AllgemeineDaten]\r\nstrDebug=0\r\n", {}, false, false},
-        {"ohne Frage",
-         "[AllgemeineDaten]\r\nstrDebug=1\r\nsOhneMsgboxDaDll=1\r\n",
-         {},
-         true,
-         false},
-        {"Frage mit OK", "[AllgemeineDaten]\r\nstrDebug=1\r\n", {Antwort::Ok}, true, true},
-        {"Frage mit Abbrechen",
-         "[AllgemeineDaten]\r\nstrDebug=True\r\nsOhneMsgboxDaDll=0\r\n",
-         {Antwort::Abbrechen},
-         false,
-         true},
-    };
-    for (const auto& f : faelle) {
-        schreiben(ini(), f.inhalt);
+    for (const auto& f : test::tabelle("startup/golden/debug_modus.txt")) {
+        SCOPED_TRACE(f.at(0));
+        const bool frage = !f.at(2).empty(), debug = f.at(3) == "1";
+        schreiben(ini(), f[1]);
         benutzer.gezeigt.clear();
-        benutzer.antworten = f.antworten;
-        z.booDebug = !f.debug;
-        EXPECT_EQ(fctGetCDebug(z, z.strIniDatei, ""), f.debug) << f.name;
-        EXPECT_EQ(z.booDebug, f.debug) << f.name;
-        ASSERT_EQ(benutzer.gezeigt.size(), f.frage ? 1u : 0u) << f.name;
-        if (f.frage) {
+        benutzer.antworten = {};
+        if (frage) benutzer.antworten = {f[2] == "Ok" ? Antwort::Ok : Antwort::Abbrechen};
+        z.booDebug = !debug;
+        EXPECT_EQ(fctGetCDebug(z, z.strIniDatei, ""), debug);
+        EXPECT_EQ(z.booDebug, debug);
+        ASSERT_EQ(benutzer.gezeigt.size(), frage ? 1u : 0u);
+        if (frage) {
             EXPECT_EQ(benutzer.gezeigt[0].text,
                       "Soll im Debug-Modus gestartet werden?\rAbbrechen= Debug-Modus "
                       "deaktivieren\rVersion: 9.0.0");
@@ -211,9 +189,7 @@ TEST_F(FehlerLog, DebugSchalterWirdAngelegtAberNichtDieDatei) {
     schreiben(ini(), "[AllgemeineDaten]\r\nSprache=deutsch\r\n");
     EXPECT_FALSE(fctGetCDebug(z, z.strIniDatei, ""));
     EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nSprache=deutsch\r\nstrDebug=0\r\n");
-}
-
-TEST_F(FehlerLog, FehlerMeldungsFlagUndEigeneSektion) {
+    // The error box flag, and a section of its own.
     schreiben(ini(), "[Test]\r\nstrDebug=-1\r\nsOhneMsgboxDaDll=1\r\nsErrMsgbox=1\r\n");
     EXPECT_TRUE(fctGetCDebug(z, z.strIniDatei, "Test"));
     EXPECT_TRUE(z.booFehlerMsgbox);

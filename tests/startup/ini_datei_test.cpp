@@ -8,57 +8,19 @@
 
 #include "einstellungen_umgebung.h"
 #include "startup/zeichensatz.h"
+#include "tabelle.h"
 
 namespace tessara::einstellungentest {
 namespace {
 
 using IniDatei = EinstellungenUmgebung;
 
-struct LeseFall {
-    const char* name;
-    std::string inhalt;
-    const char* sektion;
-    const char* schluessel;
-    std::string erwartet;
-};
-
 TEST_F(IniDatei, LiestWieDasPrivateProfil) {
-    const LeseFall faelle[] = {
-        {"Gross/Klein egal", "[allgemeinedaten]\r\nSPRACHE=deutsch\r\n", "AllgemeineDaten",
-         "Sprache", "deutsch"},
-        {"Umlaut-Namen ohne Gross/Klein", "[Ä]\r\nÖL=1\r\n", "ä", "öl", "1"},
-        {"erster Schluessel gewinnt", "[A]\r\nk=1\r\nk=2\r\n", "A", "k", "1"},
-        {"erste Sektion gewinnt", "[A]\r\nk=1\r\n[B]\r\nk=b\r\n[a]\r\nk=2\r\nj=3\r\n", "A", "k",
-         "1"},
-        {"zweite gleichnamige Sektion nicht gelesen", "[A]\r\nk=1\r\n[a]\r\nj=3\r\n", "A", "j", ""},
-        {"Leerzeichen getrimmt", "  [ A ]  \r\n   k   =   v  w \t\r\n", "A", "k", "v  w"},
-        {"Anfuehrungszeichen entfernt", "[A]\r\nk=\"  x  \"\r\n", "A", "k", "  x  "},
-        {"einfache Anfuehrung", "[A]\r\nk='y'\r\n", "A", "k", "y"},
-        {"einzelnes Anfuehrungszeichen bleibt", "[A]\r\nk=\"z\r\n", "A", "k", "\"z"},
-        {"ungleiche Anfuehrung bleibt", "[A]\r\nk=\"z'\r\n", "A", "k", "\"z'"},
-        {"nur LF", "[A]\nk=v\n", "A", "k", "v"},
-        {"nur CR", "[A]\rk=v\r", "A", "k", "v"},
-        {"letzte Zeile ohne Ende", "[A]\r\nk=v", "A", "k", "v"},
-        {"Gleichheitszeichen im Wert", "[A]\r\nk=a=b\r\n", "A", "k", "a=b"},
-        {"Zeile ohne = nennt keinen Wert", "[A]\r\nk\r\nk=v\r\n", "A", "k", "v"},
-        {"Kommentar ist kein Schluessel", "[A]\r\n;k=v\r\n", "A", "k", ""},
-        {"Text hinter der Klammer", "[A] ; alt\r\nk=v\r\n", "A", "k", "v"},
-        {"Schluessel vor jeder Sektion", "k=v\r\n[A]\r\n", "A", "k", ""},
-        {"Sektion fehlt", "[A]\r\nk=v\r\n", "B", "k", ""},
-        {"Schluessel fehlt", "[A]\r\nk=v\r\n", "A", "x", ""},
-        {"leerer Wert", "[A]\r\nk=\r\n", "A", "k", ""},
-        {"NUL beendet den Wert", std::string("[A]\r\nk=ab\0cd\r\n", 14), "A", "k", "ab"},
-        {"Sektion ohne ] ist keine", "[A\r\nk=v\r\n", "A", "k", ""},
-        {"ANSI-Umlaute", "[A]\r\nk=\xC4\xD6\xDC\xDF\r\n", "A", "k", "ÄÖÜß"},
-        {"ANSI-Euro", "[A]\r\nk=\x80\r\n", "A", "k", "€"},
-    };
-    for (const auto& f : faelle) {
-        schreiben(ini(), f.inhalt);
-        EXPECT_EQ(fctIniWertLesen(prog(ini()), f.sektion, f.schluessel), f.erwartet) << f.name;
+    for (const auto& f : test::tabelle("startup/golden/ini_lesen.txt")) {
+        schreiben(ini(), f.at(1));
+        EXPECT_EQ(fctIniWertLesen(prog(ini()), f.at(2), f.at(3)), f.at(4)) << f.at(0);
     }
-}
-
-TEST_F(IniDatei, FehlendeDateiIstLeerUndKeinFehler) {
+    // A missing file reads as empty and is no error.
     IniStatus s = IniStatus::Fehler;
     EXPECT_EQ(fctIniWertLesen(prog(wurzel / "gibtsnicht.ini"), "A", "k", &s), "");
     EXPECT_EQ(s, IniStatus::DateiFehlt);
@@ -137,18 +99,6 @@ TEST_F(IniDatei, ZeilenumbruchImWertBleibtEineZeile) {
     EXPECT_EQ(fctIniWertLesen(prog(ini()), "B", "b"), "");
 }
 
-TEST_F(IniDatei, SektionLoeschenEntferntJedeGleichnamige) {
-    schreiben(ini(),
-              "[A]\r\nk=1\r\n[LayerStates]\r\nEbene1=0\r\nEbene2=1\r\n\r\n[B]\r\nj=2\r\n"
-              "[layerstates]\r\nEbene3=1\r\n");
-    ASSERT_TRUE(fctIniSektionEntfernen(prog(ini()), "LayerStates"));
-    EXPECT_EQ(lesen(ini()), "[A]\r\nk=1\r\n[B]\r\nj=2\r\n");
-    // Nothing to remove, no file at all: both are fine.
-    EXPECT_TRUE(fctIniSektionEntfernen(prog(ini()), "LayerStates"));
-    EXPECT_TRUE(fctIniSektionEntfernen(prog(wurzel / "fehlt.ini"), "A"));
-    EXPECT_FALSE(fs::exists(wurzel / "fehlt.ini"));
-}
-
 TEST_F(IniDatei, SchreibenHinterlaesstKeineTemporaereDatei) {
     ASSERT_TRUE(fctIniWertSchreiben(prog(ini()), "A", "k", "1"));
     ASSERT_TRUE(fctIniWertSchreiben(prog(ini()), "A", "k", "2"));
@@ -171,14 +121,8 @@ TEST_F(IniDatei, ZielIstVerzeichnisSchreibenScheitertOhneSchaden) {
     for (const auto& e : fs::directory_iterator(wurzel))
         if (e.is_regular_file()) ++dateien;
     EXPECT_EQ(dateien, 0);
-}
-
-TEST_F(IniDatei, VerzeichnisFehltSchreibenScheitert) {
     EXPECT_FALSE(fctIniWertSchreiben(prog(wurzel / "fehlt" / "x.ini"), "A", "k", "1"));
     EXPECT_FALSE(fs::exists(wurzel / "fehlt"));
-}
-
-TEST_F(IniDatei, OhneDateinamenWirdNichtsGeschrieben) {
     EXPECT_FALSE(fctIniWertSchreiben("", "A", "k", "1"));
     EXPECT_EQ(fctIniWertLesen("", "A", "k"), "");
 }
@@ -251,6 +195,11 @@ TEST(IniText, SektionenUndSchluesselInDateiordnung) {
     EXPECT_EQ(t.zeilen().size(), 7u);
     EXPECT_EQ(t.wert("A", "a"), std::optional<std::string>("2"));
     EXPECT_EQ(t.wert("A", "c"), std::nullopt);
+    // Removing a section removes every one of that name, whatever its case.
+    IniText u = t;
+    EXPECT_TRUE(u.sektionEntfernen("a"));
+    EXPECT_EQ(u.bytes(), "[B]\r\n");
+    EXPECT_FALSE(u.sektionEntfernen("A"));
 }
 
 }  // namespace

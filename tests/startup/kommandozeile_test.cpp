@@ -2,44 +2,26 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
+#include "tabelle.h"
+
 namespace tessara {
 namespace {
 
-using Art = typKommandozeile::Art;
-
-struct Fall {
-    const char* zeile;
-    Art art;
-    const char* str1;
-    const char* str2;
-};
-
 TEST(Kommandozeile, WirdWieGewohntZerlegt) {
-    const Fall faelle[] = {
-        {"", Art::Leer, "", ""},
-        // "/d", blank and quote in front, the closing quote behind: cut blindly.
-        {"/d \"C:\\Lib\\dbTessara.mdb\"", Art::Datenbank, "C:\\Lib\\dbTessara.mdb", ""},
-        {"/D XC:\\Lib\\dbTessara.mdbY", Art::Datenbank, "C:\\Lib\\dbTessara.mdb", ""},
-        {"/d \"x", Art::Datenbank, "", ""},
-        {"/d", Art::Datenbank, "", ""},
-        {"lblkeinfuegen", Art::LBlkEinfuegen, "", ""},
-        {"LBlkEinfuegen", Art::LBlkEinfuegen, "", ""},
-        {"lblkeinfuegen ", Art::Nichts, "", ""},
-        {" lblkeinfuegen", Art::Nichts, "", ""},
-        {"lblock", Art::Nichts, "", ""},
-        {"/s 0010017;A", Art::StartForm2, "0010017", "a"},
-        {"/s 0010017;", Art::StartForm2, "0010017", ""},
-        {"/s", Art::Nichts, "", ""},
-        {"/s 0010017", Art::Nichts, "", ""},
-        {"/s a;b;c", Art::Nichts, "", ""},
-        {"/s;b", Art::StartForm2, "", "b"},
-    };
-    for (const auto& f : faelle) {
-        SCOPED_TRACE(f.zeile);
-        auto k = fctKommandozeileAuswerten(f.zeile);
-        EXPECT_EQ(k.art, f.art);
-        EXPECT_EQ(k.str1, f.str1);
-        EXPECT_EQ(k.str2, f.str2);
+    using Art = typKommandozeile::Art;
+    const std::map<std::string, Art> arten = {{"Leer", Art::Leer},
+                                              {"Datenbank", Art::Datenbank},
+                                              {"LBlkEinfuegen", Art::LBlkEinfuegen},
+                                              {"StartForm2", Art::StartForm2},
+                                              {"Nichts", Art::Nichts}};
+    for (const auto& f : test::tabelle("startup/golden/kommandozeile.txt")) {
+        SCOPED_TRACE(f.at(0));
+        auto k = fctKommandozeileAuswerten(f[0]);
+        EXPECT_EQ(k.art, arten.at(f.at(1)));
+        EXPECT_EQ(k.str1, f.at(2));
+        EXPECT_EQ(k.str2, f.at(3));
     }
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "einstellungen_umgebung.h"
+#include "tabelle.h"
 
 namespace tessara::einstellungentest {
 namespace {
@@ -32,53 +33,17 @@ class AufzeichnendeRegistry : public platform::MemoryRegistry {
     }
 };
 
-// The values in the order the program writes them; the CAD host version
-// text is stored as "strACadVersion".
-const std::vector<std::string> kReihenfolge = {"Eintrag1",
-                                               "lonOrdnerSortieren",
-                                               "longUnbesetzt",
-                                               "longEinfuegenLayer0",
-                                               "longBlockAusBibliothek",
-                                               "longUrsprungBeimEinfuegen",
-                                               "longXRef",
-                                               "longAbfrageXFaktor",
-                                               "longAbfrageYFaktor",
-                                               "longAbfrageZFaktor",
-                                               "longAbfrageEinfuegewinkel",
-                                               "longAbfrageBlocknameBeimErzeugen",
-                                               "longAbfrageAttributeBeimEinfuegen",
-                                               "longReihe",
-                                               "longMehrfacheinfuegen",
-                                               "longMehrfachAktiv",
-                                               "longMehrereEinfuegepkte",
-                                               "longVorschaudiaBeimErzeugen",
-                                               "longMassstabskontrolle",
-                                               "longRechteverwaltung",
-                                               "longStuecklisteEinfuegen",
-                                               "longBlockProgrammfrage",
-                                               "longVariantenfrage",
-                                               "longFensterpositionSpeichern",
-                                               "longBruchFrage",
-                                               "longSlideUeberpruefen",
-                                               "lonPosSeitenWechsel",
-                                               "longBruchOption",
-                                               "longDoppelklick",
-                                               "strMassstabX",
-                                               "strMassstabY",
-                                               "strMassstabZ",
-                                               "longAnzahlDerBilder",
-                                               "longUeberschreibenDefMenueGlobal",
-                                               "strAktuellerOrdnerName",
-                                               "strACadVersion",
-                                               "strVerzeichnisVorgabe",
-                                               "longCurrentX",
-                                               "longCurrentY",
-                                               "strAktuelleOrdnerNr",
-                                               "longTessaraAnzeigenNachEinfuegen",
-                                               "lonOldView",
-                                               "lonLispVarUebergeben",
-                                               "lonFrmHeight",
-                                               "lonFrmWidth"};
+// The values in the order the program writes them, from
+// tests/startup/golden/setup_reihenfolge.txt; the CAD host version text is
+// stored as "strACadVersion".
+std::vector<std::string> reihenfolge() {
+    std::ifstream in(std::string(TESSARA_SOURCE_DIR) +
+                     "/tests/startup/golden/setup_reihenfolge.txt");
+    std::vector<std::string> namen;
+    for (std::string s; std::getline(in, s);) namen.push_back(s);
+    return namen;
+}
+const std::vector<std::string> kReihenfolge = reihenfolge();
 
 char typNachName(const std::string& name) {
     return name.rfind("lon", 0) == 0 ? 'd' : 's';  // "lon" covers "long" too
@@ -194,78 +159,35 @@ TEST_F(RegistryWerte, EintraegeBeimSchliessen) {
     EXPECT_EQ(aufz.geschrieben[0].name, "Eintrag1");
     EXPECT_EQ(aufz.geschrieben[1].name, "strVerzeichnisVorgabe");
     EXPECT_EQ(aufz.readString(Hive::CurrentUser, z.strRegRoot, "Eintrag1"), z.strAktuelleDb);
-    EXPECT_EQ(fctVerzeichnisVorgabeAusRegistry(z), "c:\\Bib\\");
+    EXPECT_EQ(aufz.readString(Hive::CurrentUser, z.strRegRoot, "strVerzeichnisVorgabe"),
+              "c:\\Bib\\");
     EXPECT_TRUE(fctEintrag1Speichern(z, "d:\\X\\dbTessara.mdb"));
     EXPECT_EQ(aufz.readString(Hive::CurrentUser, z.strRegRoot, "Eintrag1"), "d:\\X\\dbTessara.mdb");
 }
 
 TEST_F(RegistryWerte, AktuelleDatenbankAusEintrag1) {
-    const struct {
-        const char* name;
-        std::optional<std::string> eintrag1;
-        std::vector<std::string> liste;
-        std::string erwartet;
-    } faelle[] = {
-        {"in der Liste", "d:\\B\\dbTessara.mdb", {"c:\\A", "d:\\B"}, "d:\\B\\dbTessara.mdb"},
-        {"Gross/Klein und Backslash",
-         "D:\\b\\dbTessara.mdb",
-         {"c:\\A", "d:\\B\\"},
-         "D:\\b\\dbTessara.mdb"},
-        {"nicht in der Liste",
-         "e:\\Weg\\dbTessara.mdb",
-         {"c:\\A", "d:\\B"},
-         "c:\\A\\dbTessara.mdb"},
-        {"fehlt", std::nullopt, {"c:\\A\\"}, "c:\\A\\dbTessara.mdb"},
-        {"keine Datenbank", "e:\\Weg\\dbTessara.mdb", {"0"}, ""},
-        {"Liste leer", std::nullopt, {}, ""},
-    };
-    for (const auto& f : faelle) {
+    for (const auto& f : test::tabelle("startup/golden/aktuelle_datenbank.txt")) {
         aufz.deleteValue(Hive::CurrentUser, z.strRegRoot, "Eintrag1");
-        if (f.eintrag1) aufz.writeString(Hive::CurrentUser, z.strRegRoot, "Eintrag1", *f.eintrag1);
-        z.aryDbVerzeichnis = f.liste;
+        if (f.at(1) != "-") aufz.writeString(Hive::CurrentUser, z.strRegRoot, "Eintrag1", f[1]);
+        z.aryDbVerzeichnis.assign(f.begin() + 3, f.end());
         z.strAktuelleDb = "vorher";
-        EXPECT_EQ(EintraegeAusRegistrierdatenbank(z), !f.erwartet.empty()) << f.name;
-        EXPECT_EQ(z.strAktuelleDb, f.erwartet) << f.name;
+        EXPECT_EQ(EintraegeAusRegistrierdatenbank(z), !f.at(2).empty()) << f[0];
+        EXPECT_EQ(z.strAktuelleDb, f[2]) << f[0];
     }
-}
-
-TEST_F(RegistryWerte, MaschinenweiteEintraege) {
-    z.aryDbVerzeichnis = {"c:\\A", "d:\\B\\"};
-    z.strAktuelleDb = "d:\\B\\dbTessara.mdb";
-    ASSERT_TRUE(EintraegeInRegistrierdatenbank(z));
-    const std::string m = "Software\\Tessara\\Version_8";
-    EXPECT_TRUE(aufz.keyExists(Hive::LocalMachine, "SOFTWARE\\Tessara\\Version_8\\Setup"));
-    EXPECT_EQ(aufz.readString(Hive::LocalMachine, m + "\\Setup", "Anwendungsdaten"),
-              env.commonAppData() + "\\Tessara");
-    EXPECT_EQ(aufz.readString(Hive::LocalMachine, m, "Eintrag2"), "c:\\A\\dbTessara.mdb");
-    EXPECT_EQ(aufz.readString(Hive::LocalMachine, m, "Eintrag3"), "d:\\B\\dbTessara.mdb");
-    EXPECT_EQ(aufz.readString(Hive::LocalMachine, m, "Eintrag1"), "d:\\B\\dbTessara.mdb");
-    EXPECT_EQ(aufz.valueNames(Hive::LocalMachine, m),
-              (std::vector<std::string>{"Eintrag2", "Eintrag3", "Eintrag1"}));
-
-    // The key exists now: the setup key is not written again.
-    aufz.geschrieben.clear();
-    ASSERT_TRUE(EintraegeInRegistrierdatenbank(z));
-    for (const auto& s : aufz.geschrieben) EXPECT_NE(s.name, "Anwendungsdaten");
 }
 
 TEST_F(RegistryWerte, GesperrteRegistryOhneAbsturz) {
     aufz.setReadOnly(true);
     z.aryDbVerzeichnis = {"c:\\A"};
-    EXPECT_FALSE(EintraegeInRegistrierdatenbank(z));
     EXPECT_FALSE(SetupInRegistrierdatenbankSpeichern(z, typSetupWerte{}));
     EXPECT_FALSE(subRegistryEintraegeSpeichern(z));
     EXPECT_TRUE(EintraegeAusRegistrierdatenbank(z));  // falls back on the list
     EXPECT_EQ(z.strAktuelleDb, "c:\\A\\dbTessara.mdb");
-}
-
-TEST_F(RegistryWerte, OhneRegistryNurVorgaben) {
+    // Without a registry at all: the defaults.
     plattform.registry = nullptr;
     typSetupWerte w;
     EXPECT_FALSE(SetupInRegistrierdatenbankSpeichern(z, w));
     EXPECT_FALSE(SetupEinstellungenZuweisen(z, w));
-    EXPECT_FALSE(EintraegeInRegistrierdatenbank(z));
-    EXPECT_EQ(fctVerzeichnisVorgabeAusRegistry(z), "");
 }
 
 }  // namespace

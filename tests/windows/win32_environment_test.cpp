@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "platform/environment.h"
 #include "platform/win32/utf16.h"
@@ -61,35 +60,6 @@ TEST(Win32Environment, PathsAreTheSystemsOwn) {
     EXPECT_EQ(nativePath("c:\\temp\\bv8LT.scr"), "c:\\temp\\bv8LT.scr");
     EXPECT_EQ(nativePath("001\\Block\\00100170.dwg"), "001\\Block\\00100170.dwg");
     EXPECT_EQ(programPath("C:/Users/x/AppData"), "C:\\Users\\x\\AppData");
-}
-
-TEST(Win32Environment, TemporaryFilesBehaveAsTheProgramExpects) {
-    Win32Environment e;
-    const std::string dir = e.temporaryDirectory() + "TessaraTest Größe\\";
-    const fs::path d = native(dir);
-    fs::remove_all(d);
-    ASSERT_TRUE(fs::create_directories(d));
-
-    // Written, replaced by a rename, found case-insensitively, deleted.
-    const std::string file = dir + "bv8LT.scr";
-    {
-        std::ofstream out(native(file), std::ios::binary);
-        out << "filedia\r\n0\r\n";
-    }
-    {
-        std::ofstream out(native(dir + "neu.tmp"), std::ios::binary);
-        out << "_undo\r\n";
-    }
-    ASSERT_TRUE(MoveFileExW(native(dir + "neu.tmp").c_str(), native(file).c_str(),
-                            MOVEFILE_REPLACE_EXISTING));
-    EXPECT_TRUE(fs::exists(native(dir + "BV8lt.SCR")));
-    std::ifstream in(native(file), std::ios::binary);
-    std::string text((std::istreambuf_iterator<char>(in)), {});
-    in.close();
-    EXPECT_EQ(text, "_undo\r\n");
-    EXPECT_EQ(GetFileAttributesW(native(dir + "neu.tmp").c_str()), INVALID_FILE_ATTRIBUTES);
-    fs::remove_all(d);
-    EXPECT_FALSE(fs::exists(d));
 }
 
 TEST(Utf16, ConvertsBothWaysAndTakesStrayBytesAsWindows1252) {
