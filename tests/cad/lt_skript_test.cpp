@@ -65,15 +65,16 @@ TEST_F(LtKanal, SlideEscapeBricht) {
     EXPECT_EQ(desktop.queries(platform::Key::Escape), 5);
 }
 
-TEST_F(LtKanal, SlideOhneHostfensterTipptNichts) {
-    desktop.removeWindow(host);
-    EXPECT_FALSE(fctSlideMitLTErstellen(z, v, e, "c:\\Bib\\001\\0010A0.sld"));
-    EXPECT_TRUE(desktop.typed().empty());
-}
-
-TEST_F(LtKanal, OeffnenOhneHostfenster) {
+TEST_F(LtKanal, OhneHostfensterTipptNichts) {
     desktop.refuseActivation(host);
     EXPECT_FALSE(fctOpenFileMitLT(z, v, e, "c:\\x.dwg"));
+    desktop.removeWindow(host);
+    EXPECT_FALSE(fctSlideMitLTErstellen(z, v, e, "c:\\Bib\\001\\0010A0.sld"));
+    EXPECT_TRUE(benutzer.gezeigt.empty());
+    // Only the insertion tells the user, and ends the program.
+    EXPECT_EQ(ACadLtBlockEinfuegen(z, v, e, einfuegung()), LtErgebnis::ProgrammEnde);
+    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
+    EXPECT_EQ(benutzer.gezeigt[0].text, "Meldung 118 AutoCAD LT");
     EXPECT_TRUE(desktop.typed().empty());
 }
 
@@ -102,14 +103,6 @@ INSTANTIATE_TEST_SUITE_P(Flags, LtEinfuegenAntworten,
                                            AntwortFall{1, 0, {"\r\r"}},
                                            // The angle flag wins.
                                            AntwortFall{1, 1, {"\r\r"}}, AntwortFall{0, 1, {}}));
-
-TEST_F(LtKanal, EinfuegenOhneHostfensterMeldetUndEndet) {
-    desktop.removeWindow(host);
-    EXPECT_EQ(ACadLtBlockEinfuegen(z, v, e, einfuegung()), LtErgebnis::ProgrammEnde);
-    ASSERT_EQ(benutzer.gezeigt.size(), 1u);
-    EXPECT_EQ(benutzer.gezeigt[0].text, "Meldung 118 AutoCAD LT");
-    EXPECT_TRUE(desktop.typed().empty());
-}
 
 TEST_F(LtKanal, ExpliziterNameKopiertDieZeichnungWennEsSieGibt) {
     auto ein = einfuegung();
