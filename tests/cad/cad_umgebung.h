@@ -64,6 +64,12 @@ class CadUmgebung : public ::testing::Test {
         std::ifstream f(datei(programmPfad), std::ios::binary);
         return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
     }
+    // The keystrokes the desktop received, one string each.
+    std::vector<std::string> getippt() const {
+        std::vector<std::string> r;
+        for (const auto& t : desktop.typed()) r.push_back(t.keys);
+        return r;
+    }
     void anlegen(const std::string& programmPfad, const std::string& inhalt = "x") const {
         auto p = datei(programmPfad);
         std::filesystem::create_directories(p.parent_path());

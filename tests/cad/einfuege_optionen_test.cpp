@@ -70,18 +70,13 @@ TEST(EinfuegeOptionenAusSetup, WerteUnveraendert) {
     w.strMassstabX = "2.5";
     w.strMassstabY = "0.5";
     w.strMassstabZ = "3";
-    w.longXRef = 1;
-    w.longEinfuegenLayer0 = 1;
-    w.lonLispVarUebergeben = 1;
+    w.longXRef = w.longEinfuegenLayer0 = w.lonLispVarUebergeben = 1;
     w.longVariantenfrage = 0;
     const auto o = fctEinfuegeOptionenAusSetup(w);
-    EXPECT_EQ(o.strMassstabX, "2.5");
-    EXPECT_EQ(o.strMassstabY, "0.5");
-    EXPECT_EQ(o.strMassstabZ, "3");
-    EXPECT_EQ(o.longXRef, 1);
-    EXPECT_EQ(o.longEinfuegenLayer0, 1);
-    EXPECT_EQ(o.lonLispVarUebergeben, 1);
-    EXPECT_EQ(o.longVariantenfrage, 0);
+    EXPECT_EQ(o.strMassstabX + "|" + o.strMassstabY + "|" + o.strMassstabZ, "2.5|0.5|3");
+    EXPECT_EQ(std::to_string(o.longXRef) + std::to_string(o.longEinfuegenLayer0) +
+                  std::to_string(o.lonLispVarUebergeben) + std::to_string(o.longVariantenfrage),
+              "1110");
 }
 
 }  // namespace

