@@ -1,4 +1,4 @@
-// Creating a catalogue database the ADOX way: tables, keys, relations, index, default rows.
+// Creating a catalogue database the ADOX way: tables, keys, relations, index.
 #include "db/catalog.h"
 
 #include <gtest/gtest.h>
@@ -120,64 +120,6 @@ TEST_F(CatalogCreation, TablesColumnsKeysRelationsAndIndexReadBack) {
     ASSERT_EQ(relations.size(), 4u);
     EXPECT_EQ(relations[0].name, "tblDefMenue_tblOrdner");
     EXPECT_EQ(relations[3].name, "tblBlockInfo_tblVariationBloecke");
-}
-
-TEST_F(CatalogCreation, DefaultRowsThroughRecordSets) {
-    db::Recordset rs;
-    rs.open("SELECT * FROM tblDefMenue", *con, db::adOpenKeyset, db::adLockOptimistic);
-    rs.addNew();
-    rs.setValue("global", 1);
-    for (int i = 1; i <= 10; ++i) {
-        rs.setValue("Benennung" + std::to_string(i), "*****Frei*****");
-        rs.setValue("Standardwert" + std::to_string(i), "*****Frei*****");
-    }
-    rs.update();
-    rs.close();
-    rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
-    rs.addNew();
-    rs.setValue("OrdnerNr", "000");
-    rs.setValue("Ordnername", "Standard-Ordner");
-    rs.setValue("OrdnerRechte", "Alle");
-    rs.setValue("NrTblDefMenue", 1);
-    rs.update();
-    rs.close();
-    rs.open("SELECT * FROM tblSeiten", *con, db::adOpenKeyset, db::adLockOptimistic);
-    rs.addNew();
-    rs.setValue("SeitenNr", 1);
-    rs.setValue("SeitenName", "1");
-    rs.setValue("NrTblOrdner", 1);
-    rs.update();
-    EXPECT_EQ(rs.value("Nr").asInt(), 1);
-
-    sql::Executor ex(con->storage());
-    auto menu = ex.query("SELECT * FROM tblDefMenue");
-    ASSERT_EQ(menu.rows.size(), 1u);
-    int frei = 0;
-    for (const auto& v : menu.rows[0])
-        if (v.toString() == "*****Frei*****") ++frei;
-    EXPECT_EQ(frei, 20);
-    EXPECT_EQ(
-        ex.query(
-              "SELECT * FROM tblOrdner WHERE OrdnerNr = '000' AND Ordnername = 'Standard-Ordner'")
-            .rows.size(),
-        1u);
-}
-
-TEST_F(CatalogCreation, DeletingAFolderKeepsItsBlocksAndPages) {
-    con->execute("INSERT INTO tblDefMenue (global) VALUES (1)");
-    con->execute(
-        "INSERT INTO tblOrdner (OrdnerNr, Ordnername, NrTblDefMenue) VALUES ('000', 'A', 1)");
-    con->execute(
-        "INSERT INTO tblOrdner (OrdnerNr, Ordnername, NrTblDefMenue) VALUES ('001', 'B', 1)");
-    con->execute("INSERT INTO tblSeiten (SeitenNr, SeitenName, NrTblOrdner) VALUES (1, '1', 2)");
-    con->execute("INSERT INTO tblBlockInfo (Block, OrdnerID) VALUES ('0010000', 2)");
-    db::Recordset rs;
-    rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
-    ASSERT_TRUE(rs.find("OrdnerNr Like '001'"));
-    rs.deleteCurrent();
-    EXPECT_EQ(con->execute("UPDATE tblSeiten SET SeitenName = SeitenName WHERE NrTblOrdner = 2"),
-              1);
-    EXPECT_EQ(con->execute("UPDATE tblBlockInfo SET M0 = 'x' WHERE OrdnerID = 2"), 1);
 }
 
 TEST_F(CatalogCreation, ExistingTableAndFileAreRefused) {
