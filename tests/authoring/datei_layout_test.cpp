@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tabelle.h"
+
 using namespace tessara;
 
 TEST(DateiLayout, PathsOfABlock) {
@@ -32,20 +34,6 @@ TEST(DateiLayout, PathsOfABlock) {
 }
 
 TEST(DateiLayout, PictureOfView0FollowsTheEndingOfSlideLib) {
-    struct Fall {
-        const char* slideLib;
-        const char* bild;
-    };
-    const std::string basis = "d:\\Bibliothek\\";
-    for (auto f : {Fall{"001\\00100170.slb", "d:\\Bibliothek\\001\\00100170.slb(0A)"},
-                   Fall{"001\\00100170.sld", "d:\\Bibliothek\\001\\00100170.sld"},
-                   Fall{"001\\00100170.SLD", "d:\\Bibliothek\\001\\00100170.SLD"},
-                   // Only the last three characters count, whatever precedes them.
-                   Fall{"sld", "d:\\Bibliothek\\sld"}, Fall{"ld", "d:\\Bibliothek\\ld(0A)"},
-                   Fall{"", "d:\\Bibliothek\\(0A)"},
-                   // Anything not ending in "sld" counts as a library.
-                   Fall{"001\\00100170", "d:\\Bibliothek\\001\\00100170(0A)"}}) {
-        SCOPED_TRACE(f.slideLib);
-        EXPECT_EQ(fctBildnameAnsicht0(basis, f.slideLib), f.bild);
-    }
+    for (const auto& f : tessara::test::tabelle("authoring/golden/bild_ansicht0.txt"))
+        EXPECT_EQ(fctBildnameAnsicht0("d:\\Bibliothek\\", f.at(0)), f.at(1)) << f[0];
 }
