@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <bit>
 #include <cstring>
 #include <filesystem>
@@ -17,9 +18,8 @@ using slidetest::testdaten;
 
 namespace {
 
-struct Linie {
-    int x0, y0, x1, y1, farbe;
-};
+// A vector as its two points and its colour.
+using Linie = std::array<int, 5>;
 
 std::vector<Linie> linien(const Slide& s) {
     std::vector<Linie> out;
@@ -31,27 +31,19 @@ std::vector<Linie> linien(const Slide& s) {
     return out;
 }
 
+// The points the annotation of the published example gives for each vector.
+const std::vector<Linie> kBeispielLinien = {
+    {572, 292, 0, 0, 7}, {15, 50, 15, 19, 3}, {33, 25, 33, 0, 1},
+    {33, 25, 0, 25, 1},  {0, 25, 0, 0, 1},    {0, 0, 33, 0, 1},
+};
+
 void erwarteBeispiel(const Slide& s) {
     EXPECT_EQ(s.level, 2);
     EXPECT_EQ(s.highX, 572);
     EXPECT_EQ(s.highY, 292);
     EXPECT_NEAR(s.aspectRatio, 1.4647307, 1e-9);
     EXPECT_EQ(s.hardwareFill, 2);
-    // The points the annotation of the example gives for each vector.
-    const std::vector<Linie> erwartet = {
-        {572, 292, 0, 0, 7}, {15, 50, 15, 19, 3}, {33, 25, 33, 0, 1},
-        {33, 25, 0, 25, 1},  {0, 25, 0, 0, 1},    {0, 0, 33, 0, 1},
-    };
-    auto ist = linien(s);
-    ASSERT_EQ(ist.size(), erwartet.size());
-    for (std::size_t i = 0; i < ist.size(); ++i) {
-        SCOPED_TRACE(i);
-        EXPECT_EQ(ist[i].x0, erwartet[i].x0);
-        EXPECT_EQ(ist[i].y0, erwartet[i].y0);
-        EXPECT_EQ(ist[i].x1, erwartet[i].x1);
-        EXPECT_EQ(ist[i].y1, erwartet[i].y1);
-        EXPECT_EQ(ist[i].farbe, erwartet[i].farbe);
-    }
+    EXPECT_EQ(linien(s), kBeispielLinien);
     EXPECT_EQ(s.records, (RecordCounts{2, 1, 3, 0, 3, 1}));
 }
 
@@ -99,10 +91,7 @@ TEST(SlideReader, OldFormatInEitherByteOrder) {
         EXPECT_EQ(s.bigEndian, big);
         EXPECT_DOUBLE_EQ(s.aspectRatio, 1.46);
         EXPECT_EQ(s.highX, 572);
-        auto ist = linien(s);
-        ASSERT_EQ(ist.size(), 6u);
-        EXPECT_EQ(ist[3].x1, 0);
-        EXPECT_EQ(ist[3].y1, 25);
+        EXPECT_EQ(linien(s), kBeispielLinien);
     }
 }
 
