@@ -97,24 +97,18 @@ TEST(SlideReader, OldFormatInEitherByteOrder) {
 
 TEST(SlideReader, FillsOfTheTestSlideAreTrianglesClosedByTheirStopRecord) {
     Slide s = readSlideFile(testdaten("slide_kz.sld"));
-    int fills = 0;
-    for (const auto& e : s.elements) {
-        if (e.kind != Element::Kind::Fill) continue;
-        ++fills;
-        EXPECT_EQ(e.count, 3u);
-    }
-    EXPECT_EQ(fills, s.records.fills);
-    EXPECT_GE(fills, 30);
-    // The first fill: (602,725) (591,736) (280,470), drawn in colour 7.
-    const Element* erste = nullptr;
+    std::vector<const Element*> fills;
     for (const auto& e : s.elements)
-        if (e.kind == Element::Kind::Fill && !erste) erste = &e;
-    ASSERT_NE(erste, nullptr);
-    auto p = s.pointsOf(*erste);
+        if (e.kind == Element::Kind::Fill) fills.push_back(&e);
+    ASSERT_EQ(static_cast<int>(fills.size()), s.records.fills);
+    EXPECT_GE(fills.size(), 30u);
+    for (const auto* e : fills) EXPECT_EQ(e->count, 3u);
+    // The first fill: (602,725) (591,736) (280,470), drawn in colour 7.
+    auto p = s.pointsOf(*fills[0]);
     EXPECT_EQ(p[0], (Point{0x25a, 0x2d5}));
     EXPECT_EQ(p[1], (Point{0x24f, 0x2e0}));
     EXPECT_EQ(p[2], (Point{0x118, 0x1d6}));
-    EXPECT_EQ(erste->colour, 7);
+    EXPECT_EQ(fills[0]->colour, 7);
 }
 
 namespace {
