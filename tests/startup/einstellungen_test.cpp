@@ -33,6 +33,9 @@ TEST_F(Einstellungen, ZahlenUndWahrheitswerte) {
 }
 
 TEST_F(Einstellungen, IniGetValueMeldetUnlesbareDateiNurImLog) {
+    // A missing file is empty and no error.
+    EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "Sprache"), "");
+    EXPECT_FALSE(fs::exists(log()));
     fs::create_directories(ini());  // a directory where the file should be
     EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "Sprache"), "");
     EXPECT_EQ(z.fehler.intFehlerAnzahl, 1);
@@ -47,12 +50,6 @@ TEST_F(Einstellungen, IniGetValueMeldetUnlesbareDateiNurImLog) {
     EXPECT_EQ(z.fehler.intFehlerAnzahl, 2);
     EXPECT_EQ(fctIniIntLesen(z, z.strIniDatei, "AllgemeineDaten", "x"), 0);
     EXPECT_EQ(z.fehler.intFehlerAnzahl, 2);
-}
-
-TEST_F(Einstellungen, FehlendesIstLeerOhneFehler) {
-    EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "Sprache"), "");
-    EXPECT_EQ(z.fehler.intFehlerAnzahl, 0);
-    EXPECT_FALSE(fs::exists(log()));
 }
 
 TEST_F(Einstellungen, WertAllgemeinSpeichern) {
