@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tabelle.h"
+
 using namespace tessara;
 
 TEST(DateiLayout, PathsOfABlock) {
@@ -31,26 +33,7 @@ TEST(DateiLayout, PathsOfABlock) {
     for (const auto& f : faelle) EXPECT_EQ(f.ist, f.soll);
 }
 
-TEST(DateiLayout, PictureOfView0FollowsSlideLib) {
-    struct Fall {
-        const char* slideLib;
-        const char* bild;
-    };
-    const std::string basis = "d:\\Bibliothek\\";
-    for (auto f : {Fall{"001\\00100170.slb", "d:\\Bibliothek\\001\\00100170.slb(0A)"},
-                   Fall{"001\\00100170.sld", "d:\\Bibliothek\\001\\00100170.sld"},
-                   Fall{"001\\00100170.SLD", "d:\\Bibliothek\\001\\00100170.SLD"},
-                   // Anything not ending in "sld" counts as a library.
-                   Fall{"001\\00100170", "d:\\Bibliothek\\001\\00100170(0A)"}}) {
-        SCOPED_TRACE(f.slideLib);
-        EXPECT_EQ(fctBildnameAnsicht0(basis, f.slideLib), f.bild);
-    }
-}
-
-TEST(DateiLayout, SingleSlideTestLooksAtTheLastThreeCharacters) {
-    EXPECT_TRUE(fctSlideLibIstEinzeldia("000\\00000000.sld"));
-    EXPECT_TRUE(fctSlideLibIstEinzeldia("sld"));
-    EXPECT_FALSE(fctSlideLibIstEinzeldia("000\\00000000.slb"));
-    EXPECT_FALSE(fctSlideLibIstEinzeldia("ld"));
-    EXPECT_FALSE(fctSlideLibIstEinzeldia(""));
+TEST(DateiLayout, PictureOfView0FollowsTheEndingOfSlideLib) {
+    for (const auto& f : tessara::test::tabelle("authoring/golden/bild_ansicht0.txt"))
+        EXPECT_EQ(fctBildnameAnsicht0("d:\\Bibliothek\\", f.at(0)), f.at(1)) << f[0];
 }

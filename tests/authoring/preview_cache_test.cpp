@@ -1,5 +1,5 @@
-// Previews of a Page painted off the calling thread and kept by file, entry
-// and modification time.
+// Previews kept by file, entry, size, background and modification time; the
+// Page painter's tests cover painting a whole Page off the calling thread.
 #include "ui/preview_cache.h"
 
 #include <gtest/gtest.h>
@@ -24,54 +24,28 @@ QString programmForm(const std::string& nativ) {
 
 class VorschauCache : public slidetest::TempVerzeichnis {};
 
-TEST_F(VorschauCache, PageOf72InOrderAndPaintedOnce) {
-    const QStringList arten = {programmForm(testdaten("slide_up.sld")),
-                               programmForm(testdaten("slide_dn.sld")),
-                               programmForm(testdaten("slide_kz.sld")),
-                               programmForm(testdaten("mylib.slb")) + "(SLIDE1)",
-                               programmForm(testdaten("mylib.slb")) + "(slide2)",
-                               programmForm(testdaten("slide_kss.sld"))};
-    QStringList seite;
-    for (int i = 0; i < 72; ++i) seite << arten[i % arten.size()];
-    DiaVorschauCache cache;
-    const QSize groesse(160, 120);
-    auto zukunft = cache.seiteMalen(seite, groesse, DiaHintergrund::Dunkel);
-    zukunft.waitForFinished();
-    auto bilder = zukunft.results();
-    ASSERT_EQ(bilder.size(), 72);
-    for (int i = 0; i < 72; ++i) {
-        auto erwartet = fctDiaBild(slide::fctDiaLaden(seite[i].toStdString()), groesse);
-        EXPECT_EQ(bilder[i], erwartet) << i;
-    }
-    // Six distinct pictures: painted at most once each (two workers may race
-    // on the same one before either has stored it), the rest from the cache.
-    EXPECT_GE(cache.gemalt(), 6);
-    EXPECT_EQ(cache.gemalt() + cache.treffer(), 72);
-    int gemaltVorher = cache.gemalt();
-    auto nochmal = cache.seiteMalen(seite, groesse, DiaHintergrund::Dunkel);
-    nochmal.waitForFinished();
-    EXPECT_EQ(cache.gemalt(), gemaltVorher);
-    EXPECT_EQ(nochmal.results(), bilder);
-    // Another size or background is another picture.
-    cache.bild(seite[0].toStdString(), QSize(80, 60), DiaHintergrund::Dunkel);
-    cache.bild(seite[0].toStdString(), groesse, DiaHintergrund::Hell);
-    EXPECT_EQ(cache.gemalt(), gemaltVorher + 2);
-}
-
-TEST_F(VorschauCache, ANewerFileIsPaintedAgain) {
+TEST_F(VorschauCache, KeptPerEntrySizeAndBackgroundUntilTheFileChanges) {
     fs::copy_file(testdaten("slide_up.sld"), wurzel / "x.sld");
     std::string name = basis + "x.sld";
     DiaVorschauCache cache;
     QImage erst = cache.bild(name, QSize(160, 120), DiaHintergrund::Dunkel);
     EXPECT_EQ(cache.bild(name, QSize(160, 120), DiaHintergrund::Dunkel), erst);
     EXPECT_EQ(cache.gemalt(), 1);
+    // Another size or background is another picture.
+    cache.bild(name, QSize(80, 60), DiaHintergrund::Dunkel);
+    cache.bild(name, QSize(160, 120), DiaHintergrund::Hell);
+    EXPECT_EQ(cache.gemalt(), 3);
     fs::copy_file(testdaten("slide_kz.sld"), wurzel / "x.sld",
                   fs::copy_options::overwrite_existing);
     fs::last_write_time(wurzel / "x.sld",
                         fs::last_write_time(wurzel / "x.sld") + std::chrono::seconds(5));
     QImage neu = cache.bild(name, QSize(160, 120), DiaHintergrund::Dunkel);
-    EXPECT_EQ(cache.gemalt(), 2);
+    EXPECT_EQ(cache.gemalt(), 4);
     EXPECT_NE(neu, erst);
+    // Two entries of one library are two pictures.
+    const std::string lib = programmForm(testdaten("mylib.slb")).toStdString();
+    EXPECT_NE(cache.bild(lib + "(SLIDE1)", QSize(160, 120), DiaHintergrund::Dunkel),
+              cache.bild(lib + "(slide2)", QSize(160, 120), DiaHintergrund::Dunkel));
 }
 
 TEST_F(VorschauCache, MissingAndUnreadablePicturesShowNoPreviewAndAreReportedOnce) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "slide_test_data.h"
+#include "tabelle.h"
 
 using namespace tessara::slide;
 using slidetest::beispielDia;
@@ -78,19 +79,10 @@ TEST(SlideLibrary, BrokenDirectoriesAreRefused) {
 }
 
 TEST(Bildname, SplitsLibraryAndEntry) {
-    struct Fall {
-        const char* bild;
-        const char* datei;
-        const char* eintrag;
-    };
-    for (auto f : {Fall{"c:\\lib\\000\\00000000.slb(0A)", "c:\\lib\\000\\00000000.slb", "0A"},
-                   Fall{"c:\\lib\\000\\00000000.sld", "c:\\lib\\000\\00000000.sld", ""},
-                   Fall{"\\frei2.sld", "\\frei2.sld", ""}, Fall{"x.slb()", "x.slb", ""},
-                   Fall{"(0A)", "(0A)", ""}}) {
-        SCOPED_TRACE(f.bild);
-        auto b = fctBildnameZerlegen(f.bild);
-        EXPECT_EQ(b.datei, f.datei);
-        EXPECT_EQ(b.eintrag, f.eintrag);
+    for (const auto& f : tessara::test::tabelle("authoring/golden/bildnamen.txt")) {
+        auto b = fctBildnameZerlegen(f.at(0));
+        EXPECT_EQ(b.datei, f.at(1)) << f[0];
+        EXPECT_EQ(b.eintrag, f.at(2)) << f[0];
     }
 }
 

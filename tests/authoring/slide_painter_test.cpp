@@ -104,28 +104,6 @@ TEST(SlidePainter, AspectRatioIsKeptAndThePictureCentred) {
     EXPECT_TRUE(inDerNaehe(hoch, 73, 200, QColor(255, 255, 255)));
 }
 
-TEST(SlidePainter, LightBackgroundDrawsColour7Black) {
-    auto dia = slide::readSlide(slidetest::beispielDia());
-    QImage bild = fctDiaBild(dia, QSize(440, 300), {DiaHintergrund::Hell, false});
-    EXPECT_TRUE(nahe(bild.pixel(100, 60), QColor(255, 255, 255)));
-    EXPECT_TRUE(inDerNaehe(bild, 220, 150, QColor(0, 0, 0)));
-}
-
-TEST(SlidePainter, SolidFillsAreFilled) {
-    slide::Slide s;
-    s.highX = 299;
-    s.highY = 299;
-    s.aspectRatio = 1.0;
-    s.addFill(1, {{100, 100}, {200, 100}, {200, 200}, {100, 200}});
-    s.addVector(3, {0, 250}, {299, 250});
-    QImage bild = fctDiaBild(s, QSize(300, 300), kScharf);
-    EXPECT_TRUE(nahe(bild.pixel(150, 150), QColor(255, 0, 0)));
-    EXPECT_TRUE(nahe(bild.pixel(110, 190), QColor(255, 0, 0)));
-    EXPECT_TRUE(nahe(bild.pixel(50, 150), QColor(0, 0, 0)));
-    EXPECT_TRUE(nahe(bild.pixel(250, 150), QColor(0, 0, 0)));
-    EXPECT_TRUE(inDerNaehe(bild, 150, 49, QColor(0, 255, 0)));
-}
-
 // A field of a title block as the host writes masked text: a hatch under
 // the field, the colour-0 mask over it, then a frame and text inside the
 // mask, and a colour-0 line across the hatch.

@@ -7,6 +7,7 @@
 #include "db/memory_opener.h"
 #include "library/schema.h"
 #include "library/zugriff.h"
+#include "tabelle.h"
 #include "temp_verzeichnis.h"
 
 namespace {
@@ -28,19 +29,8 @@ class SlideLibEintraege : public slidetest::TempVerzeichnis {
 };
 
 TEST_F(SlideLibEintraege, RelativeFormAusAbsolutenPfaden) {
-    struct Fall {
-        const char* gespeichert;
-        const char* erwartet;
-    } faelle[] = {
-        {"C:\\Tessara\\001\\0010017.slb", "001\\0010017.slb"},
-        {"c:\\tessara\\001\\0010017.slb", "001\\0010017.slb"},
-        {"D:\\Alt\\Bibliothek\\001\\0010017.sld", "001\\0010017.sld"},
-        {"\\\\srv\\share\\x\\001\\0010017.slb", "001\\0010017.slb"},
-        {"C:\\Anderswo\\0010017.slb", ""},
-    };
-    for (const auto& f : faelle)
-        EXPECT_EQ(fctSlideLibRelativ(f.gespeichert, "C:\\Tessara\\", "001"), f.erwartet)
-            << f.gespeichert;
+    for (const auto& f : tessara::test::tabelle("authoring/golden/slidelib_relativ.txt"))
+        EXPECT_EQ(fctSlideLibRelativ(f.at(0), "C:\\Tessara\\", "001"), f.at(1)) << f[0];
 }
 
 TEST_F(SlideLibEintraege, PfadEintragAendernLaesstRelativeEintraegeStehen) {

@@ -12,12 +12,12 @@
 #include "captions/umgebung.h"
 #include "platform/case_fold.h"
 #include "startup/ini_datei.h"
+#include "tabelle.h"
 
 namespace tessara::captionstest {
 namespace {
 
 const fs::path kDaten = fs::path(TESSARA_SOURCE_DIR) / "data";
-const fs::path kGolden = fs::path(TESSARA_SOURCE_DIR) / "tests" / "captions" / "golden";
 const char* const kArten[] = {"Frm", "Msgbox", "Tooltip"};
 const char* const kSprachen[] = {"deutsch", "englisch"};
 
@@ -29,14 +29,6 @@ class Dateien : public Umgebung {
     }
     static std::string bytes(const std::string& art, const std::string& sprache) {
         return lesen(kDaten / ("txtBeschriftTessara9.0" + art + "_" + sprache + ".txt"));
-    }
-    // Lines of a golden file without comments and blank lines.
-    static std::vector<std::string> golden(const std::string& name) {
-        std::vector<std::string> zeilen;
-        std::istringstream in(lesen(kGolden / name));
-        for (std::string s; std::getline(in, s);)
-            if (!s.empty() && s[0] != '#') zeilen.push_back(s);
-        return zeilen;
     }
 };
 
@@ -78,7 +70,8 @@ TEST_F(Dateien, Cp1252MitCrLfUndGleicheSchluesselInJederSprache) {
 TEST_F(Dateien, JedesSteuerelementUndJedeMeldungHatEinenText) {
     for (const char* sprache : kSprachen) {
         z.strSprache = sprache;
-        for (const std::string& zeile : golden("steuerelemente.txt")) {
+        for (const auto& f : test::tabelle("captions/golden/steuerelemente.txt")) {
+            const std::string& zeile = f.at(0);
             std::istringstream in(zeile);
             std::string form, control, was;
             in >> form >> control;
@@ -101,8 +94,8 @@ TEST_F(Dateien, JedesSteuerelementUndJedeMeldungHatEinenText) {
                 }
             }
         }
-        for (const std::string& zeile : golden("meldungen.txt")) {
-            std::istringstream in(zeile);
+        for (const auto& f : test::tabelle("captions/golden/meldungen.txt")) {
+            std::istringstream in(f.at(0));
             for (long n; in >> n;) {
                 auto t =
                     fctBeschriftungWert(z, BeschriftungsArt::Msgbox, "Allg", std::to_string(n));
@@ -114,13 +107,10 @@ TEST_F(Dateien, JedesSteuerelementUndJedeMeldungHatEinenText) {
 }
 
 TEST_F(Dateien, WoertlicheTexte) {
-    for (const std::string& zeile : golden("woertlich.txt")) {
-        std::vector<std::string> teile;
-        std::istringstream in(zeile);
-        for (std::string t; std::getline(in, t, '|');) teile.push_back(t);
-        ASSERT_EQ(teile.size(), 4u) << zeile;
-        const auto art = teile[0] == "Frm" ? BeschriftungsArt::Frm : BeschriftungsArt::Msgbox;
-        EXPECT_EQ(fctBeschriftungWert(z, art, teile[1], teile[2]), teile[3]) << zeile;
+    for (const auto& f : test::tabelle("captions/golden/woertlich.txt")) {
+        ASSERT_EQ(f.size(), 4u) << f.at(0);
+        const auto art = f[0] == "Frm" ? BeschriftungsArt::Frm : BeschriftungsArt::Msgbox;
+        EXPECT_EQ(fctBeschriftungWert(z, art, f[1], f[2]), f[3]) << f[2];
     }
 }
 

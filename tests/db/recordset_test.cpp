@@ -61,6 +61,11 @@ TEST_F(Records, NavigationEofBofAndRecordCount) {
     EXPECT_THROW(rs.value("Nr"), sql::Error);
     rs.movePrevious();
     EXPECT_EQ(rs.text("OrdnerNr"), "003");
+    rs.setAbsolutePosition(3);
+    EXPECT_EQ(rs.text("OrdnerNr"), "002");
+    EXPECT_EQ(rs.absolutePosition(), 3);
+    EXPECT_THROW(rs.setAbsolutePosition(0), sql::Error);
+    EXPECT_THROW(rs.setAbsolutePosition(5), sql::Error);
     rs.moveFirst();
     rs.movePrevious();
     EXPECT_TRUE(rs.bof());
@@ -200,39 +205,6 @@ TEST_F(Records, FilterAndRemovingIt) {
     EXPECT_EQ(rs.filter(), "");
 }
 
-TEST_F(Records, AbsolutePositionIsSettable) {
-    db::Recordset rs;
-    rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
-    rs.setAbsolutePosition(3);
-    EXPECT_EQ(rs.text("OrdnerNr"), "002");
-    EXPECT_EQ(rs.absolutePosition(), 3);
-    EXPECT_THROW(rs.setAbsolutePosition(0), sql::Error);
-    EXPECT_THROW(rs.setAbsolutePosition(5), sql::Error);
-}
-
-// Moving a Folder: swap NrTblOrdnen with the neighbour, as the Folder management does.
-TEST_F(Records, SwappingSortNumbersWithTheNeighbour) {
-    con->execute("ALTER TABLE tblOrdner ADD COLUMN NrTblOrdnen SHORT");
-    con->execute("UPDATE tblOrdner SET NrTblOrdnen = Nr");
-    db::Recordset rs;
-    rs.open("SELECT * FROM tblOrdner ORDER BY NrTblOrdnen", *con, db::adOpenKeyset,
-            db::adLockOptimistic);
-    rs.setAbsolutePosition(2);
-    auto first = rs.value("NrTblOrdnen");
-    rs.moveNext();
-    ASSERT_FALSE(rs.eof());
-    auto neighbour = rs.value("NrTblOrdnen");
-    rs.setValue("NrTblOrdnen", first);
-    rs.update();
-    rs.movePrevious();
-    rs.setValue("NrTblOrdnen", neighbour);
-    rs.update();
-    rs.requery();
-    std::vector<std::string> order;
-    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) order.push_back(rs.text("OrdnerNr"));
-    EXPECT_EQ(order, (std::vector<std::string>{"000", "002", "001", "003"}));
-}
-
 TEST_F(Records, AddNewWritesThroughAndGetsItsNumber) {
     db::Recordset rs;
     rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
@@ -310,23 +282,6 @@ TEST_F(Records, DeleteWritesThroughAndNavigationSkipsTheRow) {
     EXPECT_EQ(check.recordCount(), 4);
 }
 
-// fctAlleEintraegLoeschen: delete row after row until the end.
-TEST_F(Records, DeletingEveryRow) {
-    db::Recordset rs;
-    rs.open("SELECT * FROM tblVariationBloecke", *con, db::adOpenKeyset, db::adLockOptimistic);
-    ASSERT_GT(rs.recordCount(), 0);
-    rs.moveFirst();
-    while (!rs.eof()) {
-        rs.deleteCurrent();
-        rs.update();
-        rs.moveNext();
-    }
-    EXPECT_EQ(rs.recordCount(), 0);
-    rs.requery();
-    EXPECT_EQ(rs.recordCount(), 0);
-    EXPECT_EQ(con->execute("DELETE FROM tblVariationBloecke"), 0);
-}
-
 TEST_F(Records, RequerySeesChangesMadeThroughTheConnection) {
     db::Recordset rs;
     rs.open(blockSql(2), *con, db::adOpenKeyset, db::adLockOptimistic);
@@ -353,17 +308,6 @@ TEST_F(Records, ReadOnlyRecordSetRefusesChanges) {
                   db::adLockOptimistic);
     EXPECT_EQ(distinct.recordCount(), 3);
     EXPECT_THROW(distinct.setValue("OrdnerID", 1), sql::Error);
-}
-
-TEST_F(Records, OpenByTableName) {
-    db::Recordset rs;
-    rs.open("tblDefMenue", *con, db::adOpenKeyset, db::adLockOptimistic);
-    EXPECT_EQ(rs.recordCount(), 1);
-    EXPECT_EQ(rs.fieldCount(), 22);
-    EXPECT_EQ(rs.text("Benennung10"), "*****Frei*****");
-    rs.close();
-    rs.open("[tblOrdner]", *con, db::adOpenKeyset, db::adLockOptimistic);
-    EXPECT_EQ(rs.recordCount(), 4);
 }
 
 TEST(Connection, OpenModes) {

@@ -1,22 +1,14 @@
 // Folder rights: who may use a Folder, and what the Folder window writes.
 #include "bibliothek.h"
 #include "organisation/ordner_rechte.h"
+#include "tabelle.h"
 
 namespace tessara::orgtest {
 namespace {
 
 TEST(OrdnerRechte, NamesAreListedBySemicolonAndComparedWithoutCase) {
-    struct Fall {
-        const char* rechte;
-        const char* name;
-        bool erlaubt;
-    };
-    for (const Fall& f :
-         {Fall{"", "meier", true}, Fall{"Alle", "meier", true}, Fall{"alle", "", true},
-          Fall{"Meier;Müller", "MEIER", true}, Fall{" müller ; x", "MÜLLER", true},
-          Fall{"Meier;Müller", "schulz", false}, Fall{"Meier;", "", false},
-          Fall{"Meier", "Meierhofer", false}})
-        EXPECT_EQ(fctOrdnerErlaubt(f.rechte, f.name), f.erlaubt) << f.rechte << " / " << f.name;
+    for (const auto& f : test::tabelle("organisation/golden/ordner_rechte.txt"))
+        EXPECT_EQ(fctOrdnerErlaubt(f.at(0), f.at(1)), f.at(2) == "1") << f[0] << " / " << f[1];
 }
 
 using Rechte = Bibliothek;

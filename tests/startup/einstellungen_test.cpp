@@ -33,6 +33,9 @@ TEST_F(Einstellungen, ZahlenUndWahrheitswerte) {
 }
 
 TEST_F(Einstellungen, IniGetValueMeldetUnlesbareDateiNurImLog) {
+    // A missing file is empty and no error.
+    EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "Sprache"), "");
+    EXPECT_FALSE(fs::exists(log()));
     fs::create_directories(ini());  // a directory where the file should be
     EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "Sprache"), "");
     EXPECT_EQ(z.fehler.intFehlerAnzahl, 1);
@@ -47,12 +50,6 @@ TEST_F(Einstellungen, IniGetValueMeldetUnlesbareDateiNurImLog) {
     EXPECT_EQ(z.fehler.intFehlerAnzahl, 2);
     EXPECT_EQ(fctIniIntLesen(z, z.strIniDatei, "AllgemeineDaten", "x"), 0);
     EXPECT_EQ(z.fehler.intFehlerAnzahl, 2);
-}
-
-TEST_F(Einstellungen, FehlendesIstLeerOhneFehler) {
-    EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "Sprache"), "");
-    EXPECT_EQ(z.fehler.intFehlerAnzahl, 0);
-    EXPECT_FALSE(fs::exists(log()));
 }
 
 TEST_F(Einstellungen, WertAllgemeinSpeichern) {
@@ -120,47 +117,16 @@ TEST_F(Einstellungen, DatenbanklisteSchreibenLaesstSpaetereSchluessel) {
     EXPECT_EQ(z.aryDbVerzeichnis, (std::vector<std::string>{"d:\\Neu", "c:\\A", "c:\\C"}));
 }
 
-TEST_F(Einstellungen, ErsterStartBeginntNeueDatei) {
-    EXPECT_FALSE(fctIniDateiErsterStart(z));
-    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n");
-    // A second start finds the file and leaves it alone.
-    EXPECT_FALSE(fctIniDateiErsterStart(z));
-    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n");
-    // An existing file names the database: true, and the 8.x file is not read.
-    const std::string inhalt = "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n";
-    schreiben(ini(), inhalt);
-    schreiben(wurzel / "app" / "TessaraV8.ini", "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Alt\r\n");
-    EXPECT_TRUE(fctIniDateiErsterStart(z));
-    EXPECT_EQ(lesen(ini()), inhalt);
-}
-
-TEST_F(Einstellungen, AlteV8DateiWirdUmgeschrieben) {
-    schreiben(wurzel / "app" / "TessaraV8.ini",
-              "[AllgemeineDaten]\r\n"
-              "DbVerzeichnis0=c:\\Alt\r\n"
-              "Sprache=deutsch\r\n"
-              "DbVerzeichnis1=C:\\ALT\\\r\n"  // the same directory again
-              "DbVerzeichnis2=0\r\n"
-              "DbVerzeichnisse=c:\\keine\r\n"  // not a numbered key
-              "[Datenbanken]\r\n"
-              "Eintrag1=c:\\Alt\\dbTessara.mdb\r\n"
-              "Eintrag2=d:\\Bl\xF6"
-              "cke\\dbTessara.mdb\r\n"  // ANSI "ö"
-              "Eintrag3=d:\\Fremd\\andere.mdb\r\n"
-              "Müll ohne Gleichheitszeichen\r\n"
-              "\x01\x02\xFE\r\n");
-    EXPECT_TRUE(fctIniDateiErsterStart(z));
-    EXPECT_EQ(lesen(ini()),
-              "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Alt\r\nDbVerzeichnis1=d:\\Bl\xF6"
-              "cke\r\n");
-    subLesenTessaraIniDatei(z);
-    EXPECT_EQ(z.aryDbVerzeichnis, (std::vector<std::string>{"c:\\Alt", "d:\\Blöcke"}));
-}
-
-TEST_F(Einstellungen, AlteV8DateiOhneDatenbanken) {
-    schreiben(wurzel / "app" / "TessaraV8.ini", "[AllgemeineDaten]\r\nSprache=deutsch\r\n");
-    EXPECT_FALSE(fctIniDateiErsterStart(z));
-    EXPECT_EQ(lesen(ini()), "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\n");
+TEST_F(Einstellungen, ErsterStartUndDie8xDatei) {
+    const fs::path v8 = wurzel / "app" / "TessaraV8.ini";
+    for (const auto& f : test::tabelle("startup/golden/erster_start.txt")) {
+        fs::remove(ini());
+        fs::remove(v8);
+        if (f.at(1) != "-") schreiben(ini(), f[1]);
+        if (f.at(2) != "-") schreiben(v8, f[2]);
+        EXPECT_EQ(fctIniDateiErsterStart(z), f.at(3) == "1") << f[0];
+        EXPECT_EQ(lesen(ini()), f.at(4)) << f[0];
+    }
 }
 
 TEST_F(Einstellungen, DbPositionSchreibenUndLesen) {

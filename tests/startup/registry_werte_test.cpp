@@ -33,17 +33,14 @@ class AufzeichnendeRegistry : public platform::MemoryRegistry {
     }
 };
 
-// The values in the order the program writes them, from
-// tests/startup/golden/setup_reihenfolge.txt; the CAD host version text is
-// stored as "strACadVersion".
+// The values in the order the program writes them; the CAD host version
+// text is stored as "strACadVersion".
 std::vector<std::string> reihenfolge() {
-    std::ifstream in(std::string(TESSARA_SOURCE_DIR) +
-                     "/tests/startup/golden/setup_reihenfolge.txt");
     std::vector<std::string> namen;
-    for (std::string s; std::getline(in, s);) namen.push_back(s);
+    for (const auto& f : test::tabelle("startup/golden/setup_reihenfolge.txt"))
+        namen.push_back(f.at(0));
     return namen;
 }
-const std::vector<std::string> kReihenfolge = reihenfolge();
 
 char typNachName(const std::string& name) {
     return name.rfind("lon", 0) == 0 ? 'd' : 's';  // "lon" covers "long" too
@@ -71,7 +68,7 @@ TEST_F(RegistryWerte, SetupWerteInReihenfolgeUndTyp) {
         EXPECT_EQ(s.typ, typNachName(s.name)) << s.name;
         namen.push_back(s.name);
     }
-    EXPECT_EQ(namen, kReihenfolge);
+    EXPECT_EQ(namen, reihenfolge());
     // The stored types, as another reader sees them.
     EXPECT_EQ(aufz.readString(Hive::CurrentUser, setup, "Eintrag1"), "c:\\Bib\\dbTessara.mdb");
     EXPECT_EQ(aufz.readDword(Hive::CurrentUser, setup, "longAnzahlDerBilder"), 2u);
@@ -79,7 +76,7 @@ TEST_F(RegistryWerte, SetupWerteInReihenfolgeUndTyp) {
     EXPECT_EQ(aufz.readString(Hive::CurrentUser, setup, "strMassstabX"), "1");
     EXPECT_FALSE(aufz.readDword(Hive::CurrentUser, setup, "strMassstabX"));
     EXPECT_EQ(aufz.readString(Hive::CurrentUser, setup, "strACadVersion"), "AutoCAD LT");
-    EXPECT_EQ(aufz.valueNames(Hive::CurrentUser, setup), kReihenfolge);
+    EXPECT_EQ(aufz.valueNames(Hive::CurrentUser, setup), reihenfolge());
 }
 
 TEST_F(RegistryWerte, OhnePositionsflagKeinePosition) {
@@ -87,7 +84,7 @@ TEST_F(RegistryWerte, OhnePositionsflagKeinePosition) {
     w.longFensterpositionSpeichern = 0;
     ASSERT_TRUE(SetupInRegistrierdatenbankSpeichern(z, w));
     std::vector<std::string> erwartet;
-    for (const auto& n : kReihenfolge)
+    for (const auto& n : reihenfolge())
         if (n != "longCurrentX" && n != "longCurrentY") erwartet.push_back(n);
     EXPECT_EQ(aufz.valueNames(Hive::CurrentUser, setup), erwartet);
 }
