@@ -152,10 +152,10 @@ std::vector<std::string> schemaOf(sql::Storage& db, const std::string& table) {
     return out;
 }
 
-sql::ColumnDef columnDef(const std::string& spec) {
-    auto colon = spec.find(':');
-    sql::ColumnDef c{spec.substr(0, colon), sql::ColumnType::Text, 0, false, true};
-    std::string type = spec.substr(colon + 1);
+sql::ColumnDef columnDef(const std::string& text) {
+    auto colon = text.find(':');
+    sql::ColumnDef c{text.substr(0, colon), sql::ColumnType::Text, 0, false, true};
+    std::string type = text.substr(colon + 1);
     if (!type.empty() && type.back() == '!') c.nullable = false, type.pop_back();
     if (auto p = type.find('('); p != std::string::npos) {
         c.size = std::stoi(type.substr(p + 1));
