@@ -14,6 +14,7 @@
 #include "rows_support.h"
 
 using namespace jet;
+using jettest::expectExportMatches;
 using rowstest::allRows;
 using rowstest::exportRows;
 using rowstest::faults;
@@ -23,32 +24,6 @@ using rowstest::openWritable;
 namespace {
 
 Value text(const char* s) { return std::string(s); }
-
-// Every row as both readers see it: ours (toText) against mdb-export. Sorted,
-// since mdb-export lists a moved row where it lies, not where its pointer
-// is. Binary columns are left out (mdb-export prints raw bytes).
-void expectExportMatches(const std::string& path, const std::string& table) {
-    auto db = Database::open(path);
-    auto def = db->tableDef(table);
-    std::vector<std::vector<std::string>> ours;
-    for (const Row& r : allRows(*db, table)) {
-        std::vector<std::string> cells;
-        for (std::size_t k = 0; k < def->columns.size(); ++k) cells.push_back(toText(r[k]));
-        ours.push_back(std::move(cells));
-    }
-    auto theirs = exportRows(path, table);
-    for (auto* rows : {&ours, &theirs})
-        for (auto& cells : *rows)
-            for (std::size_t k = 0; k < cells.size() && k < def->columns.size(); ++k) {
-                ColumnType t = def->columns[k].type;
-                if (t == ColumnType::OLE || t == ColumnType::Binary || t == ColumnType::Guid)
-                    cells[k].clear();
-            }
-    std::sort(ours.begin(), ours.end());
-    std::sort(theirs.begin(), theirs.end());
-    ASSERT_EQ(theirs.size(), ours.size()) << table;
-    for (std::size_t i = 0; i < ours.size(); ++i) EXPECT_EQ(theirs[i], ours[i]) << table;
-}
 
 RowId onlyIdOf(Database& db, const std::string& table, std::size_t column, const Value& v) {
     RowId found;
