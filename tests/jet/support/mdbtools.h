@@ -33,4 +33,8 @@ std::vector<std::vector<std::string>> exportRows(const std::string& path, const 
 // at a NUL.
 void expectExportMatches(const std::string& path, const std::string& table);
 
+// The tab-separated fields of each line of tests/jet/write/golden/<name>,
+// lines that are empty or start with # left out.
+std::vector<std::vector<std::string>> goldenRows(const std::string& name);
+
 }  // namespace jettest

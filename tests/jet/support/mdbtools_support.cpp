@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 
 #include "jet/read/database.h"
 #include "jet/read/table.h"
@@ -170,6 +171,22 @@ void expectExportMatches(const std::string& path, const std::string& table) {
     std::sort(theirs.begin(), theirs.end());
     ASSERT_EQ(theirs.size(), ours.size()) << table;
     for (std::size_t i = 0; i < ours.size(); ++i) EXPECT_EQ(theirs[i], ours[i]) << table;
+}
+
+std::vector<std::vector<std::string>> goldenRows(const std::string& name) {
+    std::ifstream in(std::filesystem::path(TESSARA_SOURCE_DIR) / "tests" / "jet" / "write" /
+                     "golden" / name);
+    std::vector<std::vector<std::string>> rows;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        rows.emplace_back(1);
+        for (char ch : line)
+            if (ch == '\t')
+                rows.back().emplace_back();
+            else
+                rows.back().back().push_back(ch);
+    }
+    return rows;
 }
 
 }  // namespace jettest

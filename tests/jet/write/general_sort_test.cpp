@@ -77,21 +77,16 @@ TEST_P(JetGeneralSortAccessKeys, ReEncodeByteForByte) {
 // Keys Access wrote, from a golden file: key, value (\uXXXX escapes taken),
 // and a name, or the line's number.
 std::vector<AccessKey> goldenAccessKeys(const std::string& name) {
-    std::ifstream in(std::filesystem::path(TESSARA_SOURCE_DIR) / "tests" / "jet" / "write" /
-                     "golden" / name);
     std::vector<AccessKey> out;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (line.empty() || line[0] == '#') continue;
-        std::size_t a = line.find('\t'), b = line.find('\t', a + 1);
-        std::u16string text = utf8ToUtf16(line.substr(a + 1, b - a - 1));
+    for (const std::vector<std::string>& f : jettest::goldenRows(name)) {
+        std::u16string text = utf8ToUtf16(f.at(1));
         for (std::size_t e = 0; (e = text.find(u"\\u", e)) != std::u16string::npos; ++e)
             text.replace(e, 6, 1,
                          char16_t(std::stoi(utf16ToUtf8(text.substr(e + 2, 4)), nullptr, 16)));
-        std::string what = name == "general_sort_access_keys.txt"
-                               ? "line_" + std::to_string(out.size() + 1)
-                               : line.substr(b + 1);
-        out.push_back({what, text, line.substr(0, a)});
+        out.push_back({name == "general_sort_access_keys.txt"
+                           ? "line_" + std::to_string(out.size() + 1)
+                           : f.at(2),
+                       text, f[0]});
     }
     return out;
 }
