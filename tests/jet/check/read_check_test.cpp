@@ -59,6 +59,19 @@ TEST(JetCheck, ReportsEachKindOfDamage) {
                  std::uint8_t(~(1u << (bit % 8)));
          },
          {"data page " + std::to_string(victim.page) + " is missing from its usage map"}},
+        {"index page dropped from the index's usage map",
+         [&](Bytes& b) {
+             const RealIndex& ri = t.def().realIndexes[t.def().indexes[1].realIndex];
+             UsageMap pages = readUsageMap(db->pages(), ri.usedPages);
+             RowBytes r = rowBytes(db->pages(), pages.where);
+             ASSERT_EQ(pages.type, 0);
+             std::uint32_t bit = ri.rootPage - pages.startPage;
+             b[std::size_t(pages.where.page) * kPageSize + r.start + 5 + bit / 8] &=
+                 std::uint8_t(~(1u << (bit % 8)));
+         },
+         {"index page " +
+          std::to_string(t.def().realIndexes[t.def().indexes[1].realIndex].rootPage) +
+          " is missing from the index's usage map"}},
         {"index key changed",
          [&](Bytes& b) {
              // The PrimaryKey tree's leaf: change the last byte of the first

@@ -63,13 +63,10 @@ TEST(JetValue, DatesConvertBothWays) {
     }
 }
 
+// Forms the comparison of the test files' rows with mdb-export's may not
+// meet (a negative Currency, a Decimal) or leaves out (a Guid).
 TEST(JetValue, DisplayFormsMatchMdbExport) {
-    EXPECT_EQ(toText(Value{}), "");
-    EXPECT_EQ(toText(Value{true}), "1");
-    EXPECT_EQ(toText(Value{Currency{35000}}), "3.5000");
     EXPECT_EQ(toText(Value{Currency{-1}}), "-0.0001");
-    EXPECT_EQ(toText(Value{444.555}), "444.555");
-    EXPECT_EQ(toText(Value{std::int16_t(-222)}), "-222");
     Decimal d;
     d.negative = true;
     d.scale = 2;

@@ -24,4 +24,17 @@ struct Cell {
 using CsvRow = std::vector<Cell>;
 std::vector<CsvRow> parseCsv(const std::string& text);
 
+// mdb-export's rows of table (header row dropped), each cell as printed.
+std::vector<std::vector<std::string>> exportRows(const std::string& path, const std::string& table);
+// Every row of the table as both readers see it: ours (toText) against
+// mdb-export's. Sorted, since mdb-export lists a row Access or the writer
+// moved behind an overflow pointer where it lies. Binary cells are left out:
+// mdbtools prints their raw bytes and Guids in its own form, and cuts text
+// at a NUL.
+void expectExportMatches(const std::string& path, const std::string& table);
+
+// The tab-separated fields of each line of tests/jet/write/golden/<name>,
+// lines that are empty or start with # left out.
+std::vector<std::vector<std::string>> goldenRows(const std::string& name);
+
 }  // namespace jettest

@@ -1,10 +1,14 @@
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 
+#include "jet/read/database.h"
+#include "jet/read/table.h"
 #include "jet/support/mdbtools.h"
 
 namespace jettest {
@@ -126,6 +130,61 @@ std::vector<CsvRow> parseCsv(const std::string& s) {
     if (any) {
         row.push_back(std::move(cell));
         rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+std::vector<std::vector<std::string>> exportRows(const std::string& path,
+                                                 const std::string& table) {
+    int status = 0;
+    const auto csv =
+        parseCsv(run("mdb-export " + quote(path) + " " + quote(table) + " 2>/dev/null", &status));
+    std::vector<std::vector<std::string>> rows;
+    for (std::size_t i = 1; status == 0 && i < csv.size(); ++i) {
+        rows.emplace_back();
+        for (const Cell& c : csv[i]) rows.back().push_back(c.text);
+    }
+    return rows;
+}
+
+void expectExportMatches(const std::string& path, const std::string& table) {
+    auto db = jet::Database::open(path);
+    auto def = db->tableDef(table);
+    std::vector<std::vector<std::string>> ours;
+    db->table(table).scan([&](jet::RowId, const jet::Row& r) {
+        ours.emplace_back();
+        for (const jet::Value& v : r) ours.back().push_back(jet::toText(v));
+        return true;
+    });
+    auto theirs = exportRows(path, table);
+    for (auto* rows : {&ours, &theirs})
+        for (auto& cells : *rows)
+            for (std::size_t k = 0; k < cells.size() && k < def->columns.size(); ++k) {
+                const jet::ColumnType t = def->columns[k].type;
+                if (t == jet::ColumnType::OLE || t == jet::ColumnType::Binary ||
+                    t == jet::ColumnType::Guid || !jet::isKnownColumnType(std::uint8_t(t)))
+                    cells[k].clear();
+                else
+                    cells[k].resize(std::min(cells[k].size(), cells[k].find('\0')));
+            }
+    std::sort(ours.begin(), ours.end());
+    std::sort(theirs.begin(), theirs.end());
+    ASSERT_EQ(theirs.size(), ours.size()) << table;
+    for (std::size_t i = 0; i < ours.size(); ++i) EXPECT_EQ(theirs[i], ours[i]) << table;
+}
+
+std::vector<std::vector<std::string>> goldenRows(const std::string& name) {
+    std::ifstream in(std::filesystem::path(TESSARA_SOURCE_DIR) / "tests" / "jet" / "write" /
+                     "golden" / name);
+    std::vector<std::vector<std::string>> rows;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        rows.emplace_back(1);
+        for (char ch : line)
+            if (ch == '\t')
+                rows.back().emplace_back();
+            else
+                rows.back().back().push_back(ch);
     }
     return rows;
 }

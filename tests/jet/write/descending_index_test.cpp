@@ -114,28 +114,6 @@ void expectIndexAnswersAsAScan(Table& t, const std::string& index, const std::st
               bounds.size() == 1 ? rows.size() : 0u);
 }
 
-TEST(JetDescendingIndex, AccessKeysAreTheAscendingOnesInverted) {
-    auto db = Database::open(idxtest::testFile("compIndexTestV2000.mdb"));
-    Table t = db->table("Table1");
-    const TableDef& def = t.def();
-    const RealIndex& real = def.realIndexes.at(def.indexes.at(0).realIndex);
-    ASSERT_EQ(real.columns.size(), 1u);
-    EXPECT_FALSE(real.columns[0].ascending);
-    // The Long 19 ascending is 7F 80 00 00 13; Access wrote it descending as:
-    const std::vector<std::uint8_t> want{0x80, 0x7F, 0xFF, 0xFF, 0xEC};
-    std::size_t seen = 0;
-    for (const IndexEntry& e : t.index(0).all()) {
-        auto row = t.read(e.row);
-        ASSERT_TRUE(row.has_value());
-        if ((*row)[0] != Value{std::int32_t(19)}) continue;
-        EXPECT_EQ(e.key, want);
-        ++seen;
-    }
-    EXPECT_EQ(seen, 1u);
-    EXPECT_EQ(checkDatabase(*db), std::vector<std::string>{});
-    expectIndexAnswersAsAScan(t, "CD_AGENTE", "CD_AGENTE");
-}
-
 // SQL over the Access file: lookups and ranges answer what the same
 // condition on an expression (no index can answer it) answers, also after
 // inserts, a delete and an update; the file stays sound for mdbtools too.

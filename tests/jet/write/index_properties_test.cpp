@@ -69,23 +69,6 @@ TableSpec pflicht() {
     return t;
 }
 
-TEST(IndexProperties, FlagsAreReadWhereAccessKeepsThem) {
-    struct Case {
-        const char* table;
-        const char* index;
-        std::uint8_t flags;
-    } cases[] = {
-        {"TableIgnoreNulls1", "DataIndex", 0x82},  {"TableIgnoreNulls2", "DataIndex", 0x82},
-        {"TableUnique1_temp", "DataIndex", 0x81},  {"TableUnique2_temp", "DataIndex", 0x81},
-        {"TableUnique2_temp", "PrimaryKey", 0x89}, {"MSysACEs", "ObjectId", 0x88},
-        {"MSysObjects", "ParentIdName", 0x81},     {"MSysRelationships", "szObject", 0x82},
-    };
-    auto db = Database::open(idxtest::testFile(kFile));
-    for (const Case& c : cases)
-        EXPECT_EQ(int(realNamed(*db->tableDef(c.table), c.index).flags), c.flags)
-            << c.table << "." << c.index;
-}
-
 TEST(IndexProperties, NewIndexesAreWrittenAsAccessWritesThem) {
     TempCopy copy(kFile);
     auto db = copy.open();

@@ -134,12 +134,6 @@ std::vector<std::string> treeFaults(jet::Database& db, std::uint32_t root, std::
 
 TextKeyReport compareTextKeys(jet::Database& db, const std::string& label) {
     TextKeyReport r;
-    auto hex = [](const Bytes& b) {
-        static const char* d = "0123456789abcdef";
-        std::string s;
-        for (auto x : b) s += {d[x >> 4], d[x & 15]};
-        return s;
-    };
     for (const std::string& name : db.tableNames(true)) {
         jet::Table t = db.table(name);
         const jet::TableDef& def = t.def();

@@ -54,18 +54,9 @@ class Relationships : public ::testing::Test {
 
 // Statements, error numbers and the rows after them in a golden file.
 TEST_F(Relationships, AccessMadeRelationshipsHoldOnEveryStatement) {
-    std::ifstream in(std::filesystem::path(TESSARA_SOURCE_DIR) / "tests" / "jet" / "write" /
-                     "golden" / "relationship_statements.txt");
     std::size_t cases = 0;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        std::vector<std::string> f(1);
-        for (char ch : line)
-            if (ch == '\t')
-                f.emplace_back();
-            else
-                f.back().push_back(ch);
-        ASSERT_EQ(f.size(), 6u) << line;
+    for (const std::vector<std::string>& f : jettest::goldenRows("relationship_statements.txt")) {
+        ASSERT_EQ(f.size(), 6u) << f[0];
         const long refused = std::stol(f[1]);
         ++cases;
         SCOPED_TRACE(f[0]);
@@ -119,47 +110,19 @@ TEST_F(Relationships, EnforcedForeignKeysMadeThroughTheCatalogue) {
     EXPECT_EQ(variants.keys[1].deleteRule, db::adRISetNull);
     EXPECT_EQ(variants.keys[1].updateRule, db::adRINone);
 
-    struct Step {
-        const char* statement;
-        long refused;
-        const char* message;
-        const char* table;  // its rows after the step: Nr:text:reference
-        const char* rows;
-    } steps[] = {
-        {"INSERT INTO tblOrdner (Ordnername) VALUES ('A')", 0, "", "tblOrdner", "1:A"},
-        {"INSERT INTO tblOrdner (Ordnername) VALUES ('B')", 0, "", "tblOrdner", "1:A 2:B"},
-        {"INSERT INTO tblSeiten (SeitenName, NrTblOrdner) VALUES ('1', 1)", 0, "", "tblSeiten",
-         "1:1:1"},
-        {"INSERT INTO tblSeiten (SeitenName, NrTblOrdner) VALUES ('2', 9)", 3201,
-         "a related record is required in table 'tblOrdner'.", "tblSeiten", "1:1:1"},
-        {"INSERT INTO tblBlockInfo (Block, OrdnerID) VALUES ('00010', 1)", 0, "", "tblBlockInfo",
-         "1:00010:1"},
-        {"INSERT INTO tblBlockInfo (Block) VALUES ('frei')", 0, "", "tblBlockInfo",
-         "1:00010:1 2:frei:"},
-        {"INSERT INTO tblVariationBloecke (BlockName, BlockID) VALUES ('V', 1)", 0, "",
-         "tblVariationBloecke", "1:V:1"},
-        {"DELETE FROM tblOrdner WHERE Nr = 1", 3200,
-         "The record cannot be deleted or changed because table 'tblBlockInfo' includes related "
-         "records.",
-         "tblOrdner", "1:A 2:B"},
-        {"UPDATE tblBlockInfo SET OrdnerID = 3", 3201, "in table 'tblOrdner'.", "tblBlockInfo",
-         "1:00010:1 2:frei:"},
-        {"UPDATE tblBlockInfo SET OrdnerID = 2 WHERE Nr = 1", 0, "", "tblBlockInfo",
-         "1:00010:2 2:frei:"},
-        {"DELETE FROM tblOrdner WHERE Nr = 1", 0, "", "tblSeiten", ""},
-        {"DELETE FROM tblBlockInfo WHERE Nr = 1", 0, "", "tblVariationBloecke", "1:V:"},
-    };
-    for (const Step& s : steps) {
-        SCOPED_TRACE(s.statement);
+    for (const std::vector<std::string>& s :
+         jettest::goldenRows("catalogue_relationship_steps.txt")) {
+        ASSERT_EQ(s.size(), 5u) << s[0];
+        SCOPED_TRACE(s[0]);
         const auto before = fileBytes(path);
-        auto [number, message] = run(path, s.statement);
-        EXPECT_EQ(number, s.refused) << message;
-        EXPECT_NE(message.find(s.message), std::string::npos) << message;
-        if (s.refused) {
+        auto [number, message] = run(path, s[0]);
+        EXPECT_EQ(number, std::stol(s[1])) << message;
+        EXPECT_NE(message.find(s[2]), std::string::npos) << message;
+        if (number) {
             EXPECT_TRUE(fileBytes(path) == before);
         }
         EXPECT_EQ(check(path), "");
-        EXPECT_EQ(exported(path, s.table, 3), s.rows);
+        EXPECT_EQ(exported(path, s[3], 3), s[4]);
     }
 }
 

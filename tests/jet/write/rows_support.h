@@ -18,8 +18,7 @@ using Scratch = txtest::TempDir;  // copies of test files, removed at the end
 using txtest::fileBytes;
 
 std::shared_ptr<jet::Database> openWritable(const std::string& path);
-// mdb-export's rows of table (header row dropped), each cell as printed.
-std::vector<std::vector<std::string>> exportRows(const std::string& path, const std::string& table);
+using jettest::exportRows;
 // Every live row of the table in storage order.
 std::vector<jet::Row> allRows(jet::Database& db, const std::string& table);
 // checkDatabase() joined into one string (empty when the file is sound).

@@ -124,19 +124,13 @@ TEST(CreateRelationship, DocumentedRelationReadsBackEverywhere) {
         auto db = jet::Database::open(copy.path(), {.writable = true});
         jet::Writer w(db);
         w.createRelationship({"Table3Table2", "Table2", {"id"}, "Table3", {"id"}, false});
-        struct Bad {
-            jet::RelationshipSpec request;
-        };
-        for (const Bad& b : std::vector<Bad>{
-                 {{"Table3Table2", "Table2", {"id"}, "Table3", {"id"}, false}},  // exists
-                 {{"R", "Table2", {"nope"}, "Table3", {"id"}, false}},
-                 {{"R", "Nope", {"id"}, "Table3", {"id"}, false}},
-                 {{"R", "Table2", {"id"}, "Table3", {}, false}},
-                 // Enforced, but Table2's ids are not among Table3's.
-                 {{"R", "Table2", {"id"}, "Table3", {"id"}, true}}}) {
-            SCOPED_TRACE(b.request.name + " " + b.request.table);
-            EXPECT_THROW(w.createRelationship(b.request), jet::Error);
-        }
+        // Names that do not exist; other refusals are relationship_test.cpp's.
+        for (const jet::RelationshipSpec& bad :
+             std::vector<jet::RelationshipSpec>{{"R", "Table2", {"nope"}, "Table3", {"id"}, false},
+                                                {"R", "Nope", {"id"}, "Table3", {"id"}, false},
+                                                {"R", "Table2", {"id"}, "Table3", {}, false}})
+            EXPECT_THROW(w.createRelationship(bad), jet::Error)
+                << bad.table << " " << bad.columns.size();
     }
     auto db = jet::Database::open(copy.path());
     int found = 0;
@@ -215,10 +209,6 @@ TEST(CreateTable, EveryColumnTypeWithKeysTakesRowsThatMdbtoolsReads) {
     EXPECT_TRUE(d.columns[1].compressedUnicode());
     ASSERT_EQ(d.indexes.size(), 2u);
     EXPECT_FALSE(d.realIndexes[1].columns[0].ascending);
-    const jet::CatalogEntry* e = db->findObject("PARTS");
-    ASSERT_NE(e, nullptr);
-    EXPECT_EQ(e->tdefPage(), d.page);
-    EXPECT_EQ(e->flags, 0u);
 
     ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
     int status = 0;
