@@ -174,10 +174,14 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
         if (start_) start_->schritt(3, 4, {});
         if (!z_.strAktuelleDb.empty() && fctDateiExistiert(z_.strAktuelleDb))
             bibliothekOeffnen(z_.strAktuelleDb);
+        else
+            neuZeichnen(kBibliothekGeaendert);
     });
-    l.setzen("Blocknummern einlesen", [] {});  // the first Page was read with the library
+    // Opening the library read its first Page and drew the window once; a
+    // second drawing would only ask for the same pictures again.
+    l.setzen("Blocknummern einlesen", [] {});
     l.setzen("Werte für die Seite anzeigen", [] {});
-    l.setzen("Anzeigen aufrufen", [this] { neuZeichnen(kBibliothekGeaendert); });
+    l.setzen("Anzeigen aufrufen", [] {});
     l.setzen("Maske in Position bringen", [this] {
         if (start_) {
             start_->schritt(4, 4, {});
