@@ -29,6 +29,16 @@ class AcadDokument {
     virtual std::string WindowTitle() = 0;
     virtual std::uintptr_t hwnd() = 0;
     virtual void Close() = 0;
+
+    // SelectionSets: a new set of that name (an old one of the name goes
+    // first) whose objects the user picks on screen; answers how many.
+    virtual long AuswahlAmBildschirm(const std::string& satzName) = 0;
+    // Makes the objects of the named set invisible (Visible = False).
+    virtual void AuswahlAusblenden(const std::string& satzName) = 0;
+    // Utility.GetString and Utility.GetPoint: a question on the host's
+    // command line; a point answers "x,y,z".
+    virtual std::string GetString(const std::string& prompt) = 0;
+    virtual std::string GetPoint(const std::string& prompt) = 0;
 };
 
 class AcadAnwendung {

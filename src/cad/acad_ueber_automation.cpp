@@ -68,6 +68,45 @@ class Dokument : public AcadDokument {
             return 0;
         });
     }
+    long AuswahlAmBildschirm(const std::string& satzName) override {
+        return haltFehler([&] {
+            auto saetze = objekt(d_->get("SelectionSets"), "SelectionSets");
+            // Add refuses a name in use; a set left by an earlier run goes first.
+            try {
+                objekt(saetze->call("Item", {Variant::fromString(satzName)}), "Item")
+                    ->call("Delete");
+            } catch (const platform::AutomationError&) {
+            }
+            auto satz = objekt(saetze->call("Add", {Variant::fromString(satzName)}), "Add");
+            satz->call("SelectOnScreen");
+            return static_cast<long>(satz->get("Count").integer);
+        });
+    }
+    void AuswahlAusblenden(const std::string& satzName) override {
+        haltFehler([&] {
+            auto saetze = objekt(d_->get("SelectionSets"), "SelectionSets");
+            auto satz = objekt(saetze->call("Item", {Variant::fromString(satzName)}), "Item");
+            const long n = static_cast<long>(satz->get("Count").integer);
+            for (long i = 0; i < n; ++i)
+                objekt(satz->call("Item", {Variant::fromInt(static_cast<std::int32_t>(i))}),
+                       "Item")
+                    ->put("Visible", Variant::fromBool(false));
+            return 0;
+        });
+    }
+    std::string GetString(const std::string& prompt) override {
+        return haltFehler([&] {
+            auto u = objekt(d_->get("Utility"), "Utility");
+            return fctVariantText(
+                u->call("GetString", {Variant::fromBool(false), Variant::fromString(prompt)}));
+        });
+    }
+    std::string GetPoint(const std::string& prompt) override {
+        return haltFehler([&] {
+            auto u = objekt(d_->get("Utility"), "Utility");
+            return fctVariantText(u->call("GetPoint", {Variant{}, Variant::fromString(prompt)}));
+        });
+    }
 
   private:
     std::shared_ptr<AutomationObject> d_;

@@ -43,10 +43,30 @@ class FakeDokument : public AcadDokument {
         if (closeWirft) throw AcadFehler("Zeichnung ist beschäftigt", 5);
         geschlossen = true;
     }
+    // Objects the user picks at each selection, in turn; past the end: none.
+    std::vector<long> auswahlen;
+    std::vector<std::string> antworten;  // GetString answers in turn; past the end: ""
+    std::vector<std::string> punkte;     // GetPoint answers in turn
+    long AuswahlAmBildschirm(const std::string& satz) override {
+        log_->eintraege.push_back("Auswahl:" + satz);
+        return gewaehlt_ < auswahlen.size() ? auswahlen[gewaehlt_++] : 0;
+    }
+    void AuswahlAusblenden(const std::string& satz) override {
+        log_->eintraege.push_back("Ausblenden:" + satz);
+    }
+    std::string GetString(const std::string& prompt) override {
+        log_->eintraege.push_back("GetString:" + prompt);
+        return gefragt_ < antworten.size() ? antworten[gefragt_++] : std::string();
+    }
+    std::string GetPoint(const std::string& prompt) override {
+        log_->eintraege.push_back("GetPoint:" + prompt);
+        return gepickt_ < punkte.size() ? punkte[gepickt_++] : std::string("0,0,0");
+    }
 
   private:
     std::shared_ptr<FakeAcadLog> log_;
     int gesendet_ = 0;
+    std::size_t gewaehlt_ = 0, gefragt_ = 0, gepickt_ = 0;
 };
 
 class FakeAnwendung : public AcadAnwendung {
