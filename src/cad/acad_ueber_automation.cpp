@@ -88,8 +88,7 @@ class Dokument : public AcadDokument {
             auto satz = objekt(saetze->call("Item", {Variant::fromString(satzName)}), "Item");
             const long n = static_cast<long>(satz->get("Count").integer);
             for (long i = 0; i < n; ++i)
-                objekt(satz->call("Item", {Variant::fromInt(static_cast<std::int32_t>(i))}),
-                       "Item")
+                objekt(satz->call("Item", {Variant::fromInt(static_cast<std::int32_t>(i))}), "Item")
                     ->put("Visible", Variant::fromBool(false));
             return 0;
         });

@@ -1,5 +1,6 @@
 #include "cad/lt_skript.h"
 
+#include <filesystem>
 #include <fstream>
 
 #include "cad/einfuege_texte.h"
@@ -272,7 +273,16 @@ LtBlockNeuErgebnis ACadLtBlockNeu(ProgrammZustand& z, CadVerbindung& v,
                 fctZeichnungsPfad(neu.strBibliothek, neu.strOrdnerNr, neu.strBlockNr, neu.ansicht);
             r.strSlide = r.strZeichnung.substr(0, r.strZeichnung.size() - 4) + ".sld";
         }
+        if (!neu.strZielZeichnung.empty()) r.strZeichnung = neu.strZielZeichnung;
+        if (!neu.strZielSlide.empty() && !neu.booVariante) r.strSlide = neu.strZielSlide;
         fctDateiVerzeichnisAnlegen(r.strZeichnung);
+        // An old file of the name would end the wait below at once, before the
+        // host has written anything.
+        p.step("alte Zeichnung löschen");
+        for (const auto* alt : {&r.strZeichnung, &r.strSlide}) {
+            std::error_code ec;
+            if (!alt->empty()) std::filesystem::remove(fctNativerPfad(*alt), ec);
+        }
         const auto zeilen = neu.booVariante ? fctSkriptWblockVariante(r.strZeichnung)
                                             : fctSkriptWblockNeu(r.strSlide, r.strZeichnung);
         if (!fctSkriptSchreiben(z, skriptDatei(z), zeilen)) return r;

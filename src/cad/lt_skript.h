@@ -71,6 +71,10 @@ struct LtBlockNeu {
     std::string strBlockNr;  // block number (new block) or Variant file name
     int ansicht = 0;
     bool booVariante = false;
+    // Where the host writes, when not the library itself: the new-block flow
+    // has the drawing and the slide written into its working directory and
+    // moves them to their place only once everything else has worked.
+    std::string strZielZeichnung, strZielSlide;
 };
 struct LtBlockNeuErgebnis {
     std::string strZeichnung, strSlide;

@@ -2,6 +2,8 @@
 // Every question, message, file dialog and progress display of the program
 // goes through this interface: ui/ implements it with Qt windows, tests with
 // scripted answers (SkriptBenutzer). Subsystem logic never opens a window.
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,6 +46,27 @@ class Benutzer {
         (void)titel, (void)frage, (void)eintraege;
         return {};
     }
+    // A name asked in a small window of its own (fenster names it:
+    // "frmBlocknameEingeben", "frmBlocknameAendern"), its field showing
+    // vorgabe. pruefen answers the number of the message that refuses a
+    // name (shown; the window stays open) or 0. Nothing when cancelled; an
+    // implementation without windows cancels.
+    virtual std::optional<std::string> nameEingeben(
+        const std::string& fenster, const std::string& vorgabe,
+        const std::function<long(const std::string&)>& pruefen) {
+        (void)fenster, (void)vorgabe, (void)pruefen;
+        return std::nullopt;
+    }
+    // The window frmBildausschnittAnpassen: shows the slide; each button
+    // pressed goes to anwenden (kKnopf... below), which changes the view and
+    // takes the slide again, and the picture is drawn anew; cmbNein or
+    // closing the window keeps the slide as it stands.
+    static constexpr int kKnopfZoomGross = 0, kKnopfZoomKlein = 1, kKnopfPan = 2,
+                         kKnopfVerdeckt = 3, kKnopfElementeAusblenden = 4, kKnopfFenster = 5;
+    virtual void bildausschnittAnpassen(const std::string& strDiaDatei,
+                                        const std::function<bool(int knopf)>& anwenden) {
+        (void)strDiaDatei, (void)anwenden;
+    }
 };
 
 // Test double: records what was shown and answers from a queue.
@@ -67,6 +90,9 @@ class SkriptBenutzer : public Benutzer {
     };
     std::vector<Liste> listen;        // the selection lists offered
     std::vector<std::string> wahlen;  // answers for listeWaehlen
+    std::vector<std::string> namen;   // typed into nameEingeben in turn; none left: cancel
+    std::vector<long> abgelehnt;      // the messages by which names were refused
+    std::vector<int> gedrueckt;       // buttons pressed in bildausschnittAnpassen
 
     Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
                     Knoepfe knoepfe) override {
@@ -99,6 +125,21 @@ class SkriptBenutzer : public Benutzer {
                              const std::vector<std::string>& eintraege) override {
         listen.push_back({titel, frage, eintraege});
         return nimm(wahlen);
+    }
+    std::optional<std::string> nameEingeben(
+        const std::string&, const std::string&,
+        const std::function<long(const std::string&)>& pruefen) override {
+        while (!namen.empty()) {
+            const std::string name = nimm(namen);
+            const long nr = pruefen ? pruefen(name) : 0;
+            if (nr == 0) return name;
+            abgelehnt.push_back(nr);
+        }
+        return std::nullopt;
+    }
+    void bildausschnittAnpassen(const std::string&,
+                                const std::function<bool(int)>& anwenden) override {
+        for (const int k : gedrueckt) anwenden(k);
     }
 
   private:

@@ -1,6 +1,7 @@
 #pragma once
 // A stand-in for AutoCAD's automation server, which cannot run here: it
 // answers from fields the test sets and records every call in order.
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -36,7 +37,11 @@ class FakeDokument : public AcadDokument {
         if (sendCommandWirftAb >= 0 && gesendet_++ >= sendCommandWirftAb)
             throw AcadFehler("Aufruf wurde vom Aufgerufenen abgelehnt.", -2147418111);
         log_->eintraege.push_back("SendCommand:" + text);
+        if (beiBefehl) beiBefehl(text);
     }
+    // The host doing what a command asks (writing a drawing or a slide).
+    std::function<void(const std::string&)> beiBefehl;
+    bool auswahlWirft = false;
     std::string WindowTitle() override { return titel; }
     std::uintptr_t hwnd() override { return 0x4711; }
     void Close() override {
@@ -49,6 +54,7 @@ class FakeDokument : public AcadDokument {
     std::vector<std::string> punkte;     // GetPoint answers in turn
     long AuswahlAmBildschirm(const std::string& satz) override {
         log_->eintraege.push_back("Auswahl:" + satz);
+        if (auswahlWirft) throw AcadFehler("Auswahl fehlgeschlagen", -2145320928);
         return gewaehlt_ < auswahlen.size() ? auswahlen[gewaehlt_++] : 0;
     }
     void AuswahlAusblenden(const std::string& satz) override {
