@@ -4,6 +4,7 @@
 #include "authoring/dateien_operationen.h"
 #include "db/recordset.h"
 #include "editing/varianten_datei.h"
+#include "organisation/schreib_einheit.h"
 #include "startup/pfade.h"
 
 namespace tessara {
@@ -31,6 +32,14 @@ std::optional<typBlockAkte> fctBlockAkteLesen(ProgrammZustand& z, db::Connection
     for (; !rv.eof(); rv.moveNext())
         a.varianten.push_back({static_cast<long>(rv.value("Nr").asInt()), rv.text("BlockName"),
                                rv.text("BlockDateiName")});
+    return a;
+}
+
+std::optional<typBlockAkte> fctBlockAkteFrisch(ProgrammZustand& z, db::Connection& con,
+                                               const std::string& strBlockNr) {
+    SchreibEinheit e(con);
+    auto a = fctBlockAkteLesen(z, con, strBlockNr);
+    e.commit();
     return a;
 }
 

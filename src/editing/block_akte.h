@@ -31,9 +31,13 @@ struct typBlockAkte {
 
 // The record of the block number with its Folder's code and its Variants;
 // nothing when there is no such record. Throws on a database error (the
-// callers run it under their own guard).
+// callers run it under their own guard). What decides a write is read with
+// fctBlockAkteFrisch: in a unit of its own, so that it is the file as it is
+// now, whatever another workstation wrote.
 std::optional<typBlockAkte> fctBlockAkteLesen(ProgrammZustand& z, db::Connection& con,
                                               const std::string& strBlockNr);
+std::optional<typBlockAkte> fctBlockAkteFrisch(ProgrammZustand& z, db::Connection& con,
+                                               const std::string& strBlockNr);
 // Whether a Block record with the number exists. Throws as above.
 bool fctBlockVorhanden(ProgrammZustand& z, db::Connection& con, const std::string& strBlockNr);
 

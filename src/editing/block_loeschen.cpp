@@ -62,7 +62,7 @@ bool loeschen(ProgrammZustand& z, NavigationsModell& m, Prozedur& p,
 std::optional<typBlockAkte> akte(ProgrammZustand& z, NavigationsModell& m, Prozedur& p,
                                  const std::string& strBlockNr) {
     auto a = p.geschuetztNurLog(std::optional<typBlockAkte>(), [&] {
-        return fctBlockAkteLesen(z, m.datenbank().con, strBlockNr);
+        return fctBlockAkteFrisch(z, m.datenbank().con, strBlockNr);
     });
     if (!a) fctMsgbox(z, MsgboxArt::Info, {kMsgKeinBlock});
     return a;

@@ -4,6 +4,7 @@
 #include "captions/meldungs_nummern.h"
 #include "db/recordset.h"
 #include "editing/bearbeiten_meldungen.h"
+#include "organisation/schreib_einheit.h"
 #include "startup/einstellungen.h"
 #include "startup/fehler_log.h"
 
@@ -51,6 +52,7 @@ bool fctBlockNamAender(ProgrammZustand& z, NavigationsModell& m, const std::stri
     }
     const std::string spalte = "BlkName" + std::to_string(ansicht);
     const int ergebnis = p.geschuetzt(-1, [&] {
+        SchreibEinheit e(con);
         db::Recordset rs;
         rs.open("SELECT Nr, " + spalte + " FROM " + z.strTblBlockInfo + " WHERE Block = '" +
                     strBlockNr + "'",
@@ -60,6 +62,7 @@ bool fctBlockNamAender(ProgrammZustand& z, NavigationsModell& m, const std::stri
         p.step("Namen schreiben");
         rs.setValue(spalte, strName);
         rs.update();
+        e.commit();
         return 0;
     });
     if (ergebnis > 0) fctMsgbox(z, MsgboxArt::Info, {static_cast<long>(ergebnis)});

@@ -53,12 +53,19 @@ bool DateienUmEinePositionVerschieben(ProgrammZustand& z, NavigationsModell& m,
     try {
         if (strBlockNr == strZielBlockNr) return false;
         p.step("Block lesen");
-        const auto a = fctBlockAkteLesen(z, con, strBlockNr);
+        std::optional<typBlockAkte> a;
+        bool belegt = false;
+        {
+            SchreibEinheit e(con);
+            a = fctBlockAkteLesen(z, con, strBlockNr);
+            belegt = fctBlockVorhanden(z, con, strZielBlockNr);
+            e.commit();
+        }
         if (!a) {
             fctMsgbox(z, MsgboxArt::Info, {kMsgKeinBlock});
             return false;
         }
-        if (fctBlockVorhanden(z, con, strZielBlockNr)) {
+        if (belegt) {
             fctMsgbox(z, MsgboxArt::Info, {kMsgZielplatzBelegt, strZielBlockNr});
             return false;
         }
@@ -90,6 +97,9 @@ bool DateienUmEinePositionVerschieben(ProgrammZustand& z, NavigationsModell& m,
                                 : fctSlideLibEintrag(zielOrdner, strZielBlockNr, bibliothek);
         {
             SchreibEinheit e(con);
+            // Another workstation may have filled the slot meanwhile.
+            if (fctBlockVorhanden(z, con, strZielBlockNr))
+                throw std::runtime_error("Zielplatz inzwischen belegt: " + strZielBlockNr);
             con.execute("UPDATE " + z.strTblBlockInfo + " SET Block = " + in(strZielBlockNr) +
                         ", OrdnerID = " + std::to_string(lngZielOrdnerID) +
                         ", SlideLib = " + (slideLib.empty() ? "Null" : in(slideLib)) +

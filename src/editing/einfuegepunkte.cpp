@@ -7,6 +7,7 @@
 #include "captions/meldungen.h"
 #include "editing/bearbeiten_meldungen.h"
 #include "library/schema.h"
+#include "organisation/schreib_einheit.h"
 #include "startup/benutzer.h"
 #include "startup/fehler_log.h"
 
@@ -122,6 +123,7 @@ bool subEinfuegepunkteSchreiben(ProgrammZustand& z, NavigationsModell& m,
                 werte[punkt][a] = sql::Value::real(*zahl);
             }
         p.step("Koordinaten schreiben");
+        SchreibEinheit e(m.datenbank().con);
         db::Recordset rs;
         rs.open("SELECT " + spalten(ansicht) + " FROM " + z.strTblBlockInfo + " WHERE Block = '" +
                     strBlockNr + "'",
@@ -131,6 +133,7 @@ bool subEinfuegepunkteSchreiben(ProgrammZustand& z, NavigationsModell& m,
             for (int a = 0; a < 3; ++a)
                 rs.setValue(fctEinfuegepunktSpalte(punkt, a, ansicht), werte[punkt][a]);
         rs.update();
+        e.commit();
         return true;
     });
 }

@@ -19,9 +19,11 @@ namespace tessara {
 namespace {
 
 std::optional<typBlockAkte> akte(ProgrammZustand& z, NavigationsModell& m, Prozedur& p,
-                                 const std::string& strBlockNr) {
-    return p.geschuetztNurLog(std::optional<typBlockAkte>(),
-                              [&] { return fctBlockAkteLesen(z, m.datenbank().con, strBlockNr); });
+                                 const std::string& strBlockNr, bool frisch = true) {
+    return p.geschuetztNurLog(std::optional<typBlockAkte>(), [&] {
+        return frisch ? fctBlockAkteFrisch(z, m.datenbank().con, strBlockNr)
+                      : fctBlockAkteLesen(z, m.datenbank().con, strBlockNr);
+    });
 }
 
 bool namePruefen(ProgrammZustand& z, NavigationsModell& m, const std::string& strName) {
@@ -71,7 +73,7 @@ std::vector<typVariante> fctVariantenLesen(ProgrammZustand& z, NavigationsModell
                                            const std::string& strBlockNr) {
     Prozedur p(z, "fctVariantenLesen");
     std::vector<typVariante> v;
-    if (const auto a = akte(z, m, p, strBlockNr))
+    if (const auto a = akte(z, m, p, strBlockNr, false))
         for (const auto& zeile : a->varianten) v.push_back({zeile.BlockName, zeile.BlockDateiName});
     return v;
 }
@@ -79,7 +81,7 @@ std::vector<typVariante> fctVariantenLesen(ProgrammZustand& z, NavigationsModell
 std::optional<std::vector<typVariantenSatz>> fctVariantenSaetzeLaden(
     ProgrammZustand& z, NavigationsModell& m, const std::string& strBlockNr) {
     Prozedur p(z, "fctVariantenSaetzeLaden");
-    const auto a = akte(z, m, p, strBlockNr);
+    const auto a = akte(z, m, p, strBlockNr, false);
     if (!a) return std::nullopt;
     return saetzeLaden(z, satzDatei(m, *a));
 }
