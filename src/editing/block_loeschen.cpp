@@ -1,7 +1,9 @@
 #include "editing/block_loeschen.h"
 
+#include <algorithm>
 #include <exception>
 #include <functional>
+#include <stdexcept>
 
 #include "authoring/datei_layout.h"
 #include "captions/meldungen.h"

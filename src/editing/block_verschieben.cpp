@@ -1,6 +1,8 @@
 #include "editing/block_verschieben.h"
 
+#include <algorithm>
 #include <exception>
+#include <stdexcept>
 
 #include "authoring/datei_layout.h"
 #include "captions/meldungen.h"

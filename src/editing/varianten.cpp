@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <stdexcept>
 
 #include "authoring/dateien_operationen.h"
 #include "captions/meldungen.h"

@@ -1,5 +1,6 @@
 #include "editing/varianten_datei.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
