@@ -141,8 +141,28 @@ typAenderung BibliothekSitzung::fctBilderanzahl(long longAnzahlDerBilder) {
 }
 
 typAenderung BibliothekSitzung::fctPositionSetzen(int intPosition) {
+    if (intPosition != modell_.intPosition()) intAnsicht_ = 0;
     modell_.subPositionSetzen(intPosition);
     return kPositionGeaendert;
+}
+
+namespace {
+const typSlot* ausgewaehlt(const NavigationsModell& m) {
+    const auto& slots = m.seitenSlots();
+    const int pos = m.intPosition();
+    return pos >= 0 && pos < static_cast<int>(slots.size()) ? &slots[pos] : nullptr;
+}
+}  // namespace
+
+void BibliothekSitzung::setEinzufuegendeAnsicht(int ansicht) {
+    const typSlot* s = ausgewaehlt(modell_);
+    intAnsicht_ = s && ansicht >= 0 && ansicht <= 4 ? ansicht : 0;
+    strAnsichtBlock_ = s ? s->strBlockNr : std::string();
+}
+
+int BibliothekSitzung::intEinzufuegendeAnsicht() const {
+    const typSlot* s = ausgewaehlt(modell_);
+    return s && s->strBlockNr == strAnsichtBlock_ ? intAnsicht_ : 0;
 }
 
 typAenderung BibliothekSitzung::fctMarkieren(int intPosition, bool booMarkiert) {

@@ -28,6 +28,7 @@ enum typAenderung : unsigned {
     kSeiteGeaendert = 2,       // the slots of the Page (and the selection)
     kBoxenGeaendert = 4,       // the Folder and Page boxes, the picture size
     kBibliothekGeaendert = 8,  // another library, or none: everything, the list too
+    kAnsichtenGeaendert = 16,  // the selected Block's Views and Variants (the preview strip)
 };
 inline typAenderung operator|(typAenderung a, typAenderung b) {
     return static_cast<typAenderung>(static_cast<unsigned>(a) | b);
@@ -102,6 +103,12 @@ class BibliothekSitzung {
     // happens on a write-protected library.
     DoppelklickAktion fctDoppelklick(int intPosition, bool booAusListe = false);
 
+    // The View marked for insertion in the preview strip. It belongs to the
+    // Block it was marked on: selecting a slot sets it back to 0, and so does
+    // any change that puts another Block under the selection.
+    void setEinzufuegendeAnsicht(int ansicht);
+    int intEinzufuegendeAnsicht() const;
+
     // --- Moving in the grid -----------------------------------------------------------
     // The slot a key moves the selection to on the current Page: left and
     // right by one, up and down by a row of the grid's shape, Home and End
@@ -114,6 +121,8 @@ class BibliothekSitzung {
     typSetupWerte setup_;
     std::string strDbVerzeichnis_;
     bool booSchreibschutz_ = false;
+    int intAnsicht_ = 0;
+    std::string strAnsichtBlock_;  // the block number the View was marked on
 };
 
 }  // namespace tessara

@@ -1,0 +1,27 @@
+#pragma once
+// The numbers of the messages the Block, View and Variant operations show,
+// each defined once; their texts are in the message files.
+namespace tessara {
+
+// The name rules of the name dialogs.
+inline constexpr long kMsgVarianteVergeben = 57;
+inline constexpr long kMsgVarianteOhneName = 136;
+inline constexpr long kMsgNameHoechstens32 = 304;
+
+inline constexpr long kMsgSchreibgeschuetzt = 403;
+inline constexpr long kMsgZielplatzBelegt = 470;
+inline constexpr long kMsgVerschiebenMisslungen = 471;
+inline constexpr long kMsgBlockLoeschenFrage = 472;
+inline constexpr long kMsgLoeschenMisslungen = 473;
+inline constexpr long kMsgNameNichtAenderbar = 474;
+inline constexpr long kMsgAnsichtLoeschenFrage = 475;
+inline constexpr long kMsgKoordinateUngueltig = 476;
+inline constexpr long kMsgVarianteLoeschenFrage = 477;
+inline constexpr long kMsgZuWenigFreiePlaetze = 478;
+inline constexpr long kMsgKeineMarkierten = 479;
+inline constexpr long kMsgVariantenDateiDefekt = 480;
+inline constexpr long kMsgEinfuegepunktWaehlen = 481;
+inline constexpr long kMsgBasispunkt = 482;
+inline constexpr long kMsgAnsichtFehlt = 483;
+
+}  // namespace tessara
