@@ -16,10 +16,4 @@ inline constexpr long kMsgKeinHost1 = 410;
 inline constexpr long kMsgKeinHost2 = 411;
 inline constexpr long kMsgKeinHost3 = 412;
 
-// New blocks, Views and Variants taken from the drawing.
-inline constexpr long kMsgPlatzBelegt = 450;
-inline constexpr long kMsgKeineAnsichtFrei = 451;
-inline constexpr long kMsgBlockNichtAngelegt = 452;  // then the reason
-inline constexpr long kMsgAuswahlFehler = 453;       // then the host's description
-
 }  // namespace tessara

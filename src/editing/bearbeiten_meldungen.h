@@ -9,6 +9,12 @@ inline constexpr long kMsgVarianteOhneName = 136;
 inline constexpr long kMsgNameHoechstens32 = 304;
 
 inline constexpr long kMsgSchreibgeschuetzt = 403;
+
+// New blocks, Views and Variants taken from the drawing.
+inline constexpr long kMsgPlatzBelegt = 450;
+inline constexpr long kMsgKeineAnsichtFrei = 451;
+inline constexpr long kMsgBlockNichtAngelegt = 452;  // then the reason
+inline constexpr long kMsgAuswahlFehler = 453;       // then the host's description
 inline constexpr long kMsgZielplatzBelegt = 470;
 inline constexpr long kMsgVerschiebenMisslungen = 471;
 inline constexpr long kMsgBlockLoeschenFrage = 472;

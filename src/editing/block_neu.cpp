@@ -7,9 +7,12 @@
 #include "cad/lt_skript.h"
 #include "captions/meldungen.h"
 #include "captions/meldungs_nummern.h"
-#include "db/recordset.h"
+#include "editing/bearbeiten_meldungen.h"
+#include "editing/block_name.h"
 #include "editing/block_speichern.h"
 #include "editing/dias_erstellen.h"
+#include "editing/einfuegepunkte.h"
+#include "editing/varianten.h"
 #include "organisation/def_menue.h"
 #include "platform/desktop.h"
 #include "platform/platform.h"
@@ -22,38 +25,6 @@ namespace tessara {
 namespace {
 
 constexpr const char* kKeinObjekt = "Sie haben kein Objekt gewählt! Wiederholen? [<J>/N]:";
-
-// PROVISIONAL until the Variant module lands.
-long fctBlocknamePruefen(ProgrammZustand&, NavigationsModell&, const std::string& n,
-                         bool variante) {
-    if (n.size() > 32) return 304;
-    if (variante && n.empty()) return 136;
-    return 0;
-}
-std::string fctVarianteDateiNameNeu(ProgrammZustand&, NavigationsModell&, const std::string& nr) {
-    return nr + "_1";
-}
-struct typVariantenAnsicht {
-    int ansicht = 0;
-    std::array<std::optional<typPunkt3>, 6> punkte;
-};
-bool subBlockdatenInDatenbankAbspeichernVariante(ProgrammZustand&, NavigationsModell& m,
-                                                 const std::string& nr, const std::string& name,
-                                                 const std::string& datei,
-                                                 const std::vector<typVariantenAnsicht>&) {
-    db::Recordset b;
-    b.open("SELECT Nr FROM tblBlockInfo WHERE Block = '" + nr + "'", m.datenbank().con);
-    if (b.eof()) return false;
-    db::Recordset rs;
-    rs.open("SELECT * FROM tblVariationBloecke", m.datenbank().con, db::adOpenKeyset,
-            db::adLockOptimistic);
-    rs.addNew();
-    rs.setValue("BlockName", name);
-    rs.setValue("BlockID", static_cast<long long>(b.value(0).asInt()));
-    rs.setValue("BlockDateiName", datei);
-    rs.update();
-    return true;
-}
 
 // What one run of the flow makes, in the working directory and in the library.
 struct Vorhaben {
@@ -143,8 +114,9 @@ bool vorhabenBestimmen(BlockNeuUmgebung& u, NeuArt art, Vorhaben& w, bool& abgeb
     if (fragen && u.z.benutzer) {
         const bool variante = art == NeuArt::Variante;
         const auto name = u.z.benutzer->nameEingeben(
-            "frmBlocknameEingeben", variante ? std::string() : vorgabe,
-            [&](const std::string& n) { return fctBlocknamePruefen(u.z, m, n, variante); });
+            "frmBlocknameEingeben", variante ? std::string() : vorgabe, [&](const std::string& n) {
+                return fctBlocknamePruefen(u.z, m.datenbank().con, n, variante);
+            });
         if (!name) {
             abgebrochen = true;
             return false;
@@ -269,11 +241,11 @@ bool speichern(BlockNeuUmgebung& u, Prozedur& p, const Vorhaben& w) {
     auto& m = u.modell;
     if (w.art == NeuArt::Variante) {
         p.step("bytvarianteAnlegen = 1; DatenAbspeichern");
-        typVariantenAnsicht a;
-        a.ansicht = w.ansicht;
-        if (w.basis) a.punkte[0] = *w.basis;
-        return subBlockdatenInDatenbankAbspeichernVariante(z, m, w.strBlockNr, w.strName,
-                                                           w.strVariantenDatei, {a});
+        typEinfuegepunkte punkte;
+        if (w.basis)
+            punkte[0] = {fctZahlText(w.basis->x), fctZahlText(w.basis->y), fctZahlText(w.basis->z)};
+        return subBlockdatenInDatenbankAbspeichernVariante(
+            z, m, w.strBlockNr, w.strName, w.strVariantenDatei, {{w.ansicht, punkte}});
     }
     typAnsichtDaten d;
     d.strBlockNr = w.strBlockNr;
