@@ -1,11 +1,13 @@
 #include "editing/block_befehle.h"
 
+#include "cad/cad_einstellungen.h"
 #include "captions/meldungen.h"
 #include "editing/bearbeiten_meldungen.h"
 #include "editing/block_loeschen.h"
 #include "editing/block_name.h"
 #include "editing/block_verschieben.h"
 #include "editing/varianten.h"
+#include "startup/ini_datei.h"
 
 namespace tessara {
 
@@ -25,6 +27,23 @@ typAenderung BlockBefehle::ausfuehren(typAenderung was, Op op) {
     const std::string nr = ausgewaehlt();
     if (nr.empty() || !op(s_.modell(), nr)) return kNichtsGeaendert;
     return was;
+}
+
+typAenderung BlockBefehle::fctNeu(NeuArt art, CadVerbindung& v) {
+    if (s_.schreibgeschuetzt()) {
+        fctMsgbox(z_, MsgboxArt::Info, {kMsgSchreibgeschuetzt});
+        return kNichtsGeaendert;
+    }
+    BlockNeuUmgebung u{
+        z_,
+        s_.modell(),
+        v,
+        s_.setup(),
+        fctCadEinstellungenLesen(z_),
+        fctIniWertLesen(z_.strIniDatei, "AllgemeineDaten", "SlidelibUeberShell") == "1",
+        fctBlocknameGesperrt(z_)};
+    const auto r = fctNeuAusZeichnung(u, art);
+    return r.booAngelegt ? kSeiteGeaendert | kAnsichtenGeaendert : kNichtsGeaendert;
 }
 
 typAenderung BlockBefehle::fctVerschieben(int intZiel) {

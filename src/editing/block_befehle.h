@@ -4,6 +4,8 @@
 // operation, and answers what changed for the window to redraw.
 #include <string>
 
+#include "cad/cad_verbindung.h"
+#include "editing/block_neu.h"
 #include "library/bibliothek_sitzung.h"
 #include "startup/programm_zustand.h"
 
@@ -13,6 +15,9 @@ class BlockBefehle {
   public:
     BlockBefehle(ProgrammZustand& z, BibliothekSitzung& s) : z_(z), s_(s) {}
 
+    // A new Block in the selected slot, or a new View or Variant of its
+    // Block, from objects the user selects in the host.
+    typAenderung fctNeu(NeuArt art, CadVerbindung& v);
     // The selected Block to the slot intZiel of the current Page.
     typAenderung fctVerschieben(int intZiel);
     // The selected Block to another Folder: its code, its key and the

@@ -30,6 +30,9 @@ class BlockAktionen : public QObject {
     // After a change to Folders, Pages or Blocks: the window reads the model
     // again and redraws.
     virtual void ordnerUndSeitenNeuAnzeigen() = 0;
+    // After an operation that answered what it changed (typAenderung flags):
+    // the window redraws those parts.
+    virtual void neuZeichnen(unsigned was) = 0;
     // The block numbers the last insertion took in, in the order inserted.
     virtual const std::vector<std::string>& zuletztEingefuegt() const = 0;
 

@@ -21,6 +21,7 @@
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
 #include "ui/beschriften.h"
+#include "ui/block_bearbeitung.h"
 #include "ui/frm_blockverwaltung_verwaltung.h"
 #include "ui/frm_datenbank_suche.h"
 #include "ui/frm_optionen.h"
@@ -53,6 +54,7 @@ class FrmBlockverwaltung::Aktionen final : public BlockAktionen {
         return true;
     }
     void ordnerUndSeitenNeuAnzeigen() override { f_.subOrdnerUndSeitenNeuAnzeigen(); }
+    void neuZeichnen(unsigned was) override { f_.neuZeichnen(static_cast<typAenderung>(was)); }
     const std::vector<std::string>& zuletztEingefuegt() const override {
         return f_.zuletztEingefuegt_;
     }
@@ -194,6 +196,19 @@ void FrmBlockverwaltung::panelsEinbauen() {
             &Verwaltungsfenster::mnuBlockEigenschaften_Click);
     connect(ui_->chkOrdnerSortieren, &QAction::toggled, verwaltung_,
             &Verwaltungsfenster::chkOrdnerSortieren_Click);
+
+    bearbeitung_ = new BlockBearbeitung(k, v_, ui_->fraAnsichten, this);
+    connect(ui_->combutNeu, &QPushButton::clicked, bearbeitung_,
+            &BlockBearbeitung::combutNeu_Click);
+    for (auto [aktion, ziel] :
+         std::initializer_list<std::pair<QAction*, void (BlockBearbeitung::*)()>>{
+             {ui_->mnuBlockNeu, &BlockBearbeitung::combutNeu_Click},
+             {ui_->mnuAnsichtNeu, &BlockBearbeitung::mnuAnsichtNeu_Click},
+             {ui_->mnuVarianteNeu, &BlockBearbeitung::mnuVarianteNeu_Click},
+             {ui_->mnuBlockUmbenennen, &BlockBearbeitung::mnuBlockUmbenennen_Click},
+             {ui_->mnuBlockLoeschen, &BlockBearbeitung::mnuBlockLoeschen_Click},
+             {ui_->mnuMarkierteVerschieben, &BlockBearbeitung::mnuMarkierteVerschieben_Click}})
+        connect(aktion, &QAction::triggered, bearbeitung_, ziel);
 }
 
 FrmBlockverwaltung::~FrmBlockverwaltung() {
@@ -228,7 +243,10 @@ void FrmBlockverwaltung::slotsAnlegen(int anzahl) {
                 [this] { bildTimer_.start(); });
         connect(s->markieren, &QCheckBox::clicked, this,
                 [this, i](bool an) { chkMarkieren_Click(i, an); });
+        connect(s->dia, &SldBlockverwaltung::abgelegt, bearbeitung_,
+                &BlockBearbeitung::platzAbgelegt);
         s->markieren->setEnabled(!schreibgeschuetzt());
+        s->dia->setAblageErlaubt(!schreibgeschuetzt());
         s->hide();
     }
 }
@@ -315,6 +333,8 @@ void FrmBlockverwaltung::neuZeichnen(typAenderung was) {
         bilderAnfordern();
     }
     if (was != kNichtsGeaendert) positionZeigen();
+    if (was & (kPositionGeaendert | kSeiteGeaendert | kAnsichtenGeaendert))
+        bearbeitung_->ansichtenZeigen();
 }
 
 // The parts of the window that follow the selection: frame, list row, path,
@@ -549,7 +569,14 @@ void FrmBlockverwaltung::schreibschutzZeigen() {
     const bool gesperrt = schreibgeschuetzt();
     ui_->labSchreibschutz->setVisible(gesperrt);
     ui_->mnuMarkierungenAufheben->setEnabled(!gesperrt);
-    for (auto* s : slots_) s->markieren->setEnabled(!gesperrt);
+    for (auto* w : std::initializer_list<QObject*>{
+             ui_->combutNeu, ui_->mnuBlockNeu, ui_->mnuAnsichtNeu, ui_->mnuVarianteNeu,
+             ui_->mnuBlockUmbenennen, ui_->mnuBlockLoeschen, ui_->mnuMarkierteVerschieben})
+        w->setProperty("enabled", !gesperrt);
+    for (auto* s : slots_) {
+        s->markieren->setEnabled(!gesperrt);
+        s->dia->setAblageErlaubt(!gesperrt);
+    }
 }
 
 // --- Closing -----------------------------------------------------------------

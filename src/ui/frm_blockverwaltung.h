@@ -32,6 +32,7 @@ namespace tessara {
 class SlotFeld;
 class FrmStartfenster;
 class Verwaltungsfenster;
+class BlockBearbeitung;
 
 class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     Q_OBJECT
@@ -133,6 +134,7 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     std::unique_ptr<ui::DiaMaler> maler_;
     std::unique_ptr<Aktionen> aktionen_;
     Verwaltungsfenster* verwaltung_ = nullptr;
+    BlockBearbeitung* bearbeitung_ = nullptr;
     SchrittAblauf laden_;
     SchrittAblauf entladen_;
     std::vector<SlotFeld*> slots_;  // made as needed, the unused hidden

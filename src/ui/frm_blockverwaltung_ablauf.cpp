@@ -17,6 +17,8 @@
 #include "captions/beschriftung.h"
 #include "captions/meldungen.h"
 #include "captions/meldungs_nummern.h"
+#include "editing/ansichten.h"
+#include "editing/einfuegepunkte.h"
 #include "library/datenbank.h"
 #include "library/schema.h"
 #include "platform/desktop.h"
@@ -367,14 +369,18 @@ void FrmBlockverwaltung::cmbEinfuegen_Click() {
         const bool markiert = !auftraege.empty();
         if (!markiert) {
             p.step("BlockSuche in rsBlockInfo0");
-            if (!modell().fctBlockSuchen(modell().intPosition())) {
+            auto a = EinzufuegendeAnsichtBestimmenUndRsEinlesen(z_, sitzung_);
+            if (!a) {
                 fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kMsgKeinBlock)}, kGruppeAllg,
                           "KeinBlock");
                 return;
             }
-            typEinfuegeAuftrag a;
-            a.block = fctBlockDatenAusRs(modell().datenbank().rsBlockInfo0);
-            auftraege.push_back(std::move(a));
+            if (sitzung_.setup().longMehrereEinfuegepkte == 1) {
+                a->nummerEinfuegepkt =
+                    VariaEinfuegepktBestimmen(z_, modell(), a->block.Block, a->ansicht);
+                if (a->nummerEinfuegepkt == 0) return;
+            }
+            auftraege.push_back(std::move(*a));
         }
         einfuegen(std::move(auftraege), markiert);
     });

@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QDrag>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QHBoxLayout>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -10,6 +12,8 @@
 #include <QVBoxLayout>
 
 namespace tessara {
+
+const QString SldBlockverwaltung::kPlatzFormat = QStringLiteral("application/x-tessara-platz");
 
 SldBlockverwaltung::SldBlockverwaltung(int index, QWidget* eltern)
     : QWidget(eltern), index_(index) {
@@ -69,12 +73,32 @@ void SldBlockverwaltung::mouseMoveEvent(QMouseEvent* e) {
     auto* daten = new QMimeData;
     daten->setText(ziehText_);
     if (!ziehDatei_.isEmpty()) daten->setUrls({QUrl::fromLocalFile(ziehDatei_)});
+    daten->setData(kPlatzFormat, QByteArray::number(index_));
     auto* ziehen = new QDrag(this);
     ziehen->setMimeData(daten);
     if (!bild_.isNull())
         ziehen->setPixmap(QPixmap::fromImage(
             bild_.scaled(96, 72, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
-    ziehen->exec(Qt::CopyAction);
+    ziehen->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
+}
+
+// Only a slot of this window moves a Block; a file dragged in from outside
+// is no slot. A drop on the slot it came from changes nothing.
+void SldBlockverwaltung::dragEnterEvent(QDragEnterEvent* e) {
+    if (e->mimeData()->hasFormat(kPlatzFormat) &&
+        e->mimeData()->data(kPlatzFormat).toInt() != index_) {
+        e->setDropAction(Qt::MoveAction);
+        e->accept();
+    }
+}
+
+void SldBlockverwaltung::dropEvent(QDropEvent* e) {
+    bool ok = false;
+    const int von = e->mimeData()->data(kPlatzFormat).toInt(&ok);
+    if (!ok || von == index_) return;
+    e->setDropAction(Qt::MoveAction);
+    e->accept();
+    emit abgelegt(von, index_);
 }
 
 void SldBlockverwaltung::mouseDoubleClickEvent(QMouseEvent* e) {

@@ -24,11 +24,17 @@ class SldBlockverwaltung : public QWidget {
     // What a drag carries: the path text and the drawing as a file URL.
     // Empty: the slot cannot be dragged (free slot).
     void setZiehDaten(const QString& text, const QString& datei);
+    // Whether another slot may be dropped here (a Block moves onto it).
+    void setAblageErlaubt(bool erlaubt) { setAcceptDrops(erlaubt); }
+    // The format by which a slot's drag names the slot it came from.
+    static const QString kPlatzFormat;
 
   signals:
     void gedrueckt(int index);
     void doppelklick(int index);
     void groesseGeaendert();
+    // Slot `von` was dropped on this one.
+    void abgelegt(int von, int nach);
 
   protected:
     void paintEvent(QPaintEvent*) override;
@@ -36,6 +42,8 @@ class SldBlockverwaltung : public QWidget {
     void mouseMoveEvent(QMouseEvent* e) override;
     void mouseDoubleClickEvent(QMouseEvent* e) override;
     void resizeEvent(QResizeEvent*) override;
+    void dragEnterEvent(QDragEnterEvent* e) override;
+    void dropEvent(QDropEvent* e) override;
 
   private:
     int index_;
