@@ -241,7 +241,7 @@ Objekt* auswahlsatz(Modell& m, const std::wstring& name) {
 
 // The commands that leave a file behind, "._-wblock path\r..." and
 // "._mslide path\r...": the path runs to the carriage return. The drawing
-// records the answers that follow; the slide is a real one, a frame.
+// records the answers that follow; the slide is a real one, a cross.
 void dateiBefehle(const std::wstring& text) {
     const std::wstring t = gross(text);
     for (const std::wstring befehl : {L"-WBLOCK ", L"MSLIDE "}) {
@@ -250,14 +250,9 @@ void dateiBefehle(const std::wstring& text) {
             const std::string pfad = toUtf8(text.substr(von, bis - von));
             try {
                 if (befehl == L"MSLIDE ") {
-                    tessara::slide::Slide s;
-                    s.highX = 639;
-                    s.highY = 399;
-                    s.aspectRatio = 1.6;
-                    const std::int16_t x[] = {100, 540, 540, 100};
-                    const std::int16_t y[] = {100, 100, 300, 300};
-                    for (int i = 0; i < 4; ++i)
-                        s.addVector(7, {x[i], y[i]}, {x[(i + 1) % 4], y[(i + 1) % 4]});
+                    tessara::slide::Slide s{.highX = 639, .highY = 399, .aspectRatio = 1.6};
+                    s.addVector(7, {100, 100}, {540, 300});
+                    s.addVector(1, {100, 300}, {540, 100});
                     tessara::slide::writeSlideFile(s, pfad);
                 } else {
                     const std::string rest =
