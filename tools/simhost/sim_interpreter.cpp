@@ -41,33 +41,44 @@ std::string ohneAnfuehrung(std::string s) {
     return s;
 }
 
-bool istSystemvariable(const std::string& n) {
-    return n == "FILEDIA" || n == "EXPERT" || n == "ATTREQ" || n == "CMDECHO" || n == "ORTHOMODE";
+bool ja(const std::string& text) {
+    const std::string k = kanonisch(text);
+    return k == "Y" || k == "YES" || k == "J" || k == "JA";
 }
 
-bool punktLesen(const std::string& text, int& x, int& y) {
-    double a = 0, b = 0;
-    if (std::sscanf(text.c_str(), "%lf,%lf", &a, &b) != 2) return false;
-    x = static_cast<int>(a);
-    y = static_cast<int>(b);
-    return true;
-}
+const char* const kKeinObjekt = "Sie haben kein Objekt gewählt! Wiederholen? [<J>/N]:";
+const char* const kErsetzen = "Datei existiert bereits. Ersetzen? [Ja/Nein] <Nein>:";
 
 }  // namespace
 
 SimInterpreter::SimInterpreter(std::ostream& log) : log_(log) {
-    variablen_ = {{"FILEDIA", "1"}, {"EXPERT", "0"},  {"CLAYER", "0"},
-                  {"ATTREQ", "1"},  {"CMDECHO", "1"}, {"ORTHOMODE", "0"}};
-    // Something to see on a slide: a frame with a diagonal.
-    zeichnung_ = {{200, 100, 440, 100, 1},
-                  {440, 100, 440, 300, 1},
-                  {440, 300, 200, 300, 1},
-                  {200, 300, 200, 100, 1},
-                  {200, 100, 440, 300, 3}};
+    variablen_ = {{"FILEDIA", "1"}, {"EXPERT", "0"},    {"CLAYER", "0"}, {"ATTREQ", "1"},
+                  {"CMDECHO", "1"}, {"ORTHOMODE", "0"}, {"PDMODE", "0"}, {"INSBASE", "0,0,0"}};
+    // Something to see on a slide: a frame with a diagonal, one object a line.
+    const double rahmen[][5] = {{200, 100, 440, 100, 1},
+                                {440, 100, 440, 300, 1},
+                                {440, 300, 200, 300, 1},
+                                {200, 300, 200, 100, 1},
+                                {200, 100, 440, 300, 3}};
+    for (const auto& l : rahmen) {
+        objekte_.push_back(
+            {naechsteId_++, "LINIE", static_cast<int>(l[4]), "0", {{{l[0], l[1]}, {l[2], l[3]}}}});
+    }
+}
+
+bool SimInterpreter::istVariable(const std::string& name) const {
+    return variablen_.count(name) || name == "EXTMIN" || name == "EXTMAX";
 }
 
 std::string SimInterpreter::variable(const std::string& name) const {
-    auto it = variablen_.find(gross(name));
+    const std::string n = gross(name);
+    if (n == "EXTMIN" || n == "EXTMAX") {
+        // AutoCAD's answer for an empty drawing: inverted, huge extents.
+        const auto g = grenzen(objekte_);
+        if (!g) return n == "EXTMIN" ? "1e+20,1e+20,1e+20" : "-1e+20,-1e+20,-1e+20";
+        return punktText(n == "EXTMIN" ? g->a : g->b, true);
+    }
+    auto it = variablen_.find(n);
     return it == variablen_.end() ? std::string() : it->second;
 }
 
@@ -78,8 +89,12 @@ void SimInterpreter::schreib(const std::string& zeile) {
 
 std::string SimInterpreter::prompt() const {
     if (befehl_.empty()) return "Befehl:";
-    if (warten_ == Warten::Punkt) return befehl_ + " Einfuegepunkt angeben:";
-    if (warten_ == Warten::Rechtsklick) return befehl_ + " Objekte waehlen:";
+    if (!frage_.empty()) return frage_;
+    if (warten_ == Warten::Punkt)
+        return befehl_ + (punkte_.empty() && (befehl_ == "INSERT" || befehl_ == "XREF")
+                              ? " Einfuegepunkt angeben:"
+                              : " Punkt angeben:");
+    if (warten_ == Warten::Auswahl) return befehl_ + " Objekte waehlen:";
     return befehl_ + ":";
 }
 
@@ -135,21 +150,33 @@ void SimInterpreter::ausfuehren(const std::string& text) {
 }
 
 void SimInterpreter::befehlBeginnen(const std::string& name, const std::string& roh) {
-    static const std::set<std::string> bekannt = {"SCRIPT", "SETVAR", "UNDO",  "MSLIDE", "WBLOCK",
-                                                  "INSERT", "XREF",   "LAYER", "OPEN"};
-    if (!bekannt.count(name) && !istSystemvariable(name)) {
+    static const std::set<std::string> bekannt = {
+        "SCRIPT", "SETVAR", "GETVAR", "UNDO",   "MSLIDE", "WBLOCK", "INSERT", "XREF",
+        "LAYER",  "OPEN",   "DONUT",  "CHANGE", "ZOOM",   "PAN",    "HIDE",   "BASE"};
+    if (name == "EXTMIN" || name == "EXTMAX") {
+        // Read-only: the host only tells the value.
+        schreib("GETVAR " + name + "=" + variable(name));
+        return;
+    }
+    if (!bekannt.count(name) && !istVariable(name)) {
         schreib("UNBEKANNT [" + roh + "]");
         return;
     }
+    fertig();
     befehl_ = name;
-    antworten_.clear();
-    warten_ = Warten::Eingabe;
-    punkt_.reset();
     schreib("BEFEHL " + name);
     if ((name == "SCRIPT" || name == "MSLIDE" || name == "OPEN") && variable("FILEDIA") == "1") {
         // A real host opens its file dialog here; typed text then lands in it.
         schreib("DATEIDIALOG " + name);
         befehl_ = "DIALOG";
+    } else if (name == "HIDE") {
+        ansicht_.verdeckt = true;
+        schreib("HIDE ansicht=" + ansicht_.text());
+        fertig();
+    } else if (name == "BASE" || name == "PAN") {
+        warten_ = Warten::Punkt;
+    } else if (name == "CHANGE") {
+        auswahlBeginnen();
     }
 }
 
@@ -159,47 +186,56 @@ void SimInterpreter::antwort(const std::string& text) {
         return;
     }
     if (warten_ == Warten::Punkt) {
-        int x = 0, y = 0;
-        if (!punktLesen(text, x, y)) {
+        if (const auto p = punktLesen(text)) {
+            punktNehmen(*p);
+        } else if (trimmen(text).empty() && (befehl_ == "DONUT" || befehl_ == "PAN")) {
+            // PAN: one point and Enter make the point the displacement.
+            if (befehl_ == "PAN" && punkte_.size() == 1) {
+                const Punkt d = punkte_[0];
+                punkte_ = {Punkt{}};
+                punktNehmen(d);
+            }
+            fertig();
+        } else {
             schreib("PUNKT ERWARTET [" + text + "]");
-            return;
         }
-        punkt_ = {x, y};
-        warten_ = Warten::Eingabe;
-        schreib("PUNKT " + std::to_string(x) + "," + std::to_string(y));
         return;
     }
-    if (warten_ == Warten::Rechtsklick) {
-        schreib("AUSWAHL [" + text + "]");
-        if (trimmen(text).empty()) rechtsklick();
+    if (warten_ == Warten::Auswahl) {
+        auswahlText(text);
         return;
     }
     antworten_.push_back(text);
     const std::size_t n = antworten_.size();
+    const std::string t = trimmen(text);
 
-    if (istSystemvariable(befehl_)) {
-        variablen_[befehl_] = trimmen(text);
-        schreib("SETVAR " + befehl_ + "=" + trimmen(text));
+    if (istVariable(befehl_)) {
+        variablen_[befehl_] = t;
+        schreib("SETVAR " + befehl_ + "=" + t);
         fertig();
     } else if (befehl_ == "SETVAR") {
         if (n == 2) {
             const std::string name = gross(trimmen(antworten_[0]));
-            variablen_[name] = trimmen(text);
-            schreib("SETVAR " + name + "=" + trimmen(text));
+            variablen_[name] = t;
+            schreib("SETVAR " + name + "=" + t);
             fertig();
         }
+    } else if (befehl_ == "GETVAR") {
+        schreib("GETVAR " + gross(t) + "=" + variable(t));
+        fertig();
     } else if (befehl_ == "SCRIPT") {
         fertig();
         skriptLaden(ohneAnfuehrung(text));
     } else if (befehl_ == "UNDO") {
         const std::string o = kanonisch(text);
         if (o == "M" || o == "MARK") {
-            undoMarke_ = zeichnung_;
+            undoMarke_ = Stand{objekte_, ansicht_};
             schreib("UNDO MARKE");
         } else if (o == "B" || o == "BACK") {
             if (undoMarke_) {
-                zeichnung_ = *undoMarke_;
-                schreib("UNDO ZURUECK");
+                objekte_ = undoMarke_->objekte;
+                ansicht_ = undoMarke_->ansicht;
+                schreib("UNDO ZURUECK ansicht=" + ansicht_.text());
             } else {
                 schreib("UNDO ZURUECK OHNE MARKE");
             }
@@ -208,29 +244,52 @@ void SimInterpreter::antwort(const std::string& text) {
         }
         fertig();
     } else if (befehl_ == "MSLIDE") {
-        sliedeSchreiben(ohneAnfuehrung(text));
+        const std::string pfad = ohneAnfuehrung(antworten_[0]);
+        std::error_code ec;
+        if (n == 1 && std::filesystem::exists(platform::nativePath(pfad), ec)) {
+            frage_ = kErsetzen;
+            schreib("FRAGE " + frage_);
+            return;
+        }
+        if (n == 1 || ja(text)) {
+            slideSchreiben(pfad);
+        } else {
+            schreib("MSLIDE NICHT ERSETZT " + pfad);
+        }
         fertig();
     } else if (befehl_ == "OPEN") {
         schreib("OPEN " + ohneAnfuehrung(text));
         fertig();
     } else if (befehl_ == "WBLOCK") {
-        if (n == 2) {
-            if (trimmen(text).empty()) {
-                warten_ = Warten::Rechtsklick;
-                schreib("WBLOCK WAEHLT OBJEKTE");
+        if (!frage_.empty()) {
+            frage_.clear();
+            if (t == "j" || t == "J") {
+                auswahlBeginnen();
             } else {
-                zeichnungSchreiben(ohneAnfuehrung(antworten_[0]));
+                schreib("WBLOCK OHNE OBJEKTE");
                 fertig();
             }
+        } else if (n == 2 && t.empty()) {
+            warten_ = Warten::Punkt;
+            schreib("WBLOCK WARTET AUF BASISPUNKT");
+        } else if (n == 2) {
+            zeichnungSchreiben(ohneAnfuehrung(antworten_[0]), objekte_, variable("INSBASE"));
+            fertig();
         }
+    } else if (befehl_ == "DONUT") {
+        if (n == 2) warten_ = Warten::Punkt;
+    } else if (befehl_ == "CHANGE") {
+        aendern(text);
+    } else if (befehl_ == "ZOOM") {
+        zoomen(text);
     } else if (befehl_ == "INSERT" || befehl_ == "XREF") {
-        const std::string t = ohneAnfuehrung(text);
-        const bool dateiAngabe = t.find('=') != std::string::npos ||
-                                 t.find('\\') != std::string::npos ||
-                                 t.find('/') != std::string::npos;
+        const std::string a = ohneAnfuehrung(text);
+        const bool dateiAngabe = a.find('=') != std::string::npos ||
+                                 a.find('\\') != std::string::npos ||
+                                 a.find('/') != std::string::npos;
         if (!punkt_ && dateiAngabe) {
-            const auto gleich = t.find('=');
-            const std::string datei = gleich == std::string::npos ? t : t.substr(gleich + 1);
+            const auto gleich = a.find('=');
+            const std::string datei = gleich == std::string::npos ? a : a.substr(gleich + 1);
             std::error_code ec;
             if (!std::filesystem::exists(platform::nativePath(datei), ec)) {
                 schreib("FEHLER DATEI NICHT GEFUNDEN " + datei);
@@ -244,15 +303,14 @@ void SimInterpreter::antwort(const std::string& text) {
         if (punkt_) {
             std::size_t nachPunkt = 0;
             for (std::size_t i = 0; i < antworten_.size(); ++i) {
-                const std::string a = ohneAnfuehrung(antworten_[i]);
-                if (a.find('=') != std::string::npos || a.find('\\') != std::string::npos ||
-                    a.find('/') != std::string::npos)
+                const std::string b = ohneAnfuehrung(antworten_[i]);
+                if (b.find('=') != std::string::npos || b.find('\\') != std::string::npos ||
+                    b.find('/') != std::string::npos)
                     nachPunkt = antworten_.size() - i - 1;
             }
             if (nachPunkt == 3) einfuegungAbschliessen();
         }
     } else if (befehl_ == "LAYER") {
-        const std::string t = trimmen(text);
         if (n >= 2) {
             const std::string vorher = kanonisch(antworten_[n - 2]);
             if ((vorher == "SE" || vorher == "S" || vorher == "SET") && !t.empty()) {
@@ -266,6 +324,165 @@ void SimInterpreter::antwort(const std::string& text) {
             fertig();
         }
     }
+}
+
+void SimInterpreter::punktNehmen(Punkt p) {
+    if (befehl_ == "PAN" && punkte_.size() == 1) {
+        // The drawing moves by the displacement; the view the other way.
+        const Punkt d{p.x - punkte_[0].x, p.y - punkte_[0].y};
+        Ansicht neu = ansicht_;
+        neu.mitte = {neu.mitte.x - d.x, neu.mitte.y - d.y};
+        ansichtSetzen("PAN " + punktText(d), neu);
+        fertig();
+        return;
+    }
+    schreib("PUNKT " + punktText(p));
+    punkte_.push_back(p);
+    if (befehl_ == "INSERT" || befehl_ == "XREF") {
+        punkt_ = p;
+        warten_ = Warten::Eingabe;
+    } else if (befehl_ == "WBLOCK") {
+        auswahlBeginnen();
+    } else if (befehl_ == "BASE") {
+        variablen_["INSBASE"] = punktText(p, true);
+        schreib("SETVAR INSBASE=" + variablen_["INSBASE"]);
+        fertig();
+    } else if (befehl_ == "DONUT") {
+        const double innen = std::atof(antworten_[0].c_str());
+        const double aussen = std::atof(antworten_[1].c_str());
+        Objekt o = donut(naechsteId_++, innen, aussen, p);
+        o.layer = variable("CLAYER");
+        objekte_.push_back(o);
+        schreib("DONUT " + std::to_string(o.id) + " innen=" + zahl(innen) +
+                " aussen=" + zahl(aussen) + " punkt=" + punktText(p));
+    } else if (befehl_ == "ZOOM" && punkte_.size() == 2) {
+        ansichtSetzen("ZOOM FENSTER", Ansicht::umfassend(punkte_[0], punkte_[1]));
+        fertig();
+    }
+}
+
+void SimInterpreter::auswahlBeginnen() {
+    warten_ = Warten::Auswahl;
+    auswahl_.clear();
+    schreib(befehl_ + " WAEHLT OBJEKTE");
+}
+
+void SimInterpreter::auswahlText(const std::string& text) {
+    schreib("AUSWAHL [" + text + "]");
+    const std::string t = trimmen(text);
+    const std::string k = kanonisch(t);
+    if (t.empty()) {
+        auswahlEnde();
+    } else if (k == "ALL" || k == "ALLE") {
+        for (const auto& o : objekte_) waehlen(o);
+    } else if (k == "P" || k == "PREVIOUS" || k == "VORHER") {
+        for (const int id : vorherige_)
+            for (const auto& o : objekte_)
+                if (o.id == id) waehlen(o);
+    } else if (gross(t) == "(ENTLAST)" || k == "L" || k == "LAST" || k == "LETZTES") {
+        if (!objekte_.empty()) waehlen(objekte_.back());
+    } else {
+        schreib("AUSWAHL UNBEKANNT [" + text + "]");
+    }
+}
+
+void SimInterpreter::waehlen(const Objekt& o) {
+    if (std::find(auswahl_.begin(), auswahl_.end(), o.id) != auswahl_.end()) {
+        schreib("DOPPELT " + std::to_string(o.id));
+        return;
+    }
+    auswahl_.push_back(o.id);
+    schreib("GEWAEHLT " + std::to_string(o.id) + " " + o.art);
+}
+
+void SimInterpreter::auswahlEnde() {
+    schreib("AUSWAHL ENDE (" + std::to_string(auswahl_.size()) + " Objekte)");
+    if (!auswahl_.empty()) vorherige_ = auswahl_;
+    if (befehl_ == "WBLOCK") {
+        warten_ = Warten::Eingabe;
+        if (auswahl_.empty()) {
+            frage_ = kKeinObjekt;
+            schreib("FRAGE " + frage_);
+            return;
+        }
+        std::vector<Objekt> gewaehlt, rest;
+        for (const int id : auswahl_)
+            for (const auto& o : objekte_)
+                if (o.id == id) gewaehlt.push_back(o);
+        for (const auto& o : objekte_)
+            if (std::find(auswahl_.begin(), auswahl_.end(), o.id) == auswahl_.end())
+                rest.push_back(o);
+        // WBLOCK takes the chosen objects out of the drawing.
+        if (zeichnungSchreiben(ohneAnfuehrung(antworten_[0]), gewaehlt,
+                               punktText(punkte_[0], true)))
+            objekte_ = rest;
+        fertig();
+    } else if (befehl_ == "CHANGE" && !auswahl_.empty()) {
+        warten_ = Warten::Eingabe;
+    } else {
+        fertig();
+    }
+}
+
+void SimInterpreter::aendern(const std::string& text) {
+    const std::string t = trimmen(text);
+    const std::string k = kanonisch(t);
+    if (t.empty()) {
+        fertig();
+    } else if (!eigenschaft_.empty()) {
+        for (auto& o : objekte_) {
+            if (std::find(auswahl_.begin(), auswahl_.end(), o.id) == auswahl_.end()) continue;
+            if (eigenschaft_ == "farbe") {
+                o.farbe = std::atoi(t.c_str());
+            } else {
+                o.layer = t;
+            }
+            schreib("CHANGE " + std::to_string(o.id) + " " + eigenschaft_ + "=" + t);
+        }
+        eigenschaft_.clear();
+    } else if (k == "COL" || k == "COLOR" || k == "FA" || k == "FARBE") {
+        eigenschaft_ = "farbe";
+    } else if (k == "LA" || k == "LAYER") {
+        eigenschaft_ = "layer";
+    } else if (k != "P" && k != "PROP" && k != "E" && k != "EIGENSCHAFTEN") {
+        schreib("CHANGE UNBEKANNT [" + text + "]");
+    }
+}
+
+void SimInterpreter::zoomen(const std::string& text) {
+    const std::string t = trimmen(text);
+    const std::string k = kanonisch(t);
+    char* ende = nullptr;
+    const double faktor = std::strtod(t.c_str(), &ende);
+    if (const auto p = punktLesen(t)) {
+        warten_ = Warten::Punkt;
+        punktNehmen(*p);
+        return;
+    }
+    if (k == "W" || k == "WINDOW" || k == "F" || k == "FENSTER") {
+        warten_ = Warten::Punkt;
+        return;
+    }
+    if (k == "E" || k == "EXTENTS" || k == "G" || k == "GRENZEN") {
+        if (const auto g = grenzen(objekte_)) {
+            ansichtSetzen("ZOOM GRENZEN", Ansicht::umfassend(g->a, g->b));
+        } else {
+            schreib("ZOOM GRENZEN LEER");
+        }
+    } else if (faktor > 0 && ende && (*ende == 'x' || *ende == 'X') && ende[1] == '\0') {
+        Ansicht neu = ansicht_;
+        neu.hoehe /= faktor;
+        ansichtSetzen("ZOOM " + zahl(faktor) + "X", neu);
+    } else if (!t.empty()) {
+        schreib("ZOOM UNBEKANNT [" + text + "]");
+    }
+    fertig();
+}
+
+void SimInterpreter::ansichtSetzen(const std::string& was, const Ansicht& neu) {
+    ansicht_ = neu;
+    ansicht_.verdeckt = false;  // a new view is drawn again, hidden lines and all
+    schreib(was + " ansicht=" + ansicht_.text());
 }
 
 void SimInterpreter::einfuegungAbschliessen() {
@@ -300,16 +517,18 @@ void SimInterpreter::einfuegungAbschliessen() {
         block = angabe.substr(0, gleich);
         datei = angabe.substr(gleich + 1);
     }
-    const int px = punkt_->first, py = punkt_->second;
-    std::string zeile = befehl_ + " block=" + block + " datei=" + datei +
-                        " punkt=" + std::to_string(px) + "," + std::to_string(py) + " x=" + x +
-                        " y=" + y + " winkel=" + w + " layer=" + variable("CLAYER");
+    const Punkt p = *punkt_;
+    std::string zeile = befehl_ + " block=" + block + " datei=" + datei + " punkt=" + punktText(p) +
+                        " x=" + x + " y=" + y + " winkel=" + w + " layer=" + variable("CLAYER");
     if (!optionen.empty()) zeile += " optionen=" + optionen;
     schreib(zeile);
     bloecke_.insert(block);
     // The inserted block shows as a small cross at its point.
-    zeichnung_.push_back({px - 8, py, px + 8, py, 2});
-    zeichnung_.push_back({px, py - 8, px, py + 8, 2});
+    objekte_.push_back({naechsteId_++,
+                        "BLOCK",
+                        2,
+                        variable("CLAYER"),
+                        {{{p.x - 8, p.y}, {p.x + 8, p.y}}, {{p.x, p.y - 8}, {p.x, p.y + 8}}}});
     fertig();
 }
 
@@ -317,7 +536,11 @@ void SimInterpreter::fertig() {
     befehl_.clear();
     antworten_.clear();
     warten_ = Warten::Eingabe;
+    frage_.clear();
     punkt_.reset();
+    punkte_.clear();
+    auswahl_.clear();
+    eigenschaft_.clear();
 }
 
 void SimInterpreter::escape() {
@@ -332,21 +555,21 @@ void SimInterpreter::escape() {
 
 void SimInterpreter::linksklick(int x, int y) {
     schreib("KLICK LINKS " + std::to_string(x) + "," + std::to_string(y));
+    const Punkt p = ansicht_.inZeichnung(x, y);
     if (warten_ == Warten::Punkt) {
-        punkt_ = {x, y};
-        warten_ = Warten::Eingabe;
-        schreib("PUNKT " + std::to_string(x) + "," + std::to_string(y));
+        punktNehmen(p);
+    } else if (warten_ == Warten::Auswahl) {
+        if (const Objekt* o = naechstesObjekt(objekte_, p)) {
+            waehlen(*o);
+        } else {
+            schreib("KEIN OBJEKT");
+        }
     }
 }
 
 void SimInterpreter::rechtsklick() {
     schreib("KLICK RECHTS");
-    if (warten_ == Warten::Rechtsklick && befehl_ == "WBLOCK") {
-        zeichnungSchreiben(ohneAnfuehrung(antworten_[0]));
-        // WBLOCK takes the chosen objects out of the drawing.
-        zeichnung_.clear();
-        fertig();
-    }
+    if (warten_ == Warten::Auswahl) auswahlEnde();
 }
 
 void SimInterpreter::aktiviert(bool aktiv) { schreib(aktiv ? "FENSTER AKTIV" : "FENSTER INAKTIV"); }
@@ -367,46 +590,50 @@ void SimInterpreter::skriptLaden(const std::string& pfad) {
     schreib("SCRIPT " + pfad + " (" + std::to_string(n) + " Zeilen)");
 }
 
-void SimInterpreter::sliedeSchreiben(const std::string& pfad) {
+void SimInterpreter::slideSchreiben(const std::string& pfad) {
     try {
         tessara::slide::Slide s;
         s.highX = kBreite - 1;
         s.highY = kHoehe - 1;
         s.aspectRatio = static_cast<double>(kBreite) / kHoehe;
-        auto klemmen = [](int v, int hoch) {
-            return static_cast<std::int16_t>(std::clamp(v, 0, hoch));
-        };
-        for (const auto& l : zeichnung_) {
+        const auto linien = bildschirm();
+        for (const auto& l : linien) {
             s.addVector(static_cast<std::uint8_t>(l.farbe),
-                        {klemmen(l.x1, s.highX), klemmen(l.y1, s.highY)},
-                        {klemmen(l.x2, s.highX), klemmen(l.y2, s.highY)});
+                        {static_cast<std::int16_t>(l.x1), static_cast<std::int16_t>(l.y1)},
+                        {static_cast<std::int16_t>(l.x2), static_cast<std::int16_t>(l.y2)});
         }
         tessara::slide::writeSlideFile(s, platform::nativePath(pfad));
-        schreib("MSLIDE " + pfad + " (" + std::to_string(zeichnung_.size()) + " Vektoren)");
+        schreib("MSLIDE " + pfad + " (" + std::to_string(linien.size()) + " Vektoren)");
     } catch (const std::exception& e) {
         schreib("FEHLER MSLIDE " + pfad + ": " + e.what());
     }
 }
 
-void SimInterpreter::zeichnungSchreiben(const std::string& pfad) {
+bool SimInterpreter::zeichnungSchreiben(const std::string& pfad, const std::vector<Objekt>& objekte,
+                                        const std::string& basis) {
     const std::string ziel = platform::nativePath(pfad);
     const std::string temp = ziel + ".schreibt";
     {
         std::ofstream f(temp, std::ios::binary | std::ios::trunc);
         if (!f) {
             schreib("FEHLER WBLOCK " + pfad);
-            return;
+            return false;
         }
-        f << "SIMHOST ZEICHNUNG\n";
-        for (const auto& l : zeichnung_) {
-            f << "LINIE " << l.x1 << ' ' << l.y1 << ' ' << l.x2 << ' ' << l.y2 << ' ' << l.farbe
+        f << "SIMHOST ZEICHNUNG\nBASIS " << basis << '\n';
+        for (const auto& o : objekte) {
+            f << "OBJEKT " << o.id << ' ' << o.art << " farbe=" << o.farbe << " layer=" << o.layer
               << '\n';
+            for (const auto& s : o.strecken)
+                f << "LINIE " << zahl(s.a.x) << ' ' << zahl(s.a.y) << ' ' << zahl(s.b.x) << ' '
+                  << zahl(s.b.y) << ' ' << o.farbe << '\n';
         }
     }
     std::error_code ec;
     std::filesystem::rename(temp, ziel, ec);
     schreib(ec ? "FEHLER WBLOCK " + pfad
-               : "WBLOCK " + pfad + " (" + std::to_string(zeichnung_.size()) + " Objekte)");
+               : "WBLOCK " + pfad + " (" + std::to_string(objekte.size()) +
+                     " Objekte) basis=" + basis);
+    return !ec;
 }
 
 }  // namespace simhost

@@ -11,12 +11,9 @@
 #include <string>
 #include <vector>
 
-namespace simhost {
+#include "sim_zeichnung.h"
 
-struct Linie {
-    int x1, y1, x2, y2;
-    int farbe;
-};
+namespace simhost {
 
 class SimInterpreter {
   public:
@@ -25,7 +22,8 @@ class SimInterpreter {
     // One input: a command name or an answer to the pending prompt.
     void eingabe(const std::string& text);
     void escape();
-    // A pick in drawing coordinates (origin lower left).
+    // A click on the screen, in pixels with the origin lower left: a point
+    // through the view, or the pick of the nearest object while selecting.
     void linksklick(int x, int y);
     void rechtsklick();
     // The window became the active one, or stopped being it: tests wait on
@@ -34,37 +32,56 @@ class SimInterpreter {
 
     // What the window shows below the drawing.
     std::string prompt() const;
-    const std::vector<Linie>& zeichnung() const { return zeichnung_; }
+    const std::vector<Objekt>& objekte() const { return objekte_; }
+    // What the screen shows, as a slide would take it.
+    std::vector<Bildlinie> bildschirm() const { return bild(objekte_, ansicht_); }
     std::string variable(const std::string& name) const;
 
-    // The screen size the slides are written for.
-    static constexpr int kBreite = 640;
-    static constexpr int kHoehe = 400;
-
   private:
-    enum class Warten { Eingabe, Punkt, Rechtsklick };
+    enum class Warten { Eingabe, Punkt, Auswahl };
+    struct Stand {
+        std::vector<Objekt> objekte;
+        Ansicht ansicht;
+    };
 
     void schreib(const std::string& zeile);
+    bool istVariable(const std::string& name) const;
     void ausfuehren(const std::string& text);
     void befehlBeginnen(const std::string& name, const std::string& roh);
     void antwort(const std::string& text);
+    void punktNehmen(Punkt p);
+    void auswahlBeginnen();
+    void auswahlText(const std::string& text);
+    void waehlen(const Objekt& o);
+    void auswahlEnde();
+    void aendern(const std::string& text);
+    void zoomen(const std::string& text);
+    void ansichtSetzen(const std::string& was, const Ansicht& neu);
     void fertig();
     void skriptLaden(const std::string& pfad);
     void skriptWeiter();
-    void sliedeSchreiben(const std::string& pfad);
-    void zeichnungSchreiben(const std::string& pfad);
+    void slideSchreiben(const std::string& pfad);
+    bool zeichnungSchreiben(const std::string& pfad, const std::vector<Objekt>& objekte,
+                            const std::string& basis);
     void einfuegungAbschliessen();
 
     std::ostream& log_;
-    std::vector<Linie> zeichnung_;
-    std::optional<std::vector<Linie>> undoMarke_;
+    std::vector<Objekt> objekte_;
+    Ansicht ansicht_;
+    int naechsteId_ = 1;
+    std::optional<Stand> undoMarke_;
     std::map<std::string, std::string> variablen_;
     std::set<std::string> bloecke_;
 
     std::string befehl_;                  // canonical name of the running command, empty at rest
     std::vector<std::string> antworten_;  // answers given to it so far
     Warten warten_ = Warten::Eingabe;
-    std::optional<std::pair<int, int>> punkt_;
+    std::string frage_;           // a yes/no question of the running command, empty when none
+    std::optional<Punkt> punkt_;  // INSERT's insertion point
+    std::vector<Punkt> punkte_;   // points of the running command
+    std::vector<int> auswahl_;    // ids picked by the running selection
+    std::vector<int> vorherige_;  // the previous selection set ("_p")
+    std::string eigenschaft_;     // CHANGE: the property the next answer sets
 
     // A transparent command ('setvar) running inside another one.
     std::string transparent_;

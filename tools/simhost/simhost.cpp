@@ -18,6 +18,7 @@
 #include <iostream>
 #include <string>
 
+#include "authoring/aci_farben.h"
 #include "sim_interpreter.h"
 
 namespace {
@@ -30,7 +31,7 @@ constexpr int kZeile = 24;  // height of the command line below the drawing
 class HostFenster : public QWidget {
   public:
     explicit HostFenster(simhost::SimInterpreter& host) : host_(host) {
-        setFixedSize(simhost::SimInterpreter::kBreite, simhost::SimInterpreter::kHoehe + kZeile);
+        setFixedSize(simhost::kBreite, simhost::kHoehe + kZeile);
         setFocusPolicy(Qt::StrongFocus);
         QPalette weiss = palette();
         weiss.setColor(QPalette::Window, Qt::white);
@@ -46,18 +47,24 @@ class HostFenster : public QWidget {
 
     void paintEvent(QPaintEvent*) override {
         QPainter p(this);
+        const int h = simhost::kHoehe;
+        // The lines a slide would take, in their colours on the white ground.
+        for (const auto& l : host_.bildschirm()) {
+            const auto c = tessara::slide::aciZeichenfarbe(l.farbe, false);
+            p.setPen(QColor(c.r, c.g, c.b));
+            p.drawLine(l.x1, h - 1 - l.y1, l.x2, h - 1 - l.y2);
+        }
         p.setPen(Qt::black);
-        const int h = simhost::SimInterpreter::kHoehe;
-        for (const auto& l : host_.zeichnung()) p.drawLine(l.x1, h - 1 - l.y1, l.x2, h - 1 - l.y2);
-        p.drawLine(0, h, simhost::SimInterpreter::kBreite, h);
+        p.drawLine(0, h, simhost::kBreite, h);
         p.drawText(4, h + kZeile - 8, QString::fromStdString(host_.prompt() + " " + puffer_));
     }
 
     void mousePressEvent(QMouseEvent* e) override {
-        // Picks are in drawing coordinates, origin lower left.
+        // Picks are in screen pixels, origin lower left; the host maps them
+        // through its view.
         const QPoint pos = e->position().toPoint();
         if (e->button() == Qt::LeftButton) {
-            host_.linksklick(pos.x(), simhost::SimInterpreter::kHoehe - 1 - pos.y());
+            host_.linksklick(pos.x(), simhost::kHoehe - 1 - pos.y());
         } else if (e->button() == Qt::RightButton) {
             host_.rechtsklick();
         }

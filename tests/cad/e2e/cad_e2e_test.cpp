@@ -72,6 +72,10 @@ class SimHostE2E : public ::testing::Test {
                      desktop.haltenBisGesehen(knopf == 1 ? platform::Key::LeftButton
                                                          : platform::Key::RightButton));
     }
+    // A pick the program does not watch for: held until the host logged `bis`.
+    void klickenBis(unsigned int knopf, int x, int y, const std::string& bis) {
+        Hand().klick(knopf, x, y, [&] { warteAufLog(log, bis); });
+    }
     void escapeDruecken() { Hand().escape(desktop.haltenBisGesehen(platform::Key::Escape)); }
     void zeichnungAnlegen(const std::string& rel, const std::string& inhalt) {
         fs::create_directories((verzeichnis / "c" / rel).parent_path());
@@ -194,21 +198,51 @@ TEST_F(SimHostE2E, XrefOhneLayersteuerungAusDerEinstellungsdatei) {
         EXPECT_EQ(l.find(nicht), std::string::npos) << nicht << "\n" << l;
 }
 
+// The user picks the base point, then the diagonal of the host's frame
+// (drawing point 320,200 is root pixel 320,199: the window sits at the
+// origin, drawing y counts up from its lower edge), then ends the selection
+// with the right button.
 TEST_F(SimHostE2E, NeuerBlockMitRechtsklick) {
     ltHostVerbinden();
     std::thread nutzer([&] {
-        if (warteAufLog(log, "WBLOCK WAEHLT OBJEKTE")) klicken(3, 300, 200);
+        if (!warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) return;
+        klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
+        klickenBis(1, 320, 199, "GEWAEHLT ");
+        klickenBis(3, 300, 200, "WBLOCK c:");
     });
-    LtBlockNeu neu{"c:\\Bib\\", "001", "0010C", 0, false};
-    const auto r = ACadLtBlockNeu(z, v, e, neu);
+    const auto r = ACadLtBlockNeu(z, v, e, LtBlockNeu{"c:\\Bib\\", "001", "0010C", 0, false});
     nutzer.join();
     EXPECT_TRUE(r.booDateiBesteht);
     EXPECT_FALSE(r.booZeitAbgelaufen);
-    const auto dwg = verzeichnis / "c" / "Bib" / "001" / "Block" / "0010C0.dwg";
-    EXPECT_EQ(lesen(dwg).rfind("SIMHOST ZEICHNUNG", 0), 0u);
-    EXPECT_TRUE(fs::exists(verzeichnis / "c" / "Bib" / "001" / "Block" / "0010C0.sld"));
+    const auto block = verzeichnis / "c" / "Bib" / "001" / "Block";
+    EXPECT_EQ(lesen(block / "0010C0.dwg"),
+              "SIMHOST ZEICHNUNG\nBASIS 200,100,0\nOBJEKT 5 LINIE farbe=3 layer=0\n"
+              "LINIE 200 100 440 300 3\n");
+    EXPECT_EQ(slide::readSlideFile((block / "0010C0.sld").string()).elements.size(), 5u);
     ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
     EXPECT_NE(lesen(log).find("SKRIPT [._-wblock ]"), std::string::npos);
+}
+
+// Enter ends a selection without objects; the host asks again, "j" lets the
+// user pick once more.
+TEST_F(SimHostE2E, NeuerBlockKeinObjektWiederholt) {
+    ltHostVerbinden();
+    std::thread nutzer([&] {
+        if (!warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) return;
+        klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
+        Hand().enter();
+        if (!warteAufLog(log, "FRAGE Sie haben kein Objekt gewählt! Wiederholen? [<J>/N]:")) return;
+        Hand().buchstabe('j');
+        Hand().enter();
+        if (!warteAufLog(log, "EINGABE [j]\nWBLOCK WAEHLT OBJEKTE")) return;
+        klickenBis(1, 441, 200, "GEWAEHLT ");
+        klickenBis(3, 300, 200, "WBLOCK c:");
+    });
+    const auto r = ACadLtBlockNeu(z, v, e, LtBlockNeu{"c:\\Bib\\", "001", "0010D", 0, false});
+    nutzer.join();
+    EXPECT_TRUE(r.booDateiBesteht) << lesen(log);
+    const std::string dwg = lesen(verzeichnis / "c" / "Bib" / "001" / "Block" / "0010D0.dwg");
+    EXPECT_NE(dwg.find("\nOBJEKT 2 LINIE"), std::string::npos) << dwg;
 }
 
 }  // namespace

@@ -39,6 +39,9 @@ void Hand::escape(const std::function<void()>& halten) { taste(XK_Escape, halten
 
 void Hand::enter() { taste(XK_Return, {}); }
 
+// Latin-1 letters and digits have their character code as keysym.
+void Hand::buchstabe(char c) { taste(static_cast<unsigned char>(c), {}); }
+
 void Hand::taste(unsigned long keysym, const std::function<void()>& halten) {
     auto* d = static_cast<Display*>(dpy_);
     if (!d) return;

@@ -24,6 +24,8 @@ class Hand {
     // Presses and releases Enter, as a typed key: held, it would repeat into
     // whatever window takes the focus next.
     void enter();
+    // Presses and releases a letter or digit key.
+    void buchstabe(char c);
 
   private:
     void taste(unsigned long keysym, const std::function<void()>& halten);

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 #include <thread>
@@ -171,6 +172,37 @@ TEST_F(AcadUeberComMitFakeServer, DokumentSchliessenRuftCloseAuf) {
     serverLaeuft();
     EXPECT_TRUE(fctAcadDokumentSchliessen(z, v));
     EXPECT_EQ(neueAufrufe(), "Application.ActiveDocument\nDocument.Close\n");
+}
+
+// What a new block asks of the host: objects picked on screen into a named
+// set (an old set of the name goes first), hidden, the user's text and point,
+// the extents, and the commands that leave the drawing and the slide.
+TEST_F(AcadUeberComMitFakeServer, NeuerBlockAusObjektenAmBildschirm) {
+    serverLaeuft();
+    CreateDirectoryW(L"c:\\tessara_neu", nullptr);
+    const auto d = v.acadApp->ActiveDocument();
+    auto datei = [](const char* pfad) { return std::filesystem::exists(pfad) ? "da" : "fehlt"; };
+    const std::pair<const char*, std::function<std::string()>> schritte[] = {
+        {"2", [&] { return std::to_string(d->AuswahlAmBildschirm("SS6")); }},
+        {"2", [&] { return std::to_string(d->AuswahlAmBildschirm("SS6")); }},
+        {"", [&] { return d->AuswahlAusblenden("SS6"), std::string(); }},
+        {"j", [&] { return d->GetString("Sie haben kein Objekt gewählt! Wiederholen? [<J>/N]:"); }},
+        {"120.5,80,0", [&] { return d->GetPoint("Erste Ecke für das Dia angeben: "); }},
+        {"10,20,0", [&] { return d->GetVariable("extmin"); }},
+        {"12.5,20,0", [&] { return d->GetVariable("insbase"); }},
+        {"da",
+         [&] {
+             d->SendCommand("._-wblock c:\\tessara_neu\\0010C0.dwg\r\r12.5,20,0\r_p \r");
+             return datei("c:\\tessara_neu\\0010C0.dwg");
+         }},
+        {"da",
+         [&] {
+             d->SendCommand("._mslide c:\\tessara_neu\\0A.sld\r_y\r");
+             return datei("c:\\tessara_neu\\0A.sld");
+         }},
+    };
+    for (const auto& [erwartet, schritt] : schritte) EXPECT_EQ(schritt(), erwartet);
+    EXPECT_EQ(neueAufrufe(), lesen(toWide(TESSARA_WINDOWS_GOLDEN) + L"\\acad_com_block_neu.txt"));
 }
 
 }  // namespace

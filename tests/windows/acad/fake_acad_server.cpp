@@ -16,6 +16,7 @@
 #include <oleauto.h>
 #include <shellapi.h>
 
+#include <cwchar>
 #include <cwctype>
 #include <filesystem>
 #include <fstream>
@@ -26,6 +27,7 @@
 #include <vector>
 
 #include "acad_server_kennung.h"
+#include "authoring/slide.h"
 #include "platform/win32/utf16.h"
 
 namespace {
@@ -139,14 +141,16 @@ class Objekt : public IDispatch {
         schreib("UNBEKANNT " + name_ + "." + toUtf8(namen[0]));
         return DISP_E_UNKNOWNNAME;
     }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* p,
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD art, DISPPARAMS* p,
                                      VARIANT* ergebnis, EXCEPINFO*, UINT*) override {
         if (id < 1 || static_cast<std::size_t>(id) > namen_.size()) return DISP_E_MEMBERNOTFOUND;
         if (leerlauf) SetTimer(fenster, leerlauf, kLeerlaufMs, nullptr);
         std::vector<VARIANT*> args;
         for (UINT i = p ? p->cArgs : 0; i-- > 0;) args.push_back(&p->rgvarg[i]);
         std::string zeile = name_ + "." + toUtf8(namen_[id - 1]);
-        if (!args.empty()) {
+        if (art & DISPATCH_PROPERTYPUT) {
+            zeile += " = " + argumentText(*args.at(0));
+        } else if (!args.empty()) {
             zeile += "(";
             for (std::size_t i = 0; i < args.size(); ++i)
                 zeile += (i ? ", " : "") + argumentText(*args[i]);
@@ -182,10 +186,23 @@ std::wstring argText(const std::vector<VARIANT*>& args, std::size_t i) {
     return r;
 }
 
+// A point as AutoCAD answers it: an array of three doubles.
+void punkt(VARIANT* ergebnis, const std::wstring& text) {
+    if (!ergebnis) return;
+    double p[3] = {};
+    swscanf(text.c_str(), L"%lf,%lf,%lf", &p[0], &p[1], &p[2]);
+    SAFEARRAY* sa = SafeArrayCreateVector(VT_R8, 0, 3);
+    for (LONG i = 0; i < 3; ++i) SafeArrayPutElement(sa, &i, &p[i]);
+    ergebnis->vt = VT_ARRAY | VT_R8;
+    ergebnis->parray = sa;
+}
+
 struct Modell {
     std::wstring verzeichnis;
-    // System variables as AutoCAD keeps them: integers, and DWGPREFIX as text.
+    // System variables as AutoCAD keeps them: integers, points ("x,y,z"),
+    // and DWGPREFIX as text.
     std::map<std::wstring, std::wstring> variablen;
+    std::map<std::wstring, Objekt*> auswahlsaetze;
 };
 
 std::wstring gross(std::wstring s) {
@@ -193,14 +210,73 @@ std::wstring gross(std::wstring s) {
     return s;
 }
 
+// A selection set: on SelectOnScreen the user picks two objects.
+Objekt* auswahlsatz(Modell& m, const std::wstring& name) {
+    auto* satz = new Objekt("SelectionSet");
+    auto anzahl = std::make_shared<LONG>(0);
+    satz->mitglied(L"SelectOnScreen", [anzahl](const auto&, VARIANT*) {
+        *anzahl = 2;
+        return S_OK;
+    });
+    satz->mitglied(L"Count", [anzahl](const auto&, VARIANT* e) {
+        zahl(e, *anzahl);
+        return S_OK;
+    });
+    satz->mitglied(L"Item", [anzahl](const auto& args, VARIANT* e) {
+        const long i = _wtol(argText(args, 0).c_str());
+        if (i < 0 || i >= *anzahl) return DISP_E_EXCEPTION;
+        auto* o = new Objekt("Entity" + std::to_string(i + 1));
+        o->mitglied(L"Visible", [](const auto&, VARIANT*) { return S_OK; });
+        objektZurueck(e, o);
+        o->Release();
+        return S_OK;
+    });
+    satz->mitglied(L"Delete", [&m, name, satz](const auto&, VARIANT*) {
+        m.auswahlsaetze.erase(name);
+        satz->Release();
+        return S_OK;
+    });
+    return satz;
+}
+
+// The commands that leave a file behind, "._-wblock path\r..." and
+// "._mslide path\r...": the path runs to the carriage return. The drawing
+// records the answers that follow; the slide is a real one, a cross.
+void dateiBefehle(const std::wstring& text) {
+    const std::wstring t = gross(text);
+    for (const std::wstring befehl : {L"-WBLOCK ", L"MSLIDE "}) {
+        for (auto p = t.find(befehl); p != std::wstring::npos; p = t.find(befehl, p + 1)) {
+            const auto von = p + befehl.size(), bis = text.find(L'\r', von);
+            const std::string pfad = toUtf8(text.substr(von, bis - von));
+            try {
+                if (befehl == L"MSLIDE ") {
+                    tessara::slide::Slide s{.highX = 639, .highY = 399, .aspectRatio = 1.6};
+                    s.addVector(7, {100, 100}, {540, 300});
+                    s.addVector(1, {100, 300}, {540, 100});
+                    tessara::slide::writeSlideFile(s, pfad);
+                } else {
+                    const std::string rest =
+                        bis == std::wstring::npos ? "" : toUtf8(text.substr(bis + 1));
+                    const std::string inhalt =
+                        "FAKE ACAD ZEICHNUNG\r\nANTWORTEN " + sichtbar(rest) + "\r\n";
+                    tessara::slide::writeFileBytes(
+                        pfad,
+                        {reinterpret_cast<const std::uint8_t*>(inhalt.data()), inhalt.size()});
+                }
+                schreib("DATEI " + pfad);
+            } catch (const tessara::slide::SlideError& e) {
+                schreib(std::string("FEHLER ") + e.what());
+            }
+        }
+    }
+}
+
 Objekt* modellBauen(Modell& m) {
-    m.variablen = {{L"FILEDIA", L"1"},
-                   {L"ATTREQ", L"1"},
-                   {L"ORTHOMODE", L"1"},
-                   {L"CMDECHO", L"1"},
-                   {L"CMDACTIVE", L"0"},
-                   {L"EXPERT", L"0"},
-                   {L"DWGPREFIX", m.verzeichnis + L"\\Zeichnungen\\"}};
+    m.variablen = {{L"FILEDIA", L"1"},         {L"ATTREQ", L"1"},
+                   {L"ORTHOMODE", L"1"},       {L"CMDECHO", L"1"},
+                   {L"CMDACTIVE", L"0"},       {L"EXPERT", L"0"},
+                   {L"EXTMIN", L"10,20,0"},    {L"EXTMAX", L"410,317,0"},
+                   {L"INSBASE", L"12.5,20,0"}, {L"DWGPREFIX", m.verzeichnis + L"\\Zeichnungen\\"}};
 
     auto* dokument = new Objekt("Document");
     dokument->mitglied(L"GetVariable", [&m](const auto& args, VARIANT* e) {
@@ -208,6 +284,8 @@ Objekt* modellBauen(Modell& m) {
         if (it == m.variablen.end()) return DISP_E_EXCEPTION;
         if (it->first == L"DWGPREFIX") {
             text(e, it->second);
+        } else if (it->second.find(L',') != std::wstring::npos) {
+            punkt(e, it->second);
         } else {
             zahl(e, _wtol(it->second.c_str()), VT_I2);
         }
@@ -217,7 +295,34 @@ Objekt* modellBauen(Modell& m) {
         m.variablen[gross(argText(args, 0))] = argText(args, 1);
         return S_OK;
     });
-    dokument->mitglied(L"SendCommand", [](const auto&, VARIANT*) { return S_OK; });
+    dokument->mitglied(L"SendCommand", [](const auto& args, VARIANT*) {
+        dateiBefehle(argText(args, 0));
+        return S_OK;
+    });
+    auto* saetze = new Objekt("SelectionSets");
+    saetze->mitglied(L"Add", [&m](const auto& args, VARIANT* e) {
+        const std::wstring name = gross(argText(args, 0));
+        if (m.auswahlsaetze.count(name)) return DISP_E_EXCEPTION;  // AutoCAD refuses a name in use
+        return objektZurueck(e, m.auswahlsaetze[name] = auswahlsatz(m, name));
+    });
+    saetze->mitglied(L"Item", [&m](const auto& args, VARIANT* e) {
+        const auto it = m.auswahlsaetze.find(gross(argText(args, 0)));
+        return it == m.auswahlsaetze.end() ? DISP_E_EXCEPTION : objektZurueck(e, it->second);
+    });
+    dokument->mitglied(L"SelectionSets",
+                       [saetze](const auto&, VARIANT* e) { return objektZurueck(e, saetze); });
+    // The user's answers on the command line.
+    auto* werkzeug = new Objekt("Utility");
+    werkzeug->mitglied(L"GetString", [](const auto&, VARIANT* e) {
+        text(e, L"j");
+        return S_OK;
+    });
+    werkzeug->mitglied(L"GetPoint", [](const auto&, VARIANT* e) {
+        punkt(e, L"120.5,80,0");
+        return S_OK;
+    });
+    dokument->mitglied(L"Utility",
+                       [werkzeug](const auto&, VARIANT* e) { return objektZurueck(e, werkzeug); });
     dokument->mitglied(L"WindowTitle", [](const auto&, VARIANT* e) {
         text(e, L"Zeichnung1.dwg");
         return S_OK;
