@@ -1,0 +1,292 @@
+// End to end: new Blocks, Views and Variants made through the script channel
+// from objects the user picks in the simulated host, on a real library in a
+// temporary directory, and the moves and insertions that follow them. A
+// helper thread plays the user's hand in the host through XTest.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+
+#include "authoring/code_tabelle.h"
+#include "authoring/slide_library.h"
+#include "cad/block_einfuegen.h"
+#include "db/jet_opener.h"
+#include "db/recordset.h"
+#include "e2e_hilfen.h"
+#include "editing/block_befehle.h"
+#include "editing/block_neu.h"
+#include "editing/varianten.h"
+#include "library/bibliothek_sitzung.h"
+#include "library/datenbank.h"
+#include "library/schema.h"
+#include "platform/environment.h"
+#include "platform/platform.h"
+#include "platform/system_clock.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
+
+namespace tessara::test {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+class BearbeitenE2E : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        verzeichnis = fs::temp_directory_path() /
+                      ("tessara_bearb_" + std::to_string(getpid()) + "_" +
+                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(verzeichnis);
+        fs::create_directories(verzeichnis / "c" / "Programm");
+        fs::create_directories(verzeichnis / "c" / "Bib");
+        setenv("TESSARA_DRIVE_C", (verzeichnis / "c").c_str(), 1);
+        log = verzeichnis / "simhost.log";
+        ASSERT_TRUE(desktop.connected()) << "no X server";
+        plattform.desktop = &desktop;
+        plattform.clock = &uhr;
+        z.plattform = &plattform;
+        z.benutzer = &benutzer;
+        z.strCTemp = "c:\\temp\\";
+        z.strAppPfad = "c:\\Programm";
+        z.strIniDatei = "c:\\Programm\\Tessara9.0.ini";
+        std::ofstream(verzeichnis / "c" / "Programm" / "txtPrefix.txt", std::ios::binary)
+            << fctCodeTabelleText();
+        ASSERT_TRUE(Mk_Datenbank(z, db::jetOpener(platform::nativePath), "c:\\Bib\\dbTessara.mdb"));
+        sitzung = std::make_unique<BibliothekSitzung>(z, db::jetOpener(platform::nativePath));
+        ASSERT_TRUE(sitzung->modell().fctCodeTabelleLesen("c:\\Programm\\txtPrefix.txt"));
+        ASSERT_EQ(sitzung->fctOeffnen("c:\\Bib\\dbTessara.mdb").lngMeldung, 0);
+        sitzung->fctPositionSetzen(1);
+        sitzung->setup().longAbfrageBlocknameBeimErzeugen = 0;
+        ASSERT_TRUE(simhostStarten(host, "AutoCAD LT 2015 - [Zeichnung1.dwg]", log, desktop));
+        bool lt = false;
+        ASSERT_TRUE(ACAD_Connect(z, v, false, true, lt));
+    }
+    void TearDown() override {
+        sitzung.reset();
+        prozessBeenden(host);
+        std::error_code ec;
+        fs::remove_all(verzeichnis, ec);
+    }
+
+    // A pick the program does not watch for: held until the host logged `bis`.
+    void klickenBis(unsigned int knopf, int x, int y, const std::string& bis) {
+        Hand().klick(knopf, x, y, [&] { warteAufLog(log, bis); });
+    }
+    // The user's hand for one -WBLOCK: base point, the objects at the
+    // picks, and the right click that ends the selection. Waits for the
+    // n-th -WBLOCK of the session.
+    std::thread waehlt(std::vector<std::pair<int, int>> picks, int n = 1) {
+        return std::thread([this, picks, n] {
+            const auto ende = std::chrono::steady_clock::now() + 30s;
+            while (anzahl(lesen(log), "WBLOCK WARTET AUF BASISPUNKT") < n &&
+                   std::chrono::steady_clock::now() < ende)
+                std::this_thread::sleep_for(20ms);
+            const int vorher = anzahl(lesen(log), "GEWAEHLT ");
+            klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
+            for (std::size_t i = 0; i < picks.size(); ++i)
+                Hand().klick(1, picks[i].first, picks[i].second, [&] {
+                    const auto bis = std::chrono::steady_clock::now() + 20s;
+                    while (anzahl(lesen(log), "GEWAEHLT ") < vorher + static_cast<int>(i) + 1 &&
+                           std::chrono::steady_clock::now() < bis)
+                        std::this_thread::sleep_for(20ms);
+                });
+            Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
+        });
+    }
+    static int anzahl(const std::string& text, const std::string& was) {
+        int n = 0;
+        for (auto p = text.find(was); p != std::string::npos; p = text.find(was, p + 1)) ++n;
+        return n;
+    }
+    typAenderung neu(NeuArt art) { return befehle().fctNeu(art, v); }
+    BlockBefehle befehle() { return BlockBefehle(z, *sitzung); }
+    std::string nr() const { return sitzung->modell().seitenSlots()[1].strBlockNr; }
+    fs::path bib() const { return verzeichnis / "c" / "Bib"; }
+    std::vector<std::string> zeilen(const std::string& sql) {
+        db::Recordset rs;
+        rs.open(sql, sitzung->modell().datenbank().con);
+        std::vector<std::string> r;
+        for (; !rs.eof(); rs.moveNext()) {
+            std::string zeile;
+            for (int i = 0; i < rs.fieldCount(); ++i)
+                zeile += (i ? "|" : "") + (rs.value(i).isNull() ? "" : rs.value(i).toString());
+            r.push_back(zeile);
+        }
+        return r;
+    }
+    std::vector<std::string> dateien() const {
+        std::vector<std::string> r;
+        for (const auto& e : fs::recursive_directory_iterator(bib()))
+            if (e.is_regular_file()) r.push_back(fs::relative(e.path(), bib()).string());
+        std::sort(r.begin(), r.end());
+        return r;
+    }
+    std::vector<std::string> eintraege(const fs::path& bibliothek) const {
+        const auto b = slide::SlideLibrary::readFile(bibliothek.string());
+        std::vector<std::string> r;
+        for (const auto& e : b.entries()) r.push_back(e.name);
+        return r;
+    }
+    // A Block with a second View and a Variant, each picked in the host.
+    void blockMitAnsichtUndVariante() {
+        auto hand = waehlt({{320, 199}}, 1);
+        ASSERT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
+        hand.join();
+        hand = waehlt({{441, 200}}, 2);
+        ASSERT_NE(neu(NeuArt::Ansicht), kNichtsGeaendert) << lesen(log);
+        hand.join();
+        benutzer.namen = {"Kreuz"};
+        hand = waehlt({{320, 100}}, 3);
+        ASSERT_NE(neu(NeuArt::Variante), kNichtsGeaendert) << lesen(log);
+        hand.join();
+    }
+
+    fs::path verzeichnis, log;
+    pid_t host = 0;
+    BeobachteterDesktop desktop;
+    platform::SystemClock uhr;
+    platform::Platform plattform;
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+    CadVerbindung v;
+    std::unique_ptr<BibliothekSitzung> sitzung;
+};
+
+// "Neu": the host writes the drawing and the slide, the library holds "0A",
+// the record stands in the slot, the working directory is gone.
+TEST_F(BearbeitenE2E, NeuerBlock) {
+    auto hand = waehlt({{320, 199}});
+    EXPECT_EQ(neu(NeuArt::Block), kSeiteGeaendert | kAnsichtenGeaendert) << lesen(log);
+    hand.join();
+    const std::string n = nr();
+    EXPECT_EQ(zeilen("SELECT Block, SlideLib, BlkName0 FROM tblBlockInfo"),
+              std::vector<std::string>{n + "|000\\" + n + "0.slb|" + n});
+    EXPECT_EQ(lesen(bib() / "000" / "Block" / (n + "0.dwg")),
+              "SIMHOST ZEICHNUNG\nBASIS 200,100,0\nOBJEKT 5 LINIE farbe=3 layer=0\n"
+              "LINIE 200 100 440 300 3\n");
+    EXPECT_EQ(eintraege(bib() / "000" / (n + "0.slb")), std::vector<std::string>{"0A"});
+    EXPECT_TRUE(sitzung->modell().seitenSlots()[1].booBelegt);
+    EXPECT_FALSE(fs::exists(verzeichnis / "c" / "temp" / "TessaraNeu"));
+    ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
+}
+
+// However the user or the host ends the flow early, the library stays as it
+// was: Escape during the selection, a selection ended without objects, the
+// host closed half way (the wait then ends at its 40-second bound).
+TEST_F(BearbeitenE2E, AbbruchLaesstBibliothekUnveraendert) {
+    const auto vorher = dateien();
+    struct Fall {
+        const char* name;
+        std::function<void()> hand;
+    };
+    const std::vector<Fall> faelle{
+        {"Escape",
+         [&] {
+             if (!warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) return;
+             Hand().escape(desktop.haltenBisGesehen(platform::Key::Escape));
+         }},
+        {"ohne Objekt",
+         [&] {
+             if (!warteAufLog(log, "WBLOCK WAEHLT OBJEKTE") &&
+                 !warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT"))
+                 return;
+             klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
+             Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
+         }},
+        {"Host geschlossen",
+         [&] {
+             if (warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) kill(host, SIGKILL);
+         }},
+    };
+    for (const auto& f : faelle) {
+        SCOPED_TRACE(f.name);
+        std::ofstream(log, std::ios::trunc).close();
+        std::thread hand(f.hand);
+        EXPECT_EQ(neu(NeuArt::Block), kNichtsGeaendert);
+        hand.join();
+        EXPECT_EQ(dateien(), vorher);
+        EXPECT_EQ(zeilen("SELECT Block FROM tblBlockInfo"), std::vector<std::string>{});
+        EXPECT_FALSE(fs::exists(verzeichnis / "c" / "temp" / "TessaraNeu"));
+    }
+}
+
+// A second View: drawing "1", library "1A", BlkName1.
+TEST_F(BearbeitenE2E, AnsichtNeu) {
+    blockMitAnsichtUndVariante();
+    const std::string n = nr();
+    EXPECT_EQ(eintraege(bib() / "000" / (n + "1.slb")), std::vector<std::string>{"1A"});
+    EXPECT_NE(lesen(bib() / "000" / "Block" / (n + "1.dwg")).find("OBJEKT 2 LINIE"),
+              std::string::npos);
+    EXPECT_EQ(zeilen("SELECT BlkName1 FROM tblBlockInfo"), std::vector<std::string>{n + "_1"});
+}
+
+// A Variant: its drawing below "Block\Varia\", its row and its record.
+TEST_F(BearbeitenE2E, VarianteNeu) {
+    blockMitAnsichtUndVariante();
+    const std::string n = nr();
+    EXPECT_EQ(zeilen("SELECT BlockName, BlockDateiName FROM tblVariationBloecke"),
+              std::vector<std::string>{"Kreuz|" + n + "_1"});
+    EXPECT_NE(lesen(bib() / "000" / "Block" / "Varia" / (n + "_10.dwg")).find("SIMHOST ZEICHNUNG"),
+              std::string::npos);
+    EXPECT_EQ(fs::file_size(bib() / "000" / "Block" / "Varia" / (n + ".dat")), 248u);
+}
+
+// A move takes every file of the Block along: both Views' libraries and
+// drawings, the Variant's drawing and its record file.
+TEST_F(BearbeitenE2E, VerschiebenNimmtAlleDateienMit) {
+    blockMitAnsichtUndVariante();
+    const std::string von = nr();
+    const std::string nach = sitzung->modell().seitenSlots()[5].strBlockNr;
+    auto erwartet = dateien();
+    for (auto& d : erwartet)
+        if (const auto p = d.find(von); p != std::string::npos) d.replace(p, von.size(), nach);
+    std::sort(erwartet.begin(), erwartet.end());
+    EXPECT_NE(befehle().fctVerschieben(5), kNichtsGeaendert);
+    EXPECT_EQ(dateien(), erwartet);
+    EXPECT_EQ(zeilen("SELECT Block, SlideLib FROM tblBlockInfo"),
+              std::vector<std::string>{nach + "|000\\" + nach + "0.slb"});
+    EXPECT_EQ(zeilen("SELECT BlockDateiName FROM tblVariationBloecke"),
+              std::vector<std::string>{nach + "_1"});
+}
+
+// The Variant choice runs before the insertion; the host inserts the
+// Variant's drawing, named after the Variant.
+TEST_F(BearbeitenE2E, VarianteWirdVorDemEinfuegenGewaehlt) {
+    blockMitAnsichtUndVariante();
+    const std::string n = nr();
+    EinfuegeAnfrage a;
+    a.strBibliothek = "c:\\Bib\\";
+    a.optionen.longVariantenfrage = 1;
+    typEinfuegeAuftrag auftrag;
+    auftrag.block.Block = n;
+    auftrag.block.OrdnerNr = "000";
+    auftrag.block.BlkName[0] = n;
+    auftrag.varianten = fctVariantenLesen(z, sitzung->modell(), n);
+    a.auftraege = {auftrag};
+    std::vector<std::string> angeboten;
+    a.variantenAuswahl = [&](const typEinfuegeAuftrag& x) -> std::optional<typVariante> {
+        for (const auto& va : x.varianten) angeboten.push_back(va.BlockName);
+        return x.varianten.at(0);
+    };
+    std::thread hand([&] {
+        if (warteAufLog(log, "INSERT WARTET AUF PUNKT"))
+            Hand().klick(1, 120, 150, desktop.haltenBisGesehen(platform::Key::LeftButton));
+    });
+    const auto r = fctBlockEinfuegen(z, v, typCadEinstellungen{}, a);
+    hand.join();
+    EXPECT_EQ(r.eingefuegt, 1);
+    EXPECT_EQ(angeboten, std::vector<std::string>{"Kreuz"});
+    ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
+    EXPECT_NE(lesen(log).find("datei=c:\\Bib\\000\\Block\\Varia\\" + n + "_10.dwg"),
+              std::string::npos)
+        << lesen(log);
+}
+
+}  // namespace
+}  // namespace tessara::test
