@@ -47,6 +47,7 @@ int main(int argc, char** argv) {
 
     tessara::FrmBlockverwaltung fenster(z, cad);
     benutzer.setEltern(&fenster);
+    benutzer.setZustand(&z);
     benutzer.setBeschriftung([&z](const std::string& k) { return tessara::fctBeschriftung(z, k); });
     tessara::clsStart start;
     if (start.Main(z, fenster) == tessara::MainErgebnis::ProzessEnde) return 0;

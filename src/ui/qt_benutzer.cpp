@@ -8,6 +8,8 @@
 #include <QMessageBox>
 
 #include "platform/environment.h"
+#include "ui/frm_bildausschnitt_anpassen.h"
+#include "ui/frm_blockname_eingeben.h"
 
 namespace tessara {
 
@@ -132,6 +134,22 @@ std::string QtBenutzer::listeWaehlen(const std::string& titel, const std::string
             d.setCancelButtonText(q(ab));
     }
     return d.exec() == QDialog::Accepted ? d.textValue().toStdString() : std::string();
+}
+
+std::optional<std::string> QtBenutzer::nameEingeben(
+    const std::string& fenster, const std::string& vorgabe,
+    const std::function<long(const std::string&)>& pruefen) {
+    if (!z_) return std::nullopt;
+    FrmBlocknameEingeben f(*z_, fenster, vorgabe, pruefen, eltern_);
+    if (f.exec() != QDialog::Accepted) return std::nullopt;
+    return f.strName();
+}
+
+void QtBenutzer::bildausschnittAnpassen(const std::string& strDiaDatei,
+                                        const std::function<bool(int)>& anwenden) {
+    if (!z_) return;
+    FrmBildausschnittAnpassen f(*z_, strDiaDatei, anwenden, eltern_);
+    f.exec();
 }
 
 std::string QtBenutzer::ordnerWaehlen(const std::string& titel, const std::string& start) {

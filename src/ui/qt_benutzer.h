@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
 
 namespace tessara {
 
@@ -22,6 +23,10 @@ class QtBenutzer : public Benutzer {
     void setBeschriftung(std::function<std::string(const std::string&)> text) {
         beschriftung_ = std::move(text);
     }
+    // The program's own windows (the name and the slide adjustment) caption
+    // themselves and show numbered messages through the program state;
+    // without it they are not offered and the question counts as cancelled.
+    void setZustand(ProgrammZustand* z) { z_ = z; }
 
     Antwort meldung(const std::string& text, const std::string& titel, Symbol symbol,
                     Knoepfe knoepfe) override;
@@ -34,12 +39,18 @@ class QtBenutzer : public Benutzer {
     void fortschritt(long erledigt, long gesamt, const std::string& text) override;
     std::string listeWaehlen(const std::string& titel, const std::string& frage,
                              const std::vector<std::string>& eintraege) override;
+    std::optional<std::string> nameEingeben(
+        const std::string& fenster, const std::string& vorgabe,
+        const std::function<long(const std::string&)>& pruefen) override;
+    void bildausschnittAnpassen(const std::string& strDiaDatei,
+                                const std::function<bool(int knopf)>& anwenden) override;
 
   private:
     Antwort zeigen(const std::string& text, const std::string& titel, Symbol symbol,
                    Knoepfe knoepfe, const std::string* kaestchen, bool& angekreuzt);
 
     std::function<std::string(const std::string&)> beschriftung_;
+    ProgrammZustand* z_ = nullptr;
     QPointer<QWidget> eltern_;
     QPointer<QProgressDialog> fortschritt_;
 };
