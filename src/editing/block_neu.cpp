@@ -260,6 +260,9 @@ bool speichern(BlockNeuUmgebung& u, Prozedur& p, const Vorhaben& w) {
             const auto werte = fctNeueBlockAttribute(*menue);
             std::copy(werte.begin(), werte.end(), d.M.begin());
         }
+        // M0 is what the slot shows under the picture: without a default of
+        // the Folder's menu, the Block's name stands there.
+        if (d.M[0].empty()) d.M[0] = w.strName;
         return BlockdatenInDatenbankAbspeichern(z, m, d);
     }
     p.step("Blockdaten Speicher Ansicht >0");

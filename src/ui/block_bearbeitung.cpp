@@ -5,11 +5,13 @@
 #include <QMenu>
 
 #include "captions/meldungen.h"
+#include "captions/meldungs_nummern.h"
 #include "editing/ansichten.h"
 #include "editing/bearbeiten_meldungen.h"
 #include "editing/block_name.h"
 #include "startup/benutzer.h"
 #include "ui/beschriften.h"
+#include "ui/frm_variantenverwaltung.h"
 #include "ui/preview_cache.h"
 #include "ui/sld_blockverwaltung.h"
 
@@ -25,7 +27,12 @@ constexpr int kKachel = 50;
 
 BlockBearbeitung::BlockBearbeitung(FensterKontext k, CadVerbindung& v, QGroupBox* fraAnsichten,
                                    QObject* eltern)
-    : QObject(eltern), k_(k), v_(v), befehle_(k.z, k.sitzung), fra_(fraAnsichten) {
+    : QObject(eltern),
+      k_(k),
+      v_(v),
+      befehle_(k.z, k.sitzung),
+      fra_(fraAnsichten),
+      fenster_(fraAnsichten->window()) {
     ansichten_.fill(-1);
     auto* reihe = new QHBoxLayout(fra_);
     reihe->setContentsMargins(4, 4, 4, 4);
@@ -88,6 +95,19 @@ void BlockBearbeitung::mnuBlockLoeschen_Click() { ausfuehren(befehle_.fctLoesche
 
 void BlockBearbeitung::mnuMarkierteVerschieben_Click() {
     ausfuehren(befehle_.fctMarkierteVerschieben());
+}
+
+void BlockBearbeitung::mnuVariantenverwaltung_Click() {
+    const auto& belegung = k_.sitzung.modell().seitenSlots();
+    const int pos = k_.sitzung.modell().intPosition();
+    if (pos < 0 || pos >= static_cast<int>(belegung.size()) || !belegung[pos].booBelegt) {
+        fctMsgbox(k_.z, MsgboxArt::Info, {kMsgKeinBlock});
+        return;
+    }
+    FrmVariantenverwaltung fenster(
+        k_.z, k_.sitzung.modell(), belegung[pos].strBlockNr, k_.sitzung.schreibgeschuetzt(),
+        [this] { ausfuehren(kAnsichtenGeaendert); }, fenster_);
+    fenster.exec();
 }
 
 void BlockBearbeitung::platzAbgelegt(int von, int nach) {

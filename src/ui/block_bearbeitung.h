@@ -7,6 +7,8 @@
 // from that through BlockAktionen.
 #include <QGroupBox>
 #include <QObject>
+#include <QPointer>
+#include <QWidget>
 #include <array>
 
 #include "cad/cad_verbindung.h"
@@ -29,6 +31,8 @@ class BlockBearbeitung : public QObject {
     void mnuBlockUmbenennen_Click();
     void mnuBlockLoeschen_Click();
     void mnuMarkierteVerschieben_Click();
+    // The Variants of the selected Block: renamed and deleted in their window.
+    void mnuVariantenverwaltung_Click();
     // A slot dragged onto another: the Block moves there.
     void platzAbgelegt(int von, int nach);
     // View v of the strip: marked for insertion, renamed, deleted.
@@ -49,6 +53,7 @@ class BlockBearbeitung : public QObject {
     std::array<SldBlockverwaltung*, 5> dias_{};
     std::array<int, 5> ansichten_{};  // the View each tile shows; -1: hidden
     bool laeuft_ = false;             // a flow with the host is under way
+    QWidget* fenster_;                // parent of the windows the panel opens
 };
 
 }  // namespace tessara

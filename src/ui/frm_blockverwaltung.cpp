@@ -25,6 +25,7 @@
 #include "ui/frm_blockverwaltung_verwaltung.h"
 #include "ui/frm_datenbank_suche.h"
 #include "ui/frm_optionen.h"
+#include "ui/frm_varianten_auswahl.h"
 #include "ui/frm_vollbild.h"
 #include "ui/schnellfilter_steuerung.h"
 #include "ui/sld_blockverwaltung.h"
@@ -198,6 +199,12 @@ void FrmBlockverwaltung::panelsEinbauen() {
             &Verwaltungsfenster::chkOrdnerSortieren_Click);
 
     bearbeitung_ = new BlockBearbeitung(k, v_, ui_->fraAnsichten, this);
+    variantenAuswahl = [this](const typEinfuegeAuftrag& a) {
+        return FrmVariantenAuswahl::waehlen(z_, a, this);
+    };
+    ui_->mnuBlockNeu->setShortcut(QKeySequence::New);
+    ui_->mnuBlockUmbenennen->setShortcut(QKeySequence(Qt::Key_F2));
+    ui_->mnuBlockLoeschen->setShortcut(QKeySequence::Delete);
     connect(ui_->combutNeu, &QPushButton::clicked, bearbeitung_,
             &BlockBearbeitung::combutNeu_Click);
     for (auto [aktion, ziel] :
@@ -207,6 +214,7 @@ void FrmBlockverwaltung::panelsEinbauen() {
              {ui_->mnuVarianteNeu, &BlockBearbeitung::mnuVarianteNeu_Click},
              {ui_->mnuBlockUmbenennen, &BlockBearbeitung::mnuBlockUmbenennen_Click},
              {ui_->mnuBlockLoeschen, &BlockBearbeitung::mnuBlockLoeschen_Click},
+             {ui_->mnuVariantenverwaltung, &BlockBearbeitung::mnuVariantenverwaltung_Click},
              {ui_->mnuMarkierteVerschieben, &BlockBearbeitung::mnuMarkierteVerschieben_Click}})
         connect(aktion, &QAction::triggered, bearbeitung_, ziel);
 }

@@ -73,7 +73,8 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     // again, the Folder and Page boxes are refilled and the Page redrawn.
     void subOrdnerUndSeitenNeuAnzeigen();
 
-    // The Variant choice before an insertion; unset inserts the Block itself.
+    // The Variant choice before an insertion (frmVariantenAuswahl); unset
+    // inserts the Block itself.
     std::function<std::optional<typVariante>(const typEinfuegeAuftrag&)> variantenAuswahl;
 
     NavigationsModell& modell() { return sitzung_.modell(); }

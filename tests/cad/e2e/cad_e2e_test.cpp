@@ -210,7 +210,8 @@ TEST_F(SimHostE2E, NeuerBlockMitRechtsklick) {
         klickenBis(1, 320, 199, "GEWAEHLT ");
         klickenBis(3, 300, 200, "WBLOCK c:");
     });
-    const auto r = ACadLtBlockNeu(z, v, e, LtBlockNeu{"c:\\Bib\\", "001", "0010C", 0, false});
+    const auto r =
+        ACadLtBlockNeu(z, v, e, LtBlockNeu{"c:\\Bib\\", "001", "0010C", 0, false, {}, {}});
     nutzer.join();
     EXPECT_TRUE(r.booDateiBesteht);
     EXPECT_FALSE(r.booZeitAbgelaufen);
@@ -238,7 +239,8 @@ TEST_F(SimHostE2E, NeuerBlockKeinObjektWiederholt) {
         klickenBis(1, 441, 200, "GEWAEHLT ");
         klickenBis(3, 300, 200, "WBLOCK c:");
     });
-    const auto r = ACadLtBlockNeu(z, v, e, LtBlockNeu{"c:\\Bib\\", "001", "0010D", 0, false});
+    const auto r =
+        ACadLtBlockNeu(z, v, e, LtBlockNeu{"c:\\Bib\\", "001", "0010D", 0, false, {}, {}});
     nutzer.join();
     EXPECT_TRUE(r.booDateiBesteht) << lesen(log);
     const std::string dwg = lesen(verzeichnis / "c" / "Bib" / "001" / "Block" / "0010D0.dwg");

@@ -52,6 +52,30 @@ std::vector<std::string> ersteZeile(const std::string& aus) {
     return felder;
 }
 
+// Pixels of the simulated drawing's green (colour 3) in a screenshot of one
+// window, taken with ImageMagick's import; the PNG stays beside it for a
+// person to look at.
+int gruenePixel(platform::WindowHandle fenster, const fs::path& png) {
+    const std::string id = std::to_string(fenster);
+    if (std::system(("import -window " + id + " " + png.string()).c_str()) != 0) return -1;
+    FILE* p = popen(("import -window " + id + " -depth 8 ppm:- 2>/dev/null").c_str(), "r");
+    if (!p) return -1;
+    int w = 0, h = 0, max = 0;
+    if (std::fscanf(p, "P6 %d %d %d", &w, &h, &max) != 3 || max != 255) {
+        pclose(p);
+        return -1;
+    }
+    std::fgetc(p);
+    int gruen = 0;
+    for (long i = 0; i < static_cast<long>(w) * h; ++i) {
+        const int r = std::fgetc(p), g = std::fgetc(p), b = std::fgetc(p);
+        if (b == EOF) break;
+        if (g > 200 && r < 80 && b < 80) ++gruen;
+    }
+    pclose(p);
+    return gruen;
+}
+
 class FensterE2E : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -85,6 +109,18 @@ class FensterE2E : public ::testing::Test {
              "TESSARA_COMMON_APPDATA=" + (verzeichnis / "common").string(), "QT_QPA_PLATFORM=xcb"},
             ausgabe.string());
         ASSERT_GT(programm, 0);
+    }
+
+    // Brings the program's window in front, as the user's click on it would.
+    platform::WindowHandle nachVorne() {
+        const auto fenster = warteAufFenster(desktop, "Tessara");
+        const auto ende = std::chrono::steady_clock::now() + 20s;
+        while (fenster && desktop.foregroundWindow() != fenster &&
+               std::chrono::steady_clock::now() < ende) {
+            desktop.bringToFront(fenster);
+            std::this_thread::sleep_for(20ms);
+        }
+        return desktop.foregroundWindow() == fenster ? fenster : 0;
     }
 
     fs::path verzeichnis, log, ausgabe;
@@ -136,6 +172,54 @@ TEST_F(FensterE2E, EnterFuegtDenGewaehltenBlockEin) {
                      " x=1 y=1 winkel=0 layer=" + block[1]),
               std::string::npos)
         << l;
+}
+
+// "Neu" in the window (Ctrl+N) on a new library: the name question keeps
+// its proposal, the host runs the script and the user picks the diagonal;
+// the record stands in the slot, its library holds "0A", and the slot
+// paints the new picture.
+TEST_F(FensterE2E, NeuImFensterLegtDenBlockAn) {
+    const fs::path bib = verzeichnis / "c" / "Bib";
+    fs::create_directories(bib);
+    const std::string db = (bib / "dbTessara.mdb").string();
+    std::ofstream(verzeichnis / "common" / "Tessara" / "Tessara9.0.ini")
+        << "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n"
+        << "[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
+    ASSERT_TRUE(simhostStarten(host, kHostTitel, log, desktop));
+    programmStarten();
+    ASSERT_TRUE(warteAufLog(ausgabe, "bereit: c:\\Bib\\dbTessara.mdb", 60s)) << lesen(ausgabe);
+    const auto fenster = nachVorne();
+    ASSERT_NE(fenster, 0u);
+    const fs::path bilder = fs::path(TESSARA_BINARY_DIR) / "screenshots";
+    fs::create_directories(bilder);
+    const int vorher = gruenePixel(fenster, bilder / "hauptfenster_vor_neu.png");
+
+    Hand().strg('n');
+    ASSERT_NE(warteAufFenster(desktop, "Blockname"), 0u) << lesen(ausgabe);
+    Hand().enter();
+    ASSERT_TRUE(warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) << lesen(log) << lesen(ausgabe);
+    Hand().klick(1, 200, 299, [&] { warteAufLog(log, "WBLOCK WAEHLT OBJEKTE"); });
+    Hand().klick(1, 320, 199, [&] { warteAufLog(log, "GEWAEHLT "); });
+    Hand().klick(3, 300, 200, [&] { warteAufLog(log, "WBLOCK c:"); });
+
+    std::vector<std::string> block;
+    const auto ende = std::chrono::steady_clock::now() + 30s;
+    while (block.size() != 2 && std::chrono::steady_clock::now() < ende) {
+        block = ersteZeile(cli("sql " + db + " \"SELECT Block, SlideLib FROM tblBlockInfo\""));
+        std::this_thread::sleep_for(200ms);
+    }
+    ASSERT_EQ(block.size(), 2u) << lesen(log) << lesen(ausgabe);
+    EXPECT_EQ(block[1], "000\\" + block[0] + "0.slb");
+    EXPECT_EQ(cli("slide-info " + (bib / "000" / (block[0] + "0.slb")).string()).substr(0, 3),
+              "0A ");
+    // The slot shows the slide: the host's green diagonal is now in the window.
+    ASSERT_EQ(nachVorne(), fenster);
+    int nachher = 0;
+    for (int i = 0; i < 50 && nachher <= vorher + 20; ++i) {
+        std::this_thread::sleep_for(100ms);
+        nachher = gruenePixel(fenster, bilder / "hauptfenster_nach_neu.png");
+    }
+    EXPECT_GT(nachher, vorher + 20);
 }
 
 }  // namespace

@@ -42,6 +42,16 @@ void Hand::enter() { taste(XK_Return, {}); }
 // Latin-1 letters and digits have their character code as keysym.
 void Hand::buchstabe(char c) { taste(static_cast<unsigned char>(c), {}); }
 
+void Hand::strg(char c) {
+    auto* d = static_cast<Display*>(dpy_);
+    if (!d) return;
+    const KeyCode strg = XKeysymToKeycode(d, XK_Control_L);
+    XTestFakeKeyEvent(d, strg, True, CurrentTime);
+    taste(static_cast<unsigned char>(c), {});
+    XTestFakeKeyEvent(d, strg, False, CurrentTime);
+    XSync(d, False);
+}
+
 void Hand::taste(unsigned long keysym, const std::function<void()>& halten) {
     auto* d = static_cast<Display*>(dpy_);
     if (!d) return;

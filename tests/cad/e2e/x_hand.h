@@ -26,6 +26,8 @@ class Hand {
     void enter();
     // Presses and releases a letter or digit key.
     void buchstabe(char c);
+    // The letter with Ctrl held, as a menu shortcut is typed.
+    void strg(char c);
 
   private:
     void taste(unsigned long keysym, const std::function<void()>& halten);
