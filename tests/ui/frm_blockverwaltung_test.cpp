@@ -2,9 +2,11 @@
 // keys and the lock, and the load and closing sequences around them.
 #include "ui/frm_blockverwaltung.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QMimeData>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -146,9 +148,47 @@ TEST_F(Hauptfenster, AWriteProtectedLibraryLocksTheCommandsThatChangeIt) {
     EXPECT_TRUE(f.schreibgeschuetzt());
     EXPECT_FALSE(kind<QLabel>("labSchreibschutz")->isHidden());
     EXPECT_FALSE(kind<QCheckBox>("chkMarkieren_0")->isEnabled());
+    EXPECT_FALSE(kind<QPushButton>("combutNeu")->isEnabled());
+    EXPECT_FALSE(kind<QWidget>("sldBlockverwaltung_1")->acceptDrops());
     const long vorher = markierteZeilen();
     QTest::mouseDClick(kind<QWidget>("sldBlockverwaltung_0"), Qt::LeftButton);
     EXPECT_EQ(markierteZeilen(), vorher);
+}
+
+// The strip shows the selected Block's Views and a click marks one; a slot
+// dropped onto a free slot moves its Block there with its files.
+TEST_F(Hauptfenster, ViewStripAndDropOntoAFreeSlot) {
+    {
+        db::Connection con(db::jetOpener(platform::nativePath));
+        con.open(fctJetVerbindung(bib + "\\dbTessara.mdb"));
+        con.execute("DELETE FROM tblBlockInfo WHERE Block = '0000003'");
+    }
+    fs::remove(platform::nativePath(bib + "\\000\\00000030.slb"));
+    fs::remove(platform::nativePath(bib + "\\000\\Block\\00000030.dwg"));
+    laden();
+    QTest::mouseClick(kind<QWidget>("sldBlockverwaltung_10"), Qt::LeftButton);
+    EXPECT_TRUE(kind<QWidget>("sldAnsicht_1")->isVisible());
+    EXPECT_FALSE(kind<QWidget>("sldAnsicht_2")->isVisible());
+    QTest::mouseClick(kind<QWidget>("sldAnsicht_1"), Qt::LeftButton);
+    EXPECT_TRUE(kind<SldBlockverwaltung>("sldAnsicht_1")->ausgewaehlt());
+    bildschirmfoto(fenster.get(), "frmBlockverwaltung_ansichten");
+
+    QMimeData daten;
+    daten.setData(SldBlockverwaltung::kPlatzFormat, "0");
+    auto* ziel = kind<QWidget>("sldBlockverwaltung_3");
+    QDragEnterEvent betreten(QPoint(5, 5), Qt::MoveAction, &daten, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(ziel, &betreten);
+    EXPECT_TRUE(betreten.isAccepted());
+    QDropEvent ablegen(QPointF(5, 5), Qt::MoveAction, &daten, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(ziel, &ablegen);
+    db::Connection con(db::jetOpener(platform::nativePath));
+    con.open(fctJetVerbindung(bib + "\\dbTessara.mdb"));
+    db::Recordset rs;
+    rs.open("SELECT Block FROM tblBlockInfo WHERE Block IN ('0000000', '0000003')", con);
+    ASSERT_EQ(rs.recordCount(), 1);
+    EXPECT_EQ(rs.text("Block"), "0000003");
+    EXPECT_TRUE(fs::exists(platform::nativePath(bib + "\\000\\00000030.slb")));
+    EXPECT_TRUE(kind<SldBlockverwaltung>("sldBlockverwaltung_3")->ausgewaehlt());
 }
 
 TEST_F(Hauptfenster, ClosingKeepsThePositionForTheNextStart) {

@@ -2,9 +2,12 @@
 # End to end on Windows, under wine: the real tessara.exe inserts the
 # selected block of a library into the simulated CAD host simhost.exe through
 # the AutoCAD LT script channel (the host found by its title, activated, the
-# script started by SendInput keystrokes). The user's part is played through
+# script started by SendInput keystrokes), then makes a new block in a free
+# slot from an object picked in the host. The user's part is played through
 # xdotool on the test's own X server: a click that brings the Tessara window
-# forward, Enter in it, and the pick of the insertion point in the host.
+# forward, Enter in it, the pick of the insertion point in the host; End,
+# Ctrl+N and Enter for the new block, the base point, an object and the right
+# click that ends the selection.
 #
 #   einfuegen_under_wine.sh WINE WINDOWS_BUILD_DIR LINUX_CLI
 #
@@ -68,6 +71,10 @@ zeile=$("$cli" sql "$c/Bib/dbTessara.mdb" "SELECT BlkName0, Layer FROM tblBlockI
     sed -n '2{s/\r$//;s/^"//;s/"$//;p}')
 name=${zeile%%\",\"*} layer=${zeile#*\",\"}
 [ -n "$name" ] || fail "no block 0000000 in the demo library"
+# The last slot of the first Page becomes free; its old files stay behind, as
+# a record deleted by hand leaves them, and the new block takes their place.
+"$cli" sql "$c/Bib/dbTessara.mdb" "DELETE FROM tblBlockInfo WHERE Block = '0000015'" >/dev/null ||
+    fail "cannot free the last slot"
 # The library in the Settings file, and the boxes that would wait for a
 # hand switched off as a user switches them off.
 mkdir -p "$c/ProgramData/Tessara"
@@ -115,3 +122,37 @@ punkt=$(sed -n 's/^PUNKT //p' "$log" | head -n 1)
 erwartet="INSERT block=${name}0 datei=c:\\Bib\\000\\Block\\00000000.dwg punkt=$punkt x=1 y=1 winkel=0 layer=$layer"
 grep -qxF -- "$erwartet" "$log" || fail "expected in the host's log: $erwartet"
 echo "tessara.exe under wine inserted ${name}0 on layer $layer at $punkt into simhost.exe"
+
+# The new block: Tessara forward again, End selects the last slot, Ctrl+N
+# asks for the name (Enter keeps the proposal), the host runs the script.
+eval "$(xdotool getwindowgeometry --shell "$fenster")"
+xdotool mousemove $((X + WIDTH - 3)) $((Y + HEIGHT / 2)) click 1
+ende=$((SECONDS + 30))
+until [ "$(grep '^FENSTER ' "$log" | tail -n 1)" = "FENSTER INAKTIV" ]; do
+    [ $SECONDS -lt $ende ] || fail "the click did not bring Tessara forward again"
+    sleep 0.1
+done
+xdotool key End
+sleep 0.5
+xdotool key ctrl+n
+frage=$(x_fenster "Blockname")
+[ -n "$frage" ] || fail "no name question after Ctrl+N"
+xdotool key Return
+warte_auf "$log" "WBLOCK WARTET AUF BASISPUNKT" 1 60 || fail "the new block's script did not reach the host"
+eval "$(xdotool getwindowgeometry --shell "$host")"
+xdotool mousemove $((X + 200)) $((Y + 299)) click 1
+warte_auf "$log" "WBLOCK WAEHLT OBJEKTE" 1 30 || fail "the host took no base point"
+xdotool mousemove $((X + 320)) $((Y + 199)) click 1
+warte_auf "$log" "GEWAEHLT " 1 30 || fail "the host took no object"
+xdotool mousemove $((X + 300)) $((Y + 200)) mousedown 3
+warte_auf "$log" "WBLOCK c:" 1 30
+xdotool mouseup 3
+ende=$((SECONDS + 60))
+until "$cli" sql "$c/Bib/dbTessara.mdb" "SELECT SlideLib FROM tblBlockInfo WHERE Block = '0000015'" |
+    grep -qF '000\00000150.slb'; do
+    [ $SECONDS -lt $ende ] || fail "no record of the new block 0000015"
+    sleep 0.5
+done
+"$cli" slide-info "$c/Bib/000/00000150.slb" | grep -q '^0A ' || fail "the new block's library holds no 0A"
+grep -q "OBJEKT 5 LINIE" "$c/Bib/000/Block/00000150.dwg" || fail "the new drawing does not hold the picked object"
+echo "tessara.exe under wine made block 0000015 from the object picked in simhost.exe"

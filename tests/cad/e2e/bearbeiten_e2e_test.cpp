@@ -18,6 +18,7 @@
 #include "db/jet_opener.h"
 #include "db/recordset.h"
 #include "e2e_hilfen.h"
+#include "editing/ansichten.h"
 #include "editing/block_befehle.h"
 #include "editing/block_neu.h"
 #include "editing/varianten.h"
@@ -286,6 +287,111 @@ TEST_F(BearbeitenE2E, VarianteWirdVorDemEinfuegenGewaehlt) {
     EXPECT_NE(lesen(log).find("datei=c:\\Bib\\000\\Block\\Varia\\" + n + "_10.dwg"),
               std::string::npos)
         << lesen(log);
+}
+
+// Enter with nothing picked: the host asks, "j" lets the user pick again,
+// and the Block is made from the second selection.
+TEST_F(BearbeitenE2E, KeinObjektGewaehltWiederholt) {
+    std::thread hand([&] {
+        if (!warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) return;
+        klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
+        Hand().enter();
+        if (!warteAufLog(log, "FRAGE Sie haben kein Objekt")) return;
+        Hand().buchstabe('j');
+        Hand().enter();
+        const auto ende = std::chrono::steady_clock::now() + 20s;
+        while (anzahl(lesen(log), "WBLOCK WAEHLT OBJEKTE") < 2 &&
+               std::chrono::steady_clock::now() < ende)
+            std::this_thread::sleep_for(20ms);
+        klickenBis(1, 441, 200, "GEWAEHLT ");
+        Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
+    });
+    EXPECT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
+    hand.join();
+    EXPECT_NE(lesen(bib() / "000" / "Block" / (nr() + "0.dwg")).find("OBJEKT 2 LINIE"),
+              std::string::npos)
+        << lesen(log);
+}
+
+// The View marked in the strip is the one inserted: its drawing, its name.
+TEST_F(BearbeitenE2E, MarkierteAnsichtWirdEingefuegt) {
+    blockMitAnsichtUndVariante();
+    const std::string n = nr();
+    sitzung->setEinzufuegendeAnsicht(1);
+    auto auftrag = EinzufuegendeAnsichtBestimmenUndRsEinlesen(z, *sitzung);
+    ASSERT_TRUE(auftrag);
+    EXPECT_EQ(auftrag->ansicht, 1);
+    EinfuegeAnfrage a;
+    a.strBibliothek = "c:\\Bib\\";
+    a.optionen.checkBlock = 1;
+    a.auftraege = {*auftrag};
+    std::thread hand([&] {
+        if (warteAufLog(log, "INSERT WARTET AUF PUNKT"))
+            Hand().klick(1, 120, 150, desktop.haltenBisGesehen(platform::Key::LeftButton));
+    });
+    EXPECT_EQ(fctBlockEinfuegen(z, v, typCadEinstellungen{}, a).eingefuegt, 1);
+    hand.join();
+    ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
+    EXPECT_NE(
+        lesen(log).find("INSERT block=" + n + "_11 datei=c:\\Bib\\000\\Block\\" + n + "1.dwg"),
+        std::string::npos)
+        << lesen(log);
+}
+
+// Deleting a View and then the Block takes their files and rows along,
+// after the user said yes (a no first leaves everything).
+TEST_F(BearbeitenE2E, AnsichtUndBlockLoeschen) {
+    blockMitAnsichtUndVariante();
+    const std::string n = nr();
+    benutzer.antworten = {Antwort::Ja};
+    EXPECT_NE(befehle().fctAnsichtLoeschen(1), kNichtsGeaendert);
+    EXPECT_FALSE(fs::exists(bib() / "000" / (n + "1.slb")));
+    EXPECT_FALSE(fs::exists(bib() / "000" / "Block" / (n + "1.dwg")));
+    EXPECT_EQ(zeilen("SELECT BlkName1 FROM tblBlockInfo"), std::vector<std::string>{""});
+    const auto vorher = dateien();
+    benutzer.antworten = {Antwort::Nein};
+    EXPECT_EQ(befehle().fctLoeschen(), kNichtsGeaendert);
+    EXPECT_EQ(dateien(), vorher);
+    benutzer.antworten = {Antwort::Ja};
+    EXPECT_NE(befehle().fctLoeschen(), kNichtsGeaendert);
+    EXPECT_EQ(dateien(), std::vector<std::string>{"dbTessara.mdb"});
+    EXPECT_EQ(zeilen("SELECT Nr FROM tblBlockInfo"), std::vector<std::string>{});
+    EXPECT_EQ(zeilen("SELECT Nr FROM tblVariationBloecke"), std::vector<std::string>{});
+}
+
+// Two marked Blocks move together into the free slots from the selected one on.
+TEST_F(BearbeitenE2E, MarkierteBloeckeVerschieben) {
+    for (int platz : {1, 2}) {
+        sitzung->fctPositionSetzen(platz);
+        auto hand = waehlt({{320, 199}}, platz);
+        ASSERT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
+        hand.join();
+        sitzung->fctMarkieren(platz, true);
+    }
+    const auto& slots = sitzung->modell().seitenSlots();
+    const std::string ziel6 = slots[6].strBlockNr, ziel7 = slots[7].strBlockNr;
+    sitzung->fctPositionSetzen(6);
+    EXPECT_NE(befehle().fctMarkierteVerschieben(), kNichtsGeaendert);
+    EXPECT_EQ(zeilen("SELECT Block FROM tblBlockInfo ORDER BY Block"),
+              (std::vector<std::string>{ziel6, ziel7}));
+    for (const auto& z7 : {ziel6, ziel7}) {
+        EXPECT_TRUE(fs::exists(bib() / "000" / (z7 + "0.slb"))) << z7;
+        EXPECT_TRUE(fs::exists(bib() / "000" / "Block" / (z7 + "0.dwg"))) << z7;
+    }
+}
+
+// A Variant renamed keeps its files; deleted, its drawing and record go.
+TEST_F(BearbeitenE2E, VarianteUmbenennenUndLoeschen) {
+    blockMitAnsichtUndVariante();
+    const std::string n = nr();
+    EXPECT_NE(befehle().fctVarianteUmbenennen(n + "_1", "Kreuz groß"), kNichtsGeaendert);
+    EXPECT_EQ(zeilen("SELECT BlockName FROM tblVariationBloecke"),
+              std::vector<std::string>{"Kreuz groß"});
+    benutzer.antworten = {Antwort::Ja};
+    EXPECT_NE(befehle().fctVarianteLoeschen(n + "_1"), kNichtsGeaendert);
+    EXPECT_FALSE(fs::exists(bib() / "000" / "Block" / "Varia" / (n + "_10.dwg")));
+    EXPECT_FALSE(fs::exists(bib() / "000" / "Block" / "Varia" / (n + ".dat")));
+    EXPECT_EQ(zeilen("SELECT Nr FROM tblVariationBloecke"), std::vector<std::string>{});
 }
 
 }  // namespace

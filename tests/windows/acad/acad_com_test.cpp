@@ -15,9 +15,15 @@
 #include <thread>
 
 #include "acad_server_kennung.h"
+#include "authoring/code_tabelle.h"
+#include "authoring/slide_library.h"
 #include "cad/acad_ueber_automation.h"
 #include "cad/block_einfuegen.h"
 #include "cad/cad_verbindung.h"
+#include "db/jet_opener.h"
+#include "editing/block_befehle.h"
+#include "library/bibliothek_sitzung.h"
+#include "platform/environment.h"
 #include "platform/platform.h"
 #include "platform/win32/com_automation.h"
 #include "platform/win32/utf16.h"
@@ -203,6 +209,36 @@ TEST_F(AcadUeberComMitFakeServer, NeuerBlockAusObjektenAmBildschirm) {
     };
     for (const auto& [erwartet, schritt] : schritte) EXPECT_EQ(schritt(), erwartet);
     EXPECT_EQ(neueAufrufe(), lesen(toWide(TESSARA_WINDOWS_GOLDEN) + L"\\acad_com_block_neu.txt"));
+}
+
+// "Neu" on the full-AutoCAD route over real COM: the objects picked into
+// "SS6", the drawing and the slide written by the host, the library built
+// and the record written into a fresh library.
+TEST_F(AcadUeberComMitFakeServer, NeuerBlockUeberDieAutomation) {
+    serverLaeuft();
+    namespace fs = std::filesystem;
+    fs::remove_all("c:\\tessara_bib");
+    fs::create_directories("c:\\tessara_bib");
+    fs::create_directories("c:\\tessara_prog");
+    std::ofstream("c:\\tessara_prog\\txtPrefix.txt", std::ios::binary) << fctCodeTabelleText();
+    z.strAppPfad = "c:\\tessara_prog";
+    z.strIniDatei = "c:\\tessara_prog\\Tessara9.0.ini";
+    z.strCTemp = "c:\\tessara_temp\\";
+    BibliothekSitzung s(z, db::jetOpener(platform::nativePath));
+    ASSERT_TRUE(s.modell().fctCodeTabelleLesen("c:\\tessara_prog\\txtPrefix.txt"));
+    ASSERT_EQ(s.fctOeffnen("c:\\tessara_bib\\dbTessara.mdb").lngMeldung, 0);
+    s.setup().longAbfrageBlocknameBeimErzeugen = 0;
+    s.setup().longVorschaudiaBeimErzeugen = 0;
+    const std::string nr = s.modell().seitenSlots().at(0).strBlockNr;
+    EXPECT_NE(BlockBefehle(z, s).fctNeu(NeuArt::Block, v), kNichtsGeaendert) << neueAufrufe();
+    EXPECT_TRUE(s.modell().seitenSlots().at(0).booBelegt);
+    const auto bib = slide::SlideLibrary::readFile("c:\\tessara_bib\\000\\" + nr + "0.slb");
+    ASSERT_EQ(bib.entries().size(), 1u);
+    EXPECT_EQ(bib.entries()[0].name, "0A");
+    EXPECT_TRUE(fs::exists("c:\\tessara_bib\\000\\Block\\" + nr + "0.dwg"));
+    EXPECT_FALSE(fs::exists("c:\\tessara_temp\\TessaraNeu"));
+    const std::string aufrufe = neueAufrufe();
+    EXPECT_NE(aufrufe.find("SelectionSets.Add(\"SS6\")"), std::string::npos) << aufrufe;
 }
 
 }  // namespace
