@@ -151,8 +151,8 @@ void SimInterpreter::ausfuehren(const std::string& text) {
 
 void SimInterpreter::befehlBeginnen(const std::string& name, const std::string& roh) {
     static const std::set<std::string> bekannt = {
-        "SCRIPT", "SETVAR", "GETVAR", "UNDO",   "MSLIDE", "WBLOCK", "INSERT", "XREF",
-        "LAYER",  "OPEN",   "DONUT",  "CHANGE", "ZOOM",   "PAN",    "HIDE",   "BASE"};
+        "SCRIPT", "SETVAR", "GETVAR", "UNDO", "MSLIDE", "WBLOCK", "INSERT", "XREF", "LAYER",
+        "OPEN",   "DONUT",  "CHANGE", "ZOOM", "PAN",    "HIDE",   "BASE",   "MOVE"};
     if (name == "EXTMIN" || name == "EXTMAX") {
         // Read-only: the host only tells the value.
         schreib("GETVAR " + name + "=" + variable(name));
@@ -175,7 +175,7 @@ void SimInterpreter::befehlBeginnen(const std::string& name, const std::string& 
         fertig();
     } else if (name == "BASE" || name == "PAN") {
         warten_ = Warten::Punkt;
-    } else if (name == "CHANGE") {
+    } else if (name == "CHANGE" || name == "MOVE") {
         auswahlBeginnen();
     }
 }
@@ -355,6 +355,23 @@ void SimInterpreter::punktNehmen(Punkt p) {
         objekte_.push_back(o);
         schreib("DONUT " + std::to_string(o.id) + " innen=" + zahl(innen) +
                 " aussen=" + zahl(aussen) + " punkt=" + punktText(p));
+    } else if (befehl_ == "MOVE" && punkte_.size() == 1) {
+        schreib("MOVE WARTET AUF ZIEL");
+    } else if (befehl_ == "MOVE") {
+        // The base point lands on the target: the chosen objects move by the
+        // difference of the two.
+        const double dx = p.x - punkte_[0].x, dy = p.y - punkte_[0].y;
+        std::string ids;
+        for (auto& o : objekte_) {
+            if (std::find(auswahl_.begin(), auswahl_.end(), o.id) == auswahl_.end()) continue;
+            for (auto& st : o.strecken) {
+                st.a.x += dx, st.a.y += dy;
+                st.b.x += dx, st.b.y += dy;
+            }
+            ids += (ids.empty() ? "" : ",") + std::to_string(o.id);
+        }
+        schreib("MOVE " + ids + " basis=" + punktText(punkte_[0]) + " ziel=" + punktText(p));
+        fertig();
     } else if (befehl_ == "ZOOM" && punkte_.size() == 2) {
         ansichtSetzen("ZOOM FENSTER", Ansicht::umfassend(punkte_[0], punkte_[1]));
         fertig();
@@ -417,6 +434,13 @@ void SimInterpreter::auswahlEnde() {
                                punktText(punkte_[0], true)))
             objekte_ = rest;
         fertig();
+    } else if (befehl_ == "MOVE") {
+        if (auswahl_.empty()) {
+            fertig();
+            return;
+        }
+        warten_ = Warten::Punkt;
+        schreib("MOVE WARTET AUF BASISPUNKT");
     } else if (befehl_ == "CHANGE" && !auswahl_.empty()) {
         warten_ = Warten::Eingabe;
     } else {

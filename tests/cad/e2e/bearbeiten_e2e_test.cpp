@@ -15,12 +15,14 @@
 #include "authoring/code_tabelle.h"
 #include "authoring/slide_library.h"
 #include "cad/block_einfuegen.h"
+#include "cad/einfuege_texte.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
 #include "e2e_hilfen.h"
 #include "editing/ansichten.h"
 #include "editing/block_befehle.h"
 #include "editing/block_neu.h"
+#include "editing/einfuegepunkte.h"
 #include "editing/varianten.h"
 #include "library/bibliothek_sitzung.h"
 #include "library/datenbank.h"
@@ -392,6 +394,78 @@ TEST_F(BearbeitenE2E, VarianteUmbenennenUndLoeschen) {
     EXPECT_FALSE(fs::exists(bib() / "000" / "Block" / "Varia" / (n + "_10.dwg")));
     EXPECT_FALSE(fs::exists(bib() / "000" / "Block" / "Varia" / (n + ".dat")));
     EXPECT_EQ(zeilen("SELECT Nr FROM tblVariationBloecke"), std::vector<std::string>{});
+}
+
+// AutoCAD's automation server cannot run here: this document types each
+// command into the simulated host's command line, as AutoCAD hands the text
+// of SendCommand to its own, and answers the variables the route reads.
+class TastaturDokument : public AcadDokument {
+  public:
+    explicit TastaturDokument(platform::Desktop& d) : d_(d) {}
+    std::string GetVariable(const std::string& name) override {
+        return name == "CMDACTIVE" ? "0" : "1";
+    }
+    void SetVariable(const std::string&, const std::string&) override {}
+    void SendCommand(const std::string& text) override { d_.sendKeys(fctTastenSchuetzen(text)); }
+    std::string WindowTitle() override { return "Zeichnung1.dwg"; }
+    std::uintptr_t hwnd() override { return 0; }
+    void Close() override {}
+    long AuswahlAmBildschirm(const std::string&) override { return 0; }
+    void AuswahlAusblenden(const std::string&) override {}
+    std::string GetString(const std::string&) override { return {}; }
+    std::string GetPoint(const std::string&) override { return {}; }
+
+  private:
+    platform::Desktop& d_;
+};
+
+class TastaturAnwendung : public AcadAnwendung {
+  public:
+    explicit TastaturAnwendung(platform::Desktop& d)
+        : dok_(std::make_shared<TastaturDokument>(d)) {}
+    std::string Version() override { return "20.0s (LMS Tech)"; }
+    std::string Caption() override { return "AutoCAD 2015 - [Zeichnung1.dwg]"; }
+    std::string Name() override { return "AutoCAD"; }
+    std::string Path() override { return {}; }
+    long DocumentsCount() override { return 1; }
+    std::shared_ptr<AcadDokument> ActiveDocument() override { return dok_; }
+    std::string SupportPath() override { return {}; }
+
+  private:
+    std::shared_ptr<TastaturDokument> dok_;
+};
+
+// The command route of full AutoCAD with Insertion point C, chosen from the
+// points the View has: the block goes in at 0,0,0 and moves by C onto the
+// user's pick, so C lands under the cursor.
+TEST_F(BearbeitenE2E, EinfuegenMitPunktC_AutomationGefaelscht) {
+    auto hand = waehlt({{320, 199}});
+    ASSERT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
+    hand.join();
+    typEinfuegepunkte punkte;
+    punkte[2] = {"40", "20", "0"};
+    ASSERT_TRUE(subEinfuegepunkteSchreiben(z, sitzung->modell(), nr(), 0, punkte));
+    auto auftrag = EinzufuegendeAnsichtBestimmenUndRsEinlesen(z, *sitzung);
+    ASSERT_TRUE(auftrag);
+    benutzer.wahlen = {"C"};
+    auftrag->nummerEinfuegepkt = VariaEinfuegepktBestimmen(z, sitzung->modell(), nr(), 0);
+    EXPECT_EQ(auftrag->nummerEinfuegepkt, 4);
+
+    v.acadApp = std::make_shared<TastaturAnwendung>(desktop);
+    v.typAcadVersionInfo.strACadVersion = "AutoCAD 2015";
+    EinfuegeAnfrage a;
+    a.strBibliothek = "c:\\Bib\\";
+    a.auftraege = {*auftrag};
+    std::thread ziel([&] {
+        if (warteAufLog(log, "MOVE WARTET AUF ZIEL")) klickenBis(1, 300, 249, " ziel=");
+    });
+    const auto r = fctBlockEinfuegen(z, v, typCadEinstellungen{}, a);
+    ziel.join();
+    EXPECT_EQ(r.eingefuegt, 1);
+    ASSERT_TRUE(warteAufLog(log, " ziel=")) << lesen(log);
+    const std::string l = lesen(log);
+    EXPECT_NE(l.find("punkt=0,0 "), std::string::npos) << l;
+    EXPECT_NE(l.find(" basis=40,20 ziel=300,150"), std::string::npos) << l;
 }
 
 }  // namespace

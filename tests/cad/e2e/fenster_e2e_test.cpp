@@ -222,5 +222,40 @@ TEST_F(FensterE2E, NeuImFensterLegtDenBlockAn) {
     EXPECT_GT(nachher, vorher + 20);
 }
 
+// A Block with a Variant: Enter first asks which to insert; the user walks
+// down to the Variant, and the host inserts the Variant's drawing under its
+// name (and the View digit, as every block taken from the library).
+TEST_F(FensterE2E, VarianteWirdVorDemEinfuegenGewaehlt) {
+    const fs::path bib = verzeichnis / "c" / "Bib";
+    const std::string db = (bib / "dbTessara.mdb").string();
+    ASSERT_FALSE(cli("make-demo-library " + bib.string()).empty());
+    ASSERT_FALSE(cli("sql " + db + " \"DELETE FROM tblMarkierteBloecke\"").empty());
+    ASSERT_FALSE(cli("sql " + db +
+                     " \"INSERT INTO tblVariationBloecke (BlockName, BlockID, BlockDateiName) "
+                     "SELECT 'Ventil flach', Nr, '00000000_1' FROM tblBlockInfo WHERE Block = "
+                     "'0000000'\"")
+                     .empty());
+    fs::create_directories(bib / "000" / "Block" / "Varia");
+    std::ofstream(bib / "000" / "Block" / "Varia" / "00000000_10.dwg") << "SIMHOST ZEICHNUNG\n";
+    std::ofstream(verzeichnis / "common" / "Tessara" / "Tessara9.0.ini")
+        << "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n"
+        << "[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
+    ASSERT_TRUE(simhostStarten(host, kHostTitel, log, desktop));
+    programmStarten();
+    ASSERT_TRUE(warteAufLog(ausgabe, "bereit: c:\\Bib\\dbTessara.mdb", 60s)) << lesen(ausgabe);
+    ASSERT_NE(nachVorne(), 0u);
+    Hand().enter();
+    ASSERT_NE(warteAufFenster(desktop, "Variante wählen"), 0u) << lesen(ausgabe);
+    Hand().runter();
+    Hand().enter();
+    ASSERT_TRUE(warteAufLog(log, "INSERT WARTET AUF PUNKT")) << lesen(log) << lesen(ausgabe);
+    Hand().klick(1, 120, 150, [&] { warteAufLog(log, "INSERT block="); });
+    ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
+    EXPECT_NE(lesen(log).find("INSERT block=Ventil flach0 datei=c:\\Bib\\000\\Block\\Varia\\"
+                              "00000000_10.dwg"),
+              std::string::npos)
+        << lesen(log);
+}
+
 }  // namespace
 }  // namespace tessara::test

@@ -42,6 +42,8 @@ void Hand::enter() { taste(XK_Return, {}); }
 // Latin-1 letters and digits have their character code as keysym.
 void Hand::buchstabe(char c) { taste(static_cast<unsigned char>(c), {}); }
 
+void Hand::runter() { taste(XK_Down, {}); }
+
 void Hand::strg(char c) {
     auto* d = static_cast<Display*>(dpy_);
     if (!d) return;

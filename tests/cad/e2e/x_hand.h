@@ -26,6 +26,8 @@ class Hand {
     void enter();
     // Presses and releases a letter or digit key.
     void buchstabe(char c);
+    // The arrow key down, as a list is walked.
+    void runter();
     // The letter with Ctrl held, as a menu shortcut is typed.
     void strg(char c);
 
