@@ -136,31 +136,6 @@ TEST_F(BlockNeuTest, NeuerBlockUeberAutomation) {
     EXPECT_EQ(app->dokument->variablen["filedia"], "1");
 }
 
-// A second View goes into BlkName1 with its own drawing and its library "1A";
-// a Variant gets its drawing below "Block\Varia\", its row and its record.
-TEST_F(BlockNeuTest, AnsichtUndVarianteNeu) {
-    app->dokument->auswahlen = {3, 3, 3};
-    ASSERT_TRUE(neu(NeuArt::Block).booAngelegt);
-    const auto r = neu(NeuArt::Ansicht);
-    ASSERT_TRUE(r.booAngelegt);
-    EXPECT_EQ(r.ansicht, 1);
-    const std::string nr = blockNr();
-    EXPECT_EQ(zeilen("SELECT BlkName0, BlkName1, AX1, AY1 FROM tblBlockInfo"),
-              std::vector<std::string>{nr + "|" + nr + "_1|2|1"});
-    EXPECT_EQ(eintraege(nr + "1.slb"), std::vector<std::string>{"1A"});
-    EXPECT_TRUE(fs::exists(wurzel / "lib" / "000" / "Block" / (nr + "1.dwg")));
-
-    benutzer.namen = {"", "Flansch DN 80"};
-    const auto va = neu(NeuArt::Variante);
-    ASSERT_TRUE(va.booAngelegt);
-    EXPECT_EQ(benutzer.abgelehnt, std::vector<long>{136});
-    EXPECT_EQ(zeilen("SELECT BlockName, BlockDateiName FROM tblVariationBloecke"),
-              std::vector<std::string>{"Flansch DN 80|" + nr + "_1"});
-    const auto varia = wurzel / "lib" / "000" / "Block" / "Varia";
-    EXPECT_TRUE(fs::exists(varia / (nr + "_10.dwg")));
-    EXPECT_EQ(fs::file_size(varia / (nr + ".dat")), 248u);
-}
-
 // However the flow ends early, the library and the catalogue are as before
 // and the working directory is gone.
 TEST_F(BlockNeuTest, AbbruchLaesstBibliothekUnveraendert) {

@@ -250,7 +250,8 @@ void dateiBefehle(const std::wstring& text) {
             const std::string pfad = toUtf8(text.substr(von, bis - von));
             try {
                 if (befehl == L"MSLIDE ") {
-                    tessara::slide::Slide s{.highX = 639, .highY = 399, .aspectRatio = 1.6};
+                    tessara::slide::Slide s;
+                    s.highX = 639, s.highY = 399, s.aspectRatio = 1.6;
                     s.addVector(7, {100, 100}, {540, 300});
                     s.addVector(1, {100, 300}, {540, 100});
                     tessara::slide::writeSlideFile(s, pfad);
