@@ -98,15 +98,18 @@ fenster=$(x_fenster "Tessara")
 
 # The user clicks the Tessara window at its edge (the margin, no control
 # there) to bring it forward, and waits until the host says it has lost the
-# keyboard (it may have lost it to the new window already). Then Enter
-# inserts the selected slot.
-eval "$(xdotool getwindowgeometry --shell "$fenster")"
-xdotool mousemove $((X + WIDTH - 3)) $((Y + HEIGHT / 2)) click 1
-ende=$((SECONDS + 30))
-until [ "$(grep '^FENSTER ' "$log" | tail -n 1)" = "FENSTER INAKTIV" ]; do
-    [ $SECONDS -lt $ende ] || fail "the click did not bring Tessara forward"
-    sleep 0.1
-done
+# keyboard (it may have lost it to the new window already).
+nach_vorne() {
+    eval "$(xdotool getwindowgeometry --shell "$fenster")"
+    xdotool mousemove $((X + WIDTH - 3)) $((Y + HEIGHT / 2)) click 1
+    local ende=$((SECONDS + 30))
+    until [ "$(grep '^FENSTER ' "$log" | tail -n 1)" = "FENSTER INAKTIV" ]; do
+        [ $SECONDS -lt $ende ] || fail "the click did not bring Tessara forward"
+        sleep 0.1
+    done
+}
+# Enter inserts the selected slot.
+nach_vorne
 xdotool key Return
 warte_auf "$log" "INSERT WARTET AUF PUNKT" 1 60 || fail "no insertion reached the host"
 
@@ -125,13 +128,7 @@ echo "tessara.exe under wine inserted ${name}0 on layer $layer at $punkt into si
 
 # The new block: Tessara forward again, End selects the last slot, Ctrl+N
 # asks for the name (Enter keeps the proposal), the host runs the script.
-eval "$(xdotool getwindowgeometry --shell "$fenster")"
-xdotool mousemove $((X + WIDTH - 3)) $((Y + HEIGHT / 2)) click 1
-ende=$((SECONDS + 30))
-until [ "$(grep '^FENSTER ' "$log" | tail -n 1)" = "FENSTER INAKTIV" ]; do
-    [ $SECONDS -lt $ende ] || fail "the click did not bring Tessara forward again"
-    sleep 0.1
-done
+nach_vorne
 xdotool key End
 sleep 0.5
 xdotool key ctrl+n

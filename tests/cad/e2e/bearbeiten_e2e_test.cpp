@@ -39,23 +39,13 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-class BearbeitenE2E : public ::testing::Test {
+class BearbeitenE2E : public HostTest {
   protected:
     void SetUp() override {
-        verzeichnis = fs::temp_directory_path() /
-                      ("tessara_bearb_" + std::to_string(getpid()) + "_" +
-                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(verzeichnis);
+        HostTest::SetUp();
+        if (HasFatalFailure()) return;
         fs::create_directories(verzeichnis / "c" / "Programm");
         fs::create_directories(verzeichnis / "c" / "Bib");
-        setenv("TESSARA_DRIVE_C", (verzeichnis / "c").c_str(), 1);
-        log = verzeichnis / "simhost.log";
-        ASSERT_TRUE(desktop.connected()) << "no X server";
-        plattform.desktop = &desktop;
-        plattform.clock = &uhr;
-        z.plattform = &plattform;
-        z.benutzer = &benutzer;
-        z.strCTemp = "c:\\temp\\";
         z.strAppPfad = "c:\\Programm";
         z.strIniDatei = "c:\\Programm\\Tessara9.0.ini";
         std::ofstream(verzeichnis / "c" / "Programm" / "txtPrefix.txt", std::ios::binary)
@@ -72,14 +62,7 @@ class BearbeitenE2E : public ::testing::Test {
     }
     void TearDown() override {
         sitzung.reset();
-        prozessBeenden(host);
-        std::error_code ec;
-        fs::remove_all(verzeichnis, ec);
-    }
-
-    // A pick the program does not watch for: held until the host logged `bis`.
-    void klickenBis(unsigned int knopf, int x, int y, const std::string& bis) {
-        Hand().klick(knopf, x, y, [&] { warteAufLog(log, bis); });
+        HostTest::TearDown();
     }
     // The user's hand for one -WBLOCK: base point, the objects at the
     // picks, and the right click that ends the selection. Waits for the
@@ -150,14 +133,6 @@ class BearbeitenE2E : public ::testing::Test {
         hand.join();
     }
 
-    fs::path verzeichnis, log;
-    pid_t host = 0;
-    BeobachteterDesktop desktop;
-    platform::SystemClock uhr;
-    platform::Platform plattform;
-    SkriptBenutzer benutzer;
-    ProgrammZustand z;
-    CadVerbindung v;
     std::unique_ptr<BibliothekSitzung> sitzung;
 };
 

@@ -29,31 +29,8 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-class SimHostE2E : public ::testing::Test {
+class SimHostE2E : public HostTest {
   protected:
-    void SetUp() override {
-        verzeichnis = fs::temp_directory_path() /
-                      ("tessara_e2e_" + std::to_string(getpid()) + "_" +
-                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(verzeichnis);
-        fs::create_directories(verzeichnis / "c");
-        setenv("TESSARA_DRIVE_C", (verzeichnis / "c").c_str(), 1);
-        log = verzeichnis / "simhost.log";
-        ASSERT_TRUE(desktop.connected()) << "no X server";
-        ASSERT_TRUE(desktop.canType()) << "no XTest extension";
-        plattform.desktop = &desktop;
-        plattform.clock = &uhr;
-        z.plattform = &plattform;
-        z.benutzer = &benutzer;
-        z.strCTemp = "c:\\temp\\";
-        v.meldungsText = [](int nr) { return "Meldung " + std::to_string(nr); };
-    }
-    void TearDown() override {
-        prozessBeenden(host);
-        std::error_code ec;
-        fs::remove_all(verzeichnis, ec);
-    }
-
     void hostStarten(const std::string& titel) {
         ASSERT_TRUE(simhostStarten(host, titel, log, desktop));
     }
@@ -72,24 +49,12 @@ class SimHostE2E : public ::testing::Test {
                      desktop.haltenBisGesehen(knopf == 1 ? platform::Key::LeftButton
                                                          : platform::Key::RightButton));
     }
-    // A pick the program does not watch for: held until the host logged `bis`.
-    void klickenBis(unsigned int knopf, int x, int y, const std::string& bis) {
-        Hand().klick(knopf, x, y, [&] { warteAufLog(log, bis); });
-    }
     void escapeDruecken() { Hand().escape(desktop.haltenBisGesehen(platform::Key::Escape)); }
     void zeichnungAnlegen(const std::string& rel, const std::string& inhalt) {
         fs::create_directories((verzeichnis / "c" / rel).parent_path());
         std::ofstream(verzeichnis / "c" / rel, std::ios::binary) << inhalt;
     }
 
-    fs::path verzeichnis, log;
-    pid_t host = 0;
-    BeobachteterDesktop desktop;
-    platform::SystemClock uhr;
-    platform::Platform plattform;
-    SkriptBenutzer benutzer;
-    ProgrammZustand z;
-    CadVerbindung v;
     typCadEinstellungen e;
 };
 

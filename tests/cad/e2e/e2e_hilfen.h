@@ -3,6 +3,7 @@
 // the desktop that tells when the program has seen a key held down, reading
 // the simulated host's log with bounded waits, and starting the host.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <condition_variable>
@@ -15,8 +16,13 @@
 #include <string>
 #include <thread>
 
+#include "cad/cad_verbindung.h"
 #include "eigener_x_server.h"
+#include "platform/platform.h"
+#include "platform/system_clock.h"
 #include "platform/x11/x11_desktop.h"
+#include "startup/benutzer.h"
+#include "startup/programm_zustand.h"
 #include "x_hand.h"
 
 namespace tessara::test {
@@ -111,5 +117,47 @@ inline ::testing::AssertionResult simhostStarten(pid_t& pid, const std::string& 
         return ::testing::AssertionFailure() << "simhost window did not appear";
     return ::testing::AssertionSuccess();
 }
+
+// A test against the simulated host in process: drive "c:" mapped into a
+// fresh directory of the test, the real X11 desktop and clock, a scripted
+// user, and the host's log; the host ends with the test.
+class HostTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        verzeichnis = std::filesystem::temp_directory_path() /
+                      ("tessara_e2e_" + std::to_string(getpid()) + "_" +
+                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::remove_all(verzeichnis);
+        std::filesystem::create_directories(verzeichnis / "c");
+        setenv("TESSARA_DRIVE_C", (verzeichnis / "c").c_str(), 1);
+        log = verzeichnis / "simhost.log";
+        ASSERT_TRUE(desktop.connected()) << "no X server";
+        ASSERT_TRUE(desktop.canType()) << "no XTest extension";
+        plattform.desktop = &desktop;
+        plattform.clock = &uhr;
+        z.plattform = &plattform;
+        z.benutzer = &benutzer;
+        z.strCTemp = "c:\\temp\\";
+        v.meldungsText = [](int nr) { return "Meldung " + std::to_string(nr); };
+    }
+    void TearDown() override {
+        prozessBeenden(host);
+        std::error_code ec;
+        std::filesystem::remove_all(verzeichnis, ec);
+    }
+    // A pick the program does not watch for: held until the host logged `bis`.
+    void klickenBis(unsigned int knopf, int x, int y, const std::string& bis) {
+        Hand().klick(knopf, x, y, [&] { warteAufLog(log, bis); });
+    }
+
+    std::filesystem::path verzeichnis, log;
+    pid_t host = 0;
+    BeobachteterDesktop desktop;
+    platform::SystemClock uhr;
+    platform::Platform plattform;
+    SkriptBenutzer benutzer;
+    ProgrammZustand z;
+    CadVerbindung v;
+};
 
 }  // namespace tessara::test

@@ -111,6 +111,17 @@ class FensterE2E : public ::testing::Test {
         ASSERT_GT(programm, 0);
     }
 
+    // The library c:\Bib in the Settings file, with the boxes that would
+    // wait for a hand switched off as a user switches them off; the host,
+    // then the program, until it has loaded the library.
+    void starten() {
+        std::ofstream(verzeichnis / "common" / "Tessara" / "Tessara9.0.ini")
+            << "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n"
+            << "[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
+        ASSERT_TRUE(simhostStarten(host, kHostTitel, log, desktop));
+        programmStarten();
+        ASSERT_TRUE(warteAufLog(ausgabe, "bereit: c:\\Bib\\dbTessara.mdb", 60s)) << lesen(ausgabe);
+    }
     // Brings the program's window in front, as the user's click on it would.
     platform::WindowHandle nachVorne() {
         const auto fenster = warteAufFenster(desktop, "Tessara");
@@ -137,26 +148,11 @@ TEST_F(FensterE2E, EnterFuegtDenGewaehltenBlockEin) {
     const auto block = ersteZeile(
         cli("sql " + db + " \"SELECT BlkName0, Layer FROM tblBlockInfo WHERE Block = '0000000'\""));
     ASSERT_EQ(block.size(), 2u);
-    // The library, and the boxes that would wait for a hand switched off as
-    // a user switches them off.
-    std::ofstream(verzeichnis / "common" / "Tessara" / "Tessara9.0.ini")
-        << "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n"
-        << "[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
-
-    ASSERT_TRUE(simhostStarten(host, kHostTitel, log, desktop));
-    programmStarten();
-    ASSERT_TRUE(warteAufLog(ausgabe, "bereit: c:\\Bib\\dbTessara.mdb", 60s)) << lesen(ausgabe);
+    ASSERT_NO_FATAL_FAILURE(starten());
 
     // The user brings the window forward (slot 0 of the first Folder's first
     // Page is selected after start) and presses Enter.
-    const auto fenster = warteAufFenster(desktop, "Tessara");
-    ASSERT_NE(fenster, 0u);
-    const auto ende = std::chrono::steady_clock::now() + 20s;
-    while (desktop.foregroundWindow() != fenster && std::chrono::steady_clock::now() < ende) {
-        desktop.bringToFront(fenster);
-        std::this_thread::sleep_for(20ms);
-    }
-    ASSERT_EQ(desktop.foregroundWindow(), fenster);
+    ASSERT_NE(nachVorne(), 0u);
     Hand().enter();
     ASSERT_TRUE(warteAufLog(log, "INSERT WARTET AUF PUNKT")) << lesen(log) << lesen(ausgabe);
     // The pick is held until the host has the insertion: the program types
@@ -182,12 +178,7 @@ TEST_F(FensterE2E, NeuImFensterLegtDenBlockAn) {
     const fs::path bib = verzeichnis / "c" / "Bib";
     fs::create_directories(bib);
     const std::string db = (bib / "dbTessara.mdb").string();
-    std::ofstream(verzeichnis / "common" / "Tessara" / "Tessara9.0.ini")
-        << "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n"
-        << "[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
-    ASSERT_TRUE(simhostStarten(host, kHostTitel, log, desktop));
-    programmStarten();
-    ASSERT_TRUE(warteAufLog(ausgabe, "bereit: c:\\Bib\\dbTessara.mdb", 60s)) << lesen(ausgabe);
+    ASSERT_NO_FATAL_FAILURE(starten());
     const auto fenster = nachVorne();
     ASSERT_NE(fenster, 0u);
     const fs::path bilder = fs::path(TESSARA_BINARY_DIR) / "screenshots";
@@ -237,12 +228,7 @@ TEST_F(FensterE2E, VarianteWirdVorDemEinfuegenGewaehlt) {
                      .empty());
     fs::create_directories(bib / "000" / "Block" / "Varia");
     std::ofstream(bib / "000" / "Block" / "Varia" / "00000000_10.dwg") << "SIMHOST ZEICHNUNG\n";
-    std::ofstream(verzeichnis / "common" / "Tessara" / "Tessara9.0.ini")
-        << "[AllgemeineDaten]\r\nDbVerzeichnis0=c:\\Bib\r\n"
-        << "[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
-    ASSERT_TRUE(simhostStarten(host, kHostTitel, log, desktop));
-    programmStarten();
-    ASSERT_TRUE(warteAufLog(ausgabe, "bereit: c:\\Bib\\dbTessara.mdb", 60s)) << lesen(ausgabe);
+    ASSERT_NO_FATAL_FAILURE(starten());
     ASSERT_NE(nachVorne(), 0u);
     Hand().enter();
     ASSERT_NE(warteAufFenster(desktop, "Variante wählen"), 0u) << lesen(ausgabe);
