@@ -86,4 +86,25 @@ TEST_F(SqlCommand, AStatementThatCannotWriteLeavesTheFileAsItWas) {
     EXPECT_EQ(bytesOf(file), before);
 }
 
+// A script from standard input or a file: statements between lines of ";"
+// run in order; the first failure stops the run and names its line. A
+// statement too long for one argument (an OR chain of 20 000 terms) runs.
+TEST_F(SqlCommand, StatementsFromStandardInputOrAFile) {
+    const std::string tool = std::string("'") + TESSARA_CLI + "' sql '" + file.string() + "' ";
+    Output o =
+        run("printf 'SELECT COUNT(*) FROM Table1\n;\n\nSELECT Fehlt\nFROM Table1\n;\n"
+            "SELECT \\047danach\\047 FROM Table1\n' | " +
+            tool + "- 2>&1");
+    EXPECT_EQ(o.status, 1);
+    EXPECT_NE(o.text.find("line 4: "), std::string::npos) << o.text;
+    EXPECT_NE(o.text.find("Expr1000\n"), std::string::npos) << o.text;
+    EXPECT_EQ(o.text.find("danach"), std::string::npos) << "ran past the failure";
+    std::string kette = "SELECT COUNT(*) FROM Table1 WHERE A = 'x'";
+    for (int i = 0; i < 20000; ++i) kette += " OR A = '" + std::to_string(i) + "'";
+    std::ofstream(dir / "kette.sql") << kette << "\n";
+    o = run(tool + "--file '" + (dir / "kette.sql").string() + "'");
+    EXPECT_EQ(o.status, 0);
+    EXPECT_EQ(o.text, "Expr1000\n0\n");
+}
+
 }  // namespace
