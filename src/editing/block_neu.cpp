@@ -317,6 +317,17 @@ BlockNeuErgebnis fctNeuAusZeichnung(BlockNeuUmgebung& u, NeuArt art) {
         }
         ArbeitsverzeichnisWache wache{w.D};
 
+        if (u.v.typAcadVersionInfo.strACadVersion.empty()) {
+            // No host found at start (the user started it later): look now,
+            // as the insertion does, offering the list of windows.
+            p.step("ACAD_Connect");
+            bool lt = false;
+            u.v.booFensterlisteAnbieten = true;
+            if (!ACAD_Connect(z, u.v, false, true, lt)) {
+                melden(z, kMsgKeinHost1);
+                return r;
+            }
+        }
         const bool genommen = fctIstAutoCadLt(u.v) ? ltRoute(u, w, r.booAbgebrochen)
                                                    : vollRoute(u, p, w, r.booAbgebrochen);
         if (!genommen) {
