@@ -167,21 +167,8 @@ TEST_F(FileRegistryTest, JunkReadsAsEmptyAndIsReplacedOnWrite) {
 }
 
 TEST_F(FileRegistryTest, DamagedLinesAreSkippedTheRestIsRead) {
-    {
-        std::ofstream out(path_, std::ios::binary);
-        out << "[HKEY_CURRENT_USER\\Software\\A]\r\n"
-               "\"gut\"=\"ja\"\r\n"
-               "\"kaputt\"=\"offen\n"
-               "\"zahl\"=dword:12\n"
-               "\"zahl2\"=dword:0000000g\n"
-               "ohne Anfuehrung=\"x\"\n"
-               "[HKEY_CLASSES_ROOT\\Fremd]\n"
-               "\"fremd\"=\"nein\"\n"
-               "[HKEY_LOCAL_MACHINE\\Software\\B\n"
-               "\"offen\"=\"nein\"\n"
-               "[HKEY_LOCAL_MACHINE\\Software\\C]\n"
-               "\"zahl\"=dword:0000FFFF\n";
-    }
+    fs::copy_file(std::string(TESSARA_SOURCE_DIR) + "/tests/platform/golden/beschaedigt.reg",
+                  path_);
     FileRegistry r(path_);
     EXPECT_EQ(r.readString(Hive::CurrentUser, "Software\\A", "gut"), "ja");
     EXPECT_EQ(r.valueNames(Hive::CurrentUser, "Software\\A"), std::vector<std::string>{"gut"});
