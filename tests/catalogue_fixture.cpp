@@ -40,18 +40,6 @@ sql::Row rowFor(sql::Table& t, const std::vector<std::pair<std::string, Value>>&
 }
 }  // namespace
 
-std::vector<std::string> blockInfoColumns() {
-    std::vector<std::string> c = {"Nr", "Block", "SlideLib", "OrdnerID"};
-    for (int i = 0; i < 5; ++i) c.push_back("BlkName" + std::to_string(i));
-    for (int i = 0; i < 10; ++i) c.push_back("M" + std::to_string(i));
-    for (int v = 0; v < 5; ++v)
-        for (char p = 'A'; p <= 'F'; ++p)
-            for (char x : {'X', 'Y', 'Z'}) c.push_back(std::string(1, p) + x + std::to_string(v));
-    for (int i = 0; i < 5; ++i) c.push_back("FktRuf" + std::to_string(i));
-    for (const char* n : {"Prg", "Layer", "LyLine", "LyColor"}) c.push_back(n);
-    return c;
-}
-
 void createSchema(sql::Storage& db) {
     std::vector<ColumnDef> bi{key(), text("Block", 144), text("SlideLib", 144), lng("OrdnerID")};
     for (int i = 0; i < 5; ++i) bi.push_back(text("BlkName" + std::to_string(i), 32));

@@ -52,6 +52,4 @@ void createSchema(sql::Storage& db);
 // Creates the tables and fills them; answers what was written.
 Catalogue fill(sql::Storage& db, int blockCount = 300);
 
-std::vector<std::string> blockInfoColumns();
-
 }  // namespace fixture

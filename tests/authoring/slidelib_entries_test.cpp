@@ -60,35 +60,4 @@ TEST_F(SlideLibEintraege, PfadEintragAendernLaesstRelativeEintraegeStehen) {
               std::string::npos);
 }
 
-TEST_F(SlideLibEintraege, DateienZiehenMitDemBlockUm) {
-    for (const char* f : {"001/00100170.slb", "001/00100171.slb", "001/00100173.sld",
-                          "001/Block/00100170.dwg", "001/Block/00100172.dwg",
-                          "001/Block/Varia/0010017_DN500.dwg", "001/Block/Varia/0010017_DN50.dat",
-                          "001/Block/Varia/0010018_DN500.dwg", "001/00100180.slb"})
-        datei(f);
-    con.execute(
-        "INSERT INTO tblBlockInfo (Block, OrdnerID, SlideLib) VALUES ('0010017', 2, "
-        "'001\\00100170.slb')");
-    db::Recordset rs;
-    ASSERT_TRUE(
-        fctRsEinlesenMitEinemKriterium(z, con, rs, "tblBlockInfo", "Block", "0010017", false));
-
-    ASSERT_TRUE(DateienUmEinePositionVerschieben(z, rs, basis, "001", "0010017", "0010025"));
-    for (const char* f : {"001/00100250.slb", "001/00100251.slb", "001/00100253.sld",
-                          "001/Block/00100250.dwg", "001/Block/00100252.dwg",
-                          "001/Block/Varia/0010025_DN500.dwg", "001/Block/Varia/0010025_DN50.dat"})
-        EXPECT_TRUE(fs::exists(wurzel / f)) << f;
-    for (const char* f :
-         {"001/00100170.slb", "001/Block/00100170.dwg", "001/Block/Varia/0010017_DN500.dwg"})
-        EXPECT_FALSE(fs::exists(wurzel / f)) << f;
-    // Another block's files stay where they are.
-    EXPECT_TRUE(fs::exists(wurzel / "001/Block/Varia/0010018_DN500.dwg"));
-    EXPECT_TRUE(fs::exists(wurzel / "001/00100180.slb"));
-    EXPECT_EQ(z.fehler.intFehlerAnzahl, 0);
-
-    db::Recordset pruef;
-    fctRsEinlesenMitEinemKriterium(z, con, pruef, "tblBlockInfo", "Block", "0010017", false);
-    EXPECT_EQ(pruef.text("SlideLib"), "001\\00100250.slb");
-}
-
 }  // namespace
