@@ -153,19 +153,5 @@ TEST_F(Schema, DebugModusKuendigtJedeTabelleAn) {
     fs::remove_all(dir);
 }
 
-TEST_F(Schema, MarkierteBloeckeInZehnSpaltigerForm) {
-    files->create("leer");
-    ASSERT_TRUE(subMk_TblMarkierteBloecke(z, oeffner, "leer"));
-    auto cols = files->find("leer")->table("tblMarkierteBloecke")->columns();
-    ASSERT_EQ(cols.size(), 10u);
-    EXPECT_EQ(cols[6].name, "NummerEinfuegepkt");
-    EXPECT_EQ(cols[7].name, "Layer");
-    EXPECT_EQ(cols[9].name, "LyColor");
-    EXPECT_EQ(cols[9].size, 100);
-    // A second time the table exists: the error is logged, the answer false.
-    EXPECT_FALSE(subMk_TblMarkierteBloecke(z, oeffner, "leer"));
-    EXPECT_EQ(z.fehler.intFehlerAnzahl, 1);
-}
-
 }  // namespace
 }  // namespace tessara
