@@ -7,6 +7,7 @@
 #include <memory>
 #include <random>
 
+#include "frisches_verzeichnis.h"
 #include "platform/memory/memory_registry.h"
 #include "platform/posix/file_registry.h"
 
@@ -123,10 +124,7 @@ class FileRegistryTest : public ::testing::Test {
         path_ = (dir_ / "registry.reg").string();
     }
     void TearDown() override { fs::remove_all(dir_); }
-    std::string slurp() {
-        std::ifstream in(path_, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
+    std::string slurp() { return tessara::test::dateiInhalt(path_); }
     fs::path dir_;
     std::string path_;
 };
