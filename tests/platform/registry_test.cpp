@@ -19,19 +19,12 @@ namespace fs = std::filesystem;
 const char* kRoot = "Software\\Vendel\\Tessara\\9.0";
 const char* kSetup = "Software\\Vendel\\Tessara\\9.0\\Setup";
 
-fs::path freshDir(const std::string& tag) {
-    std::random_device rd;
-    fs::path p = fs::temp_directory_path() / ("tessara-reg-" + tag + "-" + std::to_string(rd()));
-    fs::create_directories(p);
-    return p;
-}
-
 // The same behaviour is asked of the memory and the file registry.
 class RegistryContract : public ::testing::TestWithParam<bool> {
   protected:
     void SetUp() override {
         if (GetParam()) {
-            dir_ = freshDir("contract");
+            dir_ = tessara::test::frischesVerzeichnis("reg");
             reg_ = std::make_unique<FileRegistry>((dir_ / "cfg" / "registry.reg").string());
         } else {
             reg_ = std::make_unique<MemoryRegistry>();
@@ -120,7 +113,7 @@ INSTANTIATE_TEST_SUITE_P(MemoryAndFile, RegistryContract, ::testing::Values(fals
 class FileRegistryTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        dir_ = freshDir("file");
+        dir_ = tessara::test::frischesVerzeichnis("reg");
         path_ = (dir_ / "registry.reg").string();
     }
     void TearDown() override { fs::remove_all(dir_); }
