@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "frisches_verzeichnis.h"
 #include "jet/read/database.h"
 #include "jet/read/usage_map.h"
 #include "jet/support/mdbtools.h"
@@ -23,8 +24,7 @@ std::string cli(const std::string& args, int* status) {
 
 // A copy of a test file cut off where page `from` begins; its path.
 std::string cutCopy(const std::string& name, std::uint32_t from) {
-    std::ifstream in(jettest::testFile(name), std::ios::binary);
-    std::string bytes(std::istreambuf_iterator<char>(in), {});
+    std::string bytes = tessara::test::dateiInhalt(jettest::testFile(name));
     bytes.resize(std::size_t(from) * jet::kPageSize);
     const std::string path = ::testing::TempDir() + "cut-" + std::to_string(from) + "-" + name;
     std::ofstream(path, std::ios::binary) << bytes;
@@ -135,8 +135,7 @@ TEST(JetCli, FailuresAreOneLineAndNonZero) {
 // tables are still listed, and the exit status says not all were.
 TEST(JetCli, TablesReportsAnUnreadableTable) {
     const std::uint32_t page = firstDataPage("indexTestV2000.mdb", "Table1");
-    std::ifstream in(jettest::testFile("indexTestV2000.mdb"), std::ios::binary);
-    std::string bytes(std::istreambuf_iterator<char>(in), {});
+    std::string bytes = tessara::test::dateiInhalt(jettest::testFile("indexTestV2000.mdb"));
     std::fill_n(bytes.begin() + std::ptrdiff_t(page * jet::kPageSize), jet::kPageSize, '\xFF');
     const std::string path = ::testing::TempDir() + "filled-indexTestV2000.mdb";
     std::ofstream(path, std::ios::binary) << bytes;
