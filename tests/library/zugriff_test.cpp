@@ -47,16 +47,12 @@ class Zugriff : public ::testing::Test {
     int fehlerVorher = 0;
 };
 
-TEST_F(Zugriff, FindPrueftOffenUndNichtLeer) {
+TEST_F(Zugriff, FindPrueftOffenUndNichtLeerUndSuchtVonDerErstenZeileAn) {
     db::Recordset rs;
     EXPECT_FALSE(fctRsFind(z, rs, "Block", "0000000"));
     rs.open("SELECT * FROM tblBlockInfo WHERE Nr < 0", con);
     EXPECT_FALSE(fctRsFind(z, rs, "Block", "0000000"));
-    EXPECT_EQ(neueFehler(), 0);
-}
-
-TEST_F(Zugriff, FindSuchtVonDerErstenZeileAn) {
-    db::Recordset rs;
+    // From the first row on, wherever the record set stands.
     ASSERT_EQ(fctRsEinlesenAllgemein(z, con, rs, "tblBlockInfo", ""), 300);
     rs.moveLast();
     EXPECT_TRUE(fctRsFind(z, rs, "Block", "0000003"));
@@ -65,6 +61,7 @@ TEST_F(Zugriff, FindSuchtVonDerErstenZeileAn) {
     EXPECT_EQ(rs.text("Block"), "0010001");
     EXPECT_FALSE(fctRsFind(z, rs, "Block", "9999999"));
     EXPECT_TRUE(rs.eof());
+    EXPECT_EQ(neueFehler(), 0);
 }
 
 TEST_F(Zugriff, AlleEintraegeLoeschen) {
