@@ -33,7 +33,9 @@ using namespace std::chrono_literals;
 class ZweiteInstanz : public ::testing::Test {
   protected:
     void SetUp() override {
-        dir = tessara::test::frischesVerzeichnis("e2e");
+        // Short: the instance socket in run/ must stay below 108 bytes.
+        dir = fs::temp_directory_path() / ("tessara_e2e_" + std::to_string(::getpid()));
+        fs::remove_all(dir);
         fs::create_directories(dir / "run");
         fs::permissions(dir / "run", fs::perms::owner_all);
         // The test's own environment (display, X authority) with private
