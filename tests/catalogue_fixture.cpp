@@ -40,18 +40,6 @@ sql::Row rowFor(sql::Table& t, const std::vector<std::pair<std::string, Value>>&
 }
 }  // namespace
 
-std::vector<std::string> blockInfoColumns() {
-    std::vector<std::string> c = {"Nr", "Block", "SlideLib", "OrdnerID"};
-    for (int i = 0; i < 5; ++i) c.push_back("BlkName" + std::to_string(i));
-    for (int i = 0; i < 10; ++i) c.push_back("M" + std::to_string(i));
-    for (int v = 0; v < 5; ++v)
-        for (char p = 'A'; p <= 'F'; ++p)
-            for (char x : {'X', 'Y', 'Z'}) c.push_back(std::string(1, p) + x + std::to_string(v));
-    for (int i = 0; i < 5; ++i) c.push_back("FktRuf" + std::to_string(i));
-    for (const char* n : {"Prg", "Layer", "LyLine", "LyColor"}) c.push_back(n);
-    return c;
-}
-
 void createSchema(sql::Storage& db) {
     std::vector<ColumnDef> bi{key(), text("Block", 144), text("SlideLib", 144), lng("OrdnerID")};
     for (int i = 0; i < 5; ++i) bi.push_back(text("BlkName" + std::to_string(i), 32));
@@ -118,18 +106,13 @@ Catalogue fill(sql::Storage& db, int blockCount) {
     // Page names chosen to show General order: "1" < "10" < "2" < "a" = "A" < "b".
     const char* pageNames[] = {"2", "b", "10", "A", "1"};
     auto sei = db.table("tblSeiten");
-    int pageNr = 0;
-    for (const auto& f : c.folders) {
-        int pages = f.nr == 1 ? 1 : 5;
-        for (int p = 0; p < pages; ++p) {
-            PageSpec ps{++pageNr, p + 1, f.nr == 1 ? "1" : pageNames[p], f.nr};
-            c.pages.push_back(ps);
-            sql::Row r = rowFor(*sei, {{"SeitenNr", Value::integer(ps.seitenNr)},
-                                       {"SeitenName", Value::text(ps.name)},
-                                       {"NrTblOrdner", Value::integer(ps.ordner)}});
+    for (const auto& f : c.folders)
+        for (int p = 0; p < (f.nr == 1 ? 1 : 5); ++p) {
+            sql::Row r = rowFor(*sei, {{"SeitenNr", Value::integer(p + 1)},
+                                       {"SeitenName", Value::text(f.nr == 1 ? "1" : pageNames[p])},
+                                       {"NrTblOrdner", Value::integer(f.nr)}});
             sei->insert(r);
         }
-    }
 
     const char* nouns[] = {"Ventil",   "Kugelhahn",        "Flansch",     "Öltank",
                            "Schieber", "Rückschlagventil", "Straßenkappe"};
@@ -166,12 +149,10 @@ Catalogue fill(sql::Storage& db, int blockCount) {
 
     auto var = db.table("tblVariationBloecke");
     for (int i = 0; i < blockCount; i += 10) {
-        VariantSpec v{static_cast<int>(c.variants.size()) + 1, "Variante" + std::to_string(i),
-                      i + 1};
-        c.variants.push_back(v);
-        sql::Row r = rowFor(*var, {{"BlockName", Value::text(v.name)},
-                                   {"BlockID", Value::integer(v.blockId)},
-                                   {"BlockDateiName", Value::text(v.name + ".dwg")}});
+        const std::string name = "Variante" + std::to_string(i);
+        sql::Row r = rowFor(*var, {{"BlockName", Value::text(name)},
+                                   {"BlockID", Value::integer(i + 1)},
+                                   {"BlockDateiName", Value::text(name + ".dwg")}});
         var->insert(r);
     }
     return c;

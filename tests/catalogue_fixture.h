@@ -1,8 +1,8 @@
 #pragma once
 // A library catalogue with the six tables of the program, a few hundred
 // Block records in four Folders, Pages, Variants and a definition menu,
-// built through the storage interface. The generator's own lists stay at
-// hand so tests compute expected rows independently of the SQL layer.
+// built through the storage interface. The generator's Folders and Blocks
+// stay at hand so tests compute expected rows independently of the SQL layer.
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,30 +28,14 @@ struct FolderSpec {
     std::string code, name;
 };
 
-struct PageSpec {
-    int nr, seitenNr;
-    std::string name;
-    int ordner;
-};
-
-struct VariantSpec {
-    int nr;
-    std::string name;
-    int blockId;
-};
-
 struct Catalogue {
     std::vector<FolderSpec> folders;
     std::vector<BlockSpec> blocks;
-    std::vector<PageSpec> pages;
-    std::vector<VariantSpec> variants;
 };
 
 // Creates the six tables (empty) in a store.
 void createSchema(sql::Storage& db);
 // Creates the tables and fills them; answers what was written.
 Catalogue fill(sql::Storage& db, int blockCount = 300);
-
-std::vector<std::string> blockInfoColumns();
 
 }  // namespace fixture

@@ -13,12 +13,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "eigener_x_server.h"
+#include "frisches_verzeichnis.h"
 
 extern char** environ;
 
@@ -33,6 +33,7 @@ using namespace std::chrono_literals;
 class ZweiteInstanz : public ::testing::Test {
   protected:
     void SetUp() override {
+        // Short: the instance socket in run/ must stay below 108 bytes.
         dir = fs::temp_directory_path() / ("tessara_e2e_" + std::to_string(::getpid()));
         fs::remove_all(dir);
         fs::create_directories(dir / "run");
@@ -101,12 +102,7 @@ class ZweiteInstanz : public ::testing::Test {
         return -1;
     }
 
-    static std::string lesen(const fs::path& p) {
-        std::ifstream in(p);
-        std::stringstream ss;
-        ss << in.rdbuf();
-        return ss.str();
-    }
+    static std::string lesen(const fs::path& p) { return tessara::test::dateiInhalt(p); }
 
     // Waits until the file holds the text `anzahl` times.
     static bool erscheint(const fs::path& p, const std::string& text, int anzahl = 1) {

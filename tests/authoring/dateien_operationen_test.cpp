@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "authoring/block_dateien.h"
 #include "tabelle.h"
 #include "temp_verzeichnis.h"
 
@@ -84,15 +83,4 @@ TEST_F(DateienOperationen, Backslash) {
     EXPECT_EQ(fctBackslashAmEndeAnfuegen(z, "C:\\"), "C:\\");
     EXPECT_EQ(fctBackslashAmEndeAnfuegen(z, "C:\\lib"), "C:\\lib\\");
     EXPECT_EQ(fctBackslashAmEndeAnfuegen(z, ""), "\\");
-}
-
-TEST_F(DateienOperationen, DeletingABlocksLibraryAndDrawing) {
-    datei("001/Block/00100170.dwg");
-    datei("001/Block/00100171.dwg");
-    datei("001/00100170.slb");
-    EXPECT_TRUE(DateienLöschenSlideLibBlockzeichnung(z, basis, "001", "0010017"));
-    EXPECT_FALSE(fs::exists(wurzel / "001/Block/00100170.dwg"));
-    EXPECT_FALSE(fs::exists(wurzel / "001/00100170.slb"));
-    EXPECT_TRUE(fs::exists(wurzel / "001/Block/00100171.dwg"));  // other Views stay
-    EXPECT_FALSE(DateienLöschenSlideLibBlockzeichnung(z, basis, "001", "0010017"));
 }

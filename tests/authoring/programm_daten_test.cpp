@@ -12,6 +12,7 @@
 #include "authoring/demo_bibliothek.h"
 #include "authoring/slide_canvas.h"
 #include "authoring/slide_library.h"
+#include "frisches_verzeichnis.h"
 #include "temp_verzeichnis.h"
 
 using namespace tessara;
@@ -44,8 +45,7 @@ TEST(ProgrammDaten, CodeTable) {
         for (char ch : c) ASSERT_TRUE((ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'Z')) << c;
         for (const char* r : {"AUX", "CON", "NUL", "PRN"}) ASSERT_NE(c, r);
     }
-    std::ifstream in(datenDatei("txtPrefix.txt"), std::ios::binary);
-    std::string datei((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const std::string datei = tessara::test::dateiInhalt(datenDatei("txtPrefix.txt"));
     EXPECT_EQ(datei, fctCodeTabelleText());
     EXPECT_EQ(datei.substr(0, 10), "000\r\n001\r\n");
 }

@@ -10,6 +10,7 @@
 
 #include "authoring/slide.h"
 #include "authoring/slide_library.h"
+#include "frisches_verzeichnis.h"
 #include "slide_test_data.h"
 
 using namespace tessara::slide;
@@ -267,8 +268,7 @@ TEST(SlideWriter, RefusesWhatTheFormatCannotHold) {
 }
 
 TEST(SlideWriter, FileWriteGoesThroughATemporaryAndLeavesNoTrace) {
-    auto dir = std::filesystem::temp_directory_path() / ("slides_w_" + std::to_string(::getpid()));
-    std::filesystem::create_directories(dir);
+    auto dir = tessara::test::frischesVerzeichnis("slides");
     auto datei = (dir / "a.sld").string();
     writeSlideFile(readSlide(beispielDia()), datei);
     EXPECT_EQ(readFileBytes(datei), beispielDia());

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <string>
 
+#include "frisches_verzeichnis.h"
 #include "platform/environment.h"
 #include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
@@ -16,11 +17,7 @@ namespace slidetest {
 class TempVerzeichnis : public ::testing::Test {
   protected:
     void SetUp() override {
-        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-        wurzel = std::filesystem::temp_directory_path() /
-                 ("tessara_authoring_" + std::to_string(::getpid()) + "_" + info->name());
-        std::filesystem::remove_all(wurzel);
-        std::filesystem::create_directories(wurzel);
+        wurzel = tessara::test::frischesVerzeichnis("authoring");
         basis = platform::programPath(wurzel.string()) + "\\";
         z.strCTemp = basis;
         z.strErrorDatei = basis + "fehler.txt";
@@ -39,8 +36,7 @@ class TempVerzeichnis : public ::testing::Test {
         return p;
     }
     static std::string lesen(const std::filesystem::path& p) {
-        std::ifstream in(p, std::ios::binary);
-        return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        return tessara::test::dateiInhalt(p);
     }
 
     std::filesystem::path wurzel;

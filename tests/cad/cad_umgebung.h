@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "cad/cad_verbindung.h"
+#include "frisches_verzeichnis.h"
 #include "platform/memory/fake_clock.h"
 #include "platform/memory/memory_desktop.h"
 #include "platform/platform.h"
@@ -34,11 +35,7 @@ inline std::vector<std::string> goldenZeilen(const std::string& name) {
 class CadUmgebung : public ::testing::Test {
   protected:
     void SetUp() override {
-        laufwerk = std::filesystem::temp_directory_path() /
-                   ("tessara_cad_" + std::to_string(::getpid()) + "_" +
-                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::remove_all(laufwerk);
-        std::filesystem::create_directories(laufwerk);
+        laufwerk = tessara::test::frischesVerzeichnis("cad");
         ::setenv("TESSARA_DRIVE_C", laufwerk.c_str(), 1);
         plattform.desktop = &desktop;
         plattform.clock = &uhr;
@@ -61,8 +58,7 @@ class CadUmgebung : public ::testing::Test {
         return laufwerk / rest.substr(1);
     }
     std::string lesen(const std::string& programmPfad) const {
-        std::ifstream f(datei(programmPfad), std::ios::binary);
-        return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
+        return dateiInhalt(datei(programmPfad));
     }
     // The keystrokes the desktop received, one string each.
     std::vector<std::string> getippt() const {

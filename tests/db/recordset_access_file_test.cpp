@@ -8,24 +8,17 @@
 #include "db/connection.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
+#include "frisches_verzeichnis.h"
 #include "jet/sql/error.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string bytesOf(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 class RealRecords : public ::testing::Test {
   protected:
     void SetUp() override {
-        dir = fs::temp_directory_path() /
-              ("tessara_db_" + std::to_string(::getpid()) + "_" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::create_directories(dir);
+        dir = tessara::test::frischesVerzeichnis("db");
         file = dir / "index.mdb";
         fs::copy_file(fs::path(TESSARA_TESTDATA) / "mdb" / "indexTestV2000.mdb", file);
         // The program's paths are in backslash form; the mapper turns them into native ones.
@@ -67,7 +60,7 @@ TEST_F(RealRecords, NavigationFindFilterAndPosition) {
 }
 
 TEST_F(RealRecords, WritingThroughTheReadOnlyAdapterLeavesTheFileAsItWas) {
-    std::string before = bytesOf(file);
+    std::string before = tessara::test::dateiInhalt(file);
     db::Recordset rs;
     rs.open("Table1", *con, db::adOpenKeyset, db::adLockOptimistic);
     rs.addNew();
@@ -78,7 +71,7 @@ TEST_F(RealRecords, WritingThroughTheReadOnlyAdapterLeavesTheFileAsItWas) {
     rs.cancelUpdate();
     // Rows of Table1 refer to Table3's rows, and the relationship does not cascade deletes.
     EXPECT_THROW(con->execute("DELETE FROM Table3"), jet::Error);
-    EXPECT_EQ(bytesOf(file), before);
+    EXPECT_EQ(tessara::test::dateiInhalt(file), before);
 }
 
 }  // namespace

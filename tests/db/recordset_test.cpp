@@ -11,6 +11,7 @@
 #include "jet/sql/error.h"
 #include "jet/sql/memory_storage.h"
 #include "jet/sql/text_rules.h"
+#include "tabelle.h"
 
 namespace {
 
@@ -90,32 +91,15 @@ TEST_F(Records, EmptyRecordSetIsAtBofAndEof) {
 TEST_F(Records, FindCriteriaShapes) {
     db::Recordset rs;
     rs.open("SELECT * FROM tblOrdner", *con, db::adOpenKeyset, db::adLockOptimistic);
-    struct {
-        const char* criteria;
-        long position;  // 0 = not found
-    } cases[] = {
-        {"OrdnerName Like 'Arm%'", 2},
-        {"OrdnerName Like 'arm*'", 2},
-        {"Ordnername Like 'Rohr_eitungen'", 3},
-        {"Ordnername Like 'Rohr?eitungen'", 3},
-        {"OrdnerName Like '%Anlagen'", 4},
-        {"Nr = 3", 3},
-        {"Nr > 3", 4},
-        {"OrdnerNr Like '001'", 2},
-        {"OrdnerNr = '002'", 3},
-        {"[Ordnername] = 'öl-anlagen'", 4},
-        {"OrdnerName Like 'Arm'", 0},
-        {"Nr = 99", 0},
-        {"NrTblRechte = NULL", 1},
-    };
-    for (const auto& c : cases) {
+    for (const auto& c : tessara::test::tabelle("db/golden/find.txt")) {
         rs.moveFirst();
-        bool found = rs.find(c.criteria);
-        EXPECT_EQ(found, c.position != 0) << c.criteria;
+        const long position = std::stol(c.at(1));
+        bool found = rs.find(c.at(0));
+        EXPECT_EQ(found, position != 0) << c[0];
         if (found)
-            EXPECT_EQ(rs.absolutePosition(), c.position) << c.criteria;
+            EXPECT_EQ(rs.absolutePosition(), position) << c[0];
         else
-            EXPECT_TRUE(rs.eof()) << c.criteria;
+            EXPECT_TRUE(rs.eof()) << c[0];
     }
     rs.moveFirst();
     EXPECT_THROW(rs.find("Gibts = 1"), sql::Error);

@@ -10,6 +10,8 @@
 #include <iterator>
 #include <memory>
 
+#include "frisches_verzeichnis.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -30,18 +32,10 @@ Output run(const std::string& cmd) {
     return o;
 }
 
-std::string bytesOf(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 class SqlCommand : public ::testing::Test {
   protected:
     void SetUp() override {
-        dir = fs::temp_directory_path() /
-              ("tessara_sqlcli_" + std::to_string(::getpid()) + "_" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::create_directories(dir);
+        dir = tessara::test::frischesVerzeichnis("sqlcli");
         file = dir / "test.mdb";
         fs::copy_file(fs::path(TESSARA_TESTDATA) / "mdb" / "testV2000.mdb", file);
     }
@@ -76,14 +70,14 @@ TEST_F(SqlCommand, ErrorsPrintJetsMessageAndExitNonZero) {
 }
 
 TEST_F(SqlCommand, AStatementThatCannotWriteLeavesTheFileAsItWas) {
-    std::string before = bytesOf(file);
+    std::string before = tessara::test::dateiInhalt(file);
     // The first row takes the change; the second would duplicate the
     // primary key of the first, so the statement fails half way and the
     // first row's change must go too.
     Output o = run(cli("UPDATE Table1 SET C = 7, A = 'abcdefg'") + " 2>&1");
     EXPECT_NE(o.status, 0);
     EXPECT_NE(o.text.find("duplicate"), std::string::npos) << o.text;
-    EXPECT_EQ(bytesOf(file), before);
+    EXPECT_EQ(tessara::test::dateiInhalt(file), before);
 }
 
 // A script from standard input or a file: statements between lines of ";"

@@ -12,6 +12,7 @@
 #include <iterator>
 #include <memory>
 
+#include "frisches_verzeichnis.h"
 #include "platform/environment.h"
 #include "platform/memory/fake_clock.h"
 #include "platform/memory/memory_desktop.h"
@@ -82,10 +83,7 @@ struct Prozess {
 class StartAblauf : public ::testing::Test {
   protected:
     void SetUp() override {
-        root = fs::temp_directory_path() /
-               ("tessara_start_" + std::to_string(::getpid()) + "_" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(root);
+        root = tessara::test::frischesVerzeichnis("start");
         fs::create_directories(root / "app");
         fs::create_directories(root / "common");
         fs::create_directories(root / "drive_c");

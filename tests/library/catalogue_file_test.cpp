@@ -10,6 +10,7 @@
 
 #include "db/jet_opener.h"
 #include "db/recordset.h"
+#include "frisches_verzeichnis.h"
 #include "jet/check/check.h"
 #include "jet/read/database.h"
 #include "library/datenbank.h"
@@ -43,11 +44,7 @@ std::vector<std::string> zeilen(const std::string& text) {
 class EchteDatei : public ::testing::Test {
   protected:
     void SetUp() override {
-        verzeichnis = fs::temp_directory_path() /
-                      ("tessara_kat_" + std::to_string(::getpid()) + "_" +
-                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(verzeichnis);
-        fs::create_directories(verzeichnis);
+        verzeichnis = tessara::test::frischesVerzeichnis("kat");
         datei = verzeichnis / "dbTessara.mdb";
         // The program writes backslash paths; the opener maps them to native ones.
         oeffner = db::jetOpener([](const std::string& p) {

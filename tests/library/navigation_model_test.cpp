@@ -9,6 +9,7 @@
 #include "authoring/code_tabelle.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
+#include "frisches_verzeichnis.h"
 #include "library/bibliothek_sitzung.h"
 #include "library/schema.h"
 #include "platform/environment.h"
@@ -22,10 +23,7 @@ namespace fs = std::filesystem;
 class Navigation : public ::testing::Test {
   protected:
     void SetUp() override {
-        wurzel = fs::temp_directory_path() /
-                 ("tessara_nav_" + std::to_string(::getpid()) + "_" +
-                  ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(wurzel);
+        wurzel = tessara::test::frischesVerzeichnis("nav");
         fs::create_directories(wurzel / "prog");
         fs::create_directories(wurzel / "lib");
         z.benutzer = &benutzer;

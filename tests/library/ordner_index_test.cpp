@@ -10,6 +10,7 @@
 
 #include "db/jet_opener.h"
 #include "db/recordset.h"
+#include "frisches_verzeichnis.h"
 #include "jet/check/check.h"
 #include "jet/read/database.h"
 #include "library/datenbank.h"
@@ -23,10 +24,7 @@ namespace {
 namespace fs = std::filesystem;
 
 TEST(OrdnerIndex, BloeckeEinesOrdnersWieOhneIndex) {
-    const fs::path verzeichnis =
-        fs::temp_directory_path() / ("tessara_ordnerindex_" + std::to_string(::getpid()));
-    fs::remove_all(verzeichnis);
-    fs::create_directories(verzeichnis);
+    const fs::path verzeichnis = tessara::test::frischesVerzeichnis("ordnerindex");
     const fs::path datei = verzeichnis / "dbTessara.mdb";
     SkriptBenutzer benutzer;
     ProgrammZustand z;

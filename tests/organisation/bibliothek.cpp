@@ -7,6 +7,7 @@
 #include "authoring/code_tabelle.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
+#include "frisches_verzeichnis.h"
 #include "library/datenbank.h"
 #include "library/schema.h"
 #include "platform/environment.h"
@@ -14,10 +15,7 @@
 namespace tessara::orgtest {
 
 void Bibliothek::SetUp() {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    wurzel = fs::temp_directory_path() / ("tessara_org_" + std::to_string(::getpid()) + "_" +
-                                          info->test_suite_name() + "_" + info->name());
-    fs::remove_all(wurzel);
+    wurzel = tessara::test::frischesVerzeichnis("org");
     fs::create_directories(wurzel / "prog");
     fs::create_directories(wurzel / "lib");
     z.benutzer = &benutzer;

@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 
+#include "frisches_verzeichnis.h"
 #include "platform/posix/posix_environment.h"
 #include "tabelle.h"
 
@@ -47,8 +48,7 @@ class EnvGuard {
 class PathTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        base_ = fs::temp_directory_path() / ("tessara-paths-" + std::to_string(getpid()));
-        fs::create_directories(base_);
+        base_ = tessara::test::frischesVerzeichnis("paths");
         env_.set("HOME", (base_ / "home").string());
         env_.set("TESSARA_DRIVE_D", (base_ / "laufwerk_d/").string());
         for (char c : std::string("cefgz"))

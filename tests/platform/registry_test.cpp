@@ -7,6 +7,7 @@
 #include <memory>
 #include <random>
 
+#include "frisches_verzeichnis.h"
 #include "platform/memory/memory_registry.h"
 #include "platform/posix/file_registry.h"
 
@@ -18,19 +19,12 @@ namespace fs = std::filesystem;
 const char* kRoot = "Software\\Vendel\\Tessara\\9.0";
 const char* kSetup = "Software\\Vendel\\Tessara\\9.0\\Setup";
 
-fs::path freshDir(const std::string& tag) {
-    std::random_device rd;
-    fs::path p = fs::temp_directory_path() / ("tessara-reg-" + tag + "-" + std::to_string(rd()));
-    fs::create_directories(p);
-    return p;
-}
-
 // The same behaviour is asked of the memory and the file registry.
 class RegistryContract : public ::testing::TestWithParam<bool> {
   protected:
     void SetUp() override {
         if (GetParam()) {
-            dir_ = freshDir("contract");
+            dir_ = tessara::test::frischesVerzeichnis("reg");
             reg_ = std::make_unique<FileRegistry>((dir_ / "cfg" / "registry.reg").string());
         } else {
             reg_ = std::make_unique<MemoryRegistry>();
@@ -119,14 +113,11 @@ INSTANTIATE_TEST_SUITE_P(MemoryAndFile, RegistryContract, ::testing::Values(fals
 class FileRegistryTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        dir_ = freshDir("file");
+        dir_ = tessara::test::frischesVerzeichnis("reg");
         path_ = (dir_ / "registry.reg").string();
     }
     void TearDown() override { fs::remove_all(dir_); }
-    std::string slurp() {
-        std::ifstream in(path_, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
+    std::string slurp() { return tessara::test::dateiInhalt(path_); }
     fs::path dir_;
     std::string path_;
 };
@@ -167,21 +158,8 @@ TEST_F(FileRegistryTest, JunkReadsAsEmptyAndIsReplacedOnWrite) {
 }
 
 TEST_F(FileRegistryTest, DamagedLinesAreSkippedTheRestIsRead) {
-    {
-        std::ofstream out(path_, std::ios::binary);
-        out << "[HKEY_CURRENT_USER\\Software\\A]\r\n"
-               "\"gut\"=\"ja\"\r\n"
-               "\"kaputt\"=\"offen\n"
-               "\"zahl\"=dword:12\n"
-               "\"zahl2\"=dword:0000000g\n"
-               "ohne Anfuehrung=\"x\"\n"
-               "[HKEY_CLASSES_ROOT\\Fremd]\n"
-               "\"fremd\"=\"nein\"\n"
-               "[HKEY_LOCAL_MACHINE\\Software\\B\n"
-               "\"offen\"=\"nein\"\n"
-               "[HKEY_LOCAL_MACHINE\\Software\\C]\n"
-               "\"zahl\"=dword:0000FFFF\n";
-    }
+    fs::copy_file(std::string(TESSARA_SOURCE_DIR) + "/tests/platform/golden/beschaedigt.reg",
+                  path_);
     FileRegistry r(path_);
     EXPECT_EQ(r.readString(Hive::CurrentUser, "Software\\A", "gut"), "ja");
     EXPECT_EQ(r.valueNames(Hive::CurrentUser, "Software\\A"), std::vector<std::string>{"gut"});

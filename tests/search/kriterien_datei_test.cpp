@@ -2,6 +2,7 @@
 // file's exact bytes, and files that are not what they should be.
 #include <fstream>
 
+#include "frisches_verzeichnis.h"
 #include "search/such_kriterien_datei.h"
 #include "startup/zeichensatz.h"
 #include "such_umgebung.h"
@@ -49,10 +50,8 @@ TEST_F(KriterienDatei, SavingAndLoadingRestoresTextsAndOperatorsButNotTheBlockNa
 TEST_F(KriterienDatei, TheFileTextMatchesTheGoldenFile) {
     typSuchKriterien k = beispiel();
     k.txtBenennung[9] = "Zeile\r\numbrochen";  // a value stays one line
-    std::ifstream g(std::string(TESSARA_SOURCE_DIR) + "/tests/search/golden/kriterien.str",
-                    std::ios::binary);
-    const std::string golden{std::istreambuf_iterator<char>(g), {}};
-    EXPECT_EQ(fctKriterienDateiText(k, "12:34:56"), golden);
+    EXPECT_EQ(fctKriterienDateiText(k, "12:34:56"),
+              dateiInhalt(std::string(TESSARA_SOURCE_DIR) + "/tests/search/golden/kriterien.str"));
 }
 
 TEST_F(KriterienDatei, CancellingTheDialogsDoesNothing) {

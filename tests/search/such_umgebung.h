@@ -11,6 +11,7 @@
 
 #include "db/connection.h"
 #include "db/jet_opener.h"
+#include "frisches_verzeichnis.h"
 #include "library/datenbank.h"
 #include "library/schema.h"
 #include "platform/environment.h"
@@ -22,11 +23,7 @@ namespace tessara::test {
 class SuchUmgebung : public ::testing::Test {
   protected:
     void SetUp() override {
-        verzeichnis = std::filesystem::temp_directory_path() /
-                      ("tessara_suche_" + std::to_string(::getpid()) + "_" +
-                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::remove_all(verzeichnis);
-        std::filesystem::create_directories(verzeichnis);
+        verzeichnis = tessara::test::frischesVerzeichnis("suche");
         basis = platform::programPath(verzeichnis.string());
         z.strCTemp = basis + "\\";
         z.strErrorDatei = basis + "\\fehler.txt";
@@ -42,10 +39,7 @@ class SuchUmgebung : public ::testing::Test {
         ASSERT_TRUE(Mk_Datenbank(z, oeffner, datei));
         con.open(fctJetVerbindung(datei));
     }
-    std::string lesen(const std::string& name) const {
-        std::ifstream f(verzeichnis / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
-    }
+    std::string lesen(const std::string& name) const { return dateiInhalt(verzeichnis / name); }
     std::string protokoll() const { return lesen("fehler.txt"); }
 
     std::filesystem::path verzeichnis;

@@ -9,6 +9,7 @@
 
 #include "anweisungen_golden.h"
 #include "jet/support/mdbtools.h"
+#include "tabelle.h"
 
 namespace tessara::test {
 namespace {
@@ -78,35 +79,20 @@ TEST_F(SucheCli, BadInputEndsInOneLineAndANonZeroExit) {
         std::ofstream f(kaputt, std::ios::binary);
         for (int i = 0; i < 8192; ++i) f.put(static_cast<char>(i * 37));
     }
-    struct Fall {
-        std::vector<std::string> args;
-        int status;
-        std::string teil;  // part of the line on standard error
-    };
-    const std::vector<Fall> faelle = {
-        {{mdb(), "M3=O'Brien"}, 2, "quote"},
-        {{mdb(), "--print-sql", "M3=O'Brien"}, 2, "quote"},
-        {{mdb(), "M10=a"}, 2, "not a field"},
-        {{mdb(), "Benennung=a"}, 2, "not a field"},
-        {{mdb()}, 2, "no search text"},
-        {{mdb(), "M0=", "name="}, 2, "no search text"},
-        {{mdb(), "M0=a", "m0=b"}, 2, "twice"},
-        {{mdb(), "--folder", "eins", "M0=a"}, 2, "Folder Nr"},
-        {{mdb(), "--folder"}, 2, "--folder"},
-        {{mdb(), "--fast", "M0=a"}, 2, "unknown option"},
-        {{(verzeichnis / "fehlt.mdb").string(), "M0=a"}, 1, "no such file"},
-        {{kaputt.string(), "M0=a"}, 1, ""},
-        // The window's own statement: the table runs into WHERE.
-        {{mdb(), "name=Kugelhahn"}, 1, "--views"},
-    };
-    for (const auto& f : faelle) {
+    for (const auto& f : tabelle("search/golden/falsche_eingaben.txt")) {
+        std::vector<std::string> args(f.begin() + 2, f.end());
+        for (auto& a : args)
+            a = a == "MDB"      ? mdb()
+                : a == "FEHLT"  ? (verzeichnis / "fehlt.mdb").string()
+                : a == "KAPUTT" ? kaputt.string()
+                                : a;
         std::string aufruf;
-        for (const auto& a : f.args) aufruf += " " + a;
+        for (const auto& a : args) aufruf += " " + a;
         int status = -1;
-        const std::string fehler = lauf("search", f.args, status, true);
-        EXPECT_EQ(status, f.status) << aufruf;
+        const std::string fehler = lauf("search", args, status, true);
+        EXPECT_EQ(status, std::stoi(f.at(0))) << aufruf;
         EXPECT_EQ(std::count(fehler.begin(), fehler.end(), '\n'), 1) << aufruf << ": " << fehler;
-        EXPECT_NE(fehler.find(f.teil), std::string::npos) << aufruf << ": " << fehler;
+        EXPECT_NE(fehler.find(f.at(1)), std::string::npos) << aufruf << ": " << fehler;
     }
 }
 

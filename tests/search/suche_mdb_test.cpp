@@ -9,6 +9,7 @@
 #include "jet/support/mdbtools.h"
 #include "search/datenbank_suche.h"
 #include "such_umgebung.h"
+#include "tabelle.h"
 
 namespace tessara::test {
 namespace {
@@ -20,26 +21,7 @@ class SucheMdb : public SuchUmgebung {
         z.strAppPfad = platform::programPath(std::string(TESSARA_SOURCE_DIR) + "/data");
         z.strSprache = "deutsch";
         katalogAnlegen();
-        for (const char* s : {
-                 "UPDATE tblDefMenue SET Benennung1 = 'Benennung', Benennung2 = 'Nennweite'",
-                 "INSERT INTO tblDefMenue (global, Benennung1) VALUES (0, 'Werkstoff')",
-                 "INSERT INTO tblOrdner (OrdnerNr, Ordnername, NrTblDefMenue) VALUES ('001', "
-                 "'Flansche', 2)",
-                 "INSERT INTO tblOrdner (OrdnerNr, Ordnername) VALUES ('002', 'Ohne Menü')",
-                 "INSERT INTO tblBlockInfo (Block, OrdnerID, BlkName0, BlkName1, M0, M1, M2) "
-                 "VALUES ('00000A', 1, 'Kugelhahn_DN50', 'Kugelhahn_oben', 'Kugelhahn DN 50', "
-                 "'DN 50', 'Messing')",
-                 "INSERT INTO tblBlockInfo (Block, OrdnerID, BlkName0, M0, M1, M2) VALUES "
-                 "('00000B', 1, 'Absperrventil_DN50', 'Absperrventil DN 50', 'DN 50', 'Grauguss')",
-                 "INSERT INTO tblBlockInfo (Block, OrdnerID, BlkName0, M0, M1, M2) VALUES "
-                 "('00000C', 1, 'Schieber', 'Schieber', 'DN 100', 'Stahl')",
-                 "INSERT INTO tblBlockInfo (Block, OrdnerID, BlkName0, M0, M1, M2) VALUES "
-                 "('00100A', 2, 'Flansch', 'Vorschweißflansch', 'DN 50', 'STAHL')",
-                 "INSERT INTO tblBlockInfo (Block, OrdnerID, BlkName0, BlkName3, M0, M1, M2) "
-                 "VALUES ('00100B', 2, 'Hahn', 'Hahn_Ventilseite', 'Hähne', 'DN 25', 'Rotguss')",
-                 "INSERT INTO tblVariationBloecke (BlockName, BlockID) VALUES ('Ventil_Sonder', 3)",
-             })
-            con.execute(s);
+        for (const auto& s : tabelle("search/golden/katalog.txt")) con.execute(s.at(0));
     }
     // What mdb-export reads from the file.
     std::vector<jettest::CsvRow> exportieren(const std::string& tabelle, jettest::CsvRow& kopf) {

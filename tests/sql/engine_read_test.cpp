@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "catalogue_fixture.h"
+#include "frisches_verzeichnis.h"
 #include "jet/sql/engine_storage.h"
 #include "jet/sql/error.h"
 #include "jet/sql/executor.h"
@@ -17,8 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 TEST(RealFile, SelectStarReadsWhatMdbExportReads) {
-    fs::path dir = fs::temp_directory_path() / ("tessara_sql_read_" + std::to_string(::getpid()));
-    fs::create_directories(dir);
+    fs::path dir = tessara::test::frischesVerzeichnis("sql_read");
     fs::path path = dir / "testV2000.mdb";
     fs::copy_file(fs::path(TESSARA_TESTDATA) / "mdb" / "testV2000.mdb", path,
                   fs::copy_options::overwrite_existing);

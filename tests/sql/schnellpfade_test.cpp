@@ -4,50 +4,33 @@
 #include <gtest/gtest.h>
 
 #include "jet/sql/text_rules.h"
+#include "tabelle.h"
 
 namespace {
 
-const char* const kTexte[] = {
-    "Ventil",
-    "VENTIL DN 50",
-    "Rückschlagventil",
-    "Vorschweißflansch",
-    "STRASSE",
-    "Straße",
-    "STRAẞE",
-    "İnox",
-    "inox",
-    "Str\xdf"
-    "e",
-    "Ölventil",
-    "Grauguss",
-    "ßventil",
-    "ventilß",
-    "ä",
-    "",
-    "Größe 50°",
-    "v\xc3",
-};
-const char* const kMuster[] = {
-    "%ventil%", "%strasse%", "strasse", "stras%",   "%inox%", "inox", "%ss%", "%e",
-    "ventil",   "%",         "%50%",    "ssventil", "%lss",   "%v%",  "s%",
-};
+// The lines of golden/schnellpfade.txt of one kind.
+std::vector<std::string> liste(const std::string& art) {
+    std::vector<std::string> r;
+    for (const auto& f : tessara::test::tabelle("sql/golden/schnellpfade.txt"))
+        if (f.at(0) == art) r.push_back(f.at(1));
+    EXPECT_FALSE(r.empty()) << art;
+    return r;
+}
 
 TEST(Schnellpfade, AsciiLiteralsMatchAsTheFullFoldDoes) {
-    for (const char* muster : kMuster) {
+    const auto texte = liste("text");
+    for (const auto& muster : liste("muster")) {
         const sql::LikePattern p(muster, sql::LikePattern::Dialect::Sql);
-        for (const char* text : kTexte)
+        for (const auto& text : texte)
             EXPECT_EQ(p.matches(text), p.matchesFolded(sql::foldCase(text)))
                 << "'" << text << "' LIKE '" << muster << "'";
     }
 }
 
 TEST(Schnellpfade, TextEqualityAsTheFullFoldDoes) {
-    const char* const namen[] = {"BlkName0", "blkname0", "BLKNAME0", "BlkName1", "BlkName",
-                                 "M0",       "m0",       "Fuß",      "FUSS",     "fuss",
-                                 "İ",        "i",        "",         "a ",       "a"};
-    for (const char* a : namen)
-        for (const char* b : namen)
+    const auto namen = liste("name");
+    for (const auto& a : namen)
+        for (const auto& b : namen)
             EXPECT_EQ(sql::textEquals(a, b), sql::foldCase(a) == sql::foldCase(b))
                 << "'" << a << "' = '" << b << "'";
 }

@@ -11,6 +11,7 @@
 #include <iterator>
 #include <string>
 
+#include "frisches_verzeichnis.h"
 #include "platform/environment.h"
 #include "platform/memory/fake_clock.h"
 #include "platform/memory/memory_environment.h"
@@ -26,10 +27,7 @@ namespace fs = std::filesystem;
 class EinstellungenUmgebung : public ::testing::Test {
   protected:
     void SetUp() override {
-        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-        wurzel = fs::temp_directory_path() / ("tessara_settings_" + std::to_string(::getpid()) +
-                                              "_" + info->test_suite_name() + "_" + info->name());
-        fs::remove_all(wurzel);
+        wurzel = tessara::test::frischesVerzeichnis("settings");
         fs::create_directories(wurzel / "app");
         fs::create_directories(wurzel / "drive_c");
         ::setenv("TESSARA_DRIVE_C", (wurzel / "drive_c").c_str(), 1);
@@ -56,10 +54,7 @@ class EinstellungenUmgebung : public ::testing::Test {
     }
 
     static std::string prog(const fs::path& p) { return platform::programPath(p.string()); }
-    static std::string lesen(const fs::path& p) {
-        std::ifstream in(p, std::ios::binary);
-        return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    }
+    static std::string lesen(const fs::path& p) { return tessara::test::dateiInhalt(p); }
     static void schreiben(const fs::path& p, const std::string& bytes) {
         std::ofstream(p, std::ios::binary | std::ios::trunc) << bytes;
     }

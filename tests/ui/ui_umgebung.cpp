@@ -10,6 +10,7 @@
 #include <iterator>
 #include <memory>
 
+#include "frisches_verzeichnis.h"
 #include "platform/environment.h"
 #include "startup/einstellungen.h"
 #include "ui/frm_blockverwaltung.h"
@@ -37,11 +38,7 @@ const auto* const umgebung = ::testing::AddGlobalTestEnvironment(new QtUmgebung)
 }  // namespace
 
 void FensterTest::SetUp() {
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    wurzel = std::filesystem::temp_directory_path() /
-             ("tessara_ui_" + std::to_string(::getpid()) + "_" + info->name());
-    std::filesystem::remove_all(wurzel);
-    std::filesystem::create_directories(wurzel);
+    wurzel = tessara::test::frischesVerzeichnis("ui");
     const std::string basis = platform::programPath(wurzel.string()) + "\\";
     z.strCTemp = basis;
     z.strErrorDatei = basis + "fehler.txt";
@@ -55,8 +52,7 @@ void FensterTest::TearDown() {
 }
 
 std::string FensterTest::protokoll() const {
-    std::ifstream in(wurzel / "fehler.txt", std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    return tessara::test::dateiInhalt(wurzel / "fehler.txt");
 }
 
 namespace {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "frisches_verzeichnis.h"
 #include "jet/support/mdbtools.h"
 #include "jet/support/tx_support.h"
 
@@ -35,9 +36,7 @@ TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
         EXPECT_NE(out.find(c.message), std::string::npos) << out;
         EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1) << out;
     }
-    std::ifstream in(existing);
-    std::string content((std::istreambuf_iterator<char>(in)), {});
-    EXPECT_EQ(content, "keep me");
+    EXPECT_EQ(tessara::test::dateiInhalt(existing), "keep me");
 }
 
 // A new file holds Jet's own system tables and catalogue rows, reads back in

@@ -7,8 +7,6 @@
 //   serve DIR NAME COUNT
 //       claims (exit 2 if it cannot), prints "claimed", then prints each of
 //       COUNT received messages as "OP|ARG|ARG" and exits 0.
-//   claim-and-die DIR NAME
-//       claims and ends without releasing, leaving its socket file behind.
 //   partial DIR NAME
 //       connects, writes the start of a message and dies.
 //   stall DIR NAME
@@ -78,11 +76,6 @@ int main(int argc, char** argv) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
         return 0;
-    }
-    if (mode == "claim-and-die") {
-        if (!channel.claim(name)) return 2;
-        std::fflush(stdout);
-        _exit(0);  // no release: the socket file stays behind
     }
     if (mode == "partial" || mode == "stall") {
         int fd = rawConnect(channel.socketPath(name));
