@@ -1,5 +1,4 @@
-// The record-set helpers the Folder, Page and mark commands use; the
-// module's other helpers have no caller in the program.
+// The record-set helpers the Folder, Page and mark commands use.
 #include "library/zugriff.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +18,7 @@ class Zugriff : public ::testing::Test {
     void SetUp() override {
         z.benutzer = &benutzer;
         ASSERT_TRUE(Mk_Datenbank(z, oeffner, pfad));
-        ASSERT_TRUE(fctConnectionOeffnen(z, con, pfad));
+        con.open(fctJetVerbindung(pfad));
         con.execute(
             "INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte) VALUES ('001', "
             "'Armaturen', 'Alle')");
@@ -53,7 +52,8 @@ TEST_F(Zugriff, FindPrueftOffenUndNichtLeerUndSuchtVonDerErstenZeileAn) {
     rs.open("SELECT * FROM tblBlockInfo WHERE Nr < 0", con);
     EXPECT_FALSE(fctRsFind(z, rs, "Block", "0000000"));
     // From the first row on, wherever the record set stands.
-    ASSERT_EQ(fctRsEinlesenAllgemein(z, con, rs, "tblBlockInfo", ""), 300);
+    rs.close();
+    rs.open("SELECT * FROM tblBlockInfo", con, db::adOpenKeyset, db::adLockOptimistic);
     rs.moveLast();
     EXPECT_TRUE(fctRsFind(z, rs, "Block", "0000003"));
     EXPECT_EQ(rs.text("Block"), "0000003");
@@ -66,10 +66,13 @@ TEST_F(Zugriff, FindPrueftOffenUndNichtLeerUndSuchtVonDerErstenZeileAn) {
 
 TEST_F(Zugriff, AlleEintraegeLoeschen) {
     db::Recordset rs;
-    fctRsEinlesenMitEinemKriterium(z, con, rs, "tblBlockInfo", "OrdnerID", "3", true);
+    rs.open("SELECT * FROM tblBlockInfo WHERE OrdnerID = 3", con, db::adOpenKeyset,
+            db::adLockOptimistic);
     ASSERT_TRUE(fctAlleEintraegLoeschen(z, rs));
-    EXPECT_FALSE(fctPruefenWertVorhandenTrue(z, con, "tblBlockInfo", "Block", "002%"));
-    EXPECT_TRUE(fctPruefenWertVorhandenTrue(z, con, "tblBlockInfo", "Block", "001%"));
+    db::Recordset rest;
+    rest.open("SELECT Block FROM tblBlockInfo WHERE Block LIKE '002%' OR Block LIKE '001%'", con);
+    EXPECT_EQ(rest.recordCount(), 100);
+    EXPECT_EQ(rest.text("Block").substr(0, 3), "001");
 }
 
 }  // namespace
