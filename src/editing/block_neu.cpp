@@ -150,6 +150,7 @@ bool ltRoute(BlockNeuUmgebung& u, Vorhaben& w, bool& abgebrochen) {
 bool vollRoute(BlockNeuUmgebung& u, Prozedur& p, Vorhaben& w, bool& abgebrochen) {
     auto& z = u.z;
     bool lt = false;
+    // Again each time: the host may have been closed and started since.
     if (!ACAD_Connect(z, u.v, true, false, lt) || !u.v.acadApp) return false;
     auto dok = u.v.acadApp->ActiveDocument();
     p.step("Filedia ermitteln und setzten");

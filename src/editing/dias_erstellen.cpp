@@ -229,7 +229,8 @@ bool SlidesErstellenVonBildausschnittAnpassen(ProgrammZustand& z, AcadDokument& 
         typPunkt3 a, b;
         const bool gepickt = fctPunktLesen(dok.GetPoint("Erste Ecke für das Dia angeben: "), a) &&
                              fctPunktLesen(dok.GetPoint("Zweite Ecke für das Dia picken: "), b);
-        if (!gepickt) {
+        // Two picks on one spot make no window: the view stays as it was.
+        if (!gepickt || a.x == b.x || a.y == b.y) {
             dok.SendCommand(fctBefehlUndoZurueck());
             return false;
         }

@@ -318,8 +318,9 @@ Objekt* modellBauen(Modell& m) {
         text(e, L"j");
         return S_OK;
     });
-    werkzeug->mitglied(L"GetPoint", [](const auto&, VARIANT* e) {
-        punkt(e, L"120.5,80,0");
+    // The user's picks take turns between two corners, as a window is picked.
+    werkzeug->mitglied(L"GetPoint", [n = 0](const auto&, VARIANT* e) mutable {
+        punkt(e, n++ % 2 ? L"320.5,240,0" : L"120.5,80,0");
         return S_OK;
     });
     dokument->mitglied(L"Utility",

@@ -357,20 +357,6 @@ TEST_F(BearbeitenE2E, MarkierteBloeckeVerschieben) {
     }
 }
 
-// A Variant renamed keeps its files; deleted, its drawing and record go.
-TEST_F(BearbeitenE2E, VarianteUmbenennenUndLoeschen) {
-    blockMitAnsichtUndVariante();
-    const std::string n = nr();
-    EXPECT_NE(befehle().fctVarianteUmbenennen(n + "_1", "Kreuz groß"), kNichtsGeaendert);
-    EXPECT_EQ(zeilen("SELECT BlockName FROM tblVariationBloecke"),
-              std::vector<std::string>{"Kreuz groß"});
-    benutzer.antworten = {Antwort::Ja};
-    EXPECT_NE(befehle().fctVarianteLoeschen(n + "_1"), kNichtsGeaendert);
-    EXPECT_FALSE(fs::exists(bib() / "000" / "Block" / "Varia" / (n + "_10.dwg")));
-    EXPECT_FALSE(fs::exists(bib() / "000" / "Block" / "Varia" / (n + ".dat")));
-    EXPECT_EQ(zeilen("SELECT Nr FROM tblVariationBloecke"), std::vector<std::string>{});
-}
-
 // AutoCAD's automation server cannot run here: this document types each
 // command into the simulated host's command line, as AutoCAD hands the text
 // of SendCommand to its own, and answers the variables the route reads.
