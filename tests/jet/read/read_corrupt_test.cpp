@@ -67,12 +67,8 @@ TEST(JetCorrupt, RejectsWhatIsNoDatabase) {
 }
 
 TEST(JetCorrupt, MissingFileIsAClearError) {
-    try {
-        Database::open("/nonexistent/dir/x.mdb");
-        FAIL() << "opened a missing file";
-    } catch (const Error& e) {
-        EXPECT_EQ(e.number(), errnum::kFileNotFound);
-    }
+    EXPECT_EQ(jettest::errorOf([] { Database::open("/nonexistent/dir/x.mdb"); }).first,
+              errnum::kFileNotFound);
 }
 
 // The pages of an undamaged file whose loss a reader would feel, by their

@@ -13,6 +13,7 @@
 #include "jet/read/table.h"
 #include "jet/support/mdbtools.h"
 #include "jet/write/writer.h"
+#include "rows_support.h"
 
 namespace {
 
@@ -200,12 +201,7 @@ TEST(CreateTable, EveryColumnTypeWithKeysTakesRowsThatMdbtoolsReads) {
     EXPECT_FALSE(d.realIndexes[1].columns[0].ascending);
 
     ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
-    std::vector<jet::Row> back;
-    db->table("PARTS").scan([&](jet::RowId, const jet::Row& r) {
-        back.push_back(r);
-        return true;
-    });
-    EXPECT_EQ(back, written);
+    EXPECT_EQ(rowstest::allRows(*db, "PARTS"), written);
     jettest::expectExportMatches(copy.path(), "PARTS");
     int status = 0;
     std::string path = jettest::quote(copy.path());
