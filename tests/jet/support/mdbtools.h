@@ -1,7 +1,9 @@
 #pragma once
 // Running mdbtools (mdb-export, mdb-tables) and the batch tool from tests,
 // and parsing the CSV they print.
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace jettest {
@@ -32,6 +34,10 @@ std::vector<std::vector<std::string>> exportRows(const std::string& path, const 
 // mdbtools prints their raw bytes and Guids in its own form, and cuts text
 // at a NUL.
 void expectExportMatches(const std::string& path, const std::string& table);
+
+// The number and message of the jet::Error act throws; 0 and "" when it
+// throws none.
+std::pair<long, std::string> errorOf(const std::function<void()>& act);
 
 // The tab-separated fields of each line of tests/jet/write/golden/<name>,
 // lines that are empty or start with # left out.

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "jet/format/error.h"
 #include "jet/read/database.h"
 #include "jet/read/table.h"
 #include "jet/support/mdbtools.h"
@@ -171,6 +172,15 @@ void expectExportMatches(const std::string& path, const std::string& table) {
     std::sort(theirs.begin(), theirs.end());
     ASSERT_EQ(theirs.size(), ours.size()) << table;
     for (std::size_t i = 0; i < ours.size(); ++i) EXPECT_EQ(theirs[i], ours[i]) << table;
+}
+
+std::pair<long, std::string> errorOf(const std::function<void()>& act) {
+    try {
+        act();
+    } catch (const jet::Error& e) {
+        return {e.number(), e.what()};
+    }
+    return {0, ""};
 }
 
 std::vector<std::vector<std::string>> goldenRows(const std::string& name) {

@@ -60,21 +60,23 @@ void expectIndexAnswersAsAScan(Table& t, const std::string& index, const std::st
     const bool asc = cur.real().columns.at(0).ascending;
     const std::size_t pos = std::size_t(def.columnPosition(column));
     std::vector<std::pair<double, RowId>> rows;
+    std::map<double, Value> values;
     std::size_t nulls = 0;
     t.scan([&](RowId id, const Row& r) {
-        if (isNull(r[pos]))
+        if (isNull(r[pos])) {
             ++nulls;
-        else
+        } else {
             rows.push_back({number(r[pos]), id});
+            values.emplace(number(r[pos]), r[pos]);
+        }
         return true;
     });
     ASSERT_GT(rows.size(), 10u);
 
     std::vector<IndexEntry> all = cur.all();
     ASSERT_EQ(all.size(), rows.size() + nulls);
-    Table& reader = t;
     for (std::size_t i = 1; i < all.size(); ++i) {
-        auto a = reader.read(all[i - 1].row), b = reader.read(all[i].row);
+        auto a = t.read(all[i - 1].row), b = t.read(all[i].row);
         if (isNull((*b)[pos])) continue;
         ASSERT_FALSE(isNull((*a)[pos])) << "a value after a null at entry " << i;
         double x = number((*a)[pos]), y = number((*b)[pos]);
@@ -82,14 +84,9 @@ void expectIndexAnswersAsAScan(Table& t, const std::string& index, const std::st
     }
     // Nulls come first ascending and last descending.
     if (nulls) {
-        EXPECT_TRUE(isNull((*reader.read((asc ? all.front() : all.back()).row))[pos]));
+        EXPECT_TRUE(isNull((*t.read((asc ? all.front() : all.back()).row))[pos]));
     }
 
-    std::map<double, Value> values;
-    t.scan([&](RowId, const Row& r) {
-        if (!isNull(r[pos])) values.emplace(number(r[pos]), r[pos]);
-        return true;
-    });
     for (const auto& [x, v] : values) {
         std::set<RowId> want;
         for (const auto& [y, id] : rows)

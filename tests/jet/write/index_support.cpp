@@ -29,6 +29,29 @@ std::vector<std::uint8_t> unhex(const std::string& h) {
     return b;
 }
 
+jet::TableDef keyTable(jet::ColumnType type, bool ascending, bool idFirst) {
+    jet::TableDef def;
+    def.name = "Parts";
+    jet::RealIndex real;
+    if (idFirst) {
+        def.columns.resize(1);
+        def.columns[0].name = "Id";
+        def.columns[0].type = jet::ColumnType::Long;
+        real.columns.push_back({0, true});
+    }
+    jet::Column k;
+    k.name = "K";
+    k.type = type;
+    k.number = std::uint16_t(def.columns.size());
+    k.sortOrder = 0x409;
+    def.columns.push_back(k);
+    real.columns.push_back({k.number, ascending});
+    def.realIndexes = {real};
+    def.indexes.resize(1);
+    def.indexes[0].name = "ByK";
+    return def;
+}
+
 std::size_t indexNamed(const jet::TableDef& def, const std::string& name) {
     for (std::size_t i = 0; i < def.indexes.size(); ++i)
         if (def.indexes[i].name == name) return i;

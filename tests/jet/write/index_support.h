@@ -31,6 +31,9 @@ using jettest::testFiles;
 
 std::string hex(const std::vector<std::uint8_t>& b);  // lower-case, no spaces
 std::vector<std::uint8_t> unhex(const std::string& h);
+// A table "Parts" with a column K of the given type (General order for
+// text) and one index ByK on K, or on a Long column Id first and then K.
+jet::TableDef keyTable(jet::ColumnType type, bool ascending, bool idFirst = false);
 // The logical index of that name; throws when the table has none.
 std::size_t indexNamed(const jet::TableDef& def, const std::string& name);
 

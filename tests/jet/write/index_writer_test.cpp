@@ -35,19 +35,7 @@ TEST(JetIndexKeys, MaintainableKeyTypes) {
         {T::Binary, false}};
     for (const auto& [type, expected] : maintainable)
         for (bool ascending : {true, false}) {
-            TableDef def;
-            def.name = "Parts";
-            def.columns.resize(2);
-            def.columns[0].name = "Id";
-            def.columns[0].type = T::Long;
-            def.columns[1].name = "K";
-            def.columns[1].type = type;
-            def.columns[1].number = 1;
-            def.columns[1].sortOrder = 0x409;
-            def.realIndexes.resize(1);
-            def.realIndexes[0].columns = {{0, true}, {1, ascending}};
-            def.indexes.resize(1);
-            def.indexes[0].name = "ByK";
+            const TableDef def = idxtest::keyTable(type, ascending, true);
             const std::string reason = indexUnmaintainableReason(def, def.realIndexes[0]);
             EXPECT_EQ(reason.empty(), expected) << columnTypeName(type) << " " << reason;
             EXPECT_TRUE(expected || reason.find("ByK") != std::string::npos) << reason;
@@ -314,10 +302,6 @@ TEST(JetIndexBuild, LargeTreesAreBalancedAndEditable) {
     }
     EXPECT_EQ(checkDatabase(*db), std::vector<std::string>{});
 }
-
-}  // namespace
-
-namespace {
 
 // Access may name a node's last child only as its tail page; the writer
 // turns it into an ordinary entry when it rewrites the node.
