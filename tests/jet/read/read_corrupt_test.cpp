@@ -150,7 +150,9 @@ TEST(JetCorrupt, DamagedCopiesAreReadOrReported) {
                 ++reported;
                 continue;
             }
-            if (damage != Damage::Flipped) EXPECT_EQ(db->tableNames(true), names);
+            if (damage != Damage::Flipped) {
+                EXPECT_EQ(db->tableNames(true), names);
+            }
             for (const std::string& n : db->tableNames(true)) {
                 try {
                     db->verifyTable(n);
@@ -166,7 +168,9 @@ TEST(JetCorrupt, DamagedCopiesAreReadOrReported) {
                 faults.push_back(e.what());
             }
             if (!faults.empty()) ++reported;
-            if (mustReport) EXPECT_FALSE(faults.empty());
+            if (mustReport) {
+                EXPECT_FALSE(faults.empty());
+            }
         }
     }
     // Most of the damage is not harmless: the sweep tests something.
