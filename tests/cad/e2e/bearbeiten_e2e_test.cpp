@@ -154,6 +154,19 @@ TEST_F(BearbeitenE2E, NeuerBlock) {
     ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
 }
 
+// A free slot may still hold the files of a record deleted by hand: the new
+// Block's drawing and library take their place.
+TEST_F(BearbeitenE2E, NeuerBlockErsetztVerwaisteDateien) {
+    fs::create_directories(bib() / "000" / "Block");
+    std::ofstream(bib() / "000" / "Block" / (nr() + "0.dwg")) << "ALT";
+    std::ofstream(bib() / "000" / (nr() + "0.slb")) << "ALT";
+    auto hand = waehlt({{320, 199}});
+    EXPECT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
+    hand.join();
+    EXPECT_EQ(lesen(bib() / "000" / "Block" / (nr() + "0.dwg")).rfind("SIMHOST ZEICHNUNG", 0), 0u);
+    EXPECT_EQ(eintraege(bib() / "000" / (nr() + "0.slb")), std::vector<std::string>{"0A"});
+}
+
 // However the user or the host ends the flow early, the library stays as it
 // was: Escape during the selection, a selection ended without objects, the
 // host closed half way (the wait then ends at its 40-second bound).
