@@ -8,6 +8,7 @@
 #include "captions/meldungen.h"
 #include "captions/meldungs_nummern.h"
 #include "editing/bearbeiten_meldungen.h"
+#include "editing/block_akte.h"
 #include "editing/block_name.h"
 #include "editing/block_speichern.h"
 #include "editing/dias_erstellen.h"
@@ -91,8 +92,9 @@ bool vorhabenBestimmen(BlockNeuUmgebung& u, NeuArt art, Vorhaben& w, bool& abgeb
             melden(u.z, kMsgKeinBlock);
             return false;
         }
-        const auto namen = fctAnsichtenNamenLesen(u.z, m, w.strBlockNr);
-        if (!namen) return false;
+        const auto akte = fctBlockAkteLesen(u.z, m.datenbank().con, w.strBlockNr);
+        if (!akte) return false;
+        const auto* namen = &akte->BlkName;
         if (art == NeuArt::Ansicht) {
             w.ansicht = 0;
             for (int v = 1; v < 5 && w.ansicht == 0; ++v)

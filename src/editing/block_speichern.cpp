@@ -88,26 +88,4 @@ bool BlockdatenInDatenbankAbspeichernAnsichten2(ProgrammZustand& z, NavigationsM
                           : BlockdatenInDatenbankAbspeichernAnsichten(z, m, d);
 }
 
-std::optional<std::array<std::string, 5>> fctAnsichtenNamenLesen(ProgrammZustand& z,
-                                                                 NavigationsModell& m,
-                                                                 const std::string& strBlockNr) {
-    Prozedur p(z, "fctAnsichtenNamenLesen");
-    using Ergebnis = std::optional<std::array<std::string, 5>>;
-    return p.geschuetzt(Ergebnis{}, [&]() -> Ergebnis {
-        db::Recordset rs;
-        rs.open(
-            "SELECT BlkName0, BlkName1, BlkName2, BlkName3, BlkName4 FROM tblBlockInfo "
-            "WHERE " +
-                kriterium(strBlockNr),
-            m.datenbank().con);
-        if (rs.eof()) return std::nullopt;
-        std::array<std::string, 5> namen;
-        for (int v = 0; v < 5; ++v) {
-            const auto w = rs.value(v);
-            if (!w.isNull()) namen[static_cast<std::size_t>(v)] = w.toString();
-        }
-        return namen;
-    });
-}
-
 }  // namespace tessara

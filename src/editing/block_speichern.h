@@ -38,10 +38,4 @@ std::string fctSqlAnsicht(int ansicht, const std::string& strBlockNr);
 bool BlockdatenInDatenbankAbspeichernAnsichten2(ProgrammZustand& z, NavigationsModell& m,
                                                 const typAnsichtDaten& d);
 
-// The drawing names BlkName0 .. BlkName4 of a record (empty for a View not
-// used); nothing when there is no record of the number.
-std::optional<std::array<std::string, 5>> fctAnsichtenNamenLesen(ProgrammZustand& z,
-                                                                 NavigationsModell& m,
-                                                                 const std::string& strBlockNr);
-
 }  // namespace tessara

@@ -66,28 +66,18 @@ void BlockBearbeitung::ausfuehren(unsigned was) {
     if (was != kNichtsGeaendert) k_.aktionen.neuZeichnen(was);
 }
 
-void BlockBearbeitung::combutNeu_Click() {
+void BlockBearbeitung::neu(NeuArt art) {
     // The flow waits on the host while window messages go on: a second
     // press meanwhile must not start a second flow.
     if (laeuft_) return;
     laeuft_ = true;
-    ausfuehren(befehle_.fctNeu(NeuArt::Block, v_));
+    ausfuehren(befehle_.fctNeu(art, v_));
     laeuft_ = false;
 }
 
-void BlockBearbeitung::mnuAnsichtNeu_Click() {
-    if (laeuft_) return;
-    laeuft_ = true;
-    ausfuehren(befehle_.fctNeu(NeuArt::Ansicht, v_));
-    laeuft_ = false;
-}
-
-void BlockBearbeitung::mnuVarianteNeu_Click() {
-    if (laeuft_) return;
-    laeuft_ = true;
-    ausfuehren(befehle_.fctNeu(NeuArt::Variante, v_));
-    laeuft_ = false;
-}
+void BlockBearbeitung::combutNeu_Click() { neu(NeuArt::Block); }
+void BlockBearbeitung::mnuAnsichtNeu_Click() { neu(NeuArt::Ansicht); }
+void BlockBearbeitung::mnuVarianteNeu_Click() { neu(NeuArt::Variante); }
 
 void BlockBearbeitung::mnuBlockUmbenennen_Click() { ansichtUmbenennen(0); }
 

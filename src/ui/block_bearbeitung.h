@@ -45,6 +45,7 @@ class BlockBearbeitung : public QObject {
 
   private:
     void ausfuehren(unsigned was);
+    void neu(NeuArt art);
 
     FensterKontext k_;
     CadVerbindung& v_;
