@@ -34,6 +34,7 @@
 #include "db/recordset.h"
 #include "grosse_bibliothek.h"
 #include "library/datenbank.h"
+#include "library/navigation_model.h"
 #include "platform/environment.h"
 #include "platform/memory/memory_desktop.h"
 #include "platform/memory/memory_registry.h"
@@ -141,7 +142,9 @@ Start fensterStarten(const bench::GrosseBibliothek& bib, int runde, bool nachseh
     auto* dia = f->findChild<SldBlockverwaltung*>(QStringLiteral("sldBlockverwaltung_0"));
     if (dia) s.bild = dia->bild().size();
     s.dias = f->vorschau().gemalt();
-    s.select = f->modell().datenbank().rsBlockInfo0.source();
+    // The Folder's statement, which the window reads once the Page is painted.
+    if (const auto* ordner = f->modell().aktuellerOrdner())
+        s.select = fctSqlBlockInfo() + " WHERE OrdnerID = " + std::to_string(ordner->Nr);
     if (nachsehen) {
         const auto bis = Uhr::now() + std::chrono::milliseconds(600);
         while (Uhr::now() < bis) QCoreApplication::processEvents(QEventLoop::AllEvents, 50);

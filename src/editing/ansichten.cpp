@@ -14,7 +14,7 @@ std::vector<typAnsichtBild> fctAnsichtenBilder(ProgrammZustand& z, NavigationsMo
     Prozedur p(z, "fctAnsichtenBilder");
     return p.geschuetztNurLog(std::vector<typAnsichtBild>(), [&] {
         std::vector<typAnsichtBild> bilder;
-        const auto a = fctBlockAkteLesen(z, m.datenbank().con, strBlockNr);
+        const auto a = fctBlockAkteLesen(z, m.datenbank().con, strBlockNr, m.fctSlotNr(strBlockNr));
         if (!a) return bilder;
         const std::string& basis = m.strBasisVerzeichnis();
         const bool bibliothek = !fctSlideLibIstEinzeldia(a->SlideLib);

@@ -10,9 +10,13 @@
 namespace tessara {
 
 std::optional<typBlockAkte> fctBlockAkteLesen(ProgrammZustand& z, db::Connection& con,
-                                              const std::string& strBlockNr) {
+                                              const std::string& strBlockNr, long lngNr) {
+    const std::string sql =
+        "SELECT * FROM " + z.strTblBlockInfo + " WHERE Block = '" + strBlockNr + "'";
     db::Recordset rs;
-    rs.open("SELECT * FROM " + z.strTblBlockInfo + " WHERE Block = '" + strBlockNr + "'", con);
+    if (lngNr > 0) rs.open(sql + " AND Nr = " + std::to_string(lngNr), con);
+    if (lngNr > 0 && rs.eof()) rs.close();
+    if (rs.state() != db::adStateOpen) rs.open(sql, con);
     if (rs.eof()) return std::nullopt;
     typBlockAkte a;
     a.Nr = static_cast<long>(rs.value("Nr").asInt());
@@ -36,9 +40,9 @@ std::optional<typBlockAkte> fctBlockAkteLesen(ProgrammZustand& z, db::Connection
 }
 
 std::optional<typBlockAkte> fctBlockAkteFrisch(ProgrammZustand& z, db::Connection& con,
-                                               const std::string& strBlockNr) {
+                                               const std::string& strBlockNr, long lngNr) {
     SchreibEinheit e(con);
-    auto a = fctBlockAkteLesen(z, con, strBlockNr);
+    auto a = fctBlockAkteLesen(z, con, strBlockNr, lngNr);
     e.commit();
     return a;
 }

@@ -34,10 +34,13 @@ struct typBlockAkte {
 // callers run it under their own guard). What decides a write is read with
 // fctBlockAkteFrisch: in a unit of its own, so that it is the file as it is
 // now, whatever another workstation wrote.
+// lngNr, when known (the slot's record), lets the primary key find the row:
+// Block has no index, and a search by it reads the whole table, on every
+// click of a slot. A stale lngNr costs only the search by Block.
 std::optional<typBlockAkte> fctBlockAkteLesen(ProgrammZustand& z, db::Connection& con,
-                                              const std::string& strBlockNr);
+                                              const std::string& strBlockNr, long lngNr = 0);
 std::optional<typBlockAkte> fctBlockAkteFrisch(ProgrammZustand& z, db::Connection& con,
-                                               const std::string& strBlockNr);
+                                               const std::string& strBlockNr, long lngNr = 0);
 // Whether a Block record with the number exists. Throws as above.
 bool fctBlockVorhanden(ProgrammZustand& z, db::Connection& con, const std::string& strBlockNr);
 

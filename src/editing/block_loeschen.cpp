@@ -64,7 +64,7 @@ bool loeschen(ProgrammZustand& z, NavigationsModell& m, Prozedur& p,
 std::optional<typBlockAkte> akte(ProgrammZustand& z, NavigationsModell& m, Prozedur& p,
                                  const std::string& strBlockNr) {
     auto a = p.geschuetztNurLog(std::optional<typBlockAkte>(), [&] {
-        return fctBlockAkteFrisch(z, m.datenbank().con, strBlockNr);
+        return fctBlockAkteFrisch(z, m.datenbank().con, strBlockNr, m.fctSlotNr(strBlockNr));
     });
     if (!a) fctMsgbox(z, MsgboxArt::Info, {kMsgKeinBlock});
     return a;

@@ -22,8 +22,9 @@ namespace {
 std::optional<typBlockAkte> akte(ProgrammZustand& z, NavigationsModell& m, Prozedur& p,
                                  const std::string& strBlockNr, bool frisch = true) {
     return p.geschuetztNurLog(std::optional<typBlockAkte>(), [&] {
-        return frisch ? fctBlockAkteFrisch(z, m.datenbank().con, strBlockNr)
-                      : fctBlockAkteLesen(z, m.datenbank().con, strBlockNr);
+        const long nr = m.fctSlotNr(strBlockNr);
+        return frisch ? fctBlockAkteFrisch(z, m.datenbank().con, strBlockNr, nr)
+                      : fctBlockAkteLesen(z, m.datenbank().con, strBlockNr, nr);
     });
 }
 

@@ -4,10 +4,12 @@
 #include <charconv>
 #include <exception>
 #include <fstream>
+#include <utility>
 
 #include "authoring/code_tabelle.h"
 #include "authoring/datei_layout.h"
 #include "jet/format/error.h"
+#include "jet/sql/text_rules.h"
 #include "library/schema.h"
 #include "library/zugriff.h"
 #include "startup/fehler_log.h"
@@ -257,7 +259,38 @@ bool NavigationsModell::RecordsetRsBlockInfo0NeuEinlesen() {
     if (!o) return false;
     return p.geschuetztNurLog(false, [&] {
         if (db_.rsBlockInfo0.state() == db::adStateOpen) db_.rsBlockInfo0.close();
+        nurSeite_.reset();
+        if (std::exchange(booSeiteZuerst_, false)) {
+            nurSeite_.emplace();  // read by seitenFuellen, once it knows the Page's numbers
+            return true;
+        }
         db_.rsBlockInfo0.open(fctSqlBlockInfo() + " WHERE OrdnerID = " + std::to_string(o->Nr),
+                              db_.con, db::adOpenStatic, db::adLockReadOnly);
+        return true;
+    });
+}
+
+bool NavigationsModell::fctOrdnerVollstaendigEinlesen() {
+    return !nurSeite_ || RecordsetRsBlockInfo0NeuEinlesen();
+}
+
+bool NavigationsModell::seitenBereichEinlesen(long lngErsterSlot, long lngEnde) {
+    if (!nurSeite_ || !nurSeite_->first.empty()) return true;
+    const auto* o = aktuellerOrdner();
+    if (!o || lngErsterSlot >= lngEnde) return fctOrdnerVollstaendigEinlesen();
+    Prozedur p(z_, "RecordsetRsBlockInfo0SeiteEinlesen", true);
+    return p.geschuetztNurLog(false, [&] {
+        // The bounds by the engine's own text order, the one BETWEEN applies.
+        std::string lo, hi;
+        for (long k = lngErsterSlot; k < lngEnde; ++k) {
+            std::string v = fctBlocknummer(o->OrdnerNr, k, aryCodes_[k]);
+            if (lo.empty() || sql::compareGeneral(v, lo) < 0) lo = v;
+            if (hi.empty() || sql::compareGeneral(v, hi) > 0) hi = std::move(v);
+        }
+        nurSeite_.emplace(lo, hi);
+        db_.rsBlockInfo0.open(fctSqlBlockInfo() + " WHERE OrdnerID = " + std::to_string(o->Nr) +
+                                  " AND Block BETWEEN '" + nurSeite_->first + "' AND '" +
+                                  nurSeite_->second + "'",
                               db_.con, db::adOpenStatic, db::adLockReadOnly);
         return true;
     });
@@ -267,6 +300,7 @@ bool NavigationsModell::RecordsetRsBlockInfo0EinzelEinlesen(const std::string& s
     Prozedur p(z_, "RecordsetRsBlockInfo0EinzelEinlesen", true);
     return p.geschuetztNurLog(false, [&] {
         if (db_.rsBlockInfo0.state() == db::adStateOpen) db_.rsBlockInfo0.close();
+        nurSeite_.reset();
         db_.rsBlockInfo0.open(fctSqlBlockInfo() + " WHERE Block LIKE '" + strBlockNr + "'", db_.con,
                               db::adOpenStatic, db::adLockReadOnly);
         return true;
@@ -274,6 +308,11 @@ bool NavigationsModell::RecordsetRsBlockInfo0EinzelEinlesen(const std::string& s
 }
 
 bool NavigationsModell::blockFinden(const std::string& strBlockNr) {
+    if (nurSeite_ && !nurSeite_->first.empty()) {
+        if (sql::compareGeneral(strBlockNr, nurSeite_->first) < 0 ||
+            sql::compareGeneral(strBlockNr, nurSeite_->second) > 0)
+            fctOrdnerVollstaendigEinlesen();
+    }
     db::Recordset& rs = db_.rsBlockInfo0;
     if (!offenMitZeilen(rs)) return false;
     ++lngFinds_;
@@ -327,6 +366,12 @@ std::vector<std::string> NavigationsModell::lisBlockBenennungAktualisieren() con
     return liste;
 }
 
+long NavigationsModell::fctSlotNr(const std::string& strBlockNr) const {
+    for (const auto& s : slots_)
+        if (s.booBelegt && s.strBlockNr == strBlockNr) return s.lngNr;
+    return 0;
+}
+
 bool NavigationsModell::seitenFuellen() {
     Prozedur p(z_, "subSeiteNeuAnzeigen", true);
     const long slots = slotsProSeite();
@@ -353,6 +398,7 @@ bool NavigationsModell::seitenFuellen() {
             subBlocknummerSchreiben(aryBlocknummern_[static_cast<std::size_t>(k)], ordnerNr, k,
                                     aryCodes_[static_cast<std::size_t>(k)]);
     }
+    seitenBereichEinlesen(std::max(erste, 0L), static_cast<long>(n));
     for (long k = std::max(erste, 0L); k < static_cast<long>(n); ++k) BlocknummernEinlesen(k);
     if (intPosition_ >= slots) intPosition_ = static_cast<int>(slots) - 1;
     if (arySeiten_.size() < static_cast<std::size_t>(intSeite_ + 1))

@@ -15,6 +15,7 @@
 //   and answers false (or leaves the state as it was) on a failure.
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -100,6 +101,15 @@ class NavigationsModell {
     bool SeitenInArrayEinlesen();
     bool RecordsetRsBlockInfo0NeuEinlesen();
     bool RecordsetRsBlockInfo0EinzelEinlesen(const std::string& strBlockNr);
+    // The next Folder shown reads rsBlockInfo0 for its Page alone (the rows
+    // between the Page's lowest and highest block number) and the rest of
+    // the Folder only when it is asked for: a slot off that Page looked up, or
+    // fctOrdnerVollstaendigEinlesen. So a library's first Page is painted
+    // without reading the 10 000 rows of a large Folder first.
+    void setSeiteZuerst(bool booSeiteZuerst) { booSeiteZuerst_ = booSeiteZuerst; }
+    // Reads the whole Folder into rsBlockInfo0 when it holds one Page only.
+    bool fctOrdnerVollstaendigEinlesen();
+    bool booNurSeiteGelesen() const { return nurSeite_.has_value(); }
     bool ArrayTBloeckeNeuEinlesenBeiOrdnerwechsel();
     bool BilderAnzeigenBeiGeaenderterBilderanzahl(long longAnzahlDerBilder);
     // The picture-size index alone, before a Folder is shown (an index out
@@ -149,6 +159,9 @@ class NavigationsModell {
     const std::vector<typSeiteEintrag>& seitenListe() const { return seitenListe_; }
     const std::vector<std::string>& aryBlocknummern() const { return aryBlocknummern_; }
     const std::vector<typSlot>& seitenSlots() const { return slots_; }
+    // tblBlockInfo.Nr of the Page's occupied slot with that block number; 0
+    // when the Page shows no such Block.
+    long fctSlotNr(const std::string& strBlockNr) const;
     int intOrdnerIndex() const { return intOrdnerIndex_; }
     const typOrdnerEintrag* aktuellerOrdner() const;
     // The index of the Folder of that name in the Folder array; -1 when the
@@ -175,6 +188,8 @@ class NavigationsModell {
   private:
     bool seitenFuellen();  // steps 3 to 6 of a rebuild for the current Page
     bool blockFinden(const std::string& strBlockNr);
+    // rsBlockInfo0 of the Page alone, when the Folder is to be read that way.
+    bool seitenBereichEinlesen(long lngErsterSlot, long lngEnde);
     bool ordnerAktivieren(int intIndex, long lngSeite);
     long absoluterSlot(const std::string& strBlockNr) const;
 
@@ -196,6 +211,10 @@ class NavigationsModell {
     long longAnzahlDerBilder_ = 2;
     long lngFinds_ = 0;
     bool booOrdnerSortieren_ = false;
+    bool booSeiteZuerst_ = false;
+    // While rsBlockInfo0 holds one Page only: its lowest and highest block
+    // number (both empty until the Page is read).
+    std::optional<std::pair<std::string, std::string>> nurSeite_;
     std::function<bool(const std::string&)> ordnerFilter_;
 };
 

@@ -109,6 +109,12 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
         if (gen == maler_->generation()) emit seiteGemalt();
     });
     connect(this, &FrmBlockverwaltung::seiteGemalt, aktionen_.get(), &BlockAktionen::seiteGemalt);
+    // A Folder is shown by its Page first; the rest of it is read once the
+    // Page is on screen, before the user can flip.
+    connect(this, &FrmBlockverwaltung::seiteGemalt, this, [this] {
+        if (modell().booNurSeiteGelesen())
+            QTimer::singleShot(0, this, [this] { modell().fctOrdnerVollstaendigEinlesen(); });
+    });
     connect(this, &FrmBlockverwaltung::einfuegungBeendet, aktionen_.get(),
             &BlockAktionen::einfuegungBeendet);
     bildTimer_.setSingleShot(true);
@@ -407,6 +413,7 @@ void FrmBlockverwaltung::combutZurueck_Click() { neuZeichnen(sitzung_.fctZurueck
 void FrmBlockverwaltung::combutZurueckAnfang_Click() { neuZeichnen(sitzung_.fctZurueckAnfang()); }
 
 void FrmBlockverwaltung::comboxOrdner_Click(int intIndex) {
+    modell().setSeiteZuerst(true);
     neuZeichnen(sitzung_.fctOrdnerWaehlen(intIndex));
 }
 

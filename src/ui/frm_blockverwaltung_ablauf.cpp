@@ -251,6 +251,7 @@ void FrmBlockverwaltung::oeffnenFehlerMelden(const typOeffnenErgebnis& r) {
 
 bool FrmBlockverwaltung::bibliothekOeffnen(const std::string& strDb) {
     maler_->abbrechen();
+    modell().setSeiteZuerst(true);
     const typOeffnenErgebnis r = sitzung_.fctOeffnen(strDb);
     oeffnenFehlerMelden(r);
     neuZeichnen(kBibliothekGeaendert);
@@ -280,6 +281,7 @@ void FrmBlockverwaltung::comboxVerzeichnis_Click(int intIndex) {
 void FrmBlockverwaltung::datenbankWechseln(const std::string& strPfad) {
     ausgabe("Datenbank: " + strPfad);
     maler_->abbrechen();
+    modell().setSeiteZuerst(true);
     const typOeffnenErgebnis r = sitzung_.fctWechseln(strPfad);
     oeffnenFehlerMelden(r);
     neuZeichnen(kBibliothekGeaendert);

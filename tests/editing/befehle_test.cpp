@@ -2,6 +2,7 @@
 // insertion, and a write-protected library that refuses every change.
 #include "bloecke.h"
 #include "editing/ansichten.h"
+#include "editing/block_akte.h"
 #include "editing/block_befehle.h"
 
 namespace tessara::edittest {
@@ -22,6 +23,12 @@ TEST_F(Befehle, TheMarkedViewHoldsForItsBlockAndAProtectedLibraryRefusesChanges)
         EXPECT_EQ(a->ansicht, erwartet);
         EXPECT_EQ(a->block.OrdnerNr + a->block.BlkName[2], "000Name2");
     }
+    // The record by the slot's key, and by the number when that key is stale.
+    const typSlot& slot = s.modell().seitenSlots()[0];
+    for (long key : {slot.lngNr, slot.lngNr + 99})
+        EXPECT_EQ(
+            fctBlockAkteLesen(z, s.modell().datenbank().con, slot.strBlockNr, key)->BlkName[2],
+            "Name2");
     s.setEinzufuegendeAnsicht(1);
     s.fctPositionSetzen(1);
     s.fctPositionSetzen(0);

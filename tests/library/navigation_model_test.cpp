@@ -141,6 +141,26 @@ TEST_F(Navigation, OnlyTheCurrentPageIsLookedUp) {
     EXPECT_EQ(m.seitenSlots().front().strBlockNr, "0010032");
 }
 
+TEST_F(Navigation, AFolderReadPageFirstHoldsThatPageAndTheRestWhenLeftOrAsked) {
+    oeffnen("000", 1);
+    const auto& rs = m.datenbank().rsBlockInfo0;
+    for (bool flip : {true, false}) {
+        m.setSeiteZuerst(true);
+        ASSERT_TRUE(m.fctOrdnerWaehlen("001"));
+        EXPECT_TRUE(m.booNurSeiteGelesen());
+        EXPECT_EQ(rs.recordCount(), 1);  // 0010000 of 0010000..0010008
+        EXPECT_TRUE(m.seitenSlots()[0].booBelegt);
+        if (flip)
+            ASSERT_TRUE(m.GeheZuSeite(1));
+        else
+            ASSERT_TRUE(m.fctOrdnerVollstaendigEinlesen());
+        EXPECT_FALSE(m.booNurSeiteGelesen());
+        EXPECT_EQ(rs.recordCount(), 3);
+        EXPECT_TRUE(m.seitenSlots()[0].booBelegt);
+        EXPECT_EQ(m.seitenSlots()[0].strBlockNr, flip ? "0010009" : "0010000");
+    }
+}
+
 TEST_F(Navigation, PagesAreListedByNameAndIndexedByNumber) {
     oeffnen();
     std::vector<std::string> namen;
