@@ -45,6 +45,8 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     bool startAbbrechen() override { return booStartAbbrechen_; }
     bool nurNachVorneHolen() override;
     void zeigen() override;
+    // The stored size and place, or on a first start the designed size within the screen.
+    void groesseAngleichen();
     platform::WindowHandle fensterHandle() override;
     void blockAnfrageAusfuehren() override;
     void datenbankWechseln(const std::string& strPfad) override;

@@ -78,7 +78,12 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
                        MsgboxZeile(kMsgKeinHost3)},
                       kGruppeAllg, "AcadVerbindung");
     });
-    l.setzen("me.show", [this] { zeigen(); });
+    // Shown at its stored size at once: sized after the show, the window was
+    // drawn twice, the second time into a new buffer of the full size.
+    l.setzen("me.show", [this] {
+        groesseAngleichen();
+        zeigen();
+    });
     l.setzen("Daten aus Ini-DAtei lesen", [this] {
         fctIniDateiErsterStart(z_);
         subLesenTessaraIniDatei(z_);
@@ -159,19 +164,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     });
     l.setzen("Bilderanzahl festlegen",
              [this] { modell().setAnzahlDerBilder(sitzung_.setup().longAnzahlDerBilder); });
-    l.setzen("Formular auf Grösse Angleichen", [this] {
-        const auto g = fctFensterGeometrieLesen(z_);
-        const QRect frei = screen() ? screen()->availableGeometry() : QRect();
-        if (g.booGroesse && g.lonFrmWidth >= 400 && g.lonFrmHeight >= 300)
-            resize(g.lonFrmWidth, g.lonFrmHeight);
-        else if (!frei.isNull())  // first start: the designed size, but never past the screen
-            resize(std::min(width(), frei.width() * 9 / 10),
-                   std::min(height(), frei.height() * 9 / 10));
-        if (g.booPosition && sitzung_.setup().longFensterpositionSpeichern) {
-            const QPoint p(g.longCurrentX, g.longCurrentY);
-            if (frei.isNull() || frei.adjusted(-50, -50, -100, -100).contains(p)) move(p);
-        }
-    });
+    l.setzen("Formular auf Grösse Angleichen", [this] { groesseAngleichen(); });
     l.setzen("Verbindung zur Datenbank herstellen", [this] {
         if (start_) start_->schritt(3, 4, {});
         if (!z_.strAktuelleDb.empty() && fctDateiExistiert(z_.strAktuelleDb))
@@ -293,6 +286,20 @@ bool FrmBlockverwaltung::nurNachVorneHolen() {
     // Loaded, and nothing handed over that asks for more than the window.
     return booGeladen_ && z_.strUebergabeBlock.empty() &&
            (z_.strUebergabeDb.empty() || z_.strUebergabeDb == "TestDb");
+}
+
+void FrmBlockverwaltung::groesseAngleichen() {
+    const auto g = fctFensterGeometrieLesen(z_);
+    const QRect frei = screen() ? screen()->availableGeometry() : QRect();
+    if (g.booGroesse && g.lonFrmWidth >= 400 && g.lonFrmHeight >= 300)
+        resize(g.lonFrmWidth, g.lonFrmHeight);
+    else if (!frei.isNull())  // first start: the designed size, but never past the screen
+        resize(std::min(width(), frei.width() * 9 / 10),
+               std::min(height(), frei.height() * 9 / 10));
+    if (g.booPosition && sitzung_.setup().longFensterpositionSpeichern) {
+        const QPoint p(g.longCurrentX, g.longCurrentY);
+        if (frei.isNull() || frei.adjusted(-50, -50, -100, -100).contains(p)) move(p);
+    }
 }
 
 void FrmBlockverwaltung::zeigen() {

@@ -1,10 +1,14 @@
 #include "ui/schnellfilter_steuerung.h"
 
+#include <QAction>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPainter>
+#include <QPixmap>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QtConcurrent/QtConcurrentRun>
@@ -17,6 +21,19 @@ namespace tessara {
 
 namespace {
 QString q(const std::string& s) { return QString::fromStdString(s); }
+QIcon loeschSymbol(const QWidget* w) {
+    const qreal dpr = w->devicePixelRatioF();
+    QPixmap bild(QSize(16, 16) * dpr);
+    bild.setDevicePixelRatio(dpr);
+    bild.fill(Qt::transparent);
+    QPainter p(&bild);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(QPen(w->palette().color(QPalette::PlaceholderText), 1.6));
+    p.drawLine(QPointF(4.5, 4.5), QPointF(11.5, 11.5));
+    p.drawLine(QPointF(11.5, 4.5), QPointF(4.5, 11.5));
+    return QIcon(bild);
+}
+
 }  // namespace
 
 SchnellfilterSteuerung::SchnellfilterSteuerung(FensterKontext k, QWidget* flaeche)
@@ -31,7 +48,14 @@ SchnellfilterSteuerung::SchnellfilterSteuerung(FensterKontext k, QWidget* flaech
     lab->setObjectName(QStringLiteral("labSchnellfilter"));
     txt_ = new QLineEdit(flaeche);
     txt_->setObjectName(QStringLiteral("txtSchnellfilter"));
-    txt_->setClearButtonEnabled(true);
+    // The clear button drawn here: Qt's own looks its icon up in the icon
+    // theme, on disk, and that was half the main window's construction.
+    auto* leeren = txt_->addAction(loeschSymbol(txt_), QLineEdit::TrailingPosition);
+    leeren->setObjectName(QStringLiteral("txtSchnellfilterLeeren"));
+    leeren->setVisible(false);
+    connect(leeren, &QAction::triggered, txt_, &QLineEdit::clear);
+    connect(txt_, &QLineEdit::textChanged, leeren,
+            [leeren](const QString& t) { leeren->setVisible(!t.isEmpty()); });
     lab->setBuddy(txt_);
     lis_ = new QListWidget(flaeche);
     lis_->setObjectName(QStringLiteral("lisSchnellfilter"));

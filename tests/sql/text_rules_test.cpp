@@ -38,6 +38,16 @@ TEST(TextRules, GeneralOrder) {
     EXPECT_EQ(v, (std::vector<std::string>{" x", "-", "1", "10", "2", "A", "a", "Ä", "ab", "b", "c",
                                            "ol", "öl", "om", "Zebra"}));
     EXPECT_EQ(sql::compareGeneral("a", "A"), 0);
+    // Every pair of short ASCII texts compares as their sort keys do.
+    std::vector<std::string> texte = {""};
+    for (int c = 1; c < 128; ++c) texte.push_back(std::string(1, char(c)));
+    for (const char* t : {"0010000", "00100", "001A", "001a", "a-b", "ab ", "Zz", "zZ9"})
+        texte.push_back(t);
+    for (const auto& x : texte)
+        for (const auto& y : texte)
+            ASSERT_EQ(sql::compareGeneral(x, y),
+                      sql::compareSortKeys(sql::generalSortKey(x), sql::generalSortKey(y)))
+                << x << " " << y;
 }
 
 TEST(TextRules, Utf8RoundTripAndLength) {

@@ -187,6 +187,11 @@ TEST_F(Suche, TheQuickFilterFindsKugelhahnAndAKeystrokeNeverWaitsForAScan) {
     QTest::keyClick(txt, Qt::Key_Return);
     EXPECT_EQ(gewaehlterBlock(), "0000001");
     EXPECT_EQ(eingefuegt.count(), 0);
+    auto* leeren = kind<QAction>(txt, "txtSchnellfilterLeeren");
+    ASSERT_TRUE(leeren->isVisible());
+    leeren->trigger();
+    EXPECT_TRUE(txt->text().isEmpty());
+    EXPECT_FALSE(leeren->isVisible());
 
     // A scan that takes long: rows whose text nearly matches at every place.
     auto lang = std::make_shared<SchnellSchnappschuss>(5000);

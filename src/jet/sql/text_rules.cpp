@@ -1,6 +1,8 @@
 #include "jet/sql/text_rules.h"
 
 #include <algorithm>
+#include <array>
+#include <optional>
 
 #include "jet/format/text.h"
 
@@ -191,7 +193,51 @@ int compareSortKeys(const SortKey& a, const SortKey& b) {
     return c < 0 ? -1 : c > 0 ? 1 : 0;
 }
 
+namespace {
+
+// The primary weight of each ASCII character that is its own folded base
+// letter (so its secondary weight is 0), else 0: two texts of only such
+// characters compare by these weights alone, without building their keys.
+// Block numbers are such texts, and a Page's range is tested on every row
+// of a Folder.
+const std::array<char32_t, 128>& asciiWeights() {
+    static const std::array<char32_t, 128> w = [] {
+        std::array<char32_t, 128> t{};
+        for (char c = 1; c > 0 && c < 127; ++c) {
+            const std::u32string f = foldCase(std::string_view(&c, 1));
+            if (f.size() == 1 && f[0] != 0xE6 && baseLetter(f[0]) == f[0])
+                t[static_cast<unsigned char>(c)] = primaryWeight(f[0]);
+        }
+        return t;
+    }();
+    return w;
+}
+
+std::optional<int> compareAscii(std::string_view a, std::string_view b) {
+    const auto& w = asciiWeights();
+    const std::size_t n = std::min(a.size(), b.size());
+    auto weight = [&](char c) -> char32_t {
+        const auto u = static_cast<unsigned char>(c);
+        return u < 128 ? w[u] : 0;
+    };
+    int result = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        const char32_t x = weight(a[i]), y = weight(b[i]);
+        if (!x || !y) return std::nullopt;
+        if (result == 0 && x != y) result = x < y ? -1 : 1;
+    }
+    for (char c : a.substr(n))
+        if (!weight(c)) return std::nullopt;
+    for (char c : b.substr(n))
+        if (!weight(c)) return std::nullopt;
+    if (result == 0 && a.size() != b.size()) result = a.size() < b.size() ? -1 : 1;
+    return result;
+}
+
+}  // namespace
+
 int compareGeneral(std::string_view a, std::string_view b) {
+    if (auto fast = compareAscii(a, b)) return *fast;
     return compareSortKeys(generalSortKey(a), generalSortKey(b));
 }
 
