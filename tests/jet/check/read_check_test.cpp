@@ -131,4 +131,40 @@ TEST(JetCheck, FreedDataPagesAreNotMissingFromTheirMap) {
     }
 }
 
+// The global map of a large file is a reference map. Jet reads its entries
+// as signed numbers: a negative one (0xFFFFFF80, as Access leaves the last
+// one) names no page; a positive one past the end of the file is damage.
+TEST(JetCheck, ReferenceMapEntriesNamingNoPageAreSound) {
+    Bytes image = load("indexTestV2000.mdb");
+    auto original = Database::fromMemory(image);
+    const UsageMap inlineMap =
+        readUsageMap(original->pages(), RowId{kGlobalUsageMapPage, 0}.pointer());
+    const RowBytes r = rowBytes(original->pages(), inlineMap.where);
+    ASSERT_EQ(inlineMap.type, 0);
+    // The same pages on a usage-map page added at the end, named by entry 0.
+    const std::uint32_t mapPage = original->pages().pageCount();
+    Bytes page(kPageSize, 0);
+    page[0] = std::uint8_t(PageType::UsageMap);
+    for (std::uint32_t p : inlineMap.pages) page[4 + p / 8] |= std::uint8_t(1u << (p % 8));
+    image.insert(image.end(), page.begin(), page.end());
+    const std::size_t row = kPageSize * kGlobalUsageMapPage + r.start, last = r.size() - 4;
+    std::fill_n(image.begin() + std::ptrdiff_t(row), r.size(), 0);
+    image[row] = 1;
+    put32(image.data() + row + 1, mapPage);
+    for (const auto& [entry, fault] : {std::pair<std::uint32_t, std::string>{0xFFFFFF80u, ""},
+                                       {0x7FFFFF80u, "the global usage map: corrupt page"}}) {
+        SCOPED_TRACE(entry);
+        Bytes b = image;
+        put32(b.data() + row + last, entry);
+        auto db = Database::fromMemory(b);
+        const auto faults = checkDatabase(*db);
+        EXPECT_EQ(faults.empty(), fault.empty()) << ::testing::PrintToString(faults);
+        if (fault.empty()) {
+            EXPECT_EQ(readUsageMap(db->pages(), inlineMap.where.pointer()).pages, inlineMap.pages);
+        } else {
+            EXPECT_TRUE(anyContains(faults, fault));
+        }
+    }
+}
+
 }  // namespace
