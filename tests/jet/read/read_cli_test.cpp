@@ -131,23 +131,44 @@ TEST(JetCli, FailuresAreOneLineAndNonZero) {
     }
 }
 
-// A table whose pages are lost is reported on its own line; the readable
-// tables are still listed, and the exit status says not all were.
-TEST(JetCli, TablesReportsAnUnreadableTable) {
-    const std::uint32_t page = firstDataPage("indexTestV2000.mdb", "Table1");
-    std::string bytes = tessara::test::dateiInhalt(jettest::testFile("indexTestV2000.mdb"));
-    std::fill_n(bytes.begin() + std::ptrdiff_t(page * jet::kPageSize), jet::kPageSize, '\xFF');
-    const std::string path = ::testing::TempDir() + "filled-indexTestV2000.mdb";
-    std::ofstream(path, std::ios::binary) << bytes;
-    int status = 0;
-    EXPECT_EQ(run(quote(TESSARA_CLI) + " tables " + quote(path) + " 2>/dev/null", &status),
-              "Table2\nTable3\n");
-    EXPECT_EQ(status, 1);
-    EXPECT_EQ(run(quote(TESSARA_CLI) + " tables " + quote(path) + " 2>&1 >/dev/null"),
-              "tessara-cli tables: table Table1 cannot be read: corrupt page " +
-                  std::to_string(page) +
-                  ": the usage map of table Table1 names it as a data page, but it is a page of "
-                  "type 255\n");
+// A table whose pages are lost, or whose index names a column it lacks, is
+// reported on its own line; the readable tables are still shown, and the
+// exit status says not all were.
+TEST(JetCli, AnUnreadableTableIsReported) {
+    const std::string file = "indexTestV2000.mdb";
+    const std::uint32_t page = firstDataPage(file, "Table1");
+    std::string filled = tessara::test::dateiInhalt(jettest::testFile(file));
+    std::fill_n(filled.begin() + std::ptrdiff_t(page * jet::kPageSize), jet::kPageSize, '\xFF');
+    const auto renumbered = jettest::withIndexColumn(file, "Table1", 0xFF9F);
+    const std::string lost = "corrupt page " + std::to_string(page) +
+                             ": the usage map of table Table1 names it as a data page, but it is "
+                             "a page of type 255";
+    const std::string index =
+        "corrupt page 24: index id names column number -97, which the "
+        "table does not have";
+    struct Case {
+        std::string command, bytes, out, err;
+    };
+    const Case cases[] = {
+        {"tables", filled, "Table2\nTable3\n", lost},
+        {"tables", std::string(renumbered.begin(), renumbered.end()), "Table2\nTable3\n", index},
+        {"schema", std::string(renumbered.begin(), renumbered.end()), "TABLE Table2 (3 rows)",
+         index},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.command + ": " + c.err);
+        const std::string path = ::testing::TempDir() + "damaged-" + file;
+        std::ofstream(path, std::ios::binary) << c.bytes;
+        int status = 0;
+        const std::string out =
+            run(quote(TESSARA_CLI) + " " + c.command + " " + quote(path) + " 2>/dev/null", &status);
+        EXPECT_EQ(out.substr(0, c.out.size()), c.out);
+        EXPECT_EQ(out.find("TABLE Table1"), std::string::npos) << out;
+        EXPECT_EQ(status, 1);
+        EXPECT_EQ(
+            run(quote(TESSARA_CLI) + " " + c.command + " " + quote(path) + " 2>&1 >/dev/null"),
+            "tessara-cli " + c.command + ": table Table1 cannot be read: " + c.err + "\n");
+    }
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 // runs end by construction.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -100,26 +102,61 @@ std::set<std::uint32_t> vitalPages(const std::vector<std::uint8_t>& bytes) {
     return vital;
 }
 
+// Every property blob held in a long-value row (MSysObjects' LvProp) with
+// its first block claiming more bytes than the blob has.
+void breakPropertyBlobs(std::vector<std::uint8_t>& bytes) {
+    for (std::size_t p = 1; p < bytes.size() / kPageSize; ++p) {
+        std::uint8_t* page = bytes.data() + p * kPageSize;
+        if (page[0] != std::uint8_t(PageType::Data) || std::memcmp(page + 4, "LVAL", 4) != 0)
+            continue;
+        for (std::size_t r = 0; r < u16(page + datapage::kRowCount); ++r) {
+            const std::size_t start =
+                u16(page + datapage::kRowTable + 2 * r) & datapage::kOffsetMask;
+            if (start + 8 <= kPageSize && std::memcmp(page + start, "MR2", 4) == 0)
+                put32(page + start + 4, 0xFFFFFFu);
+        }
+    }
+}
+
 // Damaged copies of each file (fixed seed): a page zeroed or filled with
-// 0xFF, the file cut at or inside a page boundary, bytes flipped. None
-// crashes; opening either refuses or names the same tables as the original,
-// each of which reads or is refused with a jet::Error; and the check
-// reports every copy that lost a vital page or ends inside a page.
+// 0xFF, the file cut at or inside a page boundary, bytes flipped; and the
+// damage a reader trips on that these rarely make: an index naming a column
+// number the table lacks (of the catalogue, of MSysRelationships, of a user
+// table), property blobs in long-value rows broken. None crashes; opening
+// either refuses or names the same tables as the original, each of which
+// reads or is refused with a jet::Error; and the check reports every copy
+// that lost a vital page, ends inside a page or has the targeted damage.
 TEST(JetCorrupt, DamagedCopiesAreReadOrReported) {
-    enum class Damage { Zeroed, Filled, CutAt, CutInside, Flipped };
-    const char* damageName[] = {"zeroed", "filled with 0xFF", "cut at", "cut inside", "flipped in"};
+    enum class Damage { Zeroed, Filled, CutAt, CutInside, Flipped, IndexColumn, PropertyBlob };
+    const char* damageName[] = {"zeroed",     "filled with 0xFF", "cut at",        "cut inside",
+                                "flipped in", "index column of",  "property blobs"};
     std::mt19937 rng(20261125u);
     int mutants = 0, reported = 0;
+    std::size_t fileNo = 0;
     for (const std::string& file : jettest::testFiles()) {
         const auto whole = load(file);
         const std::uint32_t pages = std::uint32_t(whole.size() / kPageSize);
         const std::set<std::uint32_t> vital = vitalPages(whole);
-        const std::vector<std::string> names = Database::fromMemory(whole)->tableNames(true);
-        ASSERT_EQ(checkDatabase(*Database::fromMemory(whole)), std::vector<std::string>{}) << file;
-        for (int i = 0; i < 10; ++i, ++mutants) {
-            const auto damage = Damage(i % 5);
-            const std::uint32_t page = 1 + rng() % (std::min<std::uint32_t>(pages, 80) - 1);
-            SCOPED_TRACE(file + ": page " + std::to_string(page) + " " + damageName[i % 5]);
+        const auto original = Database::fromMemory(whole);
+        const std::vector<std::string> names = original->tableNames(true);
+        ASSERT_EQ(checkDatabase(*original), std::vector<std::string>{}) << file;
+        // The user table is the first with an index (MSysACEs when none has one).
+        std::string user = "MSysACEs";
+        for (const std::string& n : original->tableNames())
+            if (!original->tableDef(n)->realIndexes.empty()) {
+                user = n;
+                break;
+            }
+        const std::string table =
+            std::array{"MSysObjects", "MSysRelationships", user.c_str()}[fileNo++ % 3];
+        for (int i = 0; i < 12; ++i, ++mutants) {
+            const auto damage = Damage(i < 10 ? i % 5 : i - 5);
+            const std::uint32_t page =
+                i < 10 ? 1 + rng() % (std::min<std::uint32_t>(pages, 80) - 1) : 0;
+            SCOPED_TRACE(file + ": " + damageName[int(damage)] + " " +
+                         (i < 10                          ? "page " + std::to_string(page)
+                          : damage == Damage::IndexColumn ? table
+                                                          : ""));
             auto bytes = whole;
             std::uint8_t* at = bytes.data() + std::size_t(page) * kPageSize;
             bool mustReport = vital.count(page) > 0;
@@ -141,6 +178,14 @@ TEST(JetCorrupt, DamagedCopiesAreReadOrReported) {
                     for (int f = 1 + int(rng() % 8); f > 0; --f)
                         at[rng() % kPageSize] ^= std::uint8_t(1u << (rng() % 8));
                     mustReport = false;  // a flip may land in unused bytes
+                    break;
+                case Damage::IndexColumn:
+                    bytes = jettest::withIndexColumn(file, table, 0xFF9F);
+                    mustReport = true;
+                    break;
+                case Damage::PropertyBlob:
+                    breakPropertyBlobs(bytes);
+                    mustReport = bytes != whole;
                     break;
             }
             std::shared_ptr<Database> db;

@@ -1,6 +1,7 @@
 #pragma once
 // Running mdbtools (mdb-export, mdb-tables) and the batch tool from tests,
 // and parsing the CSV they print.
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <utility>
@@ -42,5 +43,10 @@ std::pair<long, std::string> errorOf(const std::function<void()>& act);
 // The tab-separated fields of each line of tests/jet/write/golden/<name>,
 // lines that are empty or start with # left out.
 std::vector<std::vector<std::string>> goldenRows(const std::string& name);
+
+// The bytes of a test file whose table's first index tree names column
+// number `number` first (damage no Access file has).
+std::vector<std::uint8_t> withIndexColumn(const std::string& file, const std::string& table,
+                                          std::uint16_t number);
 
 }  // namespace jettest

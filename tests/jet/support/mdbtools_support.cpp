@@ -6,11 +6,13 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "jet/format/error.h"
 #include "jet/read/database.h"
 #include "jet/read/table.h"
 #include "jet/support/mdbtools.h"
+#include "jet/write/tdef_writer.h"
 
 namespace jettest {
 
@@ -197,6 +199,19 @@ std::vector<std::vector<std::string>> goldenRows(const std::string& name) {
                 rows.back().back().push_back(ch);
     }
     return rows;
+}
+
+std::vector<std::uint8_t> withIndexColumn(const std::string& file, const std::string& table,
+                                          std::uint16_t number) {
+    std::ifstream in(testFile(file), std::ios::binary);
+    std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(in), {});
+    jet::TableDef d = *jet::Database::fromMemory(bytes)->tableDef(table);
+    d.realIndexes.at(0).columns.at(0).columnNumber = number;
+    const auto pages = jet::tableDefPages(d, d.pages);
+    for (std::size_t i = 0; i < pages.size(); ++i)
+        std::copy(pages[i].begin(), pages[i].end(),
+                  bytes.begin() + std::ptrdiff_t(d.pages[i]) * jet::kPageSize);
+    return bytes;
 }
 
 }  // namespace jettest
