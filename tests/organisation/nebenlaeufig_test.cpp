@@ -121,22 +121,16 @@ TEST_F(Nebenlaeufig, TwoOpenLibrariesCreateFoldersAndPagesAtOnce) {
 // refusal through the error handler comes without its German "Fehler: ",
 // and a rename of a Folder that is not there names it.
 TEST_F(Nebenlaeufig, CommandLineRefusalsAreInEnglish) {
-    const std::string pfad = platform::nativePath(db);
+    const std::string pfad = platform::nativePath(db), cli = TESSARA_CLI;
     jet::os::File datei(pfad, jet::os::OpenMode::ReadWrite);
     ASSERT_TRUE(jet::filelock::lock(datei, jet::filelock::kWriterByte,
                                     jet::filelock::Mode::Exclusive, false));
-    const std::pair<std::string, std::string> faelle[] = {
-        {"add '" + pfad + "' Neu", "tessara-cli folder add: Could not update; currently locked.\n"},
-        {"rename '" + pfad + "' Nix Neu", "tessara-cli folder rename: no folder named 'Nix'\n"},
-    };
-    for (const auto& [argumente, meldung] : faelle) {
-        int rc = 0;
-        EXPECT_EQ(ausgabe("TESSARA_LOCK_WAIT=0 '" + std::string(TESSARA_CLI) + "' folder " +
-                              argumente + " 2>&1",
-                          &rc),
-                  meldung);
-        EXPECT_EQ(rc, 1);
-    }
+    int rc = 0;
+    EXPECT_EQ(ausgabe("TESSARA_LOCK_WAIT=0 '" + cli + "' folder add '" + pfad + "' Neu 2>&1", &rc),
+              "tessara-cli folder add: Could not update; currently locked.\n");
+    EXPECT_EQ(ausgabe("'" + cli + "' folder rename '" + pfad + "' Nix Neu 2>&1"),
+              "tessara-cli folder rename: no folder named 'Nix'\n");
+    EXPECT_EQ(rc, 1);
 }
 
 }  // namespace

@@ -30,6 +30,11 @@ std::string testFile(const std::string& name) {
     return std::string(TESSARA_TESTDATA) + "/mdb/" + name;
 }
 
+std::vector<std::uint8_t> fileImage(const std::string& name) {
+    std::ifstream in(testFile(name), std::ios::binary);
+    return std::vector<std::uint8_t>(std::istreambuf_iterator<char>(in), {});
+}
+
 std::vector<std::string> testFiles() {
     std::vector<std::string> out;
     for (const char* dir : kDirectories)
@@ -201,12 +206,10 @@ std::vector<std::vector<std::string>> goldenRows(const std::string& name) {
     return rows;
 }
 
-std::vector<std::uint8_t> withIndexColumn(const std::string& file, const std::string& table,
-                                          std::uint16_t number) {
-    std::ifstream in(testFile(file), std::ios::binary);
-    std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(in), {});
+std::vector<std::uint8_t> withBadIndexColumn(const std::string& file, const std::string& table) {
+    std::vector<std::uint8_t> bytes = fileImage(file);
     jet::TableDef d = *jet::Database::fromMemory(bytes)->tableDef(table);
-    d.realIndexes.at(0).columns.at(0).columnNumber = number;
+    d.realIndexes.at(0).columns.at(0).columnNumber = 0xFF9F;
     const auto pages = jet::tableDefPages(d, d.pages);
     for (std::size_t i = 0; i < pages.size(); ++i)
         std::copy(pages[i].begin(), pages[i].end(),
