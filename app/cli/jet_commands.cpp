@@ -2,6 +2,7 @@
 // their rows as CSV (comparable with mdb-export) and a structural check.
 #include <istream>
 #include <ostream>
+#include <sstream>
 
 #include "cli/cli.h"
 #include "jet/check/check.h"
@@ -43,35 +44,51 @@ std::string typeText(const jet::Column& c) {
     return s;
 }
 
+// One table's lines; throws jet::Error for a definition that cannot be read.
+std::string tableSchema(jet::Database& db, const std::string& name) {
+    std::ostringstream out;
+    const jet::TableDef& d = *db.tableDef(name);
+    out << "TABLE " << name << " (" << d.rowCount << " rows)\n";
+    for (const jet::Column& c : d.columns) {
+        out << "  COLUMN " << c.name << " " << typeText(c) << " size " << c.displaySize();
+        if (c.flags & jet::colflag::kAutoLong) out << " AUTOINCREMENT";
+        if (c.flags & jet::colflag::kAutoGuid) out << " AUTOGUID";
+        if (!c.isNullable()) out << " NOT NULL";
+        out << "\n";
+    }
+    for (const jet::Index& ix : d.indexes) {
+        const jet::RealIndex& ri = d.realIndexes[ix.realIndex];
+        out << "  INDEX " << ix.name << " (";
+        for (std::size_t i = 0; i < ri.columns.size(); ++i) {
+            // The reader refuses a definition whose index names a missing column.
+            const jet::Column* c = d.columnByNumber(ri.columns[i].columnNumber);
+            if (!c)
+                throw jet::Error("index " + ix.name + " names a column the table does not have");
+            out << (i ? ", " : "") << c->name << (ri.columns[i].ascending ? " ASC" : " DESC");
+        }
+        out << ")";
+        if (ix.isPrimary()) out << " PRIMARY KEY";
+        if (ix.isForeignKey()) out << " FOREIGN KEY";
+        if (ri.flags & jet::idxflag::kUnique) out << " UNIQUE";
+        if (ri.flags & jet::idxflag::kIgnoreNulls) out << " IGNORE NULLS";
+        if (ri.flags & jet::idxflag::kRequired) out << " REQUIRED";
+        out << "\n";
+    }
+    return out.str();
+}
+
 int runSchema(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {
     if (args.size() != 1) return usage(err, "schema PATH");
     auto db = jet::Database::open(args[0], {.lockWait = cli::lockWait(err)});
+    // As with tables: a table whose definition cannot be read is reported,
+    // the others are shown.
+    int status = 0;
     for (const std::string& name : db->tableNames()) {
-        jet::Table t = db->table(name);
-        const jet::TableDef& d = t.def();
-        out << "TABLE " << name << " (" << d.rowCount << " rows)\n";
-        for (const jet::Column& c : d.columns) {
-            out << "  COLUMN " << c.name << " " << typeText(c) << " size " << c.displaySize();
-            if (c.flags & jet::colflag::kAutoLong) out << " AUTOINCREMENT";
-            if (c.flags & jet::colflag::kAutoGuid) out << " AUTOGUID";
-            if (!c.isNullable()) out << " NOT NULL";
-            out << "\n";
-        }
-        for (const jet::Index& ix : d.indexes) {
-            const jet::RealIndex& ri = d.realIndexes[ix.realIndex];
-            out << "  INDEX " << ix.name << " (";
-            for (std::size_t i = 0; i < ri.columns.size(); ++i) {
-                const jet::Column* c = d.columnByNumber(ri.columns[i].columnNumber);
-                out << (i ? ", " : "") << (c ? c->name : "?")
-                    << (ri.columns[i].ascending ? " ASC" : " DESC");
-            }
-            out << ")";
-            if (ix.isPrimary()) out << " PRIMARY KEY";
-            if (ix.isForeignKey()) out << " FOREIGN KEY";
-            if (ri.flags & jet::idxflag::kUnique) out << " UNIQUE";
-            if (ri.flags & jet::idxflag::kIgnoreNulls) out << " IGNORE NULLS";
-            if (ri.flags & jet::idxflag::kRequired) out << " REQUIRED";
-            out << "\n";
+        try {
+            out << tableSchema(*db, name);
+        } catch (const jet::Error& e) {
+            err << "tessara-cli schema: table " << name << " cannot be read: " << e.what() << "\n";
+            status = 1;
         }
     }
     for (const jet::Relationship& r : db->relationships()) {
@@ -82,7 +99,7 @@ int runSchema(const cli::Args& args, std::istream&, std::ostream& out, std::ostr
             out << (i ? ", " : "") << r.relatedColumns[i];
         out << ")\n";
     }
-    return 0;
+    return status;
 }
 
 int runExport(const cli::Args& args, std::istream&, std::ostream& out, std::ostream& err) {

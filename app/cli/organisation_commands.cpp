@@ -20,15 +20,23 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Questions are answered Yes; the last message is kept for the error line.
+// Questions are answered Yes; the last message is kept for the error line,
+// in English like every message of tessara-cli: the messages of the caption
+// files come from the English file, and the two German texts the program
+// shows whatever its language are put into English here (the error
+// handler's "Fehler: " before the error's own text, and the one rename
+// message that is not in the caption files).
 class JaBenutzer : public tessara::Benutzer {
   public:
     std::string letzte;
-    tessara::Antwort meldung(const std::string& text, const std::string&, tessara::Symbol,
+    tessara::Antwort meldung(const std::string& text, const std::string& titel, tessara::Symbol,
                              tessara::Knoepfe knoepfe) override {
         if (knoepfe == tessara::Knoepfe::JaNein || knoepfe == tessara::Knoepfe::JaNeinAbbrechen)
             return tessara::Antwort::Ja;
         letzte = text;
+        if (titel == "subErrorAllgemein" && letzte.rfind("Fehler: ", 0) == 0) letzte.erase(0, 8);
+        if (letzte == tessara::kOrdnerInternerFehler)
+            letzte = "an internal error keeps the folder from being renamed";
         for (auto& c : letzte)
             if (c == '\r') c = ' ';
         return tessara::Antwort::Ok;
@@ -51,7 +59,7 @@ class Bibliothek {
           m_(z_, db::jetOpener(platform::nativePath, cli::lockWait(err))) {
         z_.benutzer = &benutzer_;
         z_.strAppPfad = platform::systemEnvironment()->applicationDirectory();
-        z_.strSprache = "deutsch";
+        z_.strSprache = "englisch";
         std::error_code ec;
         const fs::path log = fs::temp_directory_path(ec) / "tessara-cli-organisation.log";
         z_.strErrorDatei = platform::programPath(log.string());
@@ -128,12 +136,12 @@ int runFolder(const cli::Args& a, std::istream&, std::ostream& out, std::ostream
         if (r == 0) out << code << "\n";
         return r;
     }
-    if (art == "rename") return b.ergebnis(tessara::fctOrdnerUmbenennen(b.z(), b.m(), a[2], a[3]));
     const auto* o = b.ordnerEintrag(a[2]);
     if (!o) {
         b.fehler("no folder named '" + a[2] + "'");
         return 1;
     }
+    if (art == "rename") return b.ergebnis(tessara::fctOrdnerUmbenennen(b.z(), b.m(), a[2], a[3]));
     return b.ergebnis(tessara::fctOrdnerLoeschen(b.z(), b.m(), o->Nr));
 }
 

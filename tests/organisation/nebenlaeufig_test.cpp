@@ -12,6 +12,7 @@
 #include <set>
 
 #include "bibliothek.h"
+#include "jet/store/file_lock.h"
 #include "organisation/ordner_verwaltung.h"
 #include "organisation/seiten_verwaltung.h"
 #include "platform/environment.h"
@@ -114,6 +115,22 @@ TEST_F(Nebenlaeufig, TwoOpenLibrariesCreateFoldersAndPagesAtOnce) {
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
     }
     pruefen();
+}
+
+// The command line speaks English whatever the program's language: a
+// refusal through the error handler comes without its German "Fehler: ",
+// and a rename of a Folder that is not there names it.
+TEST_F(Nebenlaeufig, CommandLineRefusalsAreInEnglish) {
+    const std::string pfad = platform::nativePath(db), cli = TESSARA_CLI;
+    jet::os::File datei(pfad, jet::os::OpenMode::ReadWrite);
+    ASSERT_TRUE(jet::filelock::lock(datei, jet::filelock::kWriterByte,
+                                    jet::filelock::Mode::Exclusive, false));
+    int rc = 0;
+    EXPECT_EQ(ausgabe("TESSARA_LOCK_WAIT=0 '" + cli + "' folder add '" + pfad + "' Neu 2>&1", &rc),
+              "tessara-cli folder add: Could not update; currently locked.\n");
+    EXPECT_EQ(ausgabe("'" + cli + "' folder rename '" + pfad + "' Nix Neu 2>&1"),
+              "tessara-cli folder rename: no folder named 'Nix'\n");
+    EXPECT_EQ(rc, 1);
 }
 
 }  // namespace

@@ -214,6 +214,82 @@ std::set<std::uint32_t> freePages(Database& db) {
     }
 }
 
+// The layout of a property blob (MSysObjects' LvProp): a "MR2\0" header,
+// then blocks of a 32-bit length (counting itself) and a 16-bit type. The
+// names block (0x80) lists 16-bit-length names; each value block (0, 1, 2)
+// opens with its own 32-bit-length header and holds entries of a 16-bit
+// length, a DDL flag, a type, a name index and a 16-bit value length.
+// Readers that open a table parse its properties and stop at a broken blob.
+// Answers what is wrong, empty when nothing is.
+std::string propertyFault(const Binary& b) {
+    const std::size_t n = b.size();
+    if (n < 4 || !(std::memcmp(b.data(), "MR2", 4) == 0 || std::memcmp(b.data(), "KKD", 4) == 0))
+        return "unknown header";
+    std::size_t names = 0;
+    bool namesSeen = false;
+    for (std::size_t at = 4; at < n;) {
+        if (n - at < 6) return "block header at byte " + std::to_string(at) + " is cut off";
+        const std::size_t len = u32(b.data() + at), type = u16(b.data() + at + 4);
+        if (len < 6 || len > n - at)
+            return "block at byte " + std::to_string(at) + " claims " + std::to_string(len) +
+                   " bytes";
+        const std::size_t end = at + len;
+        std::size_t q = at + 6;
+        if (type == 0x80) {
+            namesSeen = true;
+            for (; q < end; ++names) {
+                if (end - q < 2 || u16(b.data() + q) > end - q - 2)
+                    return "name " + std::to_string(names) + " overruns its block";
+                q += 2 + u16(b.data() + q);
+            }
+        } else if (type <= 2) {
+            if (!namesSeen) return "values come before their names";
+            if (q < end) {
+                const std::size_t header = end - q < 4 ? 0 : u32(b.data() + q);
+                if (header < 6 || header > end - q)
+                    return "value block at byte " + std::to_string(at) + " has a broken header";
+                q += header;
+            }
+            while (q < end) {
+                const std::size_t entry = end - q < 8 ? 0 : u16(b.data() + q);
+                if (entry < 8 || entry > end - q || u16(b.data() + q + 6) > entry - 8)
+                    return "value at byte " + std::to_string(q) + " overruns its block";
+                if (u16(b.data() + q + 4) >= names)
+                    return "value at byte " + std::to_string(q) + " names property " +
+                           std::to_string(u16(b.data() + q + 4)) + " of " + std::to_string(names);
+                if (!isKnownColumnType(b[q + 3]))
+                    return "value at byte " + std::to_string(q) + " has type " +
+                           std::to_string(b[q + 3]);
+                q += entry;
+            }
+        } else {
+            return "block at byte " + std::to_string(at) + " has unknown type " +
+                   std::to_string(type);
+        }
+        at = end;
+    }
+    return {};
+}
+
+// Every object's properties parse.
+void checkProperties(Database& db, std::vector<std::string>& faults) {
+    try {
+        Table t = db.table("MSysObjects");
+        const int column = t.columnPosition("LvProp");
+        if (column < 0) return;
+        t.scan([&](RowId id, const Row& row) {
+            const auto* blob = std::get_if<Binary>(&row[std::size_t(column)]);
+            if (!blob || blob->empty()) return true;
+            const std::string fault = propertyFault(*blob);
+            if (!fault.empty())
+                faults.push_back("the properties of catalogue row " + toString(id) + ": " + fault);
+            return true;
+        });
+    } catch (const Error&) {
+        // a catalogue row that cannot be read is reported with its table
+    }
+}
+
 // What lies outside every table: the file's length and the global map.
 void checkFile(Database& db, std::vector<std::string>& faults) {
     if (db.partialPageBytes() != 0)
@@ -331,6 +407,7 @@ std::vector<std::string> checkDatabase(Database& db) {
         faults.insert(faults.end(), f.begin(), f.end());
     }
     checkFreeSpace(db, faults);
+    checkProperties(db, faults);
     return faults;
 }
 

@@ -32,9 +32,13 @@ Binary readLongValue(PageCache& pages, const std::uint8_t* p, std::size_t n) {
         return out;
     }
     if (head & lval::kSinglePage) {
+        // Jet sizes the row to the value: any other size means the row's
+        // bounds or the field's length are damaged.
         RowBytes r = lvalRow(pages, pointer);
-        if (length > r.size())
-            throwCorrupt(pageOfPointer(pointer), "long value longer than its row");
+        if (length != r.size())
+            throwCorrupt(pageOfPointer(pointer), "long value of " + std::to_string(length) +
+                                                     " bytes in a row of " +
+                                                     std::to_string(r.size()));
         out.assign(r.data(), r.data() + length);
         return out;
     }

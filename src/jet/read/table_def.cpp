@@ -185,6 +185,18 @@ std::shared_ptr<TableDef> parseTableDef(const PageBytes& raw, std::uint32_t page
                 throwCorrupt(page, "fixed column " + col.name + " lies outside any row");
         }
     }
+    // Readers find an index's columns by number; Access drops an index with
+    // its column, so a number naming no column is damage.
+    for (std::size_t ri = 0; ri < d->realIndexes.size(); ++ri)
+        for (const IndexColumn& ic : d->realIndexes[ri].columns) {
+            if (d->columnByNumber(ic.columnNumber)) continue;
+            std::string name = "tree " + std::to_string(ri);
+            for (const Index& li : d->indexes)
+                if (li.realIndex == ri) name = li.name;
+            throwCorrupt(page, "index " + name + " names column number " +
+                                   std::to_string(std::int16_t(ic.columnNumber)) +
+                                   ", which the table does not have");
+        }
     return d;
 }
 

@@ -63,6 +63,8 @@ void collectBits(const std::uint8_t* bits, std::size_t n, std::uint32_t first, s
 }
 }  // namespace
 
+std::uint32_t mapPageOfEntry(std::uint32_t entry) { return std::int32_t(entry) > 0 ? entry : 0; }
+
 UsageMap readUsageMap(PageCache& pages, std::uint32_t dataPointer) {
     UsageMap m;
     m.where = RowId::fromPointer(dataPointer);
@@ -81,7 +83,7 @@ UsageMap readUsageMap(PageCache& pages, std::uint32_t dataPointer) {
     } else if (m.type == 1) {
         std::size_t n = (r.size() - 1) / 4;
         for (std::size_t i = 0; i < n; ++i) {
-            std::uint32_t mp = u32(d + 1 + 4 * i);
+            const std::uint32_t mp = mapPageOfEntry(u32(d + 1 + 4 * i));
             m.mapPages.push_back(mp);
             if (mp == 0) continue;
             PageRef page = pages.page(mp, PageType::UsageMap);

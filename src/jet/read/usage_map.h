@@ -28,6 +28,12 @@ struct UsageMap {
 // Reads the map whose row is at the data pointer. Throws on corruption.
 UsageMap readUsageMap(PageCache& pages, std::uint32_t dataPointer);
 
+// The usage-map page an entry of a reference map names, 0 for none. Jet
+// reads the entry as a signed number and follows only a positive one: Access
+// leaves entries it has no page for at 0 or at a negative filler (0xFFFFFF80
+// in the last entry of a global map), and no page number is negative.
+std::uint32_t mapPageOfEntry(std::uint32_t entry);
+
 // The bytes of a row (row offset table resolved; deleted rows are still
 // returned; overflow pointers are not followed). Throws "corrupt page N".
 struct RowBytes {

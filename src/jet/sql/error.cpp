@@ -86,6 +86,9 @@ Error unknownInsertField(const std::string& f) {
                    "'.  Make sure you have typed the name correctly, and try the operation again.",
                3127);
 }
+Error duplicateDestination(const std::string& f) {
+    return cmd("Duplicate output destination '" + f + "'.", 3063);
+}
 Error valueCountMismatch() {
     return cmd("Number of query values and destination fields are not the same.", 3346);
 }

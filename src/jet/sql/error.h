@@ -65,6 +65,7 @@ Error fieldExists(const std::string& field, const std::string& table);
 Error indexExists(const std::string& table, const std::string& index);
 Error invalidIndexField(const std::string& field);
 Error unknownInsertField(const std::string& field);
+Error duplicateDestination(const std::string& field);  // a column set twice
 Error valueCountMismatch();
 Error typeMismatch();
 Error fieldTooSmall();

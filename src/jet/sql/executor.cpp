@@ -88,13 +88,20 @@ Source openTarget(const std::shared_ptr<Storage>& db, const TableRef& ref) {
     return openSource(db, ref);
 }
 
+// Jet refuses a statement that names a column to write twice.
+void addDestination(std::vector<int>& dest, int idx, const std::string& name) {
+    if (std::find(dest.begin(), dest.end(), idx) != dest.end())
+        throw errors::duplicateDestination(name);
+    dest.push_back(idx);
+}
+
 long runInsert(const std::shared_ptr<Storage>& db, const InsertStmt& s) {
     Source target = openTarget(db, s.target);
     std::vector<int> dest;
     for (const auto& name : s.columns) {
         int idx = target.find("", name);
         if (idx < 0) throw errors::unknownInsertField(name);
-        dest.push_back(idx);
+        addDestination(dest, idx, name);
     }
     std::vector<Row> incoming;
     if (s.select) {
@@ -104,7 +111,7 @@ long runInsert(const std::shared_ptr<Storage>& db, const InsertStmt& s) {
             for (const auto& rc : rs.columns) {
                 int idx = target.find("", rc.name);
                 if (idx < 0) throw errors::unknownInsertField(rc.name);
-                dest.push_back(idx);
+                addDestination(dest, idx, rc.name);
             }
         } else if (dest.size() != rs.columns.size()) {
             throw errors::valueCountMismatch();
@@ -138,9 +145,11 @@ long runUpdate(const std::shared_ptr<Storage>& db, const UpdateStmt& s) {
     Selected sel = selectRows(db, s.table, s.where.get());
     Binder c(db, &sel.source);
     std::vector<std::pair<int, Eval>> sets;
+    std::vector<int> dest;
     for (const auto& [name, expr] : s.assignments) {
         int idx = sel.source.find("", name);
         if (idx < 0) throw errors::noValueGiven();
+        addDestination(dest, idx, name);
         if (sel.source.columns[idx].autoIncrement)
             throw Error(
                 "Cannot update '" + sel.source.columns[idx].name + "'; field not updateable.",

@@ -206,10 +206,16 @@ Value coerceToColumn(const Value& v, ColumnType type, int size, const std::strin
             double d;
             numberOf(d);
             if (type == ColumnType::Single) d = static_cast<float>(d);
+            // A number beyond the type's range (1e999999 reads as infinity,
+            // 1e39 becomes one as a Single) is refused as Jet refuses it.
+            if (!std::isfinite(d) ||
+                (type == ColumnType::Currency && std::fabs(d) >= 922337203685477.5808))
+                throw errors::numericOverflow();
             return Value::real(d);
         }
         case ColumnType::DateTime: {
             if (!v.isNumber()) throw errors::typeMismatch();
+            if (!std::isfinite(v.asDouble())) throw errors::numericOverflow();
             return Value::date(v.asDouble());
         }
         case ColumnType::Binary:

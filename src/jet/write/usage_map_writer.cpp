@@ -119,7 +119,7 @@ void setUsageMapBit(Database& db, std::uint32_t dataPointer, std::uint32_t page,
         throw Error("the usage map in row " + toString(where) + " cannot reach page " +
                     std::to_string(page));
     }
-    std::uint32_t mapPage = u32(row + 1 + 4 * slot);
+    std::uint32_t mapPage = mapPageOfEntry(u32(row + 1 + 4 * slot));
     if (mapPage == 0) {
         if (!on) return;
         PageBytes bytes = newMapPage();

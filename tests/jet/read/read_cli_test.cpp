@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <iterator>
 
@@ -51,30 +52,23 @@ TEST_P(CliFile, TablesListsWhatMdbTablesLists) {
 // Same shape as mdb-export: header, quoting, NULLs, number and date forms.
 TEST_P(CliFile, ExportPrintsTheRowsMdbExportPrints) {
     std::string path = jettest::testFile(GetParam());
+    // Each row as its cells, quoted ones in quotes: the header, then the rows sorted.
+    const auto rows = [](const std::string& csv) {
+        std::vector<std::string> out;
+        for (const auto& row : jettest::parseCsv(csv)) {
+            out.emplace_back();
+            for (const auto& c : row) out.back() += (c.quoted ? '"' + c.text + '"' : c.text) + "|";
+        }
+        if (!out.empty()) std::sort(out.begin() + 1, out.end());
+        return out;
+    };
     for (const std::string& table : lines(run("mdb-tables -1 " + quote(path)))) {
         SCOPED_TRACE(table);
         int status = -1;
-        std::string ours = cli("export " + quote(path) + " " + quote(table), &status);
+        const auto ours = rows(cli("export " + quote(path) + " " + quote(table), &status));
         EXPECT_EQ(status, 0);
-        std::string theirs = run("mdb-export " + quote(path) + " " + quote(table));
-        auto a = jettest::parseCsv(ours), b = jettest::parseCsv(theirs);
-        ASSERT_FALSE(a.empty());
-        ASSERT_FALSE(b.empty());
-        auto flat = [](const std::vector<jettest::CsvRow>& rows, std::size_t from) {
-            std::vector<std::string> out;
-            for (std::size_t i = from; i < rows.size(); ++i) {
-                std::string line;
-                for (const auto& c : rows[i])
-                    line += (c.quoted ? "\"" + c.text + "\"" : c.text) + "|";
-                out.push_back(line);
-            }
-            return out;
-        };
-        EXPECT_EQ(flat(a, 0)[0], flat(b, 0)[0]);  // header
-        auto ra = flat(a, 1), rb = flat(b, 1);
-        std::sort(ra.begin(), ra.end());
-        std::sort(rb.begin(), rb.end());
-        EXPECT_EQ(ra, rb);
+        ASSERT_FALSE(ours.empty());
+        EXPECT_EQ(ours, rows(run("mdb-export " + quote(path) + " " + quote(table))));
     }
 }
 
@@ -131,23 +125,32 @@ TEST(JetCli, FailuresAreOneLineAndNonZero) {
     }
 }
 
-// A table whose pages are lost is reported on its own line; the readable
-// tables are still listed, and the exit status says not all were.
-TEST(JetCli, TablesReportsAnUnreadableTable) {
+// A table whose pages are lost, or whose index names a column it lacks, is
+// reported on its own line; the readable tables are still shown, and the
+// exit status says not all were.
+TEST(JetCli, AnUnreadableTableIsReported) {
     const std::uint32_t page = firstDataPage("indexTestV2000.mdb", "Table1");
-    std::string bytes = tessara::test::dateiInhalt(jettest::testFile("indexTestV2000.mdb"));
-    std::fill_n(bytes.begin() + std::ptrdiff_t(page * jet::kPageSize), jet::kPageSize, '\xFF');
-    const std::string path = ::testing::TempDir() + "filled-indexTestV2000.mdb";
-    std::ofstream(path, std::ios::binary) << bytes;
-    int status = 0;
-    EXPECT_EQ(run(quote(TESSARA_CLI) + " tables " + quote(path) + " 2>/dev/null", &status),
-              "Table2\nTable3\n");
-    EXPECT_EQ(status, 1);
-    EXPECT_EQ(run(quote(TESSARA_CLI) + " tables " + quote(path) + " 2>&1 >/dev/null"),
-              "tessara-cli tables: table Table1 cannot be read: corrupt page " +
-                  std::to_string(page) +
-                  ": the usage map of table Table1 names it as a data page, but it is a page of "
-                  "type 255\n");
+    std::string filled = tessara::test::dateiInhalt(jettest::testFile("indexTestV2000.mdb"));
+    std::fill_n(filled.begin() + std::ptrdiff_t(page * jet::kPageSize), jet::kPageSize, '\xFF');
+    const auto renumbered = jettest::withBadIndexColumn("indexTestV2000.mdb", "Table1");
+    const std::string path = ::testing::TempDir() + "damaged.mdb";
+    for (const auto& [command, bytes, out, err] :
+         {std::array<std::string, 4>{"tables", filled, "Table2\nTable3\n",
+                                     "corrupt page " + std::to_string(page) +
+                                         ": the usage map of table Table1 names it as a data "
+                                         "page, but it is a page of type 255"},
+          {"schema", std::string(renumbered.begin(), renumbered.end()), "TABLE Table2 (3 rows)",
+           "corrupt page 24: index id names column number -97, which the table does not have"}}) {
+        std::ofstream(path, std::ios::binary) << bytes;
+        const std::string line = quote(TESSARA_CLI) + " " + command + " " + quote(path);
+        int status = 0;
+        const std::string shown = run(line + " 2>/dev/null", &status);
+        EXPECT_EQ(shown.substr(0, out.size()), out);
+        EXPECT_EQ(shown.find("TABLE Table1"), std::string::npos) << shown;
+        EXPECT_EQ(status, 1);
+        EXPECT_EQ(run(line + " 2>&1 >/dev/null"),
+                  "tessara-cli " + command + ": table Table1 cannot be read: " + err + "\n");
+    }
 }
 
 }  // namespace

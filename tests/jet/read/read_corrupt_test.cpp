@@ -4,8 +4,9 @@
 // runs end by construction.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
+#include <algorithm>
+#include <array>
+#include <cstring>
 #include <random>
 #include <set>
 
@@ -17,11 +18,6 @@
 namespace {
 
 using namespace jet;
-
-std::vector<std::uint8_t> load(const std::string& name) {
-    std::ifstream in(jettest::testFile(name), std::ios::binary);
-    return std::vector<std::uint8_t>(std::istreambuf_iterator<char>(in), {});
-}
 
 enum class Outcome { Read, JetError, OtherError };
 
@@ -47,9 +43,9 @@ TEST(JetCorrupt, RejectsWhatIsNoDatabase) {
         const char* message;
     };
     std::vector<std::uint8_t> text(8192, 'x');
-    auto jet3 = load("testV2000.mdb");
+    auto jet3 = jettest::fileImage("testV2000.mdb");
     jet3[0x14] = 0;  // version code of Jet 3
-    auto ace = load("testV2000.mdb");
+    auto ace = jettest::fileImage("testV2000.mdb");
     ace[0x14] = 2;
     const Case cases[] = {
         {"empty", {}, "not a Jet database"},
@@ -100,29 +96,50 @@ std::set<std::uint32_t> vitalPages(const std::vector<std::uint8_t>& bytes) {
     return vital;
 }
 
+// Every property blob (MSysObjects' LvProp) in a long-value row with its
+// first block claiming more bytes than the blob has.
+void breakPropertyBlobs(std::vector<std::uint8_t>& b) {
+    const char tag[] = "MR2";  // with its NUL
+    for (auto it = b.begin(); (it = std::search(it, b.end(), tag, tag + 4)) != b.end(); it += 4) {
+        const std::uint8_t* page = b.data() + std::size_t(it - b.begin()) / kPageSize * kPageSize;
+        if (page[0] == 1 && std::memcmp(page + 4, "LVAL", 4) == 0 && b.end() - it >= 8)
+            put32(&*it + 4, 0xFFFFFFu);
+    }
+}
+
 // Damaged copies of each file (fixed seed): a page zeroed or filled with
-// 0xFF, the file cut at or inside a page boundary, bytes flipped. None
-// crashes; opening either refuses or names the same tables as the original,
-// each of which reads or is refused with a jet::Error; and the check
-// reports every copy that lost a vital page or ends inside a page.
+// 0xFF, the file cut at or inside a page boundary, bytes flipped; and the
+// damage a reader trips on that these rarely make: an index naming a column
+// number the table lacks (of the catalogue, of MSysRelationships, of another
+// table), property blobs in long-value rows broken. None crashes; opening
+// either refuses or names the same tables as the original, each of which
+// reads or is refused with a jet::Error; and the check reports every copy
+// that lost a vital page, ends inside a page or has the targeted damage.
 TEST(JetCorrupt, DamagedCopiesAreReadOrReported) {
-    enum class Damage { Zeroed, Filled, CutAt, CutInside, Flipped };
-    const char* damageName[] = {"zeroed", "filled with 0xFF", "cut at", "cut inside", "flipped in"};
+    enum class Damage { Zeroed, Filled, CutAt, CutInside, Flipped, IndexColumn, PropertyBlob };
+    const char* damageName[] = {"zeroed",     "filled with 0xFF", "cut at",        "cut inside",
+                                "flipped in", "index column of",  "property blobs"};
     std::mt19937 rng(20261125u);
     int mutants = 0, reported = 0;
     for (const std::string& file : jettest::testFiles()) {
-        const auto whole = load(file);
+        const auto whole = jettest::fileImage(file);
         const std::uint32_t pages = std::uint32_t(whole.size() / kPageSize);
         const std::set<std::uint32_t> vital = vitalPages(whole);
         const std::vector<std::string> names = Database::fromMemory(whole)->tableNames(true);
         ASSERT_EQ(checkDatabase(*Database::fromMemory(whole)), std::vector<std::string>{}) << file;
-        for (int i = 0; i < 10; ++i, ++mutants) {
-            const auto damage = Damage(i % 5);
-            const std::uint32_t page = 1 + rng() % (std::min<std::uint32_t>(pages, 80) - 1);
-            SCOPED_TRACE(file + ": page " + std::to_string(page) + " " + damageName[i % 5]);
+        const std::string table =
+            std::array{"MSysObjects", "MSysRelationships", "MSysACEs"}[mutants / 12 % 3];
+        for (int i = 0; i < 12; ++i, ++mutants) {
+            const auto damage = Damage(i < 10 ? i % 5 : i - 5);
+            const std::uint32_t page =
+                i < 10 ? 1 + rng() % (std::min<std::uint32_t>(pages, 80) - 1) : 0;
+            SCOPED_TRACE(file + ": " + damageName[int(damage)] + " " +
+                         (i < 10                          ? "page " + std::to_string(page)
+                          : damage == Damage::IndexColumn ? table
+                                                          : ""));
             auto bytes = whole;
             std::uint8_t* at = bytes.data() + std::size_t(page) * kPageSize;
-            bool mustReport = vital.count(page) > 0;
+            bool mustReport = i >= 10 || vital.count(page) > 0;
             switch (damage) {
                 case Damage::Zeroed:
                     std::fill_n(at, kPageSize, 0);
@@ -141,6 +158,12 @@ TEST(JetCorrupt, DamagedCopiesAreReadOrReported) {
                     for (int f = 1 + int(rng() % 8); f > 0; --f)
                         at[rng() % kPageSize] ^= std::uint8_t(1u << (rng() % 8));
                     mustReport = false;  // a flip may land in unused bytes
+                    break;
+                case Damage::IndexColumn:
+                    bytes = jettest::withBadIndexColumn(file, table);
+                    break;
+                case Damage::PropertyBlob:
+                    breakPropertyBlobs(bytes);
                     break;
             }
             std::shared_ptr<Database> db;
@@ -181,7 +204,7 @@ TEST(JetCorrupt, DamagedCopiesAreReadOrReported) {
 class Damaged : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(Damaged, TruncatedAtSeveralOffsetsGivesCorruptPageOrReads) {
-    const auto whole = load(GetParam());
+    const auto whole = jettest::fileImage(GetParam());
     ASSERT_GT(whole.size(), 5 * kPageSize);
     const std::size_t P = kPageSize, n = whole.size();
     for (std::size_t cut : {std::size_t(0), std::size_t(1), std::size_t(0x18), P - 1, P, 2 * P,
@@ -204,7 +227,7 @@ TEST_P(Damaged, TruncatedAtSeveralOffsetsGivesCorruptPageOrReads) {
 // most (catalogue definition, index and data pages near the start) and
 // anywhere in the file.
 TEST_P(Damaged, RandomByteFlipsNeverCrash) {
-    const auto whole = load(GetParam());
+    const auto whole = jettest::fileImage(GetParam());
     std::mt19937 rng(20261122u);
     std::size_t read = 0, rejected = 0;
     for (int round = 0; round < 150; ++round) {

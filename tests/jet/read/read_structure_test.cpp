@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 
 #include "jet/check/check.h"
 #include "jet/read/database.h"
@@ -75,8 +73,7 @@ TEST(JetRows, LazyScanDecodesTheSameValues) {
 // A database whose pages are RC4-encoded with the database key (Access's
 // "encode database") reads as the plain one.
 TEST(JetHeader, DecodesPagesOfAnEncodedDatabase) {
-    std::ifstream in(jettest::testFile("indexTestV2000.mdb"), std::ios::binary);
-    std::vector<std::uint8_t> image((std::istreambuf_iterator<char>(in)), {});
+    std::vector<std::uint8_t> image = jettest::fileImage("indexTestV2000.mdb");
     const std::uint32_t key = 0x1234ABCDu;
     jet::maskHeader(image.data());
     jet::put32(image.data() + jet::header::kDatabaseKey, key);

@@ -1,6 +1,7 @@
 #pragma once
 // Running mdbtools (mdb-export, mdb-tables) and the batch tool from tests,
 // and parsing the CSV they print.
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <utility>
@@ -10,6 +11,7 @@ namespace jettest {
 
 std::string testFile(const std::string& name);  // a file of the shared test data
 std::vector<std::string> testFiles();  // every .mdb of the shared test data (mdb/, mdb-index/)
+std::vector<std::uint8_t> fileImage(const std::string& name);  // a test file's bytes
 
 // Runs a shell command, returns its standard output; exit status in *status.
 std::string run(const std::string& command, int* status = nullptr);
@@ -42,5 +44,9 @@ std::pair<long, std::string> errorOf(const std::function<void()>& act);
 // The tab-separated fields of each line of tests/jet/write/golden/<name>,
 // lines that are empty or start with # left out.
 std::vector<std::vector<std::string>> goldenRows(const std::string& name);
+
+// The bytes of a test file whose table's first index tree names column
+// number -97 first, which the table lacks (damage no Access file has).
+std::vector<std::uint8_t> withBadIndexColumn(const std::string& file, const std::string& table);
 
 }  // namespace jettest

@@ -6,11 +6,13 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "jet/format/error.h"
 #include "jet/read/database.h"
 #include "jet/read/table.h"
 #include "jet/support/mdbtools.h"
+#include "jet/write/tdef_writer.h"
 
 namespace jettest {
 
@@ -26,6 +28,11 @@ std::string testFile(const std::string& name) {
         if (std::filesystem::exists(p)) return p.string();
     }
     return std::string(TESSARA_TESTDATA) + "/mdb/" + name;
+}
+
+std::vector<std::uint8_t> fileImage(const std::string& name) {
+    std::ifstream in(testFile(name), std::ios::binary);
+    return std::vector<std::uint8_t>(std::istreambuf_iterator<char>(in), {});
 }
 
 std::vector<std::string> testFiles() {
@@ -197,6 +204,17 @@ std::vector<std::vector<std::string>> goldenRows(const std::string& name) {
                 rows.back().back().push_back(ch);
     }
     return rows;
+}
+
+std::vector<std::uint8_t> withBadIndexColumn(const std::string& file, const std::string& table) {
+    std::vector<std::uint8_t> bytes = fileImage(file);
+    jet::TableDef d = *jet::Database::fromMemory(bytes)->tableDef(table);
+    d.realIndexes.at(0).columns.at(0).columnNumber = 0xFF9F;
+    const auto pages = jet::tableDefPages(d, d.pages);
+    for (std::size_t i = 0; i < pages.size(); ++i)
+        std::copy(pages[i].begin(), pages[i].end(),
+                  bytes.begin() + std::ptrdiff_t(d.pages[i]) * jet::kPageSize);
+    return bytes;
 }
 
 }  // namespace jettest

@@ -133,6 +133,7 @@ bool apply(jet::Database& db, const std::string& table, Op op, std::vector<Expec
             jet::PageBytes page = *r.page;
             std::fill(page.begin() + r.start, page.begin() + r.end, 0);
             page[r.start] = 1;
+            jet::put32(page.data() + r.end - 4, 0xFFFFFF80u);  // Access's filler: no page
             db.pages().put(r.pageNumber, page);
             EXPECT_TRUE(mapOf(db, def->freePages).pages.empty());
             const std::uint32_t before = db.pages().pageCount();
