@@ -1,6 +1,7 @@
 #include "jet/read/row_reader.h"
 
 #include <cstring>
+#include <optional>
 
 #include "jet/format/error.h"
 #include "jet/format/text.h"
@@ -269,8 +270,26 @@ void RowReader::readLazy(const std::vector<RowId>& ids,
                          const std::function<bool(const RowView&)>& visit) const {
     ReadSection reading(pages_.store());
     RowDecoder dec(pages_, def_);
+    // Rows in page order (an index's hits, sorted) are read as a scan reads:
+    // runs of pages in one call, into buffers used again, not a cache entry
+    // and an allocation for each of a Folder's thousands of pages.
+    std::vector<std::uint32_t> order;
     for (const RowId& id : ids) {
-        PageRef pg = pages_.page(id.page);
+        if (!order.empty() && id.page < order.back()) {
+            order.clear();
+            break;
+        }
+        if (order.empty() || id.page != order.back()) order.push_back(id.page);
+    }
+    std::optional<PageStream> stream;
+    if (!order.empty()) stream.emplace(pages_, std::move(order));
+    PageRef pg;
+    std::uint32_t at = 0;
+    for (const RowId& id : ids) {
+        if (!pg || at != id.page) {
+            at = id.page;
+            pg = stream ? stream->next(at) : pages_.page(id.page);
+        }
         if ((*pg)[0] != std::uint8_t(PageType::Data) ||
             u32(pg->data() + datapage::kTdefPage) != def_.page || id.row >= rowCountOf(*pg))
             continue;
