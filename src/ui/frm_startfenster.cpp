@@ -7,6 +7,7 @@
 #include <QProgressBar>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace tessara {
 
@@ -64,11 +65,17 @@ void FrmStartfenster::schritt(int erledigt, int gesamt, const QString& text) {
         fortschritt_->setRange(0, 0);
     }
     if (!text.isEmpty()) labLaden_->setText(text);
-    if (isVisible()) {
+    if (!isVisible()) return;
+    if (erschienen_) {
+        // Only this window: the main window behind it is drawn once, when
+        // its Page is there, not at every step of its load.
         labLaden_->repaint();
         fortschritt_->repaint();
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        return;
     }
+    // The first step lets the window appear on the screen.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    erschienen_ = windowHandle() && windowHandle()->isExposed();
 }
 
 void FrmStartfenster::fertig() { close(); }

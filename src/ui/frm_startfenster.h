@@ -34,6 +34,7 @@ class FrmStartfenster : public QWidget {
     QLabel* labVersion_;
     QLabel* labLaden_;
     QProgressBar* fortschritt_;
+    bool erschienen_ = false;  // exposed on the screen, so it can be drawn at once
 };
 
 }  // namespace tessara

@@ -163,17 +163,20 @@ class EngineTable : public Table {
         std::vector<jet::RowId> jetIds;
         jetIds.reserve(ids.size());
         for (RowId id : ids) jetIds.push_back(toJetId(id));
-        Row row;
         // One table, one read lock and only the asked-for columns for all the
-        // hits: a Folder's record set is thousands of them.
+        // hits: a Folder's record set is thousands of them. The others stay
+        // Null in the one row handed out for each.
+        std::vector<std::size_t> wanted;
+        if (needed)
+            for (std::size_t i = 0; i < n && i < needed->size(); ++i)
+                if ((*needed)[i]) wanted.push_back(i);
+        Row row(n);
         t.readLazy(jetIds, [&](const jet::RowView& v) {
             if (!needed) {
                 visit(toSql(v.id()), engine::fromJet(v.all()));
                 return true;
             }
-            row.assign(n, Value());
-            for (std::size_t i = 0; i < n && i < needed->size(); ++i)
-                if ((*needed)[i]) row[i] = engine::fromJet(v.value(i));
+            for (std::size_t i : wanted) row[i] = engine::fromJet(v.value(i));
             visit(toSql(v.id()), row);
             return true;
         });
