@@ -3,9 +3,9 @@
 // outermost commit. Commit: take the commit byte exclusively (readers of
 // other processes wait), write the original bytes of every page to be
 // overwritten and the original length into the journal and sync it, write
-// the pages, sync the file, delete the journal (the commit point), release.
-// A crash before the deletion leaves a hot journal that the next open (or the
-// next read of any process, or the next begin) rolls back.
+// the pages, sync the file, zero the journal's header (the commit point),
+// release. A crash before the zeroing leaves a hot journal that the next open
+// (or the next read of any process, or the next begin) rolls back.
 #include <utility>
 #include <vector>
 
@@ -23,15 +23,12 @@ void commitToFile(PageCache& pages, FilePageStore& store,
     try {
         const std::uint64_t originalSize = store.sizeBytes();
         const std::uint32_t originalPages = store.pageCount();
-        std::vector<std::pair<std::uint32_t, std::vector<std::uint8_t>>> originals;
-        for (const auto& [n, bytes] : dirty) {
-            if (n >= originalPages) continue;
-            std::vector<std::uint8_t> raw(kPageSize);
-            store.read(n, raw.data());
-            originals.emplace_back(n, std::move(raw));
-        }
         try {
-            writeJournal(store.path(), originalSize, originals);
+            // Closed before a rollback below reads and removes the file.
+            JournalWriter journal(store.path());
+            for (const auto& [n, bytes] : dirty)
+                if (n < originalPages) store.read(n, journal.add(n));
+            journal.write(originalSize);
             for (const auto& [n, bytes] : dirty) {
                 PageBytes out = pages.encoded(n, *bytes);
                 store.write(n, out.data());
@@ -39,7 +36,7 @@ void commitToFile(PageCache& pages, FilePageStore& store,
             }
             store.sync();
             crashPoint("file-synced");
-            removeJournal(store.path());
+            journal.commit();
         } catch (...) {
             // Still holding both locks: put the file back at once. Should
             // even that fail, the journal stays for the next open.
@@ -50,7 +47,6 @@ void commitToFile(PageCache& pages, FilePageStore& store,
             store.refresh();
             throw;
         }
-        crashPoint("committed");
     } catch (...) {
         store.unlockCommit();
         throw;

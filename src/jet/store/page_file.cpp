@@ -19,7 +19,10 @@ FilePageStore::FilePageStore(const std::string& path, bool writable)
     if (!file_.size(size_)) throw Error("cannot read " + path);
 }
 
-FilePageStore::~FilePageStore() = default;
+FilePageStore::~FilePageStore() {
+    // The journal stays between commits; the last writer to leave takes it away.
+    if (writable_) removeIdleJournal(file_, path_);
+}
 
 std::uint32_t FilePageStore::pageCount() const { return std::uint32_t(size_ / kPageSize); }
 
