@@ -6,6 +6,7 @@
 // the pages, sync the file, zero the journal's header (the commit point),
 // release. A crash before the zeroing leaves a hot journal that the next open
 // (or the next read of any process, or the next begin) rolls back.
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -17,15 +18,13 @@ namespace jet {
 
 namespace {
 
-void commitToFile(PageCache& pages, FilePageStore& store,
+void commitToFile(PageCache& pages, FilePageStore& store, JournalWriter& journal,
                   const std::vector<std::pair<std::uint32_t, PageRef>>& dirty) {
     store.lockCommit();
     try {
         const std::uint64_t originalSize = store.sizeBytes();
         const std::uint32_t originalPages = store.pageCount();
         try {
-            // Closed before a rollback below reads and removes the file.
-            JournalWriter journal(store.path());
             for (const auto& [n, bytes] : dirty)
                 if (n < originalPages) store.read(n, journal.add(n));
             journal.write(originalSize);
@@ -40,6 +39,7 @@ void commitToFile(PageCache& pages, FilePageStore& store,
         } catch (...) {
             // Still holding both locks: put the file back at once. Should
             // even that fail, the journal stays for the next open.
+            journal.close();
             try {
                 rollbackJournal(store.file(), store.path());
             } catch (...) {
@@ -107,8 +107,13 @@ void Database::begin() {
     if (auto* file = dynamic_cast<FilePageStore*>(&pages_->store())) {
         file->lockWriter();
         try {
+            // Open for the whole unit: no other writer makes, removes or
+            // writes it meanwhile.
+            auto journal = std::make_shared<JournalWriter>(file->path());
+            tx_ = journal;
             // A writer that died in its commit may have left a hot journal.
-            if (journalExists(file->path())) {
+            if (journal->there()) {
+                journal->close();
                 file->lockCommit();
                 try {
                     rollbackJournal(file->file(), file->path());
@@ -126,6 +131,7 @@ void Database::begin() {
                     "cannot write " + file->path() + ": its length is not a whole number of pages",
                     errnum::kCorrupt);
         } catch (...) {
+            tx_.reset();
             file->unlockWriter();
             throw;
         }
@@ -144,7 +150,7 @@ void Database::commit() {
     try {
         if (!dirty.empty()) {
             if (file) {
-                commitToFile(*pages_, *file, dirty);
+                commitToFile(*pages_, *file, *std::static_pointer_cast<JournalWriter>(tx_), dirty);
             } else {
                 for (const auto& [n, bytes] : dirty) {
                     PageBytes out = pages_->encoded(n, *bytes);
@@ -154,11 +160,13 @@ void Database::commit() {
             }
         }
     } catch (...) {
+        tx_.reset();
         pages_->endUnit(false);
         reload();
         if (file) file->unlockWriter();
         throw;
     }
+    tx_.reset();
     pages_->endUnit(true);
     if (file) file->unlockWriter();
 }
@@ -166,6 +174,7 @@ void Database::commit() {
 void Database::rollback() {
     if (txDepth_ == 0) return;
     txDepth_ = 0;
+    tx_.reset();
     pages_->endUnit(false);
     reload();
     if (auto* file = dynamic_cast<FilePageStore*>(&pages_->store())) file->unlockWriter();

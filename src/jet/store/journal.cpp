@@ -76,6 +76,16 @@ Journal readJournal(const std::string& path) {
     return j;
 }
 
+// Whether the journal open in file (or not opened) has its header written:
+// any of its first bytes not zero. One that cannot be opened, but is there,
+// is left to the rollback to report.
+bool headerWritten(os::File& file) {
+    if (!file.isOpen()) return !file.missing();
+    std::uint8_t magic[8];
+    if (!file.read(magic, sizeof magic, 0)) return false;
+    return std::any_of(magic, magic + sizeof magic, [](std::uint8_t b) { return b != 0; });
+}
+
 }  // namespace
 
 void setCrashHook(std::function<void(const char*)> h) { hook() = std::move(h); }
@@ -88,24 +98,15 @@ std::string journalPath(const std::string& databasePath) { return databasePath +
 
 bool journalExists(const std::string& databasePath) {
     os::File file(journalPath(databasePath), os::OpenMode::ReadOnly);
-    // One that cannot be read is left to the rollback to report.
-    if (!file.isOpen()) return !file.missing();
-    std::uint8_t magic[8];
-    if (!file.read(magic, sizeof magic, 0)) return false;
-    return std::any_of(magic, magic + sizeof magic, [](std::uint8_t b) { return b != 0; });
+    return headerWritten(file);
 }
 
 JournalWriter::JournalWriter(const std::string& databasePath)
-    : path_(journalPath(databasePath)), file_(path_, os::OpenMode::ReadWrite) {
-    if (!file_.isOpen() && file_.missing()) {
-        file_ = os::File(path_, os::OpenMode::CreateTruncate);
-        made_ = true;
-    }
-    if (!file_.isOpen())
-        throw Error("cannot create the journal " + path_ + ": " + file_.lastError(),
-                    errnum::kReadOnly);
-    image_.resize(kHeaderSize);
-}
+    : path_(journalPath(databasePath)),
+      file_(path_, os::OpenMode::ReadWrite),
+      image_(kHeaderSize) {}
+
+bool JournalWriter::there() { return headerWritten(file_); }
 
 std::uint8_t* JournalWriter::add(std::uint32_t page) {
     const std::size_t at = image_.size();
@@ -115,6 +116,16 @@ std::uint8_t* JournalWriter::add(std::uint32_t page) {
 }
 
 void JournalWriter::write(std::uint64_t originalSize) {
+    if (!file_.isOpen()) {
+        file_ = os::File(path_, os::OpenMode::ReadWrite);
+        if (!file_.isOpen() && file_.missing()) {
+            file_ = os::File(path_, os::OpenMode::CreateTruncate);
+            made_ = true;
+        }
+        if (!file_.isOpen())
+            throw Error("cannot create the journal " + path_ + ": " + file_.lastError(),
+                        errnum::kReadOnly);
+    }
     std::uint8_t* h = image_.data();
     std::memset(h, 0, kHeaderSize);
     std::memcpy(h, kMagic, 8);

@@ -36,21 +36,26 @@ std::string journalPath(const std::string& databasePath);
 // left between commits has it zeroed).
 bool journalExists(const std::string& databasePath);
 
-// The journal of one commit, open from its start to its end, under the
-// writer and commit bytes. Closed (by its destructor) before a rollback.
+// The journal of a unit of work, open from its begin to its end, under the
+// writer byte (written under the commit byte too). Closed before a rollback
+// reads and removes the file.
 class JournalWriter {
   public:
-    // Opens the journal, made when missing. Throws jet::Error
-    // (errnum::kReadOnly) when it can be neither opened nor made.
+    // Opens the journal when the file is there; write() makes it otherwise.
     explicit JournalWriter(const std::string& databasePath);
+    // Whether a journal is there, as journalExists() tells, read through the
+    // open file.
+    bool there();
     // A new record for page: its 4096 bytes as stored in the file, to be
     // filled by the caller before write(). Valid until the next add().
     std::uint8_t* add(std::uint32_t page);
     // Writes the header and the records in one call and syncs them (and the
-    // directory, when the file was just made).
+    // directory, when the file was just made). Throws jet::Error
+    // (errnum::kReadOnly) when the file can be neither opened nor made.
     void write(std::uint64_t originalSize);
     // The commit point, once the database file is synced: the header zeroed.
     void commit();
+    void close() { file_.close(); }
 
   private:
     std::string path_;
