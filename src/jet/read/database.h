@@ -99,6 +99,10 @@ class Database : public std::enable_shared_from_this<Database> {
     void reload();
     // Drops the cached definition read from tdefPage (after its TDEF was written).
     void forgetTableDef(std::uint32_t tdefPage) { defs_.erase(tdefPage); }
+    // The row count and next autonumber a row write just put on the first
+    // TDEF page: the cached definition takes them over (a copy, so one
+    // already handed out stays as it was) instead of being parsed again.
+    void setTableCounts(std::uint32_t tdefPage, std::uint32_t rows, std::uint32_t autoNumber);
 
     // Writing (a database opened writable). A unit of work: the pages
     // written between begin() and commit() reach the file all or nothing,

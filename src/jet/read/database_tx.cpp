@@ -180,6 +180,19 @@ void Database::rollback() {
     if (auto* file = dynamic_cast<FilePageStore*>(&pages_->store())) file->unlockWriter();
 }
 
+void Database::setTableCounts(std::uint32_t tdefPage, std::uint32_t rows,
+                              std::uint32_t autoNumber) {
+    auto it = defs_.find(tdefPage);
+    if (it == defs_.end()) return;
+    auto def = std::make_shared<TableDef>(*it->second);
+    def->rowCount = rows;
+    def->nextAutoNumber = autoNumber;
+    if (def->raw.size() < tdef::kAutoNumber + 4) return forgetTableDef(tdefPage);
+    put32(def->raw.data() + tdef::kRowCount, rows);
+    put32(def->raw.data() + tdef::kAutoNumber, autoNumber);
+    it->second = std::move(def);
+}
+
 std::uint32_t Database::allocatePage(PageType type) {
     if (txDepth_ == 0) throw Error("allocatePage outside a unit of work");
     std::uint32_t n = pages_->pageCount();

@@ -4,6 +4,7 @@
 // rollback.
 #include "jet/write/writer.h"
 
+#include <algorithm>
 #include <optional>
 #include <random>
 
@@ -178,7 +179,8 @@ Bytes buildRow(Database& db, const TableDef& def, const RowEncoder& enc, const R
         }
     }
     // Small values stay inline unless the row would grow too large for a page.
-    if (enc.encode(row, &fields).size() > kMaxRowSize) {
+    Bytes bytes = enc.encode(row, &fields);
+    if (bytes.size() > kMaxRowSize) {
         for (std::size_t i = 0; i < def.columns.size(); ++i) {
             if (!isLongValueType(def.columns[i].type) || isNull(row[i]) || !fields[i].empty() ||
                 data[i].empty())
@@ -189,6 +191,8 @@ Bytes buildRow(Database& db, const TableDef& def, const RowEncoder& enc, const R
         if (enc.encode(row, &fields).size() > kMaxRowSize)
             throw Error("Record is too large. (" + def.name + ")", rowerr::kRecordTooLarge);
     }
+    // With every value inline the bytes measured are the row.
+    if (std::find(out.begin(), out.end(), true) == out.end()) return bytes;
     for (std::size_t i = 0; i < def.columns.size(); ++i)
         if (out[i]) fields[i] = writeLongValue(db, def, def.columns[i], data[i], false);
     return enc.encode(row, &fields);
@@ -230,7 +234,10 @@ void writeCounts(Database& db, const TableDef& def, std::uint32_t rows, std::uin
     put32(page.data() + tdef::kRowCount, rows);
     put32(page.data() + tdef::kAutoNumber, autoNumber);
     db.pages().put(def.page, page);
-    forgetDefinition(db, def);
+    if (def.page == kCatalogueTdefPage)
+        db.reload();
+    else
+        db.setTableCounts(def.page, rows, autoNumber);
 }
 
 Guid randomGuid() {
