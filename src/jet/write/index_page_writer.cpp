@@ -1,6 +1,7 @@
 #include "jet/write/index_page_writer.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "jet/format/error.h"
@@ -32,10 +33,16 @@ int compareBytes(const std::uint8_t* a, std::size_t na, const std::uint8_t* b, s
 }
 
 Page load(PageCache& pages, std::uint32_t number) {
+    PageRef ref = pages.page(number);
+    Page p = parse(*ref, number);
+    p.from = std::move(ref);
+    return p;
+}
+
+Page parse(const PageBytes& bytes, std::uint32_t number) {
     // Parsed straight from the page (the reader's IndexPage would cost a
     // second copy of every key, and trees are loaded on every change).
-    PageRef ref = pages.page(number);
-    const std::uint8_t* raw = ref->data();
+    const std::uint8_t* raw = bytes.data();
     if (raw[0] != std::uint8_t(PageType::IndexNode) && raw[0] != std::uint8_t(PageType::IndexLeaf))
         throwCorrupt(number, "expected an index page, found type " + std::to_string(raw[0]));
     Page p;
@@ -48,6 +55,10 @@ Page load(PageCache& pages, std::uint32_t number) {
     std::size_t prefix = u16(raw + indexpage::kPrefixLength);
     std::size_t trailer = p.leaf ? 4 : 8;
     std::size_t start = indexpage::kFirstEntry;
+    std::size_t count = 0;
+    for (std::size_t byte = 0; byte < indexpage::kEntryMaskLength; ++byte)
+        count += std::size_t(std::popcount(raw[indexpage::kEntryMask + byte]));
+    p.entries.reserve(count);
     for (std::size_t byte = 0; byte < indexpage::kEntryMaskLength; ++byte) {
         std::uint8_t bits = raw[indexpage::kEntryMask + byte];
         for (int b = 0; bits && b < 8; ++b) {

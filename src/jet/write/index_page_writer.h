@@ -83,6 +83,7 @@ struct Page {
     std::uint32_t prev = 0, next = 0, tail = 0;
     std::vector<Entry> entries;
     bool reshaped = false;  // differs from its bytes on the page (a tail made an entry)
+    PageRef from;           // the bytes it was read from or written as, if any
 };
 
 // Room for entries after the bitmap: a page holds at most this many bytes.
@@ -97,6 +98,8 @@ int compareBytes(const A& a, const B& b) {
 }
 
 Page load(PageCache& pages, std::uint32_t number);
+// The page in raw, read as page number.
+Page parse(const PageBytes& raw, std::uint32_t number);
 // For a node page: the child whose subtree holds target (the first entry
 // not below it, else the last child, which may be the tail page) and that
 // entry's position as load() numbers it. Reads the page in place.

@@ -5,6 +5,7 @@
 #include "jet/write/index_writer.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "jet/format/error.h"
 #include "jet/read/database.h"
@@ -19,6 +20,41 @@ namespace {
 using idxpage::Entry;
 using idxpage::Page;
 using Bytes = std::vector<std::uint8_t>;
+
+// Index pages as the trees last read or wrote them, kept from one change to
+// the next: rows inserted in key order meet the same leaf and the same nodes
+// hundreds of times, and decoding a page cost more than the rest of an
+// insert. A page kept is used only while the page cache still hands out the
+// very bytes it came from (a PageRef's bytes never change), so one written by
+// anything else, dropped from the cache or rolled back is read afresh.
+class KeptPages {
+  public:
+    bool take(const PageCache& cache, const PageRef& bytes, std::uint32_t n, Page& out) {
+        if (&cache != cache_) return false;
+        auto it = pages_.find(n);
+        if (it == pages_.end() || it->second.from != bytes) return false;
+        out = std::move(it->second);
+        pages_.erase(it);
+        return true;
+    }
+    // p must be what Tree::load() makes of p.from.
+    void keep(const PageCache& cache, Page&& p) {
+        if (&cache != cache_ || pages_.size() >= kCapacity) pages_.clear();
+        cache_ = &cache;
+        const std::uint32_t n = p.number;
+        pages_.insert_or_assign(n, std::move(p));
+    }
+
+  private:
+    static constexpr std::size_t kCapacity = 64;
+    const PageCache* cache_ = nullptr;
+    std::unordered_map<std::uint32_t, Page> pages_;
+};
+
+KeptPages& kept() {
+    static thread_local KeptPages pages;
+    return pages;
+}
 
 class Tree {
   public:
@@ -77,12 +113,14 @@ class Tree {
             for (; i < page.entries.size(); ++i) {
                 const Entry& e = page.entries[i];
                 if (e.keyLength() != key.size() ||
-                    !std::equal(key.begin(), key.end(), e.bytes.begin()))
-                    return;
-                if (!visit(idxpage::entryRow(e))) return;
+                    !std::equal(key.begin(), key.end(), e.bytes.begin()) ||
+                    !visit(idxpage::entryRow(e)))
+                    return giveBack(std::move(page));
             }
-            if (page.next == 0 || hops > db_.pages().pageCount()) return;
-            page = load(page.next);
+            const std::uint32_t next = page.next;
+            giveBack(std::move(page));
+            if (next == 0 || hops > db_.pages().pageCount()) return;
+            page = load(next);
             i = 0;
         }
     }
@@ -99,7 +137,11 @@ class Tree {
     using Path = std::vector<Step>;
 
     Page load(std::uint32_t n) {
-        Page p = idxpage::load(db_.pages(), n);
+        PageRef bytes = db_.pages().page(n);
+        Page p;
+        if (kept().take(db_.pages(), bytes, n, p)) return p;
+        p = idxpage::parse(*bytes, n);
+        p.from = std::move(bytes);
         if (!p.leaf && p.tail != 0) {
             // Access may leave the last child out of the entries and name it
             // only as the tail; make it an ordinary entry so the page can be
@@ -126,7 +168,18 @@ class Tree {
         return lastEntryOf(p.tail, depth + 1);
     }
 
-    void store(const Page& p) { db_.pages().put(p.number, idxpage::encode(p)); }
+    // Writes p and keeps it as the bytes now read back.
+    void store(Page&& p) {
+        db_.pages().put(p.number, idxpage::encode(p));
+        p.from = db_.pages().page(p.number);
+        p.reshaped = false;
+        kept().keep(db_.pages(), std::move(p));
+    }
+
+    // A page read and left as it was.
+    void giveBack(Page&& p) {
+        if (p.from) kept().keep(db_.pages(), std::move(p));
+    }
 
     std::uint32_t allocate(bool leaf) {
         std::uint32_t n = db_.allocatePage(leaf ? PageType::IndexLeaf : PageType::IndexNode);
@@ -139,7 +192,7 @@ class Tree {
         Page blank;
         blank.number = n;
         blank.tdefPage = tdef_;
-        store(blank);
+        store(std::move(blank));
     }
 
     Page descend(const Bytes& target, Path& path) {
@@ -172,7 +225,7 @@ class Tree {
         if (n == 0) return;
         Page p = load(n);
         (setPrev ? p.prev : p.next) = value;
-        store(p);
+        store(std::move(p));
     }
 
     // Where an overflowing page is cut: appends at either end of the level
@@ -211,7 +264,7 @@ class Tree {
                 if (isRoot) {
                     cur.leaf = true;
                     cur.prev = cur.next = cur.tail = 0;
-                    store(cur);
+                    store(std::move(cur));
                     return;
                 }
                 relink(cur.prev, false, cur.next);
@@ -227,15 +280,18 @@ class Tree {
                 continue;
             }
             if (idxpage::fits(cur)) {
-                store(cur);
-                if (isRoot || path.empty()) return;
+                const bool top = isRoot || path.empty();
+                idxpage::EntryBytes last;
+                if (!top) last = cur.entries.back().bytes;
+                store(std::move(cur));
+                if (top) return;
                 if (!lastChanged && !path.back().dirty) return;  // the parent stays as it is
                 Step up = std::move(ensure(path.back()));
                 path.pop_back();
                 Entry& pe = up.page.entries[up.idx];
-                bool renew = !(pe.bytes == cur.entries.back().bytes);
-                if (!renew && !up.dirty && !up.page.reshaped) return;
-                if (renew) pe.bytes = cur.entries.back().bytes;
+                bool renew = !(pe.bytes == last);
+                if (!renew && !up.dirty && !up.page.reshaped) return giveBack(std::move(up.page));
+                if (renew) pe.bytes = std::move(last);
                 // A tail made an entry may also differ from what the grandparent holds.
                 lastChanged = (renew && up.idx + 1 == up.page.entries.size()) || up.page.reshaped;
                 hint = up.dirty ? up.insertedAt : up.idx;
@@ -279,14 +335,18 @@ class Tree {
                 if (!a.leaf && a.next == b.number) {
                     a.next = 0;
                     b.prev = 0;
-                    store(a);
-                    store(b);
+                    store(std::move(a));
+                    store(std::move(b));
+                } else {
+                    giveBack(std::move(a));
+                    giveBack(std::move(b));
                 }
             }
-            store(left);
+            Entry named{left.entries.back().bytes, left.number};
+            store(std::move(left));
             Step& up = ensure(path.back());
             up.page.entries.insert(up.page.entries.begin() + std::ptrdiff_t(up.idx),
-                                   Entry{left.entries.back().bytes, left.number});
+                                   std::move(named));
             up.insertedAt = up.idx;
             ++up.idx;
             up.dirty = true;
