@@ -29,20 +29,24 @@ using Bytes = std::vector<std::uint8_t>;
 // anything else, dropped from the cache or rolled back is read afresh.
 class KeptPages {
   public:
-    bool take(const PageCache& cache, const PageRef& bytes, std::uint32_t n, Page& out) {
-        if (&cache != cache_) return false;
+    // The page kept for bytes, or nullptr.
+    const Page* find(const PageCache& cache, const PageRef& bytes, std::uint32_t n) const {
+        if (&cache != cache_) return nullptr;
         auto it = pages_.find(n);
-        if (it == pages_.end() || it->second.from != bytes) return false;
-        out = std::move(it->second);
-        pages_.erase(it);
+        return it == pages_.end() || it->second.from != bytes ? nullptr : &it->second;
+    }
+    // The page kept for bytes moved to out (its slot stays for the next keep()).
+    bool take(const PageCache& cache, const PageRef& bytes, std::uint32_t n, Page& out) {
+        if (!find(cache, bytes, n)) return false;
+        out = std::move(pages_[n]);
         return true;
     }
     // p must be what Tree::load() makes of p.from.
     void keep(const PageCache& cache, Page&& p) {
-        if (&cache != cache_ || pages_.size() >= kCapacity) pages_.clear();
+        if (&cache != cache_ || (pages_.size() >= kCapacity && !pages_.count(p.number)))
+            pages_.clear();
         cache_ = &cache;
-        const std::uint32_t n = p.number;
-        pages_.insert_or_assign(n, std::move(p));
+        pages_[p.number] = std::move(p);
     }
 
   private:
@@ -203,7 +207,20 @@ class Tree {
             if ((*raw)[0] != std::uint8_t(PageType::IndexNode)) break;
             Step step;
             step.number = n;
-            std::uint32_t child = idxpage::chooseChild(*raw, n, target, step.idx);
+            std::uint32_t child = 0;
+            const Page* known = kept().find(db_.pages(), raw, n);
+            if (known && !known->entries.empty()) {
+                // Its entries as ensure() numbers them: the first not below
+                // target, else the last.
+                auto it = std::lower_bound(known->entries.begin(), known->entries.end() - 1, target,
+                                           [](const Entry& a, const Bytes& b) {
+                                               return idxpage::compareBytes(a.bytes, b) < 0;
+                                           });
+                step.idx = std::size_t(it - known->entries.begin());
+                child = it->child;
+            } else {
+                child = idxpage::chooseChild(*raw, n, target, step.idx);
+            }
             if (child == 0) throwCorrupt(n, "index node entry without a child page");
             path.push_back(std::move(step));
             n = child;
