@@ -184,13 +184,14 @@ void Database::setTableCounts(std::uint32_t tdefPage, std::uint32_t rows,
                               std::uint32_t autoNumber) {
     auto it = defs_.find(tdefPage);
     if (it == defs_.end()) return;
-    auto def = std::make_shared<TableDef>(*it->second);
-    def->rowCount = rows;
-    def->nextAutoNumber = autoNumber;
-    if (def->raw.size() < tdef::kAutoNumber + 4) return forgetTableDef(tdefPage);
-    put32(def->raw.data() + tdef::kRowCount, rows);
-    put32(def->raw.data() + tdef::kAutoNumber, autoNumber);
-    it->second = std::move(def);
+    if (it->second->raw.size() < tdef::kAutoNumber + 4) return forgetTableDef(tdefPage);
+    // Changed in place when nobody else holds it.
+    if (it->second.use_count() > 1) it->second = std::make_shared<TableDef>(*it->second);
+    TableDef& def = *it->second;
+    def.rowCount = rows;
+    def.nextAutoNumber = autoNumber;
+    put32(def.raw.data() + tdef::kRowCount, rows);
+    put32(def.raw.data() + tdef::kAutoNumber, autoNumber);
 }
 
 std::uint32_t Database::allocatePage(PageType type) {
