@@ -28,11 +28,23 @@ void commitToFile(PageCache& pages, FilePageStore& store, JournalWriter& journal
             for (const auto& [n, bytes] : dirty)
                 if (n < originalPages) store.read(n, journal.add(n));
             journal.write(originalSize);
-            for (const auto& [n, bytes] : dirty) {
-                PageBytes out = pages.encoded(n, *bytes);
-                store.write(n, out.data());
+            // Consecutive pages (the appended ones above all) in one call.
+            constexpr std::size_t kMaxRun = 256;
+            std::vector<std::uint8_t> run;
+            std::uint32_t first = 0;
+            auto flush = [&] {
+                store.writeRun(first, std::uint32_t(run.size() / kPageSize), run.data());
+                run.clear();
                 crashPoint("page");
+            };
+            for (const auto& [n, bytes] : dirty) {
+                const std::size_t have = run.size() / kPageSize;
+                if (have && (n != first + have || have == kMaxRun)) flush();
+                if (run.empty()) first = n;
+                PageBytes out = pages.encoded(n, *bytes);
+                run.insert(run.end(), out.begin(), out.end());
             }
+            if (!run.empty()) flush();
             store.sync();
             crashPoint("file-synced");
             journal.commit();

@@ -81,8 +81,9 @@ bool rollbackJournal(os::File& file, const std::string& databasePath);
 void recoverHotJournal(const std::string& databasePath, const filelock::Wait& wait = {});
 
 // Tests only: called at each step of a commit and of a rollback ("journal"
-// after the journal is written, "journal-synced", "page" after each page
-// written to the file, "file-synced", "committed" after the header is zeroed,
+// after the journal is written, "journal-synced", "page" after each run of
+// consecutive pages written to the file, "file-synced", "committed" after
+// the header is zeroed,
 // "restore" after each page restored from a journal). A test kills the
 // process from it.
 void setCrashHook(std::function<void(const char* step)> hook);

@@ -90,6 +90,16 @@ void FilePageStore::write(std::uint32_t page, const std::uint8_t* data) {
     if (end > size_) size_ = end;
 }
 
+void FilePageStore::writeRun(std::uint32_t first, std::uint32_t count, const std::uint8_t* data) {
+    if (!writable_) throw Error("the database is open read-only", errnum::kReadOnly);
+    if (first > pageCount())
+        throw Error("page " + std::to_string(first) + " is beyond the end of the file");
+    if (!file_.write(data, std::size_t(count) * kPageSize, std::uint64_t(first) * kPageSize))
+        throw Error("write error in " + path_ + " at page " + std::to_string(first));
+    const std::uint64_t end = (std::uint64_t(first) + count) * kPageSize;
+    if (end > size_) size_ = end;
+}
+
 void FilePageStore::sync() {
     if (!file_.sync()) throw Error("cannot flush the database file to disk: " + file_.lastError());
 }

@@ -101,6 +101,8 @@ class FilePageStore : public PageStore {
     void read(std::uint32_t page, std::uint8_t* out) override;
     void readRun(std::uint32_t first, std::uint32_t count, std::uint8_t* out) override;
     void write(std::uint32_t page, const std::uint8_t* data) override;
+    // count consecutive pages from first in one call (a commit's runs).
+    void writeRun(std::uint32_t first, std::uint32_t count, const std::uint8_t* data);
     bool writable() const override { return writable_; }
     void sync() override;
     void refresh() override;

@@ -76,6 +76,7 @@ class Tree {
                         toString(idxpage::entryRow(*it)));
         std::size_t pos = std::size_t(it - leaf.entries.begin());
         leaf.entries.insert(it, Entry{e, 0});
+        leaf.same = std::min(leaf.same, pos);
         bool lastChanged = pos + 1 == leaf.entries.size();
         settle(path, std::move(leaf), pos, lastChanged);
     }
@@ -90,6 +91,7 @@ class Tree {
             throw Error("the index holds no such entry", errnum::kCorrupt);
         std::size_t pos = std::size_t(it - leaf.entries.begin());
         leaf.entries.erase(it);
+        leaf.same = std::min(leaf.same, pos);
         bool lastChanged = pos == leaf.entries.size();
         settle(path, std::move(leaf), pos, lastChanged);
     }
@@ -145,7 +147,7 @@ class Tree {
         Page p;
         if (kept().take(db_.pages(), bytes, n, p)) return p;
         p = idxpage::parse(*bytes, n);
-        p.from = std::move(bytes);
+        p.readFrom(std::move(bytes));
         if (!p.leaf && p.tail != 0) {
             // Access may leave the last child out of the entries and name it
             // only as the tail; make it an ordinary entry so the page can be
@@ -175,7 +177,7 @@ class Tree {
     // Writes p and keeps it as the bytes now read back.
     void store(Page&& p) {
         db_.pages().put(p.number, idxpage::encode(p));
-        p.from = db_.pages().page(p.number);
+        p.readFrom(db_.pages().page(p.number));
         p.reshaped = false;
         kept().keep(db_.pages(), std::move(p));
     }
@@ -291,6 +293,7 @@ class Tree {
                 Step up = std::move(ensure(path.back()));
                 path.pop_back();
                 up.page.entries.erase(up.page.entries.begin() + std::ptrdiff_t(up.idx));
+                up.page.same = std::min(up.page.same, up.idx);
                 hint = up.idx;
                 lastChanged = up.idx == up.page.entries.size();
                 cur = std::move(up.page);
@@ -308,7 +311,10 @@ class Tree {
                 Entry& pe = up.page.entries[up.idx];
                 bool renew = !(pe.bytes == last);
                 if (!renew && !up.dirty && !up.page.reshaped) return giveBack(std::move(up.page));
-                if (renew) pe.bytes = std::move(last);
+                if (renew) {
+                    pe.bytes = std::move(last);
+                    up.page.same = std::min(up.page.same, up.idx);
+                }
                 // A tail made an entry may also differ from what the grandparent holds.
                 lastChanged = (renew && up.idx + 1 == up.page.entries.size()) || up.page.reshaped;
                 hint = up.dirty ? up.insertedAt : up.idx;
@@ -340,6 +346,7 @@ class Tree {
             left.entries.assign(std::make_move_iterator(cur.entries.begin()),
                                 std::make_move_iterator(cur.entries.begin() + std::ptrdiff_t(k)));
             cur.entries.erase(cur.entries.begin(), cur.entries.begin() + std::ptrdiff_t(k));
+            cur.same = 0;
             left.prev = cur.prev;
             left.next = cur.number;
             relink(cur.prev, false, left.number);
@@ -364,6 +371,7 @@ class Tree {
             Step& up = ensure(path.back());
             up.page.entries.insert(up.page.entries.begin() + std::ptrdiff_t(up.idx),
                                    std::move(named));
+            up.page.same = std::min(up.page.same, up.idx);
             up.insertedAt = up.idx;
             ++up.idx;
             up.dirty = true;
