@@ -257,6 +257,10 @@ char16_t foldCase(char16_t c) {
 }
 }  // namespace
 
+std::size_t utf16Length(const std::string& s) {
+    return plainAscii(s) ? s.size() : utf8ToUtf16(s).size();
+}
+
 int compareTextNoCase(const std::string& a, const std::string& b) {
     if (plainAscii(a) && plainAscii(b)) {
         const std::size_t n = std::min(a.size(), b.size());
