@@ -234,6 +234,13 @@ void PageCache::put(std::uint32_t n, const PageBytes& bytes) {
     cache(n, std::make_shared<PageBytes>(bytes));
 }
 
+void PageCache::put(std::uint32_t n, PageBytes&& bytes) {
+    if (!inUnit_ || bytes.size() != kPageSize || n > pageCount())
+        return put(n, static_cast<const PageBytes&>(bytes));  // written through, or refused
+    invalidate(n);
+    dirty_[n] = std::make_shared<const PageBytes>(std::move(bytes));
+}
+
 PageBytes PageCache::encoded(std::uint32_t n, const PageBytes& bytes) const {
     PageBytes out = bytes;
     code(n, out.data());

@@ -168,6 +168,8 @@ class PageCache {
     // Writes a page through to the store (encoding it if needed) and caches
     // it; inside a unit keeps it dirty instead. n may be one past the end.
     void put(std::uint32_t n, const PageBytes& bytes);
+    // The same, taking over a page made for the purpose (no copy of it).
+    void put(std::uint32_t n, PageBytes&& bytes);
     void invalidate(std::uint32_t n);
     void clear();  // drops cached pages, never the unit's dirty ones
 

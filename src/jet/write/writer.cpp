@@ -238,7 +238,7 @@ void writeCounts(Database& db, std::shared_ptr<const TableDef> def, std::uint32_
     PageBytes page = *db.pages().page(tdefPage, PageType::TableDef);
     put32(page.data() + tdef::kRowCount, rows);
     put32(page.data() + tdef::kAutoNumber, autoNumber);
-    db.pages().put(tdefPage, page);
+    db.pages().put(tdefPage, std::move(page));
     if (tdefPage == kCatalogueTdefPage)
         db.reload();
     else
