@@ -6,6 +6,7 @@
 // the pages, sync the file, zero the journal's header (the commit point),
 // release. A crash before the zeroing leaves a hot journal that the next open
 // (or the next read of any process, or the next begin) rolls back.
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -31,6 +32,7 @@ void commitToFile(PageCache& pages, FilePageStore& store, JournalWriter& journal
             // Consecutive pages (the appended ones above all) in one call.
             constexpr std::size_t kMaxRun = 256;
             std::vector<std::uint8_t> run;
+            run.reserve(std::min(dirty.size(), kMaxRun) * kPageSize);
             std::uint32_t first = 0;
             auto flush = [&] {
                 store.writeRun(first, std::uint32_t(run.size() / kPageSize), run.data());
