@@ -1,6 +1,7 @@
 #include "jet/format/text.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace jet {
 
@@ -164,7 +165,24 @@ std::vector<std::uint8_t> utf8ToUcs2(const std::string& s) {
     return out;
 }
 
+namespace {
+bool plainAscii(const std::string& s) {
+    return std::all_of(s.begin(), s.end(), [](char c) {
+        const auto u = static_cast<unsigned char>(c);
+        return u > 0 && u < 0x80;
+    });
+}
+}  // namespace
+
 std::vector<std::uint8_t> encodeText(const std::string& utf8, bool allowCompression) {
+    // Most text is ASCII: compressed, every character is its own byte.
+    if (allowCompression && utf8.size() > 2 && plainAscii(utf8)) {
+        std::vector<std::uint8_t> out(utf8.size() + 2);
+        out[0] = 0xFF;
+        out[1] = 0xFE;
+        std::memcpy(out.data() + 2, utf8.data(), utf8.size());
+        return out;
+    }
     std::u16string u = utf8ToUtf16(utf8);
     if (allowCompression) {
         // Characters whose low byte is zero cannot appear in the two-byte
@@ -239,7 +257,19 @@ char16_t foldCase(char16_t c) {
 }
 }  // namespace
 
+std::size_t utf16Length(const std::string& s) {
+    return plainAscii(s) ? s.size() : utf8ToUtf16(s).size();
+}
+
 int compareTextNoCase(const std::string& a, const std::string& b) {
+    if (plainAscii(a) && plainAscii(b)) {
+        const std::size_t n = std::min(a.size(), b.size());
+        for (std::size_t i = 0; i < n; ++i) {
+            char16_t p = foldCase(char16_t(a[i])), q = foldCase(char16_t(b[i]));
+            if (p != q) return p < q ? -1 : 1;
+        }
+        return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+    }
     std::u16string x = utf8ToUtf16(a), y = utf8ToUtf16(b);
     std::size_t n = std::min(x.size(), y.size());
     for (std::size_t i = 0; i < n; ++i) {

@@ -17,6 +17,8 @@ std::vector<std::uint8_t> utf8ToUcs2(const std::string& s);  // unpaired/invalid
 // The compressed form when it is shorter and possible, else plain UCS-2.
 std::vector<std::uint8_t> encodeText(const std::string& utf8, bool allowCompression);
 std::u16string utf8ToUtf16(const std::string& s);
+// utf8ToUtf16(s).size(), without making the text.
+std::size_t utf16Length(const std::string& s);
 std::string utf16ToUtf8(const std::u16string& s);
 // Case-insensitive comparison in the spirit of Jet's General order (Latin,
 // Greek and Cyrillic letters folded).

@@ -99,6 +99,11 @@ class Database : public std::enable_shared_from_this<Database> {
     void reload();
     // Drops the cached definition read from tdefPage (after its TDEF was written).
     void forgetTableDef(std::uint32_t tdefPage) { defs_.erase(tdefPage); }
+    // The row count and next autonumber a row write just put on the first
+    // TDEF page: the cached definition takes them over instead of being
+    // parsed again (in place when nobody else holds it, else as a copy, so
+    // one handed out stays as it was).
+    void setTableCounts(std::uint32_t tdefPage, std::uint32_t rows, std::uint32_t autoNumber);
 
     // Writing (a database opened writable). A unit of work: the pages
     // written between begin() and commit() reach the file all or nothing,
@@ -132,7 +137,7 @@ class Database : public std::enable_shared_from_this<Database> {
     std::unique_ptr<PageCache> pages_;
     bool catalogueRead_ = false;
     std::vector<CatalogEntry> catalogue_;
-    std::map<std::uint32_t, std::shared_ptr<const TableDef>> defs_;
+    std::map<std::uint32_t, std::shared_ptr<TableDef>> defs_;
     int txDepth_ = 0;
     std::string path_;          // empty for memory images
     std::shared_ptr<void> tx_;  // the journal and lock of the open unit (database_tx.cpp)

@@ -3,9 +3,11 @@
 // outermost commit. Commit: take the commit byte exclusively (readers of
 // other processes wait), write the original bytes of every page to be
 // overwritten and the original length into the journal and sync it, write
-// the pages, sync the file, delete the journal (the commit point), release.
-// A crash before the deletion leaves a hot journal that the next open (or the
-// next read of any process, or the next begin) rolls back.
+// the pages, sync the file, zero the journal's header (the commit point),
+// release. A crash before the zeroing leaves a hot journal that the next open
+// (or the next read of any process, or the next begin) rolls back.
+#include <algorithm>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -17,32 +19,41 @@ namespace jet {
 
 namespace {
 
-void commitToFile(PageCache& pages, FilePageStore& store,
+void commitToFile(PageCache& pages, FilePageStore& store, JournalWriter& journal,
                   const std::vector<std::pair<std::uint32_t, PageRef>>& dirty) {
     store.lockCommit();
     try {
         const std::uint64_t originalSize = store.sizeBytes();
         const std::uint32_t originalPages = store.pageCount();
-        std::vector<std::pair<std::uint32_t, std::vector<std::uint8_t>>> originals;
-        for (const auto& [n, bytes] : dirty) {
-            if (n >= originalPages) continue;
-            std::vector<std::uint8_t> raw(kPageSize);
-            store.read(n, raw.data());
-            originals.emplace_back(n, std::move(raw));
-        }
         try {
-            writeJournal(store.path(), originalSize, originals);
-            for (const auto& [n, bytes] : dirty) {
-                PageBytes out = pages.encoded(n, *bytes);
-                store.write(n, out.data());
+            for (const auto& [n, bytes] : dirty)
+                if (n < originalPages) store.read(n, journal.add(n));
+            journal.write(originalSize);
+            // Consecutive pages (the appended ones above all) in one call.
+            constexpr std::size_t kMaxRun = 256;
+            std::vector<std::uint8_t> run;
+            run.reserve(std::min(dirty.size(), kMaxRun) * kPageSize);
+            std::uint32_t first = 0;
+            auto flush = [&] {
+                store.writeRun(first, std::uint32_t(run.size() / kPageSize), run.data());
+                run.clear();
                 crashPoint("page");
+            };
+            for (const auto& [n, bytes] : dirty) {
+                const std::size_t have = run.size() / kPageSize;
+                if (have && (n != first + have || have == kMaxRun)) flush();
+                if (run.empty()) first = n;
+                PageBytes out = pages.encoded(n, *bytes);
+                run.insert(run.end(), out.begin(), out.end());
             }
+            if (!run.empty()) flush();
             store.sync();
             crashPoint("file-synced");
-            removeJournal(store.path());
+            journal.commit();
         } catch (...) {
             // Still holding both locks: put the file back at once. Should
             // even that fail, the journal stays for the next open.
+            journal.close();
             try {
                 rollbackJournal(store.file(), store.path());
             } catch (...) {
@@ -50,7 +61,6 @@ void commitToFile(PageCache& pages, FilePageStore& store,
             store.refresh();
             throw;
         }
-        crashPoint("committed");
     } catch (...) {
         store.unlockCommit();
         throw;
@@ -111,8 +121,13 @@ void Database::begin() {
     if (auto* file = dynamic_cast<FilePageStore*>(&pages_->store())) {
         file->lockWriter();
         try {
+            // Open for the whole unit: no other writer makes, removes or
+            // writes it meanwhile.
+            auto journal = std::make_shared<JournalWriter>(file->path());
+            tx_ = journal;
             // A writer that died in its commit may have left a hot journal.
-            if (journalExists(file->path())) {
+            if (journal->there()) {
+                journal->close();
                 file->lockCommit();
                 try {
                     rollbackJournal(file->file(), file->path());
@@ -130,6 +145,7 @@ void Database::begin() {
                     "cannot write " + file->path() + ": its length is not a whole number of pages",
                     errnum::kCorrupt);
         } catch (...) {
+            tx_.reset();
             file->unlockWriter();
             throw;
         }
@@ -148,7 +164,7 @@ void Database::commit() {
     try {
         if (!dirty.empty()) {
             if (file) {
-                commitToFile(*pages_, *file, dirty);
+                commitToFile(*pages_, *file, *std::static_pointer_cast<JournalWriter>(tx_), dirty);
             } else {
                 for (const auto& [n, bytes] : dirty) {
                     PageBytes out = pages_->encoded(n, *bytes);
@@ -158,11 +174,13 @@ void Database::commit() {
             }
         }
     } catch (...) {
+        tx_.reset();
         pages_->endUnit(false);
         reload();
         if (file) file->unlockWriter();
         throw;
     }
+    tx_.reset();
     pages_->endUnit(true);
     if (file) file->unlockWriter();
 }
@@ -170,9 +188,24 @@ void Database::commit() {
 void Database::rollback() {
     if (txDepth_ == 0) return;
     txDepth_ = 0;
+    tx_.reset();
     pages_->endUnit(false);
     reload();
     if (auto* file = dynamic_cast<FilePageStore*>(&pages_->store())) file->unlockWriter();
+}
+
+void Database::setTableCounts(std::uint32_t tdefPage, std::uint32_t rows,
+                              std::uint32_t autoNumber) {
+    auto it = defs_.find(tdefPage);
+    if (it == defs_.end()) return;
+    if (it->second->raw.size() < tdef::kAutoNumber + 4) return forgetTableDef(tdefPage);
+    // Changed in place when nobody else holds it.
+    if (it->second.use_count() > 1) it->second = std::make_shared<TableDef>(*it->second);
+    TableDef& def = *it->second;
+    def.rowCount = rows;
+    def.nextAutoNumber = autoNumber;
+    put32(def.raw.data() + tdef::kRowCount, rows);
+    put32(def.raw.data() + tdef::kAutoNumber, autoNumber);
 }
 
 std::uint32_t Database::allocatePage(PageType type) {

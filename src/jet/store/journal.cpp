@@ -1,5 +1,6 @@
 #include "jet/store/journal.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "jet/format/error.h"
@@ -59,7 +60,7 @@ Journal readJournal(const std::string& path) {
     if (ok) ok = std::memcmp(h, kMagic, 8) == 0 && u32(h + 8) == 1 && u32(h + 12) == kPageSize;
     if (ok) {
         j.count = u32(h + 24);
-        ok = size == kHeaderSize + std::uint64_t(j.count) * kRecordSize;
+        ok = size >= kHeaderSize + std::uint64_t(j.count) * kRecordSize;
     }
     if (ok) {
         j.records.resize(j.count * kRecordSize);
@@ -75,6 +76,16 @@ Journal readJournal(const std::string& path) {
     return j;
 }
 
+// Whether the journal open in file (or not opened) has its header written:
+// any of its first bytes not zero. One that cannot be opened, but is there,
+// is left to the rollback to report.
+bool headerWritten(os::File& file) {
+    if (!file.isOpen()) return !file.missing();
+    std::uint8_t magic[8];
+    if (!file.read(magic, sizeof magic, 0)) return false;
+    return std::any_of(magic, magic + sizeof magic, [](std::uint8_t b) { return b != 0; });
+}
+
 }  // namespace
 
 void setCrashHook(std::function<void(const char*)> h) { hook() = std::move(h); }
@@ -86,60 +97,89 @@ void crashPoint(const char* step) {
 std::string journalPath(const std::string& databasePath) { return databasePath + "-journal"; }
 
 bool journalExists(const std::string& databasePath) {
-    return os::exists(journalPath(databasePath));
+    os::File file(journalPath(databasePath), os::OpenMode::ReadOnly);
+    return headerWritten(file);
 }
 
-void writeJournal(
-    const std::string& databasePath, std::uint64_t originalSize,
-    const std::vector<std::pair<std::uint32_t, std::vector<std::uint8_t>>>& originals) {
-    const std::string path = journalPath(databasePath);
-    os::File file(path, os::OpenMode::CreateTruncate);
-    if (!file.isOpen())
-        throw Error("cannot create the journal " + path + ": " + file.lastError(),
-                    errnum::kReadOnly);
-    try {
-        std::uint8_t h[kHeaderSize] = {};
-        std::memcpy(h, kMagic, 8);
-        put32(h + 8, 1);
-        put32(h + 12, kPageSize);
-        put64(h + 16, originalSize);
-        put32(h + 24, std::uint32_t(originals.size()));
-        Fnv sum;
-        sum.add(h, 32);
-        std::uint8_t num[4];
-        for (const auto& [page, bytes] : originals) {
-            put32(num, page);
-            sum.add(num, 4);
-            sum.add(bytes.data(), kPageSize);
+JournalWriter::JournalWriter(const std::string& databasePath)
+    : path_(journalPath(databasePath)),
+      file_(path_, os::OpenMode::ReadWrite),
+      image_(kHeaderSize) {}
+
+bool JournalWriter::there() { return headerWritten(file_); }
+
+std::uint8_t* JournalWriter::add(std::uint32_t page) {
+    const std::size_t at = image_.size();
+    image_.resize(at + kRecordSize);
+    put32(image_.data() + at, page);
+    return image_.data() + at + 4;
+}
+
+void JournalWriter::write(std::uint64_t originalSize) {
+    if (!file_.isOpen()) {
+        file_ = os::File(path_, os::OpenMode::ReadWrite);
+        if (!file_.isOpen() && file_.missing()) {
+            file_ = os::File(path_, os::OpenMode::CreateTruncate);
+            made_ = true;
         }
-        put64(h + 32, sum.h);
-        writeAll(file, h, kHeaderSize, 0, path);
-        crashPoint("journal");
-        std::uint64_t off = kHeaderSize;
-        std::vector<std::uint8_t> rec(kRecordSize);
-        for (const auto& [page, bytes] : originals) {
-            put32(rec.data(), page);
-            std::memcpy(rec.data() + 4, bytes.data(), kPageSize);
-            writeAll(file, rec.data(), kRecordSize, off, path);
-            off += kRecordSize;
-            crashPoint("journal");
-        }
-        if (!file.sync()) throw Error("cannot flush the journal " + path + ": " + file.lastError());
-    } catch (...) {
-        file.close();
-        std::string ignored;
-        os::remove(path, ignored);
-        throw;
+        if (!file_.isOpen())
+            throw Error("cannot create the journal " + path_ + ": " + file_.lastError(),
+                        errnum::kReadOnly);
     }
-    file.close();
-    os::syncDirectoryOf(path);
+    std::uint8_t* h = image_.data();
+    std::memset(h, 0, kHeaderSize);
+    std::memcpy(h, kMagic, 8);
+    put32(h + 8, 1);
+    put32(h + 12, kPageSize);
+    put64(h + 16, originalSize);
+    put32(h + 24, std::uint32_t((image_.size() - kHeaderSize) / kRecordSize));
+    Fnv sum;
+    sum.add(h, 32);
+    sum.add(h + kHeaderSize, image_.size() - kHeaderSize);
+    put64(h + 32, sum.h);
+    writeAll(file_, image_.data(), image_.size(), 0, path_);
+    crashPoint("journal");
+    if (!file_.sync()) throw Error("cannot flush the journal " + path_ + ": " + file_.lastError());
+    if (made_) os::syncDirectoryOf(path_);
+    made_ = false;
     crashPoint("journal-synced");
 }
+
+void JournalWriter::commit() {
+    // Unsynced: a crash that loses this write leaves the journal of a unit
+    // whose pages are all on disk, and rolling it back gives the file as it
+    // was before that unit, whole, as a crash before the commit would. The
+    // next commit's journal sync makes it durable.
+    const std::uint8_t zeros[kHeaderSize] = {};
+    writeAll(file_, zeros, kHeaderSize, 0, path_);
+    crashPoint("committed");
+}
+
+namespace {
 
 void removeJournal(const std::string& databasePath) {
     const std::string path = journalPath(databasePath);
     std::string why;
     if (!os::remove(path, why)) throw Error("cannot remove the journal " + path + ": " + why);
+}
+
+}  // namespace
+
+void removeIdleJournal(os::File& file, const std::string& databasePath) {
+    if (!os::exists(journalPath(databasePath))) return;
+    try {
+        if (!filelock::lock(file, filelock::kWriterByte, filelock::Mode::Exclusive, false)) return;
+        if (filelock::lock(file, filelock::kCommitByte, filelock::Mode::Exclusive, false)) {
+            if (!journalExists(databasePath)) {
+                std::string ignored;
+                os::remove(journalPath(databasePath), ignored);
+            }
+            filelock::unlock(file, filelock::kCommitByte);
+        }
+        filelock::unlock(file, filelock::kWriterByte);
+    } catch (const Error&) {
+        // The system refused a lock: the idle journal stays, harmless.
+    }
 }
 
 bool rollbackJournal(os::File& file, const std::string& databasePath) {

@@ -85,4 +85,9 @@ bool remove(const std::string& path, std::string& error);
 // needs the directory synced for that (POSIX); a no-op elsewhere.
 void syncDirectoryOf(const std::string& path);
 
+// The flushes to disk asked of the system so far by this process (File::sync
+// and the directory syncs that reach the system), for benchmarks that count
+// what a commit pays.
+std::uint64_t syncCalls();
+
 }  // namespace jet::os

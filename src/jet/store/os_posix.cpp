@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 
@@ -10,6 +11,8 @@
 namespace jet::os {
 
 namespace {
+
+std::atomic<std::uint64_t> g_syncs{0};
 
 int fdOf(std::intptr_t h) { return static_cast<int>(h); }
 
@@ -124,6 +127,7 @@ bool File::write(const void* buf, std::size_t n, std::uint64_t off) {
 }
 
 bool File::sync() {
+    ++g_syncs;
     int rc;
     do rc = ::fsync(fdOf(handle_));
     while (rc != 0 && errno == EINTR);
@@ -175,8 +179,11 @@ void syncDirectoryOf(const std::string& path) {
     if (slash != std::string::npos) dir = slash == 0 ? "/" : path.substr(0, slash);
     int fd = ::open(dir.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return;
+    ++g_syncs;
     ::fsync(fd);
     ::close(fd);
 }
+
+std::uint64_t syncCalls() { return g_syncs; }
 
 }  // namespace jet::os

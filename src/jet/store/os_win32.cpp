@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 
 #include "jet/store/os.h"
@@ -8,6 +9,8 @@
 namespace jet::os {
 
 namespace {
+
+std::atomic<std::uint64_t> g_syncs{0};
 
 HANDLE handleOf(std::intptr_t h) { return reinterpret_cast<HANDLE>(h); }
 
@@ -128,6 +131,7 @@ bool File::write(const void* buf, std::size_t n, std::uint64_t off) {
 }
 
 bool File::sync() {
+    ++g_syncs;
     if (FlushFileBuffers(handleOf(handle_))) return true;
     fail();
     return false;
@@ -213,5 +217,7 @@ bool remove(const std::string& path, std::string& error) {
 
 // NTFS makes a directory entry durable with the file's own flush.
 void syncDirectoryOf(const std::string&) {}
+
+std::uint64_t syncCalls() { return g_syncs; }
 
 }  // namespace jet::os

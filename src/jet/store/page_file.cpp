@@ -19,7 +19,10 @@ FilePageStore::FilePageStore(const std::string& path, bool writable)
     if (!file_.size(size_)) throw Error("cannot read " + path);
 }
 
-FilePageStore::~FilePageStore() = default;
+FilePageStore::~FilePageStore() {
+    // The journal stays between commits; the last writer to leave takes it away.
+    if (writable_) removeIdleJournal(file_, path_);
+}
 
 std::uint32_t FilePageStore::pageCount() const { return std::uint32_t(size_ / kPageSize); }
 
@@ -84,6 +87,16 @@ void FilePageStore::write(std::uint32_t page, const std::uint8_t* data) {
     if (!file_.write(data, kPageSize, std::uint64_t(page) * kPageSize))
         throw Error("write error in " + path_ + " at page " + std::to_string(page));
     std::uint64_t end = (std::uint64_t(page) + 1) * kPageSize;
+    if (end > size_) size_ = end;
+}
+
+void FilePageStore::writeRun(std::uint32_t first, std::uint32_t count, const std::uint8_t* data) {
+    if (!writable_) throw Error("the database is open read-only", errnum::kReadOnly);
+    if (first > pageCount())
+        throw Error("page " + std::to_string(first) + " is beyond the end of the file");
+    if (!file_.write(data, std::size_t(count) * kPageSize, std::uint64_t(first) * kPageSize))
+        throw Error("write error in " + path_ + " at page " + std::to_string(first));
+    const std::uint64_t end = (std::uint64_t(first) + count) * kPageSize;
     if (end > size_) size_ = end;
 }
 
@@ -219,6 +232,13 @@ void PageCache::put(std::uint32_t n, const PageBytes& bytes) {
     store_->write(n, out.data());
     invalidate(n);
     cache(n, std::make_shared<PageBytes>(bytes));
+}
+
+void PageCache::put(std::uint32_t n, PageBytes&& bytes) {
+    if (!inUnit_ || bytes.size() != kPageSize || n > pageCount())
+        return put(n, static_cast<const PageBytes&>(bytes));  // written through, or refused
+    invalidate(n);
+    dirty_[n] = std::make_shared<const PageBytes>(std::move(bytes));
 }
 
 PageBytes PageCache::encoded(std::uint32_t n, const PageBytes& bytes) const {

@@ -22,7 +22,7 @@
 //            byte shared as in READING.
 //   COMMIT   the writer byte and the commit byte exclusive: the journal is
 //            written and synced, then the pages, then the file synced, and
-//            the journal's deletion is the commit point. No reader reads
+//            zeroing the journal's header is the commit point. No reader reads
 //            meanwhile, so a reader sees the file wholly before or wholly
 //            after the unit. A run of reads under way in the same store keeps
 //            the commit byte, shared again, when the commit ends.
@@ -35,10 +35,13 @@
 // page (Database::commit then drops the unit and releases the writer byte).
 //
 // Invariants: a store holds the commit byte exclusively only while it holds
-// the writer byte; the journal exists only under the writer byte of a live
-// writer or as a hot journal of a dead one, and whoever takes the writer byte
-// (or the commit byte, with no writer left) rolls a hot journal back before
-// reading. The operating-system calls under all this are in os.h.
+// the writer byte; a journal is there (its header written, journal.h) only
+// under the commit byte of a live writer or as a hot journal of a dead one,
+// and whoever takes the writer byte (or the commit byte, with no writer left)
+// rolls a hot journal back before reading. The journal's file, idle between
+// commits, is made and written only under both bytes and removed only under
+// the writer byte (by a writer closing the database, under both). The
+// operating-system calls under all this are in os.h.
 #include <cstdint>
 #include <list>
 #include <map>
@@ -98,6 +101,8 @@ class FilePageStore : public PageStore {
     void read(std::uint32_t page, std::uint8_t* out) override;
     void readRun(std::uint32_t first, std::uint32_t count, std::uint8_t* out) override;
     void write(std::uint32_t page, const std::uint8_t* data) override;
+    // count consecutive pages from first in one call (a commit's runs).
+    void writeRun(std::uint32_t first, std::uint32_t count, const std::uint8_t* data);
     bool writable() const override { return writable_; }
     void sync() override;
     void refresh() override;
@@ -163,6 +168,8 @@ class PageCache {
     // Writes a page through to the store (encoding it if needed) and caches
     // it; inside a unit keeps it dirty instead. n may be one past the end.
     void put(std::uint32_t n, const PageBytes& bytes);
+    // The same, taking over a page made for the purpose (no copy of it).
+    void put(std::uint32_t n, PageBytes&& bytes);
     void invalidate(std::uint32_t n);
     void clear();  // drops cached pages, never the unit's dirty ones
 

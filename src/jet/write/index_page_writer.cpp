@@ -24,6 +24,14 @@ RowId entryRow(const Entry& e) {
     return RowId{u24be(p), p[3]};
 }
 
+namespace {
+// Bits set in a byte (std::popcount is a library call on the baseline x86-64).
+std::size_t bitsIn(std::uint8_t b) {
+    static constexpr std::uint8_t kNibble[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
+    return kNibble[b & 15] + kNibble[b >> 4];
+}
+}  // namespace
+
 int compareBytes(const std::uint8_t* a, std::size_t na, const std::uint8_t* b, std::size_t nb) {
     std::size_t n = std::min(na, nb);
     int c = n ? std::memcmp(a, b, n) : 0;
@@ -32,10 +40,16 @@ int compareBytes(const std::uint8_t* a, std::size_t na, const std::uint8_t* b, s
 }
 
 Page load(PageCache& pages, std::uint32_t number) {
+    PageRef ref = pages.page(number);
+    Page p = parse(*ref, number);
+    p.readFrom(std::move(ref));
+    return p;
+}
+
+Page parse(const PageBytes& bytes, std::uint32_t number) {
     // Parsed straight from the page (the reader's IndexPage would cost a
     // second copy of every key, and trees are loaded on every change).
-    PageRef ref = pages.page(number);
-    const std::uint8_t* raw = ref->data();
+    const std::uint8_t* raw = bytes.data();
     if (raw[0] != std::uint8_t(PageType::IndexNode) && raw[0] != std::uint8_t(PageType::IndexLeaf))
         throwCorrupt(number, "expected an index page, found type " + std::to_string(raw[0]));
     Page p;
@@ -48,6 +62,10 @@ Page load(PageCache& pages, std::uint32_t number) {
     std::size_t prefix = u16(raw + indexpage::kPrefixLength);
     std::size_t trailer = p.leaf ? 4 : 8;
     std::size_t start = indexpage::kFirstEntry;
+    std::size_t count = 0;
+    for (std::size_t byte = 0; byte < indexpage::kEntryMaskLength; ++byte)
+        count += bitsIn(raw[indexpage::kEntryMask + byte]);
+    p.entries.reserve(count);
     for (std::size_t byte = 0; byte < indexpage::kEntryMaskLength; ++byte) {
         std::uint8_t bits = raw[indexpage::kEntryMask + byte];
         for (int b = 0; bits && b < 8; ++b) {
@@ -133,37 +151,96 @@ std::size_t sharedPrefix(const Entry& first, const Entry& last) {
     return i;
 }
 
-std::size_t usedBytes(const Page& page) {
-    if (page.entries.empty()) return 0;
-    std::size_t trailer = page.leaf ? 0 : 4;
-    std::size_t total = 0;
-    for (const Entry& e : page.entries) total += e.bytes.size() + trailer;
-    std::size_t prefix = sharedPrefix(page.entries.front(), page.entries.back());
-    return total - prefix * (page.entries.size() - 1);
+namespace {
+// Where the entries [0, page.same) end on page.from, when their bytes there
+// can be kept as they are (same kind of page, same shared prefix); else 0.
+// Changes come mostly at the end of a page: the mask is read from its end.
+std::size_t keptEnd(const Page& page, std::size_t prefix) {
+    if (!page.from || page.same == 0 || page.same > page.fromCount) return 0;
+    const std::uint8_t* old = page.from->data();
+    const auto type = std::uint8_t(page.leaf ? PageType::IndexLeaf : PageType::IndexNode);
+    if (old[0] != type || u16(old + indexpage::kPrefixLength) != prefix) return 0;
+    std::size_t skip = page.fromCount - page.same;  // entry ends after the one wanted
+    const std::uint8_t* mask = old + indexpage::kEntryMask;
+    std::size_t byte = indexpage::kEntryMaskLength;
+    // The free room at the end of a page has no bits: passed eight bytes at a time.
+    for (std::uint64_t word = 0; byte >= 8; byte -= 8) {
+        std::memcpy(&word, mask + byte - 8, 8);
+        if (word) break;
+    }
+    while (byte-- > 0) {
+        const unsigned bits = mask[byte];
+        if (!bits) continue;
+        const std::size_t count = bitsIn(std::uint8_t(bits));
+        if (count <= skip) {
+            skip -= count;
+            continue;
+        }
+        for (int b = 7; b >= 0; --b)
+            if ((bits & (1u << b)) && skip-- == 0) return indexpage::kFirstEntry + byte * 8 + b;
+    }
+    return 0;
 }
+}  // namespace
+
+namespace {
+// How the entries lie on the page: the shared prefix, where those kept as
+// they stand end (0: none kept) and the bytes all take.
+struct Layout {
+    std::size_t prefix = 0, kept = 0, used = 0;
+};
+
+Layout layoutOf(const Page& page) {
+    Layout l;
+    if (page.entries.empty()) return l;
+    const std::size_t trailer = page.leaf ? 0 : 4;
+    l.prefix = sharedPrefix(page.entries.front(), page.entries.back());
+    l.kept = keptEnd(page, l.prefix);
+    std::size_t first = 0, total = 0;
+    if (l.kept) {
+        first = page.same;
+        total = l.kept - indexpage::kFirstEntry + l.prefix * (first - 1);
+    }
+    for (std::size_t i = first; i < page.entries.size(); ++i)
+        total += page.entries[i].bytes.size() + trailer;
+    l.used = total - l.prefix * (page.entries.size() - 1);
+    return l;
+}
+}  // namespace
+
+std::size_t usedBytes(const Page& page) { return layoutOf(page).used; }
 
 bool fits(const Page& page) { return usedBytes(page) <= kEntryRoom; }
 
 PageBytes encode(const Page& page) {
-    std::size_t used = usedBytes(page);
-    if (used > kEntryRoom)
+    const Layout l = layoutOf(page);
+    if (l.used > kEntryRoom)
         throw Error("index entries do not fit on page " + std::to_string(page.number));
     PageBytes out(kPageSize, 0);
     std::uint8_t* p = out.data();
     p[0] = std::uint8_t(page.leaf ? PageType::IndexLeaf : PageType::IndexNode);
     p[1] = 0x01;
-    put16(p + indexpage::kFreeSpace, std::uint16_t(kEntryRoom - used));
+    put16(p + indexpage::kFreeSpace, std::uint16_t(kEntryRoom - l.used));
     put32(p + indexpage::kTdefPage, page.tdefPage);
     put32(p + indexpage::kPrevPage, page.prev);
     put32(p + indexpage::kNextPage, page.next);
     put32(p + indexpage::kTailPage, page.tail);
-    std::size_t prefix =
-        page.entries.empty() ? 0 : sharedPrefix(page.entries.front(), page.entries.back());
-    put16(p + indexpage::kPrefixLength, std::uint16_t(prefix));
+    put16(p + indexpage::kPrefixLength, std::uint16_t(l.prefix));
     std::size_t at = indexpage::kFirstEntry;
-    for (std::size_t i = 0; i < page.entries.size(); ++i) {
+    std::size_t first = 0;
+    if (l.kept) {
+        // The entries kept as they stand, with their bits in the mask.
+        const std::uint8_t* old = page.from->data();
+        std::memcpy(p + at, old + at, l.kept - at);
+        const std::size_t bit = l.kept - indexpage::kFirstEntry;
+        std::memcpy(p + indexpage::kEntryMask, old + indexpage::kEntryMask, bit / 8 + 1);
+        p[indexpage::kEntryMask + bit / 8] &= std::uint8_t((2u << (bit % 8)) - 1);
+        first = page.same;
+        at = l.kept;
+    }
+    for (std::size_t i = first; i < page.entries.size(); ++i) {
         const Entry& e = page.entries[i];
-        std::size_t skip = i == 0 ? 0 : prefix;
+        std::size_t skip = i == 0 ? 0 : l.prefix;
         std::memcpy(p + at, e.bytes.data() + skip, e.bytes.size() - skip);
         at += e.bytes.size() - skip;
         if (!page.leaf) {

@@ -82,7 +82,18 @@ struct Page {
     std::uint32_t tdefPage = 0;
     std::uint32_t prev = 0, next = 0, tail = 0;
     std::vector<Entry> entries;
-    bool reshaped = false;  // differs from its bytes on the page (a tail made an entry)
+    bool reshaped = false;      // differs from its bytes on the page (a tail made an entry)
+    PageRef from;               // the bytes it was read from or written as, if any
+    std::size_t fromCount = 0;  // the entries on from
+    // Entries [0, same) stand on from exactly as they are: encode() copies
+    // their bytes when the shared prefix has not changed. Whoever changes,
+    // inserts or removes entry i lowers it to i at most.
+    std::size_t same = 0;
+    // The page is what bytes hold, entry for entry.
+    void readFrom(PageRef bytes) {
+        from = std::move(bytes);
+        fromCount = same = entries.size();
+    }
 };
 
 // Room for entries after the bitmap: a page holds at most this many bytes.
@@ -97,6 +108,8 @@ int compareBytes(const A& a, const B& b) {
 }
 
 Page load(PageCache& pages, std::uint32_t number);
+// The page in raw, read as page number.
+Page parse(const PageBytes& raw, std::uint32_t number);
 // For a node page: the child whose subtree holds target (the first entry
 // not below it, else the last child, which may be the tail page) and that
 // entry's position as load() numbers it. Reads the page in place.

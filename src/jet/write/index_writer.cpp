@@ -5,6 +5,7 @@
 #include "jet/write/index_writer.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "jet/format/error.h"
 #include "jet/read/database.h"
@@ -19,6 +20,45 @@ namespace {
 using idxpage::Entry;
 using idxpage::Page;
 using Bytes = std::vector<std::uint8_t>;
+
+// Index pages as the trees last read or wrote them, kept from one change to
+// the next: rows inserted in key order meet the same leaf and the same nodes
+// hundreds of times, and decoding a page cost more than the rest of an
+// insert. A page kept is used only while the page cache still hands out the
+// very bytes it came from (a PageRef's bytes never change), so one written by
+// anything else, dropped from the cache or rolled back is read afresh.
+class KeptPages {
+  public:
+    // The page kept for bytes, or nullptr.
+    const Page* find(const PageCache& cache, const PageRef& bytes, std::uint32_t n) const {
+        if (&cache != cache_) return nullptr;
+        auto it = pages_.find(n);
+        return it == pages_.end() || it->second.from != bytes ? nullptr : &it->second;
+    }
+    // The page kept for bytes moved to out (its slot stays for the next keep()).
+    bool take(const PageCache& cache, const PageRef& bytes, std::uint32_t n, Page& out) {
+        if (!find(cache, bytes, n)) return false;
+        out = std::move(pages_[n]);
+        return true;
+    }
+    // p must be what Tree::load() makes of p.from.
+    void keep(const PageCache& cache, Page&& p) {
+        if (&cache != cache_ || (pages_.size() >= kCapacity && !pages_.count(p.number)))
+            pages_.clear();
+        cache_ = &cache;
+        pages_[p.number] = std::move(p);
+    }
+
+  private:
+    static constexpr std::size_t kCapacity = 64;
+    const PageCache* cache_ = nullptr;
+    std::unordered_map<std::uint32_t, Page> pages_;
+};
+
+KeptPages& kept() {
+    static thread_local KeptPages pages;
+    return pages;
+}
 
 class Tree {
   public:
@@ -36,6 +76,7 @@ class Tree {
                         toString(idxpage::entryRow(*it)));
         std::size_t pos = std::size_t(it - leaf.entries.begin());
         leaf.entries.insert(it, Entry{e, 0});
+        leaf.same = std::min(leaf.same, pos);
         bool lastChanged = pos + 1 == leaf.entries.size();
         settle(path, std::move(leaf), pos, lastChanged);
     }
@@ -50,6 +91,7 @@ class Tree {
             throw Error("the index holds no such entry", errnum::kCorrupt);
         std::size_t pos = std::size_t(it - leaf.entries.begin());
         leaf.entries.erase(it);
+        leaf.same = std::min(leaf.same, pos);
         bool lastChanged = pos == leaf.entries.size();
         settle(path, std::move(leaf), pos, lastChanged);
     }
@@ -77,12 +119,14 @@ class Tree {
             for (; i < page.entries.size(); ++i) {
                 const Entry& e = page.entries[i];
                 if (e.keyLength() != key.size() ||
-                    !std::equal(key.begin(), key.end(), e.bytes.begin()))
-                    return;
-                if (!visit(idxpage::entryRow(e))) return;
+                    !std::equal(key.begin(), key.end(), e.bytes.begin()) ||
+                    !visit(idxpage::entryRow(e)))
+                    return giveBack(std::move(page));
             }
-            if (page.next == 0 || hops > db_.pages().pageCount()) return;
-            page = load(page.next);
+            const std::uint32_t next = page.next;
+            giveBack(std::move(page));
+            if (next == 0 || hops > db_.pages().pageCount()) return;
+            page = load(next);
             i = 0;
         }
     }
@@ -99,7 +143,11 @@ class Tree {
     using Path = std::vector<Step>;
 
     Page load(std::uint32_t n) {
-        Page p = idxpage::load(db_.pages(), n);
+        PageRef bytes = db_.pages().page(n);
+        Page p;
+        if (kept().take(db_.pages(), bytes, n, p)) return p;
+        p = idxpage::parse(*bytes, n);
+        p.readFrom(std::move(bytes));
         if (!p.leaf && p.tail != 0) {
             // Access may leave the last child out of the entries and name it
             // only as the tail; make it an ordinary entry so the page can be
@@ -126,7 +174,18 @@ class Tree {
         return lastEntryOf(p.tail, depth + 1);
     }
 
-    void store(const Page& p) { db_.pages().put(p.number, idxpage::encode(p)); }
+    // Writes p and keeps it as the bytes now read back.
+    void store(Page&& p) {
+        db_.pages().put(p.number, idxpage::encode(p));
+        p.readFrom(db_.pages().page(p.number));
+        p.reshaped = false;
+        kept().keep(db_.pages(), std::move(p));
+    }
+
+    // A page read and left as it was.
+    void giveBack(Page&& p) {
+        if (p.from) kept().keep(db_.pages(), std::move(p));
+    }
 
     std::uint32_t allocate(bool leaf) {
         std::uint32_t n = db_.allocatePage(leaf ? PageType::IndexLeaf : PageType::IndexNode);
@@ -139,7 +198,7 @@ class Tree {
         Page blank;
         blank.number = n;
         blank.tdefPage = tdef_;
-        store(blank);
+        store(std::move(blank));
     }
 
     Page descend(const Bytes& target, Path& path) {
@@ -150,7 +209,20 @@ class Tree {
             if ((*raw)[0] != std::uint8_t(PageType::IndexNode)) break;
             Step step;
             step.number = n;
-            std::uint32_t child = idxpage::chooseChild(*raw, n, target, step.idx);
+            std::uint32_t child = 0;
+            const Page* known = kept().find(db_.pages(), raw, n);
+            if (known && !known->entries.empty()) {
+                // Its entries as ensure() numbers them: the first not below
+                // target, else the last.
+                auto it = std::lower_bound(known->entries.begin(), known->entries.end() - 1, target,
+                                           [](const Entry& a, const Bytes& b) {
+                                               return idxpage::compareBytes(a.bytes, b) < 0;
+                                           });
+                step.idx = std::size_t(it - known->entries.begin());
+                child = it->child;
+            } else {
+                child = idxpage::chooseChild(*raw, n, target, step.idx);
+            }
             if (child == 0) throwCorrupt(n, "index node entry without a child page");
             path.push_back(std::move(step));
             n = child;
@@ -172,7 +244,7 @@ class Tree {
         if (n == 0) return;
         Page p = load(n);
         (setPrev ? p.prev : p.next) = value;
-        store(p);
+        store(std::move(p));
     }
 
     // Where an overflowing page is cut: appends at either end of the level
@@ -211,7 +283,7 @@ class Tree {
                 if (isRoot) {
                     cur.leaf = true;
                     cur.prev = cur.next = cur.tail = 0;
-                    store(cur);
+                    store(std::move(cur));
                     return;
                 }
                 relink(cur.prev, false, cur.next);
@@ -221,21 +293,28 @@ class Tree {
                 Step up = std::move(ensure(path.back()));
                 path.pop_back();
                 up.page.entries.erase(up.page.entries.begin() + std::ptrdiff_t(up.idx));
+                up.page.same = std::min(up.page.same, up.idx);
                 hint = up.idx;
                 lastChanged = up.idx == up.page.entries.size();
                 cur = std::move(up.page);
                 continue;
             }
             if (idxpage::fits(cur)) {
-                store(cur);
-                if (isRoot || path.empty()) return;
+                const bool top = isRoot || path.empty();
+                idxpage::EntryBytes last;
+                if (!top) last = cur.entries.back().bytes;
+                store(std::move(cur));
+                if (top) return;
                 if (!lastChanged && !path.back().dirty) return;  // the parent stays as it is
                 Step up = std::move(ensure(path.back()));
                 path.pop_back();
                 Entry& pe = up.page.entries[up.idx];
-                bool renew = !(pe.bytes == cur.entries.back().bytes);
-                if (!renew && !up.dirty && !up.page.reshaped) return;
-                if (renew) pe.bytes = cur.entries.back().bytes;
+                bool renew = !(pe.bytes == last);
+                if (!renew && !up.dirty && !up.page.reshaped) return giveBack(std::move(up.page));
+                if (renew) {
+                    pe.bytes = std::move(last);
+                    up.page.same = std::min(up.page.same, up.idx);
+                }
                 // A tail made an entry may also differ from what the grandparent holds.
                 lastChanged = (renew && up.idx + 1 == up.page.entries.size()) || up.page.reshaped;
                 hint = up.dirty ? up.insertedAt : up.idx;
@@ -267,6 +346,7 @@ class Tree {
             left.entries.assign(std::make_move_iterator(cur.entries.begin()),
                                 std::make_move_iterator(cur.entries.begin() + std::ptrdiff_t(k)));
             cur.entries.erase(cur.entries.begin(), cur.entries.begin() + std::ptrdiff_t(k));
+            cur.same = 0;
             left.prev = cur.prev;
             left.next = cur.number;
             relink(cur.prev, false, left.number);
@@ -279,14 +359,19 @@ class Tree {
                 if (!a.leaf && a.next == b.number) {
                     a.next = 0;
                     b.prev = 0;
-                    store(a);
-                    store(b);
+                    store(std::move(a));
+                    store(std::move(b));
+                } else {
+                    giveBack(std::move(a));
+                    giveBack(std::move(b));
                 }
             }
-            store(left);
+            Entry named{left.entries.back().bytes, left.number};
+            store(std::move(left));
             Step& up = ensure(path.back());
             up.page.entries.insert(up.page.entries.begin() + std::ptrdiff_t(up.idx),
-                                   Entry{left.entries.back().bytes, left.number});
+                                   std::move(named));
+            up.page.same = std::min(up.page.same, up.idx);
             up.insertedAt = up.idx;
             ++up.idx;
             up.dirty = true;

@@ -126,7 +126,7 @@ void RowEncoder::check(const Row& row) const {
                 const auto* s = std::get_if<std::string>(&v);
                 if (!s) mismatch(def_, c, "text");
                 if (c.type == ColumnType::Text && !c.isFixed() &&
-                    utf8ToUtf16(*s).size() > std::size_t(c.length / 2))
+                    utf16Length(*s) > std::size_t(c.length / 2))
                     throw Error(
                         "The field is too small to accept the amount of data you "
                         "attempted to add. Try inserting or pasting less data. (" +
@@ -178,7 +178,16 @@ Binary inlineLongValue(const Binary& data) {
 
 Binary RowEncoder::scalarBytes(const Column& c, const Value& v, std::size_t n) const {
     Binary out(std::max<std::size_t>(n, fixedSizeOf(c.type)), 0);
-    std::uint8_t* p = out.data();
+    if (putScalar(c, v, out.data(), out.size())) return out;
+    // Columns of other types keep their bytes as read.
+    const Binary& b = std::get<Binary>(v);
+    out.assign(b.begin(), b.end());
+    if (c.isFixed()) out.resize(n, 0);
+    return out;
+}
+
+bool RowEncoder::putScalar(const Column& c, const Value& v, std::uint8_t* p,
+                           std::size_t size) const {
     switch (c.type) {
         case ColumnType::Byte:
             p[0] = std::get<std::uint8_t>(v);
@@ -205,22 +214,17 @@ Binary RowEncoder::scalarBytes(const Column& c, const Value& v, std::size_t n) c
             std::memcpy(p, std::get<Guid>(v).bytes.data(), 16);
             break;
         case ColumnType::Numeric: {
-            if (out.size() < 17) throw Error("Numeric column " + c.name + " is too narrow");
+            if (size < 17) throw Error("Numeric column " + c.name + " is too narrow");
             Decimal d = rescale(def_, c, std::get<Decimal>(v));
             p[0] = d.negative ? 0x80 : 0;
             for (int k = 0; k < 4; ++k)
                 put32(p + 1 + 4 * k, std::uint32_t(d.magnitude >> (32 * (3 - k))));
             break;
         }
-        default: {
-            // Columns of other types keep their bytes as read.
-            const Binary& b = std::get<Binary>(v);
-            out.assign(b.begin(), b.end());
-            if (c.isFixed()) out.resize(n, 0);
-            break;
-        }
+        default:
+            return false;
     }
-    return out;
+    return true;
 }
 
 Binary RowEncoder::encode(const Row& row, const std::vector<Binary>* fields) const {
@@ -248,6 +252,16 @@ Binary RowEncoder::encode(const Row& row, const std::vector<Binary>* fields) con
         setBit();
         if (c.isFixed()) {
             const std::size_t n = storedSize(c);
+            // Numbers go through a buffer on the stack, not one allocated per value.
+            std::uint8_t scalar[32];
+            const std::size_t size = std::max<std::size_t>(n, fixedSizeOf(c.type));
+            if (size <= sizeof scalar) {
+                std::memset(scalar, 0, size);
+                if (putScalar(c, v, scalar, size)) {
+                    std::memcpy(out.data() + 2 + c.fixedOffset, scalar, n);
+                    continue;
+                }
+            }
             Binary b = scalarBytes(c, v, n);
             std::memcpy(out.data() + 2 + c.fixedOffset, b.data(), std::min(n, b.size()));
             continue;

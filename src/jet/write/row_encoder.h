@@ -51,6 +51,8 @@ class RowEncoder {
 
   private:
     Binary scalarBytes(const Column& c, const Value& v, std::size_t n) const;
+    // A number, date or GUID into size zeroed bytes at p; false for other types.
+    bool putScalar(const Column& c, const Value& v, std::uint8_t* p, std::size_t size) const;
     const TableDef& def_;
     std::uint16_t numCols_ = 0;
     std::uint16_t varLen_ = 0;

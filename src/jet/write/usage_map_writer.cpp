@@ -135,7 +135,7 @@ void setUsageMapBit(Database& db, std::uint32_t dataPointer, std::uint32_t page,
                                      " beyond the end of the file");
     PageBytes bytes = *pages.page(mapPage, PageType::UsageMap);
     setBit(bytes.data() + kMapBitsOffset, page % kPagesPerMapPage, on);
-    pages.put(mapPage, bytes);
+    pages.put(mapPage, std::move(bytes));
 }
 
 }  // namespace jet

@@ -4,6 +4,7 @@
 // rollback.
 #include "jet/write/writer.h"
 
+#include <algorithm>
 #include <optional>
 #include <random>
 
@@ -178,7 +179,8 @@ Bytes buildRow(Database& db, const TableDef& def, const RowEncoder& enc, const R
         }
     }
     // Small values stay inline unless the row would grow too large for a page.
-    if (enc.encode(row, &fields).size() > kMaxRowSize) {
+    Bytes bytes = enc.encode(row, &fields);
+    if (bytes.size() > kMaxRowSize) {
         for (std::size_t i = 0; i < def.columns.size(); ++i) {
             if (!isLongValueType(def.columns[i].type) || isNull(row[i]) || !fields[i].empty() ||
                 data[i].empty())
@@ -189,6 +191,8 @@ Bytes buildRow(Database& db, const TableDef& def, const RowEncoder& enc, const R
         if (enc.encode(row, &fields).size() > kMaxRowSize)
             throw Error("Record is too large. (" + def.name + ")", rowerr::kRecordTooLarge);
     }
+    // With every value inline the bytes measured are the row.
+    if (std::find(out.begin(), out.end(), true) == out.end()) return bytes;
     for (std::size_t i = 0; i < def.columns.size(); ++i)
         if (out[i]) fields[i] = writeLongValue(db, def, def.columns[i], data[i], false);
     return enc.encode(row, &fields);
@@ -225,12 +229,20 @@ void forgetDefinition(Database& db, const TableDef& def) {
         db.forgetTableDef(def.page);
 }
 
-void writeCounts(Database& db, const TableDef& def, std::uint32_t rows, std::uint32_t autoNumber) {
-    PageBytes page = *db.pages().page(def.page, PageType::TableDef);
+// def is let go first: a cached definition held by nobody else takes the
+// counts in place.
+void writeCounts(Database& db, std::shared_ptr<const TableDef> def, std::uint32_t rows,
+                 std::uint32_t autoNumber) {
+    const std::uint32_t tdefPage = def->page;
+    def.reset();
+    PageBytes page = *db.pages().page(tdefPage, PageType::TableDef);
     put32(page.data() + tdef::kRowCount, rows);
     put32(page.data() + tdef::kAutoNumber, autoNumber);
-    db.pages().put(def.page, page);
-    forgetDefinition(db, def);
+    db.pages().put(tdefPage, std::move(page));
+    if (tdefPage == kCatalogueTdefPage)
+        db.reload();
+    else
+        db.setTableCounts(tdefPage, rows, autoNumber);
 }
 
 Guid randomGuid() {
@@ -274,7 +286,10 @@ constexpr int kMaxCascadeDepth = 500;
 class RowWrites {
   public:
     explicit RowWrites(Database& db) : db_(db) {}
-    RowId insert(const std::string& table, Row& row);
+    // Fills row's autonumbers in place; given gets each cell filled, with
+    // the value it had.
+    RowId insert(const std::string& table, Row& row,
+                 std::vector<std::pair<std::size_t, Value>>& given);
     void update(const std::string& table, RowId id, const Row& row, int depth);
     void remove(const std::string& table, RowId id, int depth);
 
@@ -302,10 +317,10 @@ void RowWrites::apply(const std::vector<CascadeStep>& steps, int depth) {
     }
 }
 
-RowId RowWrites::insert(const std::string& table, Row& row) {
+RowId RowWrites::insert(const std::string& table, Row& r,
+                        std::vector<std::pair<std::size_t, Value>>& given) {
     auto def = db_.tableDef(table);
     const std::vector<ForeignKeyLink> links = foreignKeyLinks(db_, *def);
-    Row r = row;
     if (r.size() != def->columns.size()) RowEncoder(*def).check(r);  // throws the count error
     std::uint32_t autoNumber = def->nextAutoNumber;
     for (std::size_t i = 0; i < def->columns.size(); ++i) {
@@ -314,12 +329,14 @@ RowId RowWrites::insert(const std::string& table, Row& row) {
             if (isNull(r[i])) {
                 if (autoNumber >= 0x7FFFFFFFu)
                     throw Error("the autonumber of " + def->name + " is exhausted");
+                given.emplace_back(i, std::move(r[i]));
                 r[i] = std::int32_t(++autoNumber);
             } else if (const auto* v = std::get_if<std::int32_t>(&r[i]);
                        v && *v > 0 && std::uint32_t(*v) > autoNumber) {
                 autoNumber = std::uint32_t(*v);
             }
         } else if ((c.flags & colflag::kAutoGuid) && c.type == ColumnType::Guid && isNull(r[i])) {
+            given.emplace_back(i, std::move(r[i]));
             r[i] = randomGuid();
         }
     }
@@ -338,8 +355,8 @@ RowId RowWrites::insert(const std::string& table, Row& row) {
     const RowId id = placeRow(db_, tablePool(*def), std::move(bytes));
     for (std::size_t k = 0; k < plans.size(); ++k)
         if (keys[k]) indexInsert(db_, *def, plans[k].real, *keys[k], id);
-    writeCounts(db_, *def, def->rowCount + 1, autoNumber);
-    row = std::move(r);  // with the autonumbers it took
+    const std::uint32_t rows = def->rowCount + 1;
+    writeCounts(db_, std::move(def), rows, autoNumber);
     return id;
 }
 
@@ -429,7 +446,9 @@ void RowWrites::remove(const std::string& table, RowId id, int depth) {
     const PagePool pool = tablePool(*def);
     for (RowId hop : where.hops) removeSlot(db_, pool, hop);
     removeSlot(db_, pool, id);
-    writeCounts(db_, *def, def->rowCount > 0 ? def->rowCount - 1 : 0, def->nextAutoNumber);
+    const std::uint32_t rows = def->rowCount > 0 ? def->rowCount - 1 : 0,
+                        next = def->nextAutoNumber;
+    writeCounts(db_, std::move(def), rows, next);
     apply(cascades, depth);
 }
 
@@ -454,12 +473,18 @@ std::string Writer::unwritableReason(const std::string& table) {
 }
 
 RowId Writer::insert(const std::string& table, Row& row) {
-    Unit unit(*db_);
-    Row r = row;
-    const RowId id = RowWrites(*db_).insert(table, r);
-    unit.commit();
-    row = std::move(r);
-    return id;
+    // The row keeps the autonumbers it took only when the insert stands;
+    // the cells filled are put back rather than the whole row copied.
+    std::vector<std::pair<std::size_t, Value>> given;
+    try {
+        Unit unit(*db_);
+        const RowId id = RowWrites(*db_).insert(table, row, given);
+        unit.commit();
+        return id;
+    } catch (...) {
+        for (auto& [i, v] : given) row[i] = std::move(v);
+        throw;
+    }
 }
 
 void Writer::update(const std::string& table, RowId id, const Row& row) {

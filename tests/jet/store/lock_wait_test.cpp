@@ -107,7 +107,7 @@ TEST(LockWaitTest, InsertGivesUpOnALockOfAnotherProcessAndChangesNothing) {
         ASSERT_TRUE(other.held());
         expectLocked(ex, kInsert);
         EXPECT_TRUE(fileBytes(path) == before);
-        EXPECT_FALSE(exists(jet::journalPath(path)));
+        EXPECT_FALSE(journalLive(path));
         EXPECT_GT(seen.count, 0);
         EXPECT_TRUE(seen.ended);
         if (lock.first != jet::filelock::kWriterByte) {

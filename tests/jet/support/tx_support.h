@@ -59,6 +59,13 @@ inline std::vector<std::uint8_t> fileBytes(const std::string& path) {
 
 inline bool exists(const std::string& path) { return fs::exists(path); }
 
+// A journal to roll back beside the database: its header written (the file
+// left between commits has it zeroed).
+inline bool journalLive(const std::string& databasePath) {
+    auto j = fileBytes(databasePath + "-journal");
+    return j.size() >= 8 && std::string(j.begin(), j.begin() + 8) == "TJETJRNL";
+}
+
 // Starts body in a child process without waiting; the child's pid.
 inline pid_t spawn(const std::function<int()>& body) {
     std::fflush(nullptr);

@@ -264,8 +264,17 @@ TEST_F(RowWrites, DeletesAndSlotsReused) {
 // reference refusals are in index_properties_test.cpp and
 // relationship_statements.txt.
 TEST_F(RowWrites, RefusedWritesLeaveTheFileUntouched) {
+    // A refused insert also leaves the caller's row as it was given.
     auto insert = [](const char* table, Row row) {
-        return [table, row](Writer& w, Database&) mutable { w.insert(table, row); };
+        return [table, row](Writer& w, Database&) {
+            Row r = row;
+            try {
+                w.insert(table, r);
+            } catch (...) {
+                EXPECT_TRUE(r == row);
+                throw;
+            }
+        };
     };
     struct Case {
         const char* what;
@@ -299,6 +308,9 @@ TEST_F(RowWrites, RefusedWritesLeaveTheFileUntouched) {
          rowerr::kRecordDeleted, "no row"},
         {"wrong number of values", "delTestV2000.mdb", insert("Table", {text("a")}),
          rowerr::kConversion, "takes 2 values"},
+        {"value of another type after the autonumber", "indexTestV2000.mdb",
+         insert("MSysNameMap", {Value{}, text("x"), text("eins"), Value{}, Binary{}}),
+         rowerr::kConversion, "conversion"},
     };
     for (Case& c : cases) {
         SCOPED_TRACE(c.what);
