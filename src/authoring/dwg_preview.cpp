@@ -6,6 +6,8 @@
 #include <fstream>
 #include <functional>
 
+#include "platform/files.h"
+
 namespace tessara::dwg {
 namespace {
 
@@ -140,7 +142,7 @@ std::optional<Vorschau> fctVorschauLesen(std::span<const std::uint8_t> datei) {
 }
 
 std::optional<Vorschau> fctVorschauLesenDatei(const std::string& nativePath) {
-    std::ifstream f(nativePath, std::ios::binary);
+    std::ifstream f(platform::utf8Path(nativePath), std::ios::binary);
     if (!f) throw DwgError(nativePath + ": cannot be opened");
     try {
         return lesenMit([&f](std::uint64_t adresse, std::size_t n) {
