@@ -299,10 +299,19 @@ void FrmBlockverwaltung::bilderAnfordern() {
         emit seiteGemalt();
         return;
     }
-    QStringList namen;
-    for (const auto& s : belegung) namen << q(s.strBildname);
+    // A Block whose slide is missing shows the preview its drawing carries.
+    QStringList namen, zeichnungen;
+    const auto* ordner = modell().aktuellerOrdner();
+    for (const auto& s : belegung) {
+        namen << q(s.strBildname);
+        zeichnungen << (s.booBelegt && ordner
+                            ? q(platform::nativePath(
+                                  modell().strBasisVerzeichnis() +
+                                  fctZeichnungDatei(ordner->OrdnerNr, s.strBlockNr, 0)))
+                            : QString());
+    }
     if (slots_.empty()) return;
-    maler_->seiteAnfordern(namen, slots_[0]->dia->size(), ui::DiaHintergrund::Dunkel);
+    maler_->seiteAnfordern(namen, slots_[0]->dia->size(), ui::DiaHintergrund::Dunkel, zeichnungen);
 }
 
 void FrmBlockverwaltung::neuZeichnen(typAenderung was) {

@@ -9,7 +9,9 @@
 #include <QVBoxLayout>
 #include <map>
 
+#include "authoring/datei_layout.h"
 #include "library/bibliothek_sitzung.h"
+#include "platform/environment.h"
 #include "startup/fehler_log.h"
 #include "ui/beschriften.h"
 
@@ -113,7 +115,7 @@ void FrmSuchergebnis::fuellen() {
     grid_->setSortingEnabled(false);
     grid_->setRowCount(static_cast<int>(treffer_.size()));
     vorschau_.clear();
-    QStringList bilder;
+    QStringList bilder, zeichnungen;
     for (int i = 0; i < static_cast<int>(treffer_.size()); ++i) {
         const typSuchTreffer& t = treffer_[i];
         std::string ordner;
@@ -153,13 +155,20 @@ void FrmSuchergebnis::fuellen() {
         grid_->setItem(i, Benennung, new Eintrag(q(t.M0)));
         vorschau_.push_back(vorschau);
         bilder << ui::fctVorschauName(k_.sitzung, t.SlideLib);
+        // A Block whose slide is missing shows the preview its drawing carries.
+        zeichnungen << (ordnerIndex >= 0
+                            ? q(platform::nativePath(
+                                  m.strBasisVerzeichnis() +
+                                  fctZeichnungDatei(m.aryOrdner()[ordnerIndex].OrdnerNr, t.Block,
+                                                    0)))
+                            : QString());
     }
     grid_->setSortingEnabled(true);
     grid_->sortByColumn(Blocknummer, Qt::AscendingOrder);
     grid_->resizeColumnsToContents();
     grid_->setColumnWidth(Vorschau, kVorschau.width() + 8);
     if (grid_->rowCount() > 0) grid_->selectRow(0);
-    maler_.seiteAnfordern(bilder, kVorschau, ui::DiaHintergrund::Dunkel);
+    maler_.seiteAnfordern(bilder, kVorschau, ui::DiaHintergrund::Dunkel, zeichnungen);
 }
 
 const typSuchTreffer* FrmSuchergebnis::trefferInZeile(int zeile) const {

@@ -5,8 +5,10 @@
 #include <QMutexLocker>
 #include <QtConcurrent/QtConcurrentMap>
 
+#include "authoring/dwg_preview.h"
 #include "authoring/slide_library.h"
 #include "platform/environment.h"
+#include "ui/dwg_preview_image.h"
 
 namespace tessara::ui {
 
@@ -38,6 +40,21 @@ DiaVorschauCache::Stand DiaVorschauCache::standErmitteln(const std::string& bild
                    QLatin1Char('x') + QString::number(groesse.height()) + QLatin1Char('|') +
                    QString::number(static_cast<int>(hintergrund));
     return s;
+}
+
+DiaVorschauCache::Stand DiaVorschauCache::standMitZeichnung(const std::string& bildname,
+                                                            const std::string& zeichnung,
+                                                            QSize groesse,
+                                                            DiaHintergrund hintergrund) const {
+    Stand s = standErmitteln(bildname, groesse, hintergrund);
+    if (s.vorhanden || zeichnung.empty()) return s;
+    // Kept under the drawing's state, so that a drawing saved anew is read
+    // anew; a missing drawing is kept as missing under both names.
+    Stand z = standErmitteln(platform::programPath(zeichnung), groesse, hintergrund);
+    z.zeichnung = true;
+    if (!z.vorhanden) z.schluessel = s.schluessel + QLatin1Char('|') + z.schluessel;
+    if (!z.vorhanden) z.datei = s.datei;
+    return z;
 }
 
 std::optional<QImage> DiaVorschauCache::nachschlagen(const QString& schluessel) {
@@ -86,18 +103,25 @@ std::optional<QImage> DiaVorschauCache::ohneLesen(const Stand& s, const std::str
 }
 
 std::optional<QImage> DiaVorschauCache::sofort(const std::string& bildname, QSize groesse,
-                                               DiaHintergrund hintergrund) {
-    return ohneLesen(standErmitteln(bildname, groesse, hintergrund), bildname, groesse,
-                     hintergrund);
+                                               DiaHintergrund hintergrund,
+                                               const std::string& zeichnung) {
+    return ohneLesen(standMitZeichnung(bildname, zeichnung, groesse, hintergrund), bildname,
+                     groesse, hintergrund);
 }
 
 QImage DiaVorschauCache::bild(const std::string& bildname, QSize groesse,
-                              DiaHintergrund hintergrund) {
-    const Stand s = standErmitteln(bildname, groesse, hintergrund);
+                              DiaHintergrund hintergrund, const std::string& zeichnung) {
+    const Stand s = standMitZeichnung(bildname, zeichnung, groesse, hintergrund);
     if (auto fertig = ohneLesen(s, bildname, groesse, hintergrund)) return *fertig;
     QImage bild;
     try {
-        bild = fctDiaBild(slide::fctDiaLaden(bildname), groesse, {hintergrund, true});
+        if (s.zeichnung) {
+            auto vorschau = dwg::fctVorschauLesenDatei(zeichnung);
+            if (!vorschau) throw dwg::DwgError(zeichnung + ": the drawing carries no preview");
+            bild = fctZeichnungVorschauBild(*vorschau, groesse, hintergrund);
+        } else {
+            bild = fctDiaBild(slide::fctDiaLaden(bildname), groesse, {hintergrund, true});
+        }
         ++gemalt_;
     } catch (const std::exception& e) {
         melden(s.datei, std::string("Keine Vorschau: ") + e.what());

@@ -40,17 +40,22 @@ class DiaVorschauCache {
 
     // The answer that needs no reading: the picture kept in the cache, or
     // the no-preview picture when the file does not exist. Touches the file
-    // system with one stat and nothing else; empty when the picture has to
-    // be painted (bild). Thread-safe.
+    // system with one stat (two when the slide is missing and a drawing is
+    // given) and nothing else; empty when the picture has to be painted
+    // (bild). Thread-safe.
     std::optional<QImage> sofort(const std::string& bildname, QSize groesse,
-                                 DiaHintergrund hintergrund);
+                                 DiaHintergrund hintergrund, const std::string& zeichnung = {});
 
     // The preview of one picture name ("...\x.sld" or "...\x.slb(0A)",
     // program form), painted unless kept. A missing or unreadable picture
     // gives fctKeineVorschauBild; an unreadable one is kept under the file's
     // state like any other, so it is read again only once it has changed.
-    // Thread-safe.
-    QImage bild(const std::string& bildname, QSize groesse, DiaHintergrund hintergrund);
+    // When the slide file is missing and zeichnung names the Block's drawing
+    // (native path), the preview picture the drawing carries stands in; a
+    // drawing without one, or a damaged one, gives fctKeineVorschauBild and
+    // is reported like an unreadable slide. Thread-safe.
+    QImage bild(const std::string& bildname, QSize groesse, DiaHintergrund hintergrund,
+                const std::string& zeichnung = {});
 
     // Paints the pictures of a Page on the global thread pool; the results
     // come in the order of the names.
@@ -65,11 +70,15 @@ class DiaVorschauCache {
   private:
     struct Stand {
         bool vorhanden = false;
-        QString datei;       // file, entry and the file's state: what is reported once
-        QString schluessel;  // datei, picture size and background: what is kept
+        bool zeichnung = false;  // the slide is missing, the drawing stands in
+        QString datei;           // file, entry and the file's state: what is reported once
+        QString schluessel;      // datei, picture size and background: what is kept
     };
     Stand standErmitteln(const std::string& bildname, QSize groesse,
                          DiaHintergrund hintergrund) const;
+    // The slide's state, or the drawing's when the slide is missing.
+    Stand standMitZeichnung(const std::string& bildname, const std::string& zeichnung,
+                            QSize groesse, DiaHintergrund hintergrund) const;
     std::optional<QImage> ohneLesen(const Stand& s, const std::string& bildname, QSize groesse,
                                     DiaHintergrund hintergrund);
     std::optional<QImage> nachschlagen(const QString& schluessel);

@@ -18,20 +18,21 @@ DiaMaler::~DiaMaler() {
 }
 
 int DiaMaler::seiteAnfordern(const QStringList& bildnamen, QSize groesse,
-                             DiaHintergrund hintergrund) {
+                             DiaHintergrund hintergrund, const QStringList& zeichnungen) {
     abbrechen();
     const int gen = generation_;
     offen_ = static_cast<int>(bildnamen.size());
     for (int slot = 0; slot < bildnamen.size(); ++slot) {
         const std::string name = bildnamen[slot].toStdString();
-        if (auto bild = cache_.sofort(name, groesse, hintergrund)) {
+        const std::string dwg = slot < zeichnungen.size() ? zeichnungen[slot].toStdString() : "";
+        if (auto bild = cache_.sofort(name, groesse, hintergrund, dwg)) {
             abliefern(gen, slot, *bild);
             if (generation_ != gen) return gen;  // a receiver asked for another Page
             continue;
         }
-        pool_.start([this, gen, slot, name, groesse, hintergrund] {
+        pool_.start([this, gen, slot, name, dwg, groesse, hintergrund] {
             if (gueltig_.load() != gen) return;
-            QImage bild = cache_.bild(name, groesse, hintergrund);
+            QImage bild = cache_.bild(name, groesse, hintergrund, dwg);
             QMetaObject::invokeMethod(
                 this, [this, gen, slot, bild] { abliefern(gen, slot, bild); },
                 Qt::QueuedConnection);

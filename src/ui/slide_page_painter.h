@@ -30,8 +30,10 @@ class DiaMaler : public QObject {
     // are handed back through bildFertig before this returns, in slot order;
     // the others follow from the worker threads as each is painted. When all
     // slots are in, seiteFertig follows (also before this returns when every
-    // slot was in the cache).
-    int seiteAnfordern(const QStringList& bildnamen, QSize groesse, DiaHintergrund hintergrund);
+    // slot was in the cache). zeichnungen, when given, holds each slot's
+    // drawing, whose preview stands in for a missing slide.
+    int seiteAnfordern(const QStringList& bildnamen, QSize groesse, DiaHintergrund hintergrund,
+                       const QStringList& zeichnungen = {});
     // Drops the current request (the window shows no Page any more).
     void abbrechen();
 

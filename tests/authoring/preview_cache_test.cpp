@@ -75,3 +75,29 @@ TEST_F(VorschauCache, MissingAndUnreadablePicturesShowNoPreviewAndAreReportedOnc
     EXPECT_EQ(cache.gemalt(), 1);
     EXPECT_EQ(zeilen.size(), 3u);
 }
+
+TEST_F(VorschauCache, AMissingSlideShowsThePreviewItsDrawingCarries) {
+    const fs::path saaten = fs::path(TESSARA_SOURCE_DIR) / "fuzz/seeds/dwg_preview";
+    fs::copy_file(saaten / "bmp2004.dwg", wurzel / "b.dwg");  // 6 x 4, amber
+    datei("kaputt.dwg", "AC1018 damaged");
+    fs::copy_file(testdaten("slide_up.sld"), wurzel / "da.sld");
+    const auto nativ = [&](const std::string& n) { return (wurzel / n).string(); };
+    std::vector<std::string> zeilen;
+    DiaVorschauCache cache(64, [&](const std::string& zeile) { zeilen.push_back(zeile); });
+    const QSize g(120, 120);
+    const auto dunkel = DiaHintergrund::Dunkel;
+    const QImage bild = cache.bild(basis + "fehlt.sld", g, dunkel, nativ("b.dwg"));
+    EXPECT_EQ(bild.pixel(60, 60), qRgb(255, 200, 0));  // fitted to 120 x 80, centred
+    EXPECT_EQ(bild.pixel(60, 10), fctHintergrundFarbe(dunkel).rgb());
+    EXPECT_EQ(cache.bild(basis + "da.sld", g, dunkel, nativ("b.dwg")),
+              cache.bild(basis + "da.sld", g, dunkel));  // a slide that is there wins
+    EXPECT_EQ(cache.gemalt(), 2);
+
+    for (int runde = 0; runde < 2; ++runde)
+        for (const std::string n : {"kaputt.dwg", "fehlt.dwg"})
+            EXPECT_EQ(cache.bild(basis + n + ".sld", g, dunkel, nativ(n)),
+                      fctKeineVorschauBild(g, dunkel));
+    ASSERT_EQ(zeilen.size(), 2u);  // one line each, naming the drawing or the missing slide
+    EXPECT_NE(zeilen[0].find("kaputt.dwg: file ends inside the file header"), std::string::npos);
+    EXPECT_NE(zeilen[1].find("fehlt.dwg.sld: Datei nicht gefunden"), std::string::npos);
+}

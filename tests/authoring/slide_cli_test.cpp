@@ -117,3 +117,15 @@ TEST_F(SlideCli, MakeDemoLibraryListsTheBlocksAndCataloguesThem) {
               "\"0000050\",\"Vorschweissflansch_DN100\",\"Vorschweißflansch DN 100\",\"DN 100\","
               "\"PN 16\",\"P250GH\",\"ARMATUREN\"\n");
 }
+
+TEST_F(SlideCli, DwgPreviewWritesThePictureAsPng) {
+    const std::string saat = std::string(TESSARA_SOURCE_DIR) + "/fuzz/seeds/dwg_preview/",
+                      png = (wurzel / "a.png").string();
+    std::string text;
+    EXPECT_EQ(lauf("dwg-preview " + saat + "bmp2004.dwg " + png, &text), 0);
+    EXPECT_EQ(text, "AC1018 BMP 6x4\n");
+    EXPECT_EQ(QImage(QString::fromStdString(png)).pixel(5, 3), qRgb(255, 200, 0));
+    EXPECT_EQ(lauf("dwg-preview " + saat + "ohne2018.dwg " + png, &text), 1);
+    EXPECT_EQ(text, saat + "ohne2018.dwg: the drawing carries no preview\n");
+    EXPECT_EQ(lauf("dwg-preview " + png, &text), 2);
+}

@@ -14,6 +14,8 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "authoring/datei_layout.h"
+#include "authoring/slide_library.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
 #include "library/datenbank.h"
@@ -77,6 +79,28 @@ TEST_F(Hauptfenster, ShowsTheLibraryWithPaintedPreviews) {
         for (int x = 0; x < bild.width(); ++x) gezeichnet += bild.pixel(x, y) != grund;
     EXPECT_GT(gezeichnet, 100) << "slot 0 is blank";
     bildschirmfoto(&f, "frmBlockverwaltung");
+}
+
+TEST_F(Hauptfenster, ASlotWithoutItsSlideShowsThePreviewItsDrawingCarries) {
+    auto& f = laden();
+    // Slot 0 loses its slide and gets a drawing with a sky-blue 5 x 3 PNG
+    // preview, before the window paints at its shown size.
+    const auto& s = f.modell().seitenSlots().at(0);
+    fs::remove(platform::nativePath(slide::fctBildnameZerlegen(s.strBildname).datei));
+    fs::copy_file(std::string(TESSARA_SOURCE_DIR) + "/fuzz/seeds/dwg_preview/png2013.dwg",
+                  platform::nativePath(
+                      f.modell().strBasisVerzeichnis() +
+                      fctZeichnungDatei(f.modell().aktuellerOrdner()->OrdnerNr, s.strBlockNr, 0)),
+                  fs::copy_options::overwrite_existing);
+    f.resize(1180, 820);
+    f.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&f));
+    QSignalSpy gemalt(&f, &FrmBlockverwaltung::seiteGemalt);
+    f.Anzeigen();
+    ASSERT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
+    const QImage bild = kind<SldBlockverwaltung>("sldBlockverwaltung_0")->bild();
+    EXPECT_EQ(bild.pixel(bild.width() / 2, bild.height() / 2), qRgb(0, 200, 255));
+    bildschirmfoto(&f, "frmBlockverwaltung_dwg_preview");
 }
 
 TEST_F(Hauptfenster, FoldersPagesAndKeysMoveThroughTheLibrary) {
