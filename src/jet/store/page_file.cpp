@@ -261,11 +261,12 @@ PageRef PageCache::readFromStore(std::uint32_t n) {
         cache(n, bytes);
         return bytes;
     }
-    std::vector<std::uint8_t> run(std::size_t(count) * kPageSize);
-    store_->readRun(n, count, run.data());
+    if (runBuffer_.size() < std::size_t(count) * kPageSize)
+        runBuffer_.resize(std::size_t(count) * kPageSize);
+    store_->readRun(n, count, runBuffer_.data());
     std::shared_ptr<PageBytes> first;
     for (std::uint32_t k = count; k-- > 0;) {
-        const auto* from = run.data() + std::size_t(k) * kPageSize;
+        const auto* from = runBuffer_.data() + std::size_t(k) * kPageSize;
         auto bytes = std::make_shared<PageBytes>(from, from + kPageSize);
         code(n + k, bytes->data());
         cache(n + k, bytes);
@@ -381,9 +382,9 @@ void PageStream::fill() {
         if (n >= stored || cache_.slots_.count(n) || cache_.dirty_.count(n)) break;
         ++end;
     }
-    // A page the cache or the unit holds (or one beyond the file) goes
-    // through the cache as before.
-    if (end == pos_) return;
+    // A page the unit holds (or one beyond the file) goes through the cache
+    // as before.
+    if (end == pos_) return copyCached();
     const std::size_t len = end - pos_;
     const std::uint32_t span = pages_[end - 1] - first + 1;
     if (chunk_.size() < std::size_t(span) * kPageSize) chunk_.resize(longest * kPageSize);
@@ -396,6 +397,25 @@ void PageStream::fill() {
         std::memcpy(b->data(), chunk_.data() + std::size_t(n - first) * kPageSize, kPageSize);
         cache_.code(n, b->data());
         if (keep_) cache_.cache(n, b);
+    }
+    runEnd_ = end;
+}
+
+void PageStream::copyCached() {
+    // A table kept in the cache is larger than the processor's caches: its
+    // pages are copied one run at a time into buffers the scan reuses, as
+    // pages read from the file are, rather than decoded where they lie.
+    const std::size_t longest = std::max<std::uint32_t>(1, cache_.store_->longestRun());
+    if (run_.size() < longest) run_.resize(longest);
+    std::size_t end = pos_;
+    while (end < pages_.size() && end - pos_ < longest && !cache_.dirty_.count(pages_[end])) {
+        auto it = cache_.slots_.find(pages_[end]);
+        if (it == cache_.slots_.end()) break;
+        auto& b = run_[end - pos_];
+        if (!b || b.use_count() != 1) b = std::make_shared<PageBytes>(kPageSize);
+        std::memcpy(b->data(), it->second.bytes->data(), kPageSize);
+        cache_.lru_.splice(cache_.lru_.begin(), cache_.lru_, it->second.pos);
+        ++end;
     }
     runEnd_ = end;
 }

@@ -248,6 +248,7 @@ class PageCache {
     // Read-ahead: a miss at the page the last one read up to doubles the
     // pages read with it, any other miss starts again small.
     std::uint32_t aheadNext_ = 0, aheadWindow_ = 0;
+    std::vector<std::uint8_t> runBuffer_;  // kept: a fresh one costs its pages' first touch
 };
 
 // The pages of a table scan, in the order given. Consecutive pages that are
@@ -266,6 +267,7 @@ class PageStream {
 
   private:
     void fill();
+    void copyCached();
     PageCache& cache_;
     std::vector<std::uint32_t> pages_;
     std::size_t pos_ = 0;  // the next entry of pages_ to hand out
