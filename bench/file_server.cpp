@@ -48,7 +48,7 @@ namespace fs = std::filesystem;
 using Uhr = std::chrono::steady_clock;
 
 constexpr auto kRundreise = std::chrono::milliseconds(1);
-constexpr int kRunden = 3;
+constexpr int kRunden = 5;
 constexpr int kBlaettern = 5;
 constexpr double kZielStart = 0.5, kZielBlaettern = 0.1, kZielSuche = 3.0;
 
