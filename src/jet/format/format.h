@@ -90,6 +90,10 @@ constexpr std::size_t kDatabaseKey = 0x3E;   // u32; non-zero: pages are RC4-enc
 constexpr std::size_t kPassword = 0x42;      // 40 bytes
 constexpr std::size_t kSortOrder = 0x6E;     // u16 sort order, then version
 constexpr std::size_t kCreationDate = 0x72;  // double
+// Outside the mask, in bytes Jet leaves zero: this engine's u32 count of the
+// commits made to the file, which tells a reader whether its cached pages
+// are still current (see store/page_file.h).
+constexpr std::size_t kChangeCounter = 0xDFC;
 }  // namespace header
 
 inline std::uint16_t u16(const std::uint8_t* p) { return std::uint16_t(p[0] | (p[1] << 8)); }

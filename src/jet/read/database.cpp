@@ -10,6 +10,26 @@
 
 namespace jet {
 
+namespace {
+// A run of reads around a call that may find the file changed (one look at
+// its change counter, then one snapshot); none inside a run or a unit, where
+// the store already trusts what it read and a lock would only cost a call.
+class Looking {
+  public:
+    explicit Looking(PageStore& store) : store_(store.verified() ? nullptr : &store) {
+        if (store_) store_->beginReads();
+    }
+    ~Looking() {
+        if (store_) store_->endReads();
+    }
+    Looking(const Looking&) = delete;
+    Looking& operator=(const Looking&) = delete;
+
+  private:
+    PageStore* store_;
+};
+}  // namespace
+
 std::shared_ptr<Database> Database::open(const std::string& path, OpenOptions options) {
     // A writer that died inside its commit left the file half written.
     recoverHotJournal(path, options.lockWait);
@@ -42,6 +62,7 @@ std::shared_ptr<Database> Database::fromStore(std::unique_ptr<PageStore> store,
 void Database::init(std::unique_ptr<PageStore> store, const OpenOptions& options) {
     if (store->pageCount() < 1) throw Error("not a Jet database", errnum::kNotDatabase);
     pages_ = std::make_unique<PageCache>(std::move(store), options.cachePages);
+    Looking reading(pages_->store());
     header_ = parseHeader(*pages_->page(0));
     if (pages_->pageCount() <= kCatalogueTdefPage)
         throwCorrupt(kCatalogueTdefPage, "beyond the end of the file");
@@ -49,7 +70,19 @@ void Database::init(std::unique_ptr<PageStore> store, const OpenOptions& options
     catalogue();  // a file whose catalogue cannot be read is refused at once
 }
 
+void Database::forgetIfChanged() {
+    const std::uint64_t changes = pages_->store().changes();
+    if (changes == seenChanges_) return;
+    seenChanges_ = changes;
+    catalogueRead_ = false;
+    catalogue_.clear();
+    defs_.clear();
+    pages_->forgetIfChanged();
+}
+
 const std::vector<CatalogEntry>& Database::catalogue() {
+    Looking look(pages_->store());
+    forgetIfChanged();
     if (catalogueRead_) return catalogue_;
     auto def = tableDefAt(kCatalogueTdefPage, "MSysObjects");
     int cId = def->columnPosition("Id"), cParent = def->columnPosition("ParentId"),
@@ -58,8 +91,7 @@ const std::vector<CatalogEntry>& Database::catalogue() {
     if (cId < 0 || cName < 0 || cType < 0)
         throwCorrupt(kCatalogueTdefPage, "MSysObjects lacks its key columns");
     // A lost catalogue page would make its tables vanish without a word.
-    // One read section: the pages checked are the pages then scanned.
-    ReadSection reading(pages_->store());
+    // The pages checked are the pages then scanned, in the look's run of reads.
     verifyDataPages(*def, "MSysObjects");
     std::vector<CatalogEntry> out;
     auto asInt = [](const Value& v) -> std::int64_t {
@@ -124,11 +156,14 @@ void Database::verifyDataPages(const TableDef& def, const std::string& name) {
 }
 
 void Database::verifyTable(const std::string& name) {
+    Looking reading(pages_->store());
     auto def = tableDef(name);
     verifyDataPages(*def, def->name);
 }
 
 std::shared_ptr<const TableDef> Database::tableDefAt(std::uint32_t page, const std::string& name) {
+    Looking look(pages_->store());
+    forgetIfChanged();
     auto it = defs_.find(page);
     if (it != defs_.end()) return it->second;
     auto def = readTableDef(*pages_, page);
@@ -138,6 +173,8 @@ std::shared_ptr<const TableDef> Database::tableDefAt(std::uint32_t page, const s
 }
 
 std::shared_ptr<const TableDef> Database::tableDef(const std::string& name) {
+    // One run of reads: the entry found stays in the catalogue while it is used.
+    Looking reading(pages_->store());
     const CatalogEntry* e = findObject(name);
     // MSysObjects lies on page 2 even before it holds its own row (a new file).
     if (!e && equalsNoCase(name, "MSysObjects"))
@@ -149,6 +186,7 @@ std::shared_ptr<const TableDef> Database::tableDef(const std::string& name) {
 }
 
 std::vector<Relationship> Database::relationships() {
+    Looking reading(pages_->store());
     std::vector<Relationship> out;
     if (!hasTable("MSysRelationships")) return out;
     auto def = tableDef("MSysRelationships");

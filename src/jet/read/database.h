@@ -75,7 +75,10 @@ class Database : public std::enable_shared_from_this<Database> {
     std::size_t partialPageBytes() const { return partialPageBytes_; }
     PageCache& pages() { return *pages_; }
 
-    // Every row of MSysObjects (read once; reload() reads again).
+    // Every row of MSysObjects (read once; reload() reads again, and so
+    // does the first call after another writer's commit was seen, so the
+    // entries stay valid only while no other call of this Database looks
+    // at the file: inside a run of reads or a unit, or until the next call).
     const std::vector<CatalogEntry>& catalogue();
     const CatalogEntry* findObject(const std::string& name, std::int16_t type = objtype::kTable);
     // Local tables, in catalogue order. System tables (MSys*) only on request.
@@ -110,13 +113,16 @@ class Database : public std::enable_shared_from_this<Database> {
     // through a rollback journal beside the file ("<file>-journal") that the
     // next open rolls back when the process died in between. begin() takes
     // an exclusive operating-system lock on the file (waiting for another
-    // writer) and drops cached pages another process may have changed;
-    // commit() and rollback() release it. Nested begin() calls count; only
+    // writer) and drops what it cached when another writer committed since;
+    // commit() writes the unit with the file's change counter raised, and
+    // commit() and rollback() release the lock. Nested begin() calls count; only
     // the outermost commit() ends the unit; a rollback() at any depth ends
     // it. Until commit() the unit's pages live in memory, seen by this
     // Database only. Page reads from the file wait while another process's
-    // commit writes, so no page is seen half written; a Database that only
-    // reads keeps its cached pages until reload(). Those waits end after
+    // commit writes, so no page is seen half written; cached pages, the
+    // catalogue and the definitions are kept across statements and units
+    // while the file's change counter shows no other writer's commit (rules
+    // in store/page_file.h), and dropped when it does. Those waits end after
     // OpenOptions::lockWait with jet::Error errnum::kLocked, the file and
     // this Database as before the call.
     void begin();
@@ -132,12 +138,16 @@ class Database : public std::enable_shared_from_this<Database> {
     Database() = default;
     void init(std::unique_ptr<PageStore> store, const OpenOptions& options);
     void verifyDataPages(const TableDef& def, const std::string& name);
+    // Drops the catalogue, definitions and pages when the store has seen
+    // another writer's commit since they were read.
+    void forgetIfChanged();
     DatabaseHeader header_;
     std::size_t partialPageBytes_ = 0;
     std::unique_ptr<PageCache> pages_;
     bool catalogueRead_ = false;
     std::vector<CatalogEntry> catalogue_;
     std::map<std::uint32_t, std::shared_ptr<TableDef>> defs_;
+    std::uint64_t seenChanges_ = 0;
     int txDepth_ = 0;
     std::string path_;          // empty for memory images
     std::shared_ptr<void> tx_;  // the journal and lock of the open unit (database_tx.cpp)

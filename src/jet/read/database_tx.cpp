@@ -68,6 +68,15 @@ void commitToFile(PageCache& pages, FilePageStore& store, JournalWriter& journal
     store.unlockCommit();
 }
 
+// Other Database objects, of this process or another, keep what they cached
+// while the header page's change counter stays as it is (store/page_file.h):
+// the unit raises it, journaled with its other pages.
+void countCommit(PageCache& pages) {
+    PageBytes header = *pages.page(0);
+    put32(header.data() + header::kChangeCounter, u32(header.data() + header::kChangeCounter) + 1);
+    pages.put(0, header);
+}
+
 // Jet's global map on page 1 lists the pages it may hand out again, pages
 // past the end of the file among them; a page this engine appends must
 // leave that list, or Jet would later give it to something else.
@@ -144,14 +153,17 @@ void Database::begin() {
                 throw Error(
                     "cannot write " + file->path() + ": its length is not a whole number of pages",
                     errnum::kCorrupt);
+            // Another writer may have committed since this Database last read.
+            file->lookForChanges();
         } catch (...) {
             tx_.reset();
             file->unlockWriter();
             throw;
         }
+        forgetIfChanged();
+    } else {
+        reload();
     }
-    // Another process may have written since this Database last read.
-    reload();
     pages_->beginUnit();
     txDepth_ = 1;
 }
@@ -159,9 +171,10 @@ void Database::begin() {
 void Database::commit() {
     if (txDepth_ == 0) return;
     if (--txDepth_ > 0) return;
-    auto dirty = pages_->dirtyPages();
     auto* file = dynamic_cast<FilePageStore*>(&pages_->store());
     try {
+        if (file && pages_->hasDirtyPages()) countCommit(*pages_);
+        const auto dirty = pages_->dirtyPages();
         if (!dirty.empty()) {
             if (file) {
                 commitToFile(*pages_, *file, *std::static_pointer_cast<JournalWriter>(tx_), dirty);

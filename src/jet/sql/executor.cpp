@@ -233,6 +233,20 @@ long asUnit(Storage& target, F&& work) {
 std::shared_ptr<Storage> targetOf(const std::shared_ptr<Storage>& db, const TableRef& ref) {
     return ref.externalPath ? db->openOther(*ref.externalPath) : db;
 }
+
+// A query's reads as one run. Writing statements hold no such run across
+// their unit: a run waiting for the writer lock would hold back the commit
+// of the writer it waits for.
+class Reads {
+  public:
+    explicit Reads(Storage& db) : db_(db) { db_.beginReads(); }
+    ~Reads() { db_.endReads(); }
+    Reads(const Reads&) = delete;
+    Reads& operator=(const Reads&) = delete;
+
+  private:
+    Storage& db_;
+};
 }  // namespace
 
 ExecResult Executor::execute(std::string_view text) {
@@ -244,6 +258,7 @@ ExecResult Executor::execute(std::string_view text) {
                 asUnit(*targetOf(db_, *s->into), [&] { return runSelectInto(db_, *s); });
         } else {
             r.isQuery = true;
+            Reads reads(*db_);
             r.rows = runSelect(db_, *s);
             r.rowsAffected = -1;
         }
@@ -276,6 +291,7 @@ ResultSet Executor::query(std::string_view text) {
     Statement st = parseStatement(text);
     auto* s = std::get_if<SelectStmt>(&st);
     if (!s || s->into) throw Error("The statement returns no rows.", errors::kErrorsInCommand, 0);
+    Reads reads(*db_);
     return runSelect(db_, *s);
 }
 

@@ -126,6 +126,11 @@ class Storage {
     virtual void begin() {}
     virtual void commit() {}
     virtual void rollback() {}
+    // Around a query: its reads as one run, so that a store looks once
+    // whether what it cached is still current, and all of it sees the file
+    // as one writer left it. Calls nest.
+    virtual void beginReads() {}
+    virtual void endReads() {}
 };
 
 }  // namespace sql

@@ -12,6 +12,7 @@
 // unopened File) and leaves the system's reason in lastError() or in the
 // text it was given, so the caller words the message it owes its own caller.
 // Interrupted calls (EINTR) are retried here and nowhere else.
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -89,5 +90,17 @@ void syncDirectoryOf(const std::string& path);
 // and the directory syncs that reach the system), for benchmarks that count
 // what a commit pays.
 std::uint64_t syncCalls();
+
+// A file server, for benchmarks and tests: every read and write call of a
+// File (the journal's too) waits this long first, as each is a round trip
+// over the network there. Zero, the program's setting, adds nothing but an
+// atomic load. The calls are counted either way.
+void setCallDelay(std::chrono::microseconds perCall);
+struct CallCounts {
+    std::uint64_t reads = 0, writes = 0;
+};
+CallCounts callCounts();
+// Called by File::read and File::write of each system's layer.
+void countCall(bool write);
 
 }  // namespace jet::os

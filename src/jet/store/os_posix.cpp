@@ -96,6 +96,7 @@ void File::close() {
 void File::fail() { error_ = std::strerror(errno); }
 
 bool File::read(void* buf, std::size_t n, std::uint64_t off) {
+    countCall(false);
     auto* p = static_cast<std::uint8_t*>(buf);
     std::size_t done = 0;
     while (done < n) {
@@ -112,6 +113,7 @@ bool File::read(void* buf, std::size_t n, std::uint64_t off) {
 }
 
 bool File::write(const void* buf, std::size_t n, std::uint64_t off) {
+    countCall(true);
     const auto* p = static_cast<const std::uint8_t*>(buf);
     std::size_t done = 0;
     while (done < n) {

@@ -37,6 +37,35 @@ void FilePageStore::lockForReading() {
         refresh();
         filelock::lockWithin(file_, filelock::kCommitByte, filelock::Mode::Shared, lockWait_);
     }
+    // A writer looked when its unit began, and nobody commits meanwhile.
+    if (writerHeld_) return;
+    try {
+        lookForChanges();
+    } catch (...) {
+        filelock::unlock(file_, filelock::kCommitByte);
+        throw;
+    }
+}
+
+void FilePageStore::lookForChanges() {
+    if (size_ < kPageSize) refresh();
+    if (size_ < kPageSize) return;  // nothing that could be cached
+    std::uint8_t bytes[4];
+    if (!file_.read(bytes, sizeof bytes, header::kChangeCounter))
+        throw Error("read error in " + path_ + " at page 0");
+    const std::uint32_t counter = u32(bytes);
+    if (counterKnown_ && counter != counter_) {
+        ++changes_;
+        refresh();
+    }
+    counter_ = counter;
+    counterKnown_ = true;
+}
+
+void FilePageStore::ownCommit(const std::uint8_t* page0) {
+    // What this store caches is what it wrote: its own commit is no change.
+    counter_ = u32(page0 + header::kChangeCounter);
+    counterKnown_ = true;
 }
 
 void FilePageStore::read(std::uint32_t page, std::uint8_t* out) {
@@ -86,6 +115,7 @@ void FilePageStore::write(std::uint32_t page, const std::uint8_t* data) {
         throw Error("page " + std::to_string(page) + " is beyond the end of the file");
     if (!file_.write(data, kPageSize, std::uint64_t(page) * kPageSize))
         throw Error("write error in " + path_ + " at page " + std::to_string(page));
+    if (page == 0) ownCommit(data);
     std::uint64_t end = (std::uint64_t(page) + 1) * kPageSize;
     if (end > size_) size_ = end;
 }
@@ -96,6 +126,7 @@ void FilePageStore::writeRun(std::uint32_t first, std::uint32_t count, const std
         throw Error("page " + std::to_string(first) + " is beyond the end of the file");
     if (!file_.write(data, std::size_t(count) * kPageSize, std::uint64_t(first) * kPageSize))
         throw Error("write error in " + path_ + " at page " + std::to_string(first));
+    if (first == 0 && count > 0) ownCommit(data);
     const std::uint64_t end = (std::uint64_t(first) + count) * kPageSize;
     if (end > size_) size_ = end;
 }
@@ -176,21 +207,72 @@ void PageCache::cache(std::uint32_t n, PageRef bytes) {
     slots_[n] = Slot{std::move(bytes), lru_.begin()};
 }
 
+bool PageCache::forgetIfChanged() {
+    const std::uint64_t changes = store_->changes();
+    if (changes == seenChanges_) return false;
+    seenChanges_ = changes;
+    clear();
+    return true;
+}
+
 PageRef PageCache::page(std::uint32_t n) {
     if (!dirty_.empty()) {
         auto d = dirty_.find(n);
         if (d != dirty_.end()) return d->second;
     }
+    // Outside a run of reads nothing cached is trusted before a look.
+    if (!store_->verified()) {
+        ReadSection look(*store_);
+        return page(n);
+    }
+    forgetIfChanged();
     auto it = slots_.find(n);
     if (it != slots_.end()) {
         lru_.splice(lru_.begin(), lru_, it->second.pos);
         return it->second.bytes;
     }
-    auto bytes = std::make_shared<PageBytes>(kPageSize);
-    store_->read(n, bytes->data());
-    code(n, bytes->data());
-    cache(n, bytes);
-    return bytes;
+    return readFromStore(n);
+}
+
+namespace {
+// Pages read with a miss that follows no other.
+constexpr std::uint32_t kFirstReadAhead = 8;
+}  // namespace
+
+PageRef PageCache::readFromStore(std::uint32_t n) {
+    std::uint32_t count = 1;
+    if (store_->readsAhead()) {
+        const std::uint32_t longest = std::uint32_t(
+            std::min<std::size_t>(store_->longestRun(), std::max<std::size_t>(1, capacity_ / 8)));
+        const bool onward = aheadWindow_ > 0 && n >= aheadNext_ && n - aheadNext_ < aheadWindow_;
+        aheadWindow_ = std::min(onward ? aheadWindow_ * 2 : kFirstReadAhead, longest);
+        const std::uint32_t stored = store_->pageCount();
+        while (count < aheadWindow_ && std::uint64_t(n) + count < stored &&
+               !slots_.count(n + count) && !dirty_.count(n + count))
+            ++count;
+        aheadNext_ = n + count;
+    }
+    // One lock for the run, also inside a unit, which reads page by page otherwise.
+    ReadSection reading(*store_);
+    if (count == 1) {
+        auto bytes = std::make_shared<PageBytes>(kPageSize);
+        store_->read(n, bytes->data());
+        code(n, bytes->data());
+        cache(n, bytes);
+        return bytes;
+    }
+    if (runBuffer_.size() < std::size_t(count) * kPageSize)
+        runBuffer_.resize(std::size_t(count) * kPageSize);
+    store_->readRun(n, count, runBuffer_.data());
+    std::shared_ptr<PageBytes> first;
+    for (std::uint32_t k = count; k-- > 0;) {
+        const auto* from = runBuffer_.data() + std::size_t(k) * kPageSize;
+        auto bytes = std::make_shared<PageBytes>(from, from + kPageSize);
+        code(n + k, bytes->data());
+        cache(n + k, bytes);
+        if (k == 0) first = bytes;
+    }
+    return first;
 }
 
 static const char* pageTypeName(PageType t) {
@@ -274,38 +356,66 @@ void PageCache::endUnit(bool keep) {
 }
 
 PageStream::PageStream(PageCache& cache, std::vector<std::uint32_t> pages)
-    : cache_(cache), pages_(std::move(pages)), keep_(pages_.size() <= cache.capacity_ / 4) {}
+    : cache_(cache), pages_(std::move(pages)), keep_(pages_.size() <= cache.capacity_ / 2) {
+    cache_.forgetIfChanged();
+}
 
 namespace {
-// Pages read in one call: few enough that the run stays in the processor's
-// cache while its pages are copied out.
-constexpr std::size_t kRun = 32;
+// Pages of other objects a run reads past and drops: a table's pages lie
+// between the index pages written with its rows, and a round trip to a file
+// server costs more than a few pages more in it.
+constexpr std::uint32_t kBridgedPages = 4;
 }  // namespace
 
 void PageStream::fill() {
     runStart_ = runEnd_ = pos_;
     PageStore& store = *cache_.store_;
     const std::uint32_t stored = store.pageCount();
+    const std::size_t longest = std::max<std::uint32_t>(1, store.longestRun());
+    const std::uint32_t first = pages_[pos_];
     std::size_t end = pos_;
-    while (end < pages_.size() && end - pos_ < kRun) {
+    while (end < pages_.size()) {
         const std::uint32_t n = pages_[end];
-        if (end > pos_ && n != pages_[end - 1] + 1) break;
+        if (end > pos_ && (n <= pages_[end - 1] || n - pages_[end - 1] > kBridgedPages + 1 ||
+                           n - first >= longest))
+            break;
         if (n >= stored || cache_.slots_.count(n) || cache_.dirty_.count(n)) break;
         ++end;
     }
-    // A page the cache or the unit holds (or one beyond the file) goes
-    // through the cache as before.
-    if (end == pos_) return;
+    // A page the unit holds (or one beyond the file) goes through the cache
+    // as before.
+    if (end == pos_) return copyCached();
     const std::size_t len = end - pos_;
-    if (chunk_.size() < len * kPageSize) chunk_.resize(kRun * kPageSize);
-    store.readRun(pages_[pos_], std::uint32_t(len), chunk_.data());
-    if (run_.size() < len) run_.resize(kRun);
+    const std::uint32_t span = pages_[end - 1] - first + 1;
+    if (chunk_.size() < std::size_t(span) * kPageSize) chunk_.resize(longest * kPageSize);
+    store.readRun(first, span, chunk_.data());
+    if (run_.size() < len) run_.resize(longest);
     for (std::size_t k = 0; k < len; ++k) {
+        const std::uint32_t n = pages_[pos_ + k];
         auto& b = run_[k];
         if (!b || b.use_count() != 1) b = std::make_shared<PageBytes>(kPageSize);
-        std::memcpy(b->data(), chunk_.data() + k * kPageSize, kPageSize);
-        cache_.code(pages_[pos_ + k], b->data());
-        if (keep_) cache_.cache(pages_[pos_ + k], b);
+        std::memcpy(b->data(), chunk_.data() + std::size_t(n - first) * kPageSize, kPageSize);
+        cache_.code(n, b->data());
+        if (keep_) cache_.cache(n, b);
+    }
+    runEnd_ = end;
+}
+
+void PageStream::copyCached() {
+    // A table kept in the cache is larger than the processor's caches: its
+    // pages are copied one run at a time into buffers the scan reuses, as
+    // pages read from the file are, rather than decoded where they lie.
+    const std::size_t longest = std::max<std::uint32_t>(1, cache_.store_->longestRun());
+    if (run_.size() < longest) run_.resize(longest);
+    std::size_t end = pos_;
+    while (end < pages_.size() && end - pos_ < longest && !cache_.dirty_.count(pages_[end])) {
+        auto it = cache_.slots_.find(pages_[end]);
+        if (it == cache_.slots_.end()) break;
+        auto& b = run_[end - pos_];
+        if (!b || b.use_count() != 1) b = std::make_shared<PageBytes>(kPageSize);
+        std::memcpy(b->data(), it->second.bytes->data(), kPageSize);
+        cache_.lru_.splice(cache_.lru_.begin(), cache_.lru_, it->second.pos);
+        ++end;
     }
     runEnd_ = end;
 }

@@ -42,6 +42,22 @@
 // commits, is made and written only under both bytes and removed only under
 // the writer byte (by a writer closing the database, under both). The
 // operating-system calls under all this are in os.h.
+//
+// WHAT A READER MAY KEEP
+//
+// Every commit raises the change counter in the header page
+// (header::kChangeCounter) as one of its journaled pages. Cached pages, and
+// what a Database derived from them (catalogue, definitions), are trusted
+// only after the store looked at that counter and found it where it was when
+// they were read, and only while no commit can run since the look: the look
+// is taken under the commit byte shared when a run of reads begins (one read
+// call; a page read outside a run makes a run of its own), and under the
+// writer byte when a unit begins (no commit runs without it). A counter that
+// moved raises changes(); the PageCache then drops its pages and the
+// Database its catalogue and definitions before anything is served. A
+// hot journal rolled back restores the counter with the pages, so pages read
+// before the dead writer began stay good. Programs that write the file
+// without these locks (Access) are seen by neither the locks nor the counter.
 #include <cstdint>
 #include <list>
 #include <map>
@@ -72,10 +88,21 @@ class PageStore {
     virtual bool writable() const = 0;
     virtual void sync() {}
     virtual void refresh() {}  // another process may have changed the length
-    // Around a run of reads (a table scan): the store may take its read
-    // lock once for the run instead of once a page. Calls nest.
+    // Around a run of reads (a table scan, a statement): the store may take
+    // its read lock once for the run instead of once a page. Calls nest.
     virtual void beginReads() {}
     virtual void endReads() {}
+    // How often the store found the file changed by another writer when it
+    // looked (see the notes above): what was read before a rise is stale.
+    virtual std::uint64_t changes() const { return 0; }
+    // Whether what was read may be trusted now without another look: inside
+    // a run of reads or a unit.
+    virtual bool verified() const { return true; }
+    // The most pages worth reading in one call, and whether a page missing
+    // from the cache is worth reading with the pages after it: each call is
+    // a round trip when the file lies on a file server.
+    virtual std::uint32_t longestRun() const { return 32; }
+    virtual bool readsAhead() const { return false; }
 };
 
 class ReadSection {
@@ -108,6 +135,11 @@ class FilePageStore : public PageStore {
     void refresh() override;
     void beginReads() override;
     void endReads() override;
+    std::uint64_t changes() const override { return changes_; }
+    bool verified() const override { return readsHeld_ > 0 || writerHeld_ || commitHeld_; }
+    // 1 MB, the largest read an SMB 2 server commonly grants.
+    std::uint32_t longestRun() const override { return 256; }
+    bool readsAhead() const override { return true; }
     os::File& file() { return file_; }
     const std::string& path() const { return path_; }
     std::uint64_t sizeBytes() const { return size_; }
@@ -117,6 +149,8 @@ class FilePageStore : public PageStore {
     // journal it finds (left by a writer that died in its commit) first.
     void lockWriter();
     void unlockWriter();
+    // Reads the change counter; under the writer byte, before a unit reads.
+    void lookForChanges();
     void lockCommit();
     void unlockCommit();
     bool holdsWriter() const { return writerHeld_; }
@@ -125,6 +159,7 @@ class FilePageStore : public PageStore {
   private:
     void readUnlocked(std::uint32_t page, std::uint8_t* out, std::uint32_t count = 1);
     void lockForReading();  // the commit byte shared, after any hot journal is rolled back
+    void ownCommit(const std::uint8_t* page0);
     std::string path_;
     os::File file_;
     bool writable_;
@@ -133,6 +168,9 @@ class FilePageStore : public PageStore {
     bool commitHeld_ = false;
     int readsHeld_ = 0;
     filelock::Wait lockWait_;
+    bool counterKnown_ = false;
+    std::uint32_t counter_ = 0;  // the change counter at the last look or write
+    std::uint64_t changes_ = 0;
 };
 
 // A database image in memory (fuzzing, tests). A trailing partial page is ignored.
@@ -172,9 +210,14 @@ class PageCache {
     void put(std::uint32_t n, PageBytes&& bytes);
     void invalidate(std::uint32_t n);
     void clear();  // drops cached pages, never the unit's dirty ones
+    // Drops the cached pages when the store found the file changed since
+    // they were read; true when it did.
+    bool forgetIfChanged();
+    std::size_t capacity() const { return capacity_; }
 
     void beginUnit();
     bool inUnit() const { return inUnit_; }
+    bool hasDirtyPages() const { return !dirty_.empty(); }
     // The unit's pages, ascending, unmasked.
     std::vector<std::pair<std::uint32_t, PageRef>> dirtyPages() const;
     // The page as the store holds it (encoded with the database key).
@@ -198,16 +241,23 @@ class PageCache {
     };
     std::unordered_map<std::uint32_t, Slot> slots_;
     void cache(std::uint32_t n, PageRef bytes);
+    PageRef readFromStore(std::uint32_t n);
     bool inUnit_ = false;
     std::map<std::uint32_t, PageRef> dirty_;
+    std::uint64_t seenChanges_ = 0;
+    // Read-ahead: a miss at the page the last one read up to doubles the
+    // pages read with it, any other miss starts again small.
+    std::uint32_t aheadNext_ = 0, aheadWindow_ = 0;
+    std::vector<std::uint8_t> runBuffer_;  // kept: a fresh one costs its pages' first touch
 };
 
 // The pages of a table scan, in the order given. Consecutive pages that are
 // neither cached nor changed by the open unit are read from the store in one
-// call; they enter the cache only when the scan is small beside it, so that
-// a table larger than the cache neither evicts the pages every statement
-// needs (definitions, usage maps) nor costs a system call and an allocation
-// a page. A page handed out stays valid while its PageRef is held; the
+// call (up to its longest run); they enter the cache only when the scan
+// fits in half of it, so that the next statement over the table reads
+// nothing while the file is unchanged, and a table larger than that neither
+// evicts the pages every statement needs (definitions, usage maps) nor
+// costs an allocation a page. A page handed out stays valid while its PageRef is held; the
 // stream reuses a buffer only once nobody else holds it.
 class PageStream {
   public:
@@ -217,6 +267,7 @@ class PageStream {
 
   private:
     void fill();
+    void copyCached();
     PageCache& cache_;
     std::vector<std::uint32_t> pages_;
     std::size_t pos_ = 0;  // the next entry of pages_ to hand out

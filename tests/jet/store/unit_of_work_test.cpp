@@ -12,6 +12,7 @@
 #include "jet/store/file_lock.h"
 #include "jet/store/journal.h"
 #include "jet/support/tx_support.h"
+#include "jet/write/writer.h"
 
 namespace {
 
@@ -216,6 +217,29 @@ TEST(UnitOfWorkTest, SecondDatabaseOfTheSameProcessWaitsForTheUnit) {
     t.join();
     EXPECT_EQ(seenByB, 1u) << "b must read a's committed page, not its stale cache";
     EXPECT_EQ(fileCounter(path, page), 2u);
+}
+
+// A reader keeps its pages and catalogue while the file is unchanged, at
+// the cost of one look at the change counter a call, and drops both once
+// another Database object has committed.
+TEST(UnitOfWorkTest, ReaderKeepsItsCacheUntilAnotherDatabaseCommits) {
+    TempDir dir;
+    std::string path = dir.copy("delTestV2000.mdb");
+    const std::uint32_t page = addCounterPage(path);
+    auto reader = jet::Database::open(path);
+    auto writer = jet::Database::open(path, {.writable = true});
+    EXPECT_EQ(counterOf(*reader, page), 0u);
+    const auto tables = reader->tableNames();
+    const std::uint64_t reads = jet::os::callCounts().reads;
+    EXPECT_EQ(counterOf(*reader, page), 0u);
+    EXPECT_EQ(reader->tableNames(), tables);
+    EXPECT_EQ(jet::os::callCounts().reads - reads, 2u) << "the reader read more than the counter";
+    writer->begin();
+    setCounter(*writer, page, 9);
+    writer->commit();
+    jet::Writer(writer).createTable({"Neu", {{"id", jet::ColumnType::Long}}, {}});
+    EXPECT_EQ(counterOf(*reader, page), 9u) << "a stale page";
+    EXPECT_TRUE(reader->hasTable("Neu")) << "a stale catalogue";
 }
 
 TEST(UnitOfWorkTest, TwoProcessesIncrementingACounterLoseNoUpdate) {

@@ -194,7 +194,11 @@ TEST_P(UsageMapWriterTest, ReadsBackAndChecksClean) {
     }
     EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
     if (prm.c.op == Op::ClearAndRestore) {
-        EXPECT_TRUE(fileBytes(path) == fileBytes(testFile(prm.file)));
+        // As before, but for the commit counted in the header page.
+        auto before = fileBytes(testFile(prm.file));
+        std::uint8_t* counter = before.data() + jet::header::kChangeCounter;
+        jet::put32(counter, jet::u32(counter) + 1);
+        EXPECT_TRUE(fileBytes(path) == before);
     }
 }
 
