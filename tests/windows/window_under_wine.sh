@@ -121,7 +121,21 @@ if [ -n "$window" ]; then
     xdotool windowfocus --sync "$window" key --clearmodifiers alt+d 2>/dev/null
     sleep 1
     xdotool key Return
-    dialog=$(timeout 30 xdotool search --sync --onlyvisible --name '^Bibliothek öffnen$' 2>/dev/null | head -n 1)
+    # Polled, not --sync: a search that meets a window closing meanwhile (the
+    # menu's) gives up at once with an X error. On a busy machine the menu may
+    # open after the Return was sent: then the keys are given once more.
+    dialog=""
+    for ((i = 0; i < 60; i++)); do
+        dialog=$(xdotool search --onlyvisible --name '^Bibliothek öffnen$' 2>/dev/null | head -n 1)
+        [ -n "$dialog" ] && break
+        if [ "$i" -eq 30 ]; then
+            xdotool key Escape
+            xdotool windowfocus --sync "$window" key --clearmodifiers alt+d 2>/dev/null
+            sleep 2
+            xdotool key Return
+        fi
+        sleep 0.5
+    done
     if [ -n "$dialog" ]; then
         xdotool windowfocus --sync "$dialog" key Escape 2>/dev/null
         for ((i = 0; i < 100; i++)); do
