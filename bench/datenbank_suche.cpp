@@ -308,26 +308,10 @@ void anweisungGegenSqlite(const bench::GrosseBibliothek& bib) {
 class Schnellfilter {
   public:
     explicit Schnellfilter(const bench::GrosseBibliothek& bib)
-        : arbeit_("tessara_bench_schnellfilter") {
-        bench::fctZustandEinrichten(z_, arbeit_.pfad());
-        plattform_.registry = &registry_;
-        plattform_.desktop = &desktop_;
-        z_.plattform = &plattform_;
-        z_.benutzer = &benutzer_;
-        z_.strIniDatei = z_.strCTemp + "Tessara9.0.ini";
-        z_.strSprache = "deutsch";
-        const std::string bibliothek = platform::programPath(bib.verzeichnis.string());
-        IniSetValue(z_, z_.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0", bibliothek);
-        IniSetValue(z_, z_.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
-        typSetupWerte w;
-        w.longAnzahlDerBilder = bench::kBilderIndex;
-        w.lonFrmWidth = 1600;
-        w.lonFrmHeight = 1000;
-        SetupInRegistrierdatenbankSpeichern(z_, w);
-        fs::remove(platform::nativePath(fctDbIniDatei(bibliothek)));
+        : u_(bib, "tessara_bench_schnellfilter", 1600, 1000) {
         // The window answers each request on standard output; not here.
         vorher_ = std::cout.rdbuf(still_.rdbuf());
-        f_ = std::make_unique<FrmBlockverwaltung>(z_, cad_);
+        f_ = std::make_unique<FrmBlockverwaltung>(u_.z, cad_);
         bool gemalt = false;
         QObject::connect(f_.get(), &FrmBlockverwaltung::seiteGemalt, [&] { gemalt = true; });
         f_->laden();
@@ -392,12 +376,7 @@ class Schnellfilter {
         while (Uhr::now() < bis) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     }
 
-    bench::ArbeitsVerzeichnis arbeit_;
-    ProgrammZustand z_;
-    platform::MemoryRegistry registry_;
-    platform::MemoryDesktop desktop_;
-    platform::Platform plattform_;
-    SkriptBenutzer benutzer_;
+    bench::FensterUmgebung u_;
     CadVerbindung cad_;
     std::ostringstream still_;
     std::streambuf* vorher_ = nullptr;

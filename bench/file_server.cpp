@@ -87,29 +87,9 @@ struct Runde {
 
 // One start of the main window on the library, its flips and searches.
 Runde runde(const bench::GrosseBibliothek& bib, int nr) {
-    const bench::ArbeitsVerzeichnis arbeit("tessara_bench_file_server_" + std::to_string(nr));
-    ProgrammZustand z;
-    bench::fctZustandEinrichten(z, arbeit.pfad());
-    platform::MemoryRegistry registry;
-    platform::MemoryDesktop desktop;
-    platform::Platform plattform;
-    plattform.registry = &registry;
-    plattform.desktop = &desktop;
-    z.plattform = &plattform;
-    SkriptBenutzer benutzer;
-    z.benutzer = &benutzer;
-    z.strIniDatei = z.strCTemp + "Tessara9.0.ini";
-    z.strSprache = "deutsch";
-    const std::string bibliothek = platform::programPath(bib.verzeichnis.string());
-    IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0", bibliothek);
-    IniSetValue(z, z.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
-    typSetupWerte w;
-    w.longAnzahlDerBilder = bench::kBilderIndex;
-    w.lonFrmWidth = 1900;
-    w.lonFrmHeight = 1000;
-    SetupInRegistrierdatenbankSpeichern(z, w);
-    // Every start begins on the first Page of the first Folder.
-    fs::remove(platform::nativePath(fctDbIniDatei(bibliothek)));
+    bench::FensterUmgebung u(bib, "tessara_bench_file_server_" + std::to_string(nr), 1900, 1000);
+    ProgrammZustand& z = u.z;
+    SkriptBenutzer& benutzer = u.benutzer;
     CadVerbindung cad;
 
     // The window answers each request on standard output; not here.

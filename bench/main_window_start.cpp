@@ -100,30 +100,10 @@ struct Start {
 // nachsehen: after the measurement, let the window settle for a moment and
 // note whether it painted the Page again.
 Start fensterStarten(const bench::GrosseBibliothek& bib, int runde, bool nachsehen = false) {
-    const bench::ArbeitsVerzeichnis arbeit("tessara_bench_start_" + std::to_string(runde));
-    ProgrammZustand z;
-    bench::fctZustandEinrichten(z, arbeit.pfad());
-    platform::MemoryRegistry registry;
-    platform::MemoryDesktop desktop;
-    platform::Platform plattform;
-    plattform.registry = &registry;
-    plattform.desktop = &desktop;
-    z.plattform = &plattform;
-    SkriptBenutzer benutzer;
-    z.benutzer = &benutzer;
-    z.strIniDatei = z.strCTemp + "Tessara9.0.ini";
-    z.strSprache = "deutsch";
-    const std::string bibliothek = platform::programPath(bib.verzeichnis.string());
-    IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0", bibliothek);
-    IniSetValue(z, z.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
-    typSetupWerte w;
-    w.longAnzahlDerBilder = bench::kBilderIndex;
-    w.lonFrmWidth = kFenster.width();
-    w.lonFrmHeight = kFenster.height();
-    SetupInRegistrierdatenbankSpeichern(z, w);
-    // Every start begins on the first Page of the first Folder, whatever the
-    // last one closed on.
-    fs::remove(platform::nativePath(fctDbIniDatei(bibliothek)));
+    bench::FensterUmgebung u(bib, "tessara_bench_start_" + std::to_string(runde), kFenster.width(),
+                             kFenster.height());
+    ProgrammZustand& z = u.z;
+    SkriptBenutzer& benutzer = u.benutzer;
     CadVerbindung cad;
 
     // The window answers each request on standard output; not here.

@@ -24,6 +24,8 @@
 #include "library/schema.h"
 #include "platform/environment.h"
 #include "startup/benutzer.h"
+#include "startup/einstellungen.h"
+#include "startup/registry_werte.h"
 #include "ui/slide_painter.h"
 
 namespace tessara::bench {
@@ -273,6 +275,27 @@ void fctZustandEinrichten(ProgrammZustand& z, const fs::path& dir) {
 namespace {
 QtMessageHandler g_qtMeldungen = nullptr;
 }  // namespace
+
+FensterUmgebung::FensterUmgebung(const GrosseBibliothek& bib, const std::string& arbeitsName,
+                                 int breite, int hoehe)
+    : arbeit(arbeitsName) {
+    fctZustandEinrichten(z, arbeit.pfad());
+    plattform.registry = &registry;
+    plattform.desktop = &desktop;
+    z.plattform = &plattform;
+    z.benutzer = &benutzer;
+    z.strIniDatei = z.strCTemp + "Tessara9.0.ini";
+    z.strSprache = "deutsch";
+    const std::string bibliothek = platform::programPath(bib.verzeichnis.string());
+    IniSetValue(z, z.strIniDatei, "AllgemeineDaten", "DbVerzeichnis0", bibliothek);
+    IniSetValue(z, z.strIniDatei, "MsgboxAnzeigen", "AcadVerbindung", "1");
+    typSetupWerte w;
+    w.longAnzahlDerBilder = kBilderIndex;
+    w.lonFrmWidth = breite;
+    w.lonFrmHeight = hoehe;
+    SetupInRegistrierdatenbankSpeichern(z, w);
+    std::filesystem::remove(platform::nativePath(fctDbIniDatei(bibliothek)));
+}
 
 void fctQtPlattformWaehlen() {
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||

@@ -15,6 +15,10 @@
 #include <string>
 #include <vector>
 
+#include "platform/memory/memory_desktop.h"
+#include "platform/memory/memory_registry.h"
+#include "platform/platform.h"
+#include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
 
 namespace tessara::bench {
@@ -66,6 +70,24 @@ class ArbeitsVerzeichnis {
 // A program state over temporary files below dir (created), the program
 // directory of this build, and no platform: enough for the navigation model.
 void fctZustandEinrichten(ProgrammZustand& z, const std::filesystem::path& dir);
+
+// What a main window starts from in a benchmark: the program state over a
+// working directory of its own, a Settings file naming the library, the
+// registry and desktop in memory with the picture size and window size set,
+// and no remembered position, so that it opens on the first Page of the
+// first Folder. Holds pointers into itself: neither copied nor moved.
+struct FensterUmgebung {
+    FensterUmgebung(const GrosseBibliothek& bib, const std::string& arbeitsName, int breite,
+                    int hoehe);
+    FensterUmgebung(const FensterUmgebung&) = delete;
+    FensterUmgebung& operator=(const FensterUmgebung&) = delete;
+    ArbeitsVerzeichnis arbeit;
+    ProgrammZustand z;
+    platform::MemoryRegistry registry;
+    platform::MemoryDesktop desktop;
+    platform::Platform plattform;
+    SkriptBenutzer benutzer;
+};
 
 // Chooses Qt's platform before the application is made: the offscreen one
 // when there is no display, so that `make bench` runs headless.
