@@ -73,14 +73,7 @@ constexpr const char* kWiederholen = "--repeat=";
 // Raised whenever the SQLite copy's contents change.
 constexpr int kSqliteStand = 1;
 
-typSuchKriterien kriterien() {
-    typSuchKriterien k;
-    k.txtBenennung[0] = "ventil";
-    k.txtBenennung[1] = "DN 50";
-    k.txtBenennung[kFeldBlockname] = "ventil";
-    k.chkAnsichtenVarianten = true;
-    return k;
-}
+typSuchKriterien kriterien() { return bench::fctSuchKriterien(); }
 
 double sekunden(Uhr::time_point a, Uhr::time_point b) {
     return std::chrono::duration<double>(b - a).count();

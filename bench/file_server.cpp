@@ -70,14 +70,7 @@ Messung messen(F&& f) {
     return m;
 }
 
-typSuchKriterien kriterien() {
-    typSuchKriterien k;
-    k.txtBenennung[0] = "ventil";
-    k.txtBenennung[1] = "DN 50";
-    k.txtBenennung[kFeldBlockname] = "ventil";
-    k.chkAnsichtenVarianten = true;
-    return k;
-}
+typSuchKriterien kriterien() { return bench::fctSuchKriterien(); }
 
 struct Runde {
     Messung start, suche, sucheNochmals, sucheKalt;

@@ -297,6 +297,15 @@ FensterUmgebung::FensterUmgebung(const GrosseBibliothek& bib, const std::string&
     std::filesystem::remove(platform::nativePath(fctDbIniDatei(bibliothek)));
 }
 
+typSuchKriterien fctSuchKriterien() {
+    typSuchKriterien k;
+    k.txtBenennung[0] = "ventil";
+    k.txtBenennung[1] = "DN 50";
+    k.txtBenennung[kFeldBlockname] = "ventil";
+    k.chkAnsichtenVarianten = true;
+    return k;
+}
+
 void fctQtPlattformWaehlen() {
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
         !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))

@@ -18,6 +18,7 @@
 #include "platform/memory/memory_desktop.h"
 #include "platform/memory/memory_registry.h"
 #include "platform/platform.h"
+#include "search/datenbank_suche.h"
 #include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
 
@@ -88,6 +89,10 @@ struct FensterUmgebung {
     platform::Platform plattform;
     SkriptBenutzer benutzer;
 };
+
+// The database search the benchmarks measure: two attribute fields and the
+// block name, searched in all Views and Variants.
+typSuchKriterien fctSuchKriterien();
 
 // Chooses Qt's platform before the application is made: the offscreen one
 // when there is no display, so that `make bench` runs headless.
