@@ -14,8 +14,10 @@ std::optional<typBlockAkte> fctBlockAkteLesen(ProgrammZustand& z, db::Connection
     const std::string sql =
         "SELECT * FROM " + z.strTblBlockInfo + " WHERE Block = '" + strBlockNr + "'";
     db::Recordset rs;
-    if (lngNr > 0) rs.open(sql + " AND Nr = " + std::to_string(lngNr), con);
-    if (lngNr > 0 && rs.eof()) rs.close();
+    if (lngNr > 0) {
+        rs.open(sql + " AND Nr = " + std::to_string(lngNr), con);
+        if (rs.eof()) rs.close();
+    }
     if (rs.state() != db::adStateOpen) rs.open(sql, con);
     if (rs.eof()) return std::nullopt;
     typBlockAkte a;

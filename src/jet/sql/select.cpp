@@ -11,9 +11,7 @@ namespace sql::detail {
 
 namespace {
 
-// The rows an index answers for one "column = constant" among the top-level
-// AND terms of a WHERE: the first such term whose column has an index wins;
-// nullopt when none has.
+// Whether the term is "column = constant" of a kind an index can answer.
 bool seekableTerm(const Expr* e, const Source& s, Value& key, std::string& column) {
     if (e->kind != Expr::Kind::Binary || e->op != "=") return false;
     const Expr* col = e->left.get();
@@ -31,6 +29,9 @@ bool seekableTerm(const Expr* e, const Source& s, Value& key, std::string& colum
     return true;
 }
 
+// The rows an index answers for one such term among the top-level AND terms
+// of a WHERE: the first term whose column has an index wins; nullopt when
+// none has.
 std::optional<std::vector<RowId>> indexHits(const Expr* e, const Source& s) {
     if (!e) return std::nullopt;
     if (e->kind == Expr::Kind::Logical && e->op == "AND") {
@@ -100,13 +101,6 @@ void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const E
     if (src.joined()) return joinRows(db, src, where, visit);
     std::optional<std::vector<RowId>> hits = indexHits(where, src);
     if (!hits && needed && where) return scanInSteps(src, *where, visit, *needed, db);
-    Binder c(db, &src, needed);
-    Eval pred;
-    if (where) pred = c.compile(*where);
-    auto consider = [&](RowId id, const Row& row) {
-        if (!pred || isTrue(pred(row))) visit(id, row);
-        return true;
-    };
     if (hits && needed && where) {
         // The index's rows tested on the WHERE's own columns first, the rest
         // converted for the rows that pass: a Folder's 10 000 rows narrowed
@@ -114,13 +108,24 @@ void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const E
         // condition's columns only.
         std::vector<bool> own(src.columns.size(), false);
         Eval test = Binder(db, &src, &own).compile(*where);
+        for (std::size_t i = 0; i < own.size() && i < needed->size(); ++i)
+            if (own[i]) (*needed)[i] = true;
         std::sort(hits->begin(), hits->end());
         std::vector<RowId> passed;
         src.table->read(*hits, &own, [&](RowId id, const Row& row) {
             if (isTrue(test(row))) passed.push_back(id);
         });
         src.table->read(passed, needed, visit);
-    } else if (hits) {
+        return;
+    }
+    Binder c(db, &src, needed);
+    Eval pred;
+    if (where) pred = c.compile(*where);
+    auto consider = [&](RowId id, const Row& row) {
+        if (!pred || isTrue(pred(row))) visit(id, row);
+        return true;
+    };
+    if (hits) {
         std::sort(hits->begin(), hits->end());
         src.table->read(*hits, needed, [&](RowId id, const Row& row) { consider(id, row); });
     } else if (needed) {
