@@ -8,6 +8,7 @@
 #include "authoring/datei_layout.h"
 #include "cli/cli.h"
 #include "db/jet_opener.h"
+#include "exchange/ordner_austausch.h"
 #include "library/navigation_model.h"
 #include "organisation/ordner_verwaltung.h"
 #include "organisation/seiten_verwaltung.h"
@@ -46,7 +47,18 @@ class JaBenutzer : public tessara::Benutzer {
                              bool) override {
         return {};
     }
-    void fortschritt(long, long, const std::string&) override {}
+    // Progress on stderr, a line each tenth of the work, for scripts to follow.
+    void fortschritt(long erledigt, long gesamt, const std::string& text) override {
+        if (!err || gesamt <= 0) return;
+        const long prozent = erledigt * 10 / gesamt;
+        if (prozent == prozent_) return;
+        prozent_ = prozent;
+        *err << text << " " << erledigt << "/" << gesamt << "\n";
+    }
+    std::ostream* err = nullptr;
+
+  private:
+    long prozent_ = -1;
 };
 
 // A library opened as the main window opens it, with messages from the
@@ -58,6 +70,7 @@ class Bibliothek {
           err_(err),
           m_(z_, db::jetOpener(platform::nativePath, cli::lockWait(err))) {
         z_.benutzer = &benutzer_;
+        benutzer_.err = &err;
         z_.strAppPfad = platform::systemEnvironment()->applicationDirectory();
         z_.strSprache = "englisch";
         std::error_code ec;
@@ -113,16 +126,17 @@ int nutzung(std::ostream& err, const char* text) {
     return 2;
 }
 
+constexpr const char* kFolderNutzung =
+    "folder list PATH | add PATH NAME | rename PATH OLD NEW | delete PATH NAME | "
+    "export PATH NAME FILE | import PATH FILE NAME";
+
 int runFolder(const cli::Args& a, std::istream&, std::ostream& out, std::ostream& err) {
     const std::string art = a.empty() ? std::string() : a[0];
-    const std::size_t n = art == "list"                     ? 2
-                          : art == "add" || art == "delete" ? 3
-                          : art == "rename"                 ? 4
-                                                            : 0;
-    if (n == 0 || a.size() != n)
-        return nutzung(err,
-                       "folder list PATH | add PATH NAME | rename PATH OLD NEW | "
-                       "delete PATH NAME");
+    const std::size_t n = art == "list"                                           ? 2
+                          : art == "add" || art == "delete"                       ? 3
+                          : art == "rename" || art == "export" || art == "import" ? 4
+                                                                                  : 0;
+    if (n == 0 || a.size() != n) return nutzung(err, kFolderNutzung);
     Bibliothek b("folder " + art, err);
     if (!b.oeffnen(a[1])) return 1;
     if (art == "list") {
@@ -136,11 +150,18 @@ int runFolder(const cli::Args& a, std::istream&, std::ostream& out, std::ostream
         if (r == 0) out << code << "\n";
         return r;
     }
+    std::error_code ec;
+    if (art == "import")
+        return b.ergebnis(tessara::fctOrdnerImportieren(
+            b.z(), b.m(), platform::programPath(fs::absolute(a[2], ec).string()), a[3]));
     const auto* o = b.ordnerEintrag(a[2]);
     if (!o) {
         b.fehler("no folder named '" + a[2] + "'");
         return 1;
     }
+    if (art == "export")
+        return b.ergebnis(tessara::fctOrdnerExportieren(
+            b.z(), b.m(), o->OrdnerNr, platform::programPath(fs::absolute(a[3], ec).string())));
     if (art == "rename") return b.ergebnis(tessara::fctOrdnerUmbenennen(b.z(), b.m(), a[2], a[3]));
     return b.ergebnis(tessara::fctOrdnerLoeschen(b.z(), b.m(), o->Nr));
 }
@@ -156,10 +177,9 @@ int runPage(const cli::Args& a, std::istream&, std::ostream& out, std::ostream& 
     return 0;
 }
 
-cli::Subcommand folderCmd{"folder",
-                          "list PATH | add PATH NAME | rename PATH OLD NEW | delete PATH NAME",
-                          "list, create, rename or delete the Folders of a library (questions "
-                          "are answered Yes)",
+cli::Subcommand folderCmd{"folder", kFolderNutzung + 7,
+                          "list, create, rename, delete, export or import the Folders of a "
+                          "library (questions are answered Yes, progress on stderr)",
                           &runFolder};
 cli::Subcommand pageCmd{"page", "list PATH FOLDER | add PATH FOLDER NUMBER NAME",
                         "list the Pages of a Folder or create one (questions are answered Yes)",

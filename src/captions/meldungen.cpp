@@ -132,5 +132,13 @@ bool fctMsgboxFrageZweizeilig2(ProgrammZustand& z, long n1, long n2, int g,
                                const MsgboxZusatz& zusatz) {
     return frage(z, {n1, n2}, "2", g, zusatz);
 }
+bool fctMsgboxFrageDreizeilig12(ProgrammZustand& z, long n1, long n2, long n3, int g,
+                                const MsgboxZusatz& zusatz) {
+    return frage(z, {n1, n2, n3}, "12", g, zusatz);
+}
+bool fctMsgboxFrageVierzeilig(ProgrammZustand& z, long n1, long n2, long n3, long n4, int g,
+                              const MsgboxZusatz& zusatz) {
+    return frage(z, {n1, n2, n3, n4}, "111", g, zusatz);
+}
 
 }  // namespace tessara

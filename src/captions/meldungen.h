@@ -83,5 +83,10 @@ bool fctMsgboxFrageEinzeilig(ProgrammZustand& z, long n1, int intGruppe = kGrupp
                              const MsgboxZusatz& zusatz = {});
 bool fctMsgboxFrageZweizeilig2(ProgrammZustand& z, long n1, long n2, int intGruppe = kGruppeAllg,
                                const MsgboxZusatz& zusatz = {});
+bool fctMsgboxFrageDreizeilig12(ProgrammZustand& z, long n1, long n2, long n3,
+                                int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
+// Four lines in a question, one break between each.
+bool fctMsgboxFrageVierzeilig(ProgrammZustand& z, long n1, long n2, long n3, long n4,
+                              int intGruppe = kGruppeAllg, const MsgboxZusatz& zusatz = {});
 
 }  // namespace tessara

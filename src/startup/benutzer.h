@@ -38,6 +38,13 @@ class Benutzer {
                                      const std::string& filter, bool speichern) = 0;
     // Progress of long work: done of total steps, with a line of text. total 0 ends it.
     virtual void fortschritt(long erledigt, long gesamt, const std::string& text) = 0;
+    // The same for work the user may stop: false once Cancel was pressed, and
+    // the caller stops at its next consistent point. Without a Cancel button
+    // the work always goes on.
+    virtual bool fortschrittMitAbbruch(long erledigt, long gesamt, const std::string& text) {
+        fortschritt(erledigt, gesamt, text);
+        return true;
+    }
     // The general selection list: title, question and the entries; answers
     // the chosen entry, empty when cancelled. An implementation without
     // lists chooses nothing.
@@ -83,6 +90,7 @@ class SkriptBenutzer : public Benutzer {
     std::vector<std::string> ordner;   // answers for ordnerWaehlen
     std::vector<std::string> dateien;  // answers for dateiWaehlen
     std::vector<std::string> fortschritte;
+    long abbrechenBei = -1;   // Cancel pressed once this many steps are done
     std::vector<bool> haken;  // check box states, from the front; default unticked
     struct Liste {
         std::string titel, frage;
@@ -120,6 +128,10 @@ class SkriptBenutzer : public Benutzer {
     void fortschritt(long erledigt, long gesamt, const std::string& text) override {
         fortschritte.push_back(std::to_string(erledigt) + "/" + std::to_string(gesamt) + " " +
                                text);
+    }
+    bool fortschrittMitAbbruch(long erledigt, long gesamt, const std::string& text) override {
+        fortschritt(erledigt, gesamt, text);
+        return abbrechenBei < 0 || erledigt < abbrechenBei;
     }
     std::string listeWaehlen(const std::string& titel, const std::string& frage,
                              const std::vector<std::string>& eintraege) override {

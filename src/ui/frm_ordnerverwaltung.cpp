@@ -9,6 +9,7 @@
 #include "organisation/ordner_rechte.h"
 #include "organisation/ordner_verwaltung.h"
 #include "ui/beschriften.h"
+#include "ui/frm_ordner_austausch.h"
 #include "ui/frm_ordner_neu.h"
 #include "ui/frm_ordner_umbenennen.h"
 #include "ui_frm_ordnerverwaltung.h"
@@ -25,9 +26,8 @@ FrmOrdnerverwaltung::FrmOrdnerverwaltung(ProgrammZustand& z, NavigationsModell& 
       nachAenderung_(std::move(nachAenderung)),
       ui_(std::make_unique<Ui::FrmOrdnerverwaltung>()) {
     ui_->setupUi(this);
-    // Exporting and importing Folders come with the Folder exchange.
-    ui_->cmdOrdnerExport->setEnabled(false);
-    ui_->cmdOrdnerImport->setEnabled(false);
+    connect(ui_->cmdOrdnerExport, &QPushButton::clicked, this, [this] { cmdOrdnerExport_Click(); });
+    connect(ui_->cmdOrdnerImport, &QPushButton::clicked, this, [this] { cmdOrdnerImport_Click(); });
     connect(ui_->cmbNeu, &QPushButton::clicked, this, [this] { cmbNeu_Click(); });
     connect(ui_->cmbUmbenennen, &QPushButton::clicked, this, [this] { cmbUmbenennen_Click(); });
     connect(ui_->cmbLoeschen, &QPushButton::clicked, this, [this] { cmbLoeschen_Click(); });
@@ -81,6 +81,8 @@ void FrmOrdnerverwaltung::knoepfeSetzen() {
     ui_->imgAufAb_0->setEnabled(aendern && gewaehlt);
     ui_->imgAufAb_1->setEnabled(aendern && gewaehlt);
     ui_->cmbOk->setEnabled(gewaehlt);
+    ui_->cmdOrdnerExport->setEnabled(gewaehlt);
+    ui_->cmdOrdnerImport->setEnabled(aendern);
     const auto r = rechte_.find(lngAuswahl());
     ui_->txtOrdnerRechte->setText(
         QString::fromStdString(r == rechte_.end() || r->second.empty() ? kRechteAlle : r->second));
@@ -118,6 +120,21 @@ void FrmOrdnerverwaltung::cmbNeu_Click() {
             if (o.OrdnerNr == f->strCode()) nr = o.Nr;
         geaendert(nr);
     });
+    f->open();
+}
+
+void FrmOrdnerverwaltung::cmdOrdnerExport_Click() {
+    auto* f = new FrmOrdnerExport(z_, m_, lngAuswahl(), this);
+    f->setAttribute(Qt::WA_DeleteOnClose);
+    f->open();
+}
+
+// The import makes the new Folder current; the list shows it selected.
+void FrmOrdnerverwaltung::cmdOrdnerImport_Click() {
+    auto* f = new FrmOrdnerImport(z_, m_, this);
+    f->setAttribute(Qt::WA_DeleteOnClose);
+    connect(f, &QDialog::accepted, this,
+            [this] { geaendert(m_.aktuellerOrdner() ? m_.aktuellerOrdner()->Nr : 0); });
     f->open();
 }
 

@@ -44,6 +44,8 @@ class FrmOrdnerverwaltung : public QDialog {
     void geaendert(long lngNr);
     void cmbNeu_Click();
     void cmbUmbenennen_Click();
+    void cmdOrdnerExport_Click();
+    void cmdOrdnerImport_Click();
     void cmbLoeschen_Click();
     void imgAufAb_Click(int intIndex);
     void cmbOk_Click();

@@ -183,14 +183,26 @@ std::string QtBenutzer::dateiWaehlen(const std::string& titel, const std::string
 }
 
 void QtBenutzer::fortschritt(long erledigt, long gesamt, const std::string& text) {
+    fortschrittZeigen(erledigt, gesamt, text, false);
+}
+
+bool QtBenutzer::fortschrittMitAbbruch(long erledigt, long gesamt, const std::string& text) {
+    return fortschrittZeigen(erledigt, gesamt, text, true);
+}
+
+bool QtBenutzer::fortschrittZeigen(long erledigt, long gesamt, const std::string& text,
+                                   bool abbrechbar) {
     if (gesamt <= 0) {
         if (fortschritt_) fortschritt_->deleteLater();
         fortschritt_.clear();
-        return;
+        return true;
     }
     if (!fortschritt_) {
         fortschritt_ = new QProgressDialog(eltern_);
-        fortschritt_->setCancelButton(nullptr);
+        if (abbrechbar && beschriftung_)
+            fortschritt_->setCancelButtonText(q(beschriftung_("cmbAbbrechen")));
+        else if (!abbrechbar)
+            fortschritt_->setCancelButton(nullptr);
         fortschritt_->setMinimumDuration(500);
         fortschritt_->setWindowModality(Qt::WindowModal);
     }
@@ -198,6 +210,7 @@ void QtBenutzer::fortschritt(long erledigt, long gesamt, const std::string& text
     fortschritt_->setValue(static_cast<int>(erledigt));
     fortschritt_->setLabelText(q(text));
     QApplication::processEvents();
+    return !fortschritt_->wasCanceled();
 }
 
 }  // namespace tessara

@@ -37,6 +37,7 @@ class QtBenutzer : public Benutzer {
     std::string dateiWaehlen(const std::string& titel, const std::string& start,
                              const std::string& filter, bool speichern) override;
     void fortschritt(long erledigt, long gesamt, const std::string& text) override;
+    bool fortschrittMitAbbruch(long erledigt, long gesamt, const std::string& text) override;
     std::string listeWaehlen(const std::string& titel, const std::string& frage,
                              const std::vector<std::string>& eintraege) override;
     std::optional<std::string> nameEingeben(
@@ -48,6 +49,7 @@ class QtBenutzer : public Benutzer {
   private:
     Antwort zeigen(const std::string& text, const std::string& titel, Symbol symbol,
                    Knoepfe knoepfe, const std::string* kaestchen, bool& angekreuzt);
+    bool fortschrittZeigen(long erledigt, long gesamt, const std::string& text, bool abbrechbar);
 
     std::function<std::string(const std::string&)> beschriftung_;
     ProgrammZustand* z_ = nullptr;
