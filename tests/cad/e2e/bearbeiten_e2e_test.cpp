@@ -69,18 +69,12 @@ class BearbeitenE2E : public HostTest {
     // n-th -WBLOCK of the session.
     std::thread waehlt(std::vector<std::pair<int, int>> picks, int n = 1) {
         return std::thread([this, picks, n] {
-            const auto ende = std::chrono::steady_clock::now() + 30s;
-            while (anzahl(lesen(log), "WBLOCK WARTET AUF BASISPUNKT") < n &&
-                   std::chrono::steady_clock::now() < ende)
-                std::this_thread::sleep_for(20ms);
+            warteAufAnzahl("WBLOCK WARTET AUF BASISPUNKT", n, 30s);
             const int vorher = anzahl(lesen(log), "GEWAEHLT ");
             klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
             for (std::size_t i = 0; i < picks.size(); ++i)
                 Hand().klick(1, picks[i].first, picks[i].second, [&] {
-                    const auto bis = std::chrono::steady_clock::now() + 20s;
-                    while (anzahl(lesen(log), "GEWAEHLT ") < vorher + static_cast<int>(i) + 1 &&
-                           std::chrono::steady_clock::now() < bis)
-                        std::this_thread::sleep_for(20ms);
+                    warteAufAnzahl("GEWAEHLT ", vorher + static_cast<int>(i) + 1);
                 });
             Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
         });
@@ -89,6 +83,10 @@ class BearbeitenE2E : public HostTest {
         int n = 0;
         for (auto p = text.find(was); p != std::string::npos; p = text.find(was, p + 1)) ++n;
         return n;
+    }
+    // Waits, bounded, until the host logged `was` n times.
+    void warteAufAnzahl(const std::string& was, int n, std::chrono::seconds grenze = 20s) {
+        warteBis([&] { return anzahl(lesen(log), was) >= n; }, grenze);
     }
     typAenderung neu(NeuArt art) { return befehle().fctNeu(art, v); }
     BlockBefehle befehle() { return BlockBefehle(z, *sitzung); }
@@ -291,10 +289,7 @@ TEST_F(BearbeitenE2E, KeinObjektGewaehltWiederholt) {
         if (!warteAufLog(log, "FRAGE Sie haben kein Objekt")) return;
         Hand().buchstabe('j');
         Hand().enter();
-        const auto ende = std::chrono::steady_clock::now() + 20s;
-        while (anzahl(lesen(log), "WBLOCK WAEHLT OBJEKTE") < 2 &&
-               std::chrono::steady_clock::now() < ende)
-            std::this_thread::sleep_for(20ms);
+        warteAufAnzahl("WBLOCK WAEHLT OBJEKTE", 2);
         klickenBis(1, 441, 200, "GEWAEHLT ");
         Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
     });
