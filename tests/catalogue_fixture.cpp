@@ -4,15 +4,12 @@
 #include <cstdio>
 #include <memory>
 
+#include "befehl.h"
+
 namespace fixture {
 
 std::string runCommand(const std::string& command) {
-    std::string out;
-    std::unique_ptr<FILE, int (*)(FILE*)> p(popen(command.c_str(), "r"), pclose);
-    if (!p) return out;
-    std::array<char, 4096> buf;
-    while (std::size_t n = fread(buf.data(), 1, buf.size(), p.get())) out.append(buf.data(), n);
-    return out;
+    return tessara::test::befehlsAusgabe(command);
 }
 
 using sql::ColumnDef;

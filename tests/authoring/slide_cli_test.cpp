@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "befehl.h"
 #include "slide_test_data.h"
 #include "temp_verzeichnis.h"
 
@@ -13,15 +14,11 @@ using slidetest::testdaten;
 
 namespace {
 int lauf(const std::string& argumente, std::string* ausgabe = nullptr) {
-    std::string befehl = std::string("'") + TESSARA_CLI + "' " + argumente + " 2>&1";
-    FILE* p = popen(befehl.c_str(), "r");
-    if (!p) return -1;
-    char puffer[512];
-    std::string text;
-    while (fgets(puffer, sizeof puffer, p)) text += puffer;
-    int status = pclose(p);
+    int code = -1;
+    const std::string text = tessara::test::befehlsAusgabe(
+        std::string("'") + TESSARA_CLI + "' " + argumente + " 2>&1", &code);
     if (ausgabe) *ausgabe = text;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return code;
 }
 }  // namespace
 

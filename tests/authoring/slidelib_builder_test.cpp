@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "authoring/slide_library.h"
+#include "befehl.h"
 #include "slide_test_data.h"
 #include "temp_verzeichnis.h"
 
@@ -27,14 +28,8 @@ struct Ergebnis {
 Ergebnis cli(const std::string& argumente, const fs::path& eingabe = {}) {
     std::string befehl = std::string("'") + TESSARA_CLI + "' " + argumente;
     if (!eingabe.empty()) befehl += " < '" + eingabe.string() + "'";
-    befehl += " 2>&1";
     Ergebnis e{-1, {}};
-    FILE* p = popen(befehl.c_str(), "r");
-    if (!p) return e;
-    char puffer[512];
-    while (fgets(puffer, sizeof puffer, p)) e.ausgabe += puffer;
-    int status = pclose(p);
-    e.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    e.ausgabe = tessara::test::befehlsAusgabe(befehl + " 2>&1", &e.code);
     return e;
 }
 

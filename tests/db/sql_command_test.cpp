@@ -10,6 +10,7 @@
 #include <iterator>
 #include <memory>
 
+#include "befehl.h"
 #include "frisches_verzeichnis.h"
 
 namespace {
@@ -23,12 +24,7 @@ struct Output {
 
 Output run(const std::string& cmd) {
     Output o;
-    FILE* p = popen(cmd.c_str(), "r");
-    if (!p) return o;
-    std::array<char, 4096> buf;
-    while (std::size_t n = fread(buf.data(), 1, buf.size(), p)) o.text.append(buf.data(), n);
-    int rc = pclose(p);
-    o.status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
+    o.text = tessara::test::befehlsAusgabe(cmd, &o.status);
     return o;
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <sstream>
 
+#include "befehl.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
 #include "frisches_verzeichnis.h"
@@ -23,16 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string ausgabe(const std::string& befehl) {
-    std::string out;
-    if (FILE* p = popen(befehl.c_str(), "r")) {
-        char buf[4096];
-        std::size_t n;
-        while ((n = fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
-        pclose(p);
-    }
-    return out;
-}
+using test::befehlsAusgabe;
 
 std::vector<std::string> zeilen(const std::string& text) {
     std::vector<std::string> out;
@@ -63,7 +55,7 @@ class EchteDatei : public ::testing::Test {
         fs::remove_all(verzeichnis, ec);
     }
     std::string exportiert(const std::string& tabelle) {
-        return ausgabe("mdb-export '" + datei.string() + "' " + tabelle + " 2>&1");
+        return befehlsAusgabe("mdb-export '" + datei.string() + "' " + tabelle + " 2>&1");
     }
 
     fs::path verzeichnis, datei;
@@ -76,7 +68,7 @@ class EchteDatei : public ::testing::Test {
 TEST_F(EchteDatei, NeuerKatalogIstFuerMdbtoolsUndDiePruefungLesbar) {
     ASSERT_TRUE(Mk_Datenbank(z, oeffner, programmPfad));
 
-    EXPECT_EQ(zeilen(ausgabe("mdb-tables -1 '" + datei.string() + "'")),
+    EXPECT_EQ(zeilen(befehlsAusgabe("mdb-tables -1 '" + datei.string() + "'")),
               (std::vector<std::string>{"tblBlockInfo", "tblDefMenue", "tblOrdner", "tblSeiten",
                                         "tblMarkierteBloecke", "tblVariationBloecke"}));
     // Every table's header row lists Nr and the columns in their order.

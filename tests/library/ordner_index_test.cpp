@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <set>
 
+#include "befehl.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
 #include "frisches_verzeichnis.h"
@@ -63,13 +64,8 @@ TEST(OrdnerIndex, BloeckeEinesOrdnersWieOhneIndex) {
 
     auto jetDb = jet::Database::open(datei.string());
     EXPECT_EQ(jet::checkDatabase(*jetDb), std::vector<std::string>{});
-    std::string schema;
-    if (FILE* p = popen(
-            ("mdb-schema -T tblBlockInfo '" + datei.string() + "' postgres 2>&1").c_str(), "r")) {
-        char buf[4096];
-        for (std::size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) schema.append(buf, n);
-        pclose(p);
-    }
+    const std::string schema =
+        test::befehlsAusgabe("mdb-schema -T tblBlockInfo '" + datei.string() + "' postgres 2>&1");
     EXPECT_NE(schema.find("(\"ordnerid\" DESC)"), std::string::npos) << schema;
     std::error_code ec;
     fs::remove_all(verzeichnis, ec);

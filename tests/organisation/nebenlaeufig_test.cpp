@@ -11,6 +11,7 @@
 #include <map>
 #include <set>
 
+#include "befehl.h"
 #include "bibliothek.h"
 #include "jet/store/file_lock.h"
 #include "organisation/ordner_verwaltung.h"
@@ -22,17 +23,7 @@ namespace {
 
 constexpr int kJeProzess = 100;
 
-std::string ausgabe(const std::string& befehl, int* rc = nullptr) {
-    std::string text;
-    if (FILE* p = ::popen(befehl.c_str(), "r")) {
-        char puffer[4096];
-        for (std::size_t n; (n = std::fread(puffer, 1, sizeof puffer, p)) > 0;)
-            text.append(puffer, n);
-        const int status = ::pclose(p);
-        if (rc) *rc = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    return text;
-}
+using test::befehlsAusgabe;
 
 class Nebenlaeufig : public Bibliothek {
   protected:
@@ -62,11 +53,11 @@ class Nebenlaeufig : public Bibliothek {
 
         int rc = -1;
         const std::string pfad = platform::nativePath(db);
-        EXPECT_EQ(ausgabe(std::string(TESSARA_CLI) + " check '" + pfad + "' 2>&1", &rc),
+        EXPECT_EQ(befehlsAusgabe(std::string(TESSARA_CLI) + " check '" + pfad + "' 2>&1", &rc),
                   "no faults found\n");
         EXPECT_EQ(rc, 0);
         for (const char* t : {"tblOrdner", "tblSeiten"}) {
-            const std::string csv = ausgabe("mdb-export '" + pfad + "' " + t, &rc);
+            const std::string csv = befehlsAusgabe("mdb-export '" + pfad + "' " + t, &rc);
             EXPECT_EQ(rc, 0) << t;
             EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 2 + 2 * kJeProzess) << t;
         }
@@ -84,7 +75,7 @@ TEST_F(Nebenlaeufig, TwoCommandLineProcessesCreateFoldersAndPagesAtOnce) {
                   "$i; '" + cli + "' page add '" + pfad + "' Standard-Ordner $((i+" +
                   std::to_string(versatz) + ")) " + p + "$i || echo page " + p +
                   "$i; i=$((i+1)); done ) & ";
-    const std::string fehlgeschlagen = ausgabe("{ " + skript + "wait; } 2>&1");
+    const std::string fehlgeschlagen = befehlsAusgabe("{ " + skript + "wait; } 2>&1");
     EXPECT_EQ(fehlgeschlagen, "");
     pruefen();
 }
@@ -126,9 +117,10 @@ TEST_F(Nebenlaeufig, CommandLineRefusalsAreInEnglish) {
     ASSERT_TRUE(jet::filelock::lock(datei, jet::filelock::kWriterByte,
                                     jet::filelock::Mode::Exclusive, false));
     int rc = 0;
-    EXPECT_EQ(ausgabe("TESSARA_LOCK_WAIT=0 '" + cli + "' folder add '" + pfad + "' Neu 2>&1", &rc),
-              "tessara-cli folder add: Could not update; currently locked.\n");
-    EXPECT_EQ(ausgabe("'" + cli + "' folder rename '" + pfad + "' Nix Neu 2>&1"),
+    EXPECT_EQ(
+        befehlsAusgabe("TESSARA_LOCK_WAIT=0 '" + cli + "' folder add '" + pfad + "' Neu 2>&1", &rc),
+        "tessara-cli folder add: Could not update; currently locked.\n");
+    EXPECT_EQ(befehlsAusgabe("'" + cli + "' folder rename '" + pfad + "' Nix Neu 2>&1"),
               "tessara-cli folder rename: no folder named 'Nix'\n");
     EXPECT_EQ(rc, 1);
 }

@@ -69,18 +69,12 @@ class BearbeitenE2E : public HostTest {
     // n-th -WBLOCK of the session.
     std::thread waehlt(std::vector<std::pair<int, int>> picks, int n = 1) {
         return std::thread([this, picks, n] {
-            const auto ende = std::chrono::steady_clock::now() + 30s;
-            while (anzahl(lesen(log), "WBLOCK WARTET AUF BASISPUNKT") < n &&
-                   std::chrono::steady_clock::now() < ende)
-                std::this_thread::sleep_for(20ms);
+            warteAufAnzahl("WBLOCK WARTET AUF BASISPUNKT", n, 30s);
             const int vorher = anzahl(lesen(log), "GEWAEHLT ");
             klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
             for (std::size_t i = 0; i < picks.size(); ++i)
                 Hand().klick(1, picks[i].first, picks[i].second, [&] {
-                    const auto bis = std::chrono::steady_clock::now() + 20s;
-                    while (anzahl(lesen(log), "GEWAEHLT ") < vorher + static_cast<int>(i) + 1 &&
-                           std::chrono::steady_clock::now() < bis)
-                        std::this_thread::sleep_for(20ms);
+                    warteAufAnzahl("GEWAEHLT ", vorher + static_cast<int>(i) + 1);
                 });
             Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
         });
@@ -89,6 +83,10 @@ class BearbeitenE2E : public HostTest {
         int n = 0;
         for (auto p = text.find(was); p != std::string::npos; p = text.find(was, p + 1)) ++n;
         return n;
+    }
+    // Waits, bounded, until the host logged `was` n times.
+    void warteAufAnzahl(const std::string& was, int n, std::chrono::seconds grenze = 20s) {
+        warteBis([&] { return anzahl(lesen(log), was) >= n; }, grenze);
     }
     typAenderung neu(NeuArt art) { return befehle().fctNeu(art, v); }
     BlockBefehle befehle() { return BlockBefehle(z, *sitzung); }
@@ -230,24 +228,6 @@ TEST_F(BearbeitenE2E, VarianteNeu) {
     EXPECT_EQ(fs::file_size(bib() / "000" / "Block" / "Varia" / (n + ".dat")), 248u);
 }
 
-// A move takes every file of the Block along: both Views' libraries and
-// drawings, the Variant's drawing and its record file.
-TEST_F(BearbeitenE2E, VerschiebenNimmtAlleDateienMit) {
-    blockMitAnsichtUndVariante();
-    const std::string von = nr();
-    const std::string nach = sitzung->modell().seitenSlots()[5].strBlockNr;
-    auto erwartet = dateien();
-    for (auto& d : erwartet)
-        if (const auto p = d.find(von); p != std::string::npos) d.replace(p, von.size(), nach);
-    std::sort(erwartet.begin(), erwartet.end());
-    EXPECT_NE(befehle().fctVerschieben(5), kNichtsGeaendert);
-    EXPECT_EQ(dateien(), erwartet);
-    EXPECT_EQ(zeilen("SELECT Block, SlideLib FROM tblBlockInfo"),
-              std::vector<std::string>{nach + "|000\\" + nach + "0.slb"});
-    EXPECT_EQ(zeilen("SELECT BlockDateiName FROM tblVariationBloecke"),
-              std::vector<std::string>{nach + "_1"});
-}
-
 // The Variant choice runs before the insertion; the host inserts the
 // Variant's drawing, named after the Variant.
 TEST_F(BearbeitenE2E, VarianteWirdVorDemEinfuegenGewaehlt) {
@@ -291,10 +271,7 @@ TEST_F(BearbeitenE2E, KeinObjektGewaehltWiederholt) {
         if (!warteAufLog(log, "FRAGE Sie haben kein Objekt")) return;
         Hand().buchstabe('j');
         Hand().enter();
-        const auto ende = std::chrono::steady_clock::now() + 20s;
-        while (anzahl(lesen(log), "WBLOCK WAEHLT OBJEKTE") < 2 &&
-               std::chrono::steady_clock::now() < ende)
-            std::this_thread::sleep_for(20ms);
+        warteAufAnzahl("WBLOCK WAEHLT OBJEKTE", 2);
         klickenBis(1, 441, 200, "GEWAEHLT ");
         Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
     });
@@ -328,48 +305,6 @@ TEST_F(BearbeitenE2E, MarkierteAnsichtWirdEingefuegt) {
         lesen(log).find("INSERT block=" + n + "_11 datei=c:\\Bib\\000\\Block\\" + n + "1.dwg"),
         std::string::npos)
         << lesen(log);
-}
-
-// Deleting a View and then the Block takes their files and rows along,
-// after the user said yes (a no first leaves everything).
-TEST_F(BearbeitenE2E, AnsichtUndBlockLoeschen) {
-    blockMitAnsichtUndVariante();
-    const std::string n = nr();
-    benutzer.antworten = {Antwort::Ja};
-    EXPECT_NE(befehle().fctAnsichtLoeschen(1), kNichtsGeaendert);
-    EXPECT_FALSE(fs::exists(bib() / "000" / (n + "1.slb")));
-    EXPECT_FALSE(fs::exists(bib() / "000" / "Block" / (n + "1.dwg")));
-    EXPECT_EQ(zeilen("SELECT BlkName1 FROM tblBlockInfo"), std::vector<std::string>{""});
-    const auto vorher = dateien();
-    benutzer.antworten = {Antwort::Nein};
-    EXPECT_EQ(befehle().fctLoeschen(), kNichtsGeaendert);
-    EXPECT_EQ(dateien(), vorher);
-    benutzer.antworten = {Antwort::Ja};
-    EXPECT_NE(befehle().fctLoeschen(), kNichtsGeaendert);
-    EXPECT_EQ(dateien(), std::vector<std::string>{"dbTessara.mdb"});
-    EXPECT_EQ(zeilen("SELECT Nr FROM tblBlockInfo"), std::vector<std::string>{});
-    EXPECT_EQ(zeilen("SELECT Nr FROM tblVariationBloecke"), std::vector<std::string>{});
-}
-
-// Two marked Blocks move together into the free slots from the selected one on.
-TEST_F(BearbeitenE2E, MarkierteBloeckeVerschieben) {
-    for (int platz : {1, 2}) {
-        sitzung->fctPositionSetzen(platz);
-        auto hand = waehlt({{320, 199}}, platz);
-        ASSERT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
-        hand.join();
-        sitzung->fctMarkieren(platz, true);
-    }
-    const auto& slots = sitzung->modell().seitenSlots();
-    const std::string ziel6 = slots[6].strBlockNr, ziel7 = slots[7].strBlockNr;
-    sitzung->fctPositionSetzen(6);
-    EXPECT_NE(befehle().fctMarkierteVerschieben(), kNichtsGeaendert);
-    EXPECT_EQ(zeilen("SELECT Block FROM tblBlockInfo ORDER BY Block"),
-              (std::vector<std::string>{ziel6, ziel7}));
-    for (const auto& z7 : {ziel6, ziel7}) {
-        EXPECT_TRUE(fs::exists(bib() / "000" / (z7 + "0.slb"))) << z7;
-        EXPECT_TRUE(fs::exists(bib() / "000" / "Block" / (z7 + "0.dwg"))) << z7;
-    }
 }
 
 // AutoCAD's automation server cannot run here: this document types each

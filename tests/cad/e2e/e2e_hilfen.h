@@ -18,6 +18,7 @@
 
 #include "cad/cad_verbindung.h"
 #include "eigener_x_server.h"
+#include "frisches_verzeichnis.h"
 #include "platform/platform.h"
 #include "platform/system_clock.h"
 #include "platform/x11/x11_desktop.h"
@@ -67,20 +68,23 @@ class BeobachteterDesktop : public platform::X11Desktop {
     std::set<platform::Key> gesehen_;
 };
 
-inline std::string lesen(const std::filesystem::path& p) {
-    std::ifstream f(p, std::ios::binary);
-    return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
+inline std::string lesen(const std::filesystem::path& p) { return dateiInhalt(p); }
+
+// Asks again and again, bounded, until the condition holds; whether it did.
+inline bool warteBis(const std::function<bool()>& bedingung,
+                     std::chrono::seconds grenze = std::chrono::seconds(20)) {
+    const auto ende = std::chrono::steady_clock::now() + grenze;
+    while (!bedingung()) {
+        if (std::chrono::steady_clock::now() >= ende) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return true;
 }
 
 // Waits, bounded, until the file holds the text.
 inline bool warteAufLog(const std::filesystem::path& log, const std::string& text,
                         std::chrono::seconds grenze = std::chrono::seconds(20)) {
-    const auto ende = std::chrono::steady_clock::now() + grenze;
-    while (std::chrono::steady_clock::now() < ende) {
-        if (lesen(log).find(text) != std::string::npos) return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return false;
+    return warteBis([&] { return lesen(log).find(text) != std::string::npos; }, grenze);
 }
 
 // The rest of the first log line that begins with `anfang`; empty when none.
@@ -96,13 +100,13 @@ inline std::string zeilenRest(const std::string& log, const std::string& anfang)
 // set after the window is mapped tells the root window nothing.)
 inline platform::WindowHandle warteAufFenster(platform::Desktop& desktop,
                                               const std::string& titel) {
-    const auto ende = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (std::chrono::steady_clock::now() < ende) {
+    platform::WindowHandle gefunden = 0;
+    warteBis([&] {
         for (const auto& w : desktop.topLevelWindows())
-            if (w.title.rfind(titel, 0) == 0) return w.handle;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return 0;
+            if (w.title.rfind(titel, 0) == 0) gefunden = w.handle;
+        return gefunden != 0;
+    });
+    return gefunden;
 }
 
 // Starts the simulated host (its pid in `pid` at once, for the tear-down)
@@ -124,10 +128,7 @@ inline ::testing::AssertionResult simhostStarten(pid_t& pid, const std::string& 
 class HostTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        verzeichnis = std::filesystem::temp_directory_path() /
-                      ("tessara_e2e_" + std::to_string(getpid()) + "_" +
-                       ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::remove_all(verzeichnis);
+        verzeichnis = frischesVerzeichnis("e2e");
         std::filesystem::create_directories(verzeichnis / "c");
         setenv("TESSARA_DRIVE_C", (verzeichnis / "c").c_str(), 1);
         log = verzeichnis / "simhost.log";

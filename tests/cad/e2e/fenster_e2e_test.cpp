@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "befehl.h"
 #include "e2e_hilfen.h"
 #include "platform/x11/x11_desktop.h"
 
@@ -25,12 +26,10 @@ const std::string kHostTitel = "AutoCAD LT 2015 - [Zeichnung1.dwg]";
 
 // The batch tool's standard output; empty when it failed.
 std::string cli(const std::string& argumente) {
-    std::string aus;
-    FILE* p = popen((std::string(TESSARA_CLI) + " " + argumente + " 2>/dev/null").c_str(), "r");
-    if (!p) return aus;
-    char puffer[4096];
-    for (std::size_t n; (n = fread(puffer, 1, sizeof puffer, p)) > 0;) aus.append(puffer, n);
-    return pclose(p) == 0 ? aus : std::string();
+    int code = -1;
+    const std::string aus =
+        befehlsAusgabe(std::string(TESSARA_CLI) + " " + argumente + " 2>/dev/null", &code);
+    return code == 0 ? aus : std::string();
 }
 
 // The fields of the first row of `tessara-cli sql` (a header line, then
@@ -125,13 +124,12 @@ class FensterE2E : public ::testing::Test {
     // Brings the program's window in front, as the user's click on it would.
     platform::WindowHandle nachVorne() {
         const auto fenster = warteAufFenster(desktop, "Tessara");
-        const auto ende = std::chrono::steady_clock::now() + 20s;
-        while (fenster && desktop.foregroundWindow() != fenster &&
-               std::chrono::steady_clock::now() < ende) {
-            desktop.bringToFront(fenster);
-            std::this_thread::sleep_for(20ms);
-        }
-        return desktop.foregroundWindow() == fenster ? fenster : 0;
+        const bool vorn = fenster && warteBis([&] {
+                              if (desktop.foregroundWindow() == fenster) return true;
+                              desktop.bringToFront(fenster);
+                              return false;
+                          });
+        return vorn ? fenster : 0;
     }
 
     fs::path verzeichnis, log, ausgabe;

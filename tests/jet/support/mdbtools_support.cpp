@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "befehl.h"
 #include "jet/format/error.h"
 #include "jet/read/database.h"
 #include "jet/read/table.h"
@@ -57,18 +58,7 @@ std::string quote(const std::string& arg) {
 }
 
 std::string run(const std::string& command, int* status) {
-    std::string out;
-    FILE* p = ::popen(command.c_str(), "r");
-    if (!p) {
-        if (status) *status = -1;
-        return out;
-    }
-    std::array<char, 65536> buf;
-    std::size_t n;
-    while ((n = std::fread(buf.data(), 1, buf.size(), p)) > 0) out.append(buf.data(), n);
-    int rc = ::pclose(p);
-    if (status) *status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
-    return out;
+    return tessara::test::befehlsAusgabe(command, status);
 }
 
 bool haveMdbTools() {
