@@ -171,6 +171,9 @@ class NavigationsModell {
     int intPosition() const { return intPosition_; }
     long longAnzahlDerBilder() const { return longAnzahlDerBilder_; }
     int slotsProSeite() const { return fctSlotsProSeite(longAnzahlDerBilder_); }
+    // The code table read by fctCodeTabelleLesen: entry k ends the block
+    // number of absolute slot k.
+    const std::vector<std::string>& codeTabelle() const { return codeTabelle_; }
     // The highest Page index the code table allows.
     long letzteSeite() const;
     // The library directory with a trailing backslash.

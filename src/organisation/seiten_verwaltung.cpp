@@ -126,6 +126,26 @@ bool fctSeiteNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& st
     });
 }
 
+bool fctSeiteAnlegenOhneKontrolle(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
+                                  const std::string& strSeitenname) {
+    Prozedur p(z, "fctSeiteAnlegenOhneKontrolle");
+    return p.geschuetzt(false, [&] {
+        const auto* o = m.aktuellerOrdner();
+        if (!o) return false;
+        std::string name;
+        for (const char c : strSeitenname)
+            name += c == '\'' ? std::string("''") : std::string(1, c);
+        m.datenbank().con.execute(
+            "INSERT INTO tblSeiten (SeitenNr, SeitenName, NrTblOrdner) VALUES (" +
+            std::to_string(lngSeitenNr) + ", '" + name + "', " + std::to_string(o->Nr) + ")");
+        return fctSeiteInCboEinlesen(z, m);
+    });
+}
+
+std::string fctSeitenNameMitIndex(const std::string& strName, int intIndex) {
+    return intIndex > 0 ? strName + "-" + std::to_string(intIndex) : strName;
+}
+
 bool fctSeiteUmbenennen(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
                         const std::string& strNeu) {
     Prozedur p(z, "frmSeiteUmbenennen.cmbOk_Click");

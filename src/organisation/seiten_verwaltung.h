@@ -47,6 +47,15 @@ struct typSeitenListe {
 };
 typSeitenListe fctSeitenAnzeigen(ProgrammZustand& z, NavigationsModell& m);
 
+// Appends Page lngSeitenNr named strSeitenname to the current Folder with no
+// checks (the caller knows the number is free), for work that makes Pages as
+// it fills slots; the model's Page list is read again.
+bool fctSeiteAnlegenOhneKontrolle(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
+                                  const std::string& strSeitenname);
+// The name of the intIndex-th Page such work makes: the name itself for the
+// first (index 0), name & "-" & index after it.
+std::string fctSeitenNameMitIndex(const std::string& strName, int intIndex);
+
 // Reads the current Folder's Pages again into the model (its Page box list).
 bool fctSeiteInCboEinlesen(ProgrammZustand& z, NavigationsModell& m);
 
