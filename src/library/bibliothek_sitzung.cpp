@@ -128,13 +128,16 @@ typOeffnenErgebnis BibliothekSitzung::fctAnhaengen(const std::string& strVerzeic
     if (!fctDateiExistiert(db)) {
         if (fctReadOnlyMitVerzeichnis(z_, dir)) return {kMsgVerzeichnisSchreibgeschuetzt, dir, 0};
         p.step("Datenbank von Tessara7 kann importiert werden");
-        const std::string alt = fctAlteDatenbankSuchen(z_, modell_.datenbank().oeffner, dir);
-        if (alt.empty() || !fctMsgbox(z_, MsgboxArt::Frage,
-                                      {MsgboxZeile(kMsgAlteDatenbank), MsgboxZeile(alt),
-                                       MsgboxZeile(kMsgAlteDatenbankImportieren)}))
-            return NeueDatenbankErstellen(dir, inCombo);
-        if (!fctAlteDatenbankImportieren(z_, modell_.datenbank().oeffner, alt, db))
-            return {kMsgImportFehlgeschlagen, alt, 0};
+        std::string alt;
+        switch (fctAlteDatenbankAnbieten(z_, modell_.datenbank().oeffner, dir, alt)) {
+            case ImportAngebot::KeineDa:
+            case ImportAngebot::Abgelehnt:
+                return NeueDatenbankErstellen(dir, inCombo);
+            case ImportAngebot::Fehlgeschlagen:
+                return {kMsgImportFehlgeschlagen, alt, 0};
+            case ImportAngebot::Importiert:
+                break;
+        }
     }
     typOeffnenErgebnis r = fctWechseln(db);
     if (r.ok() && inCombo) inCombo();

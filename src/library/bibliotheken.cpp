@@ -306,4 +306,18 @@ bool fctAlteDatenbankImportieren(ProgrammZustand& z, const db::StorageOpener& oe
     return ok;
 }
 
+ImportAngebot fctAlteDatenbankAnbieten(ProgrammZustand& z, const db::StorageOpener& oeffner,
+                                       const std::string& strVerzeichnis, std::string& strAlt) {
+    strAlt = fctAlteDatenbankSuchen(z, oeffner, strVerzeichnis);
+    if (strAlt.empty()) return ImportAngebot::KeineDa;
+    if (!fctMsgbox(z, MsgboxArt::Frage,
+                   {MsgboxZeile(kMsgAlteDatenbank), MsgboxZeile(strAlt),
+                    MsgboxZeile(kMsgAlteDatenbankImportieren)}))
+        return ImportAngebot::Abgelehnt;
+    return fctAlteDatenbankImportieren(z, oeffner, strAlt,
+                                       fctDbDatei(fctOhneBackslash(strVerzeichnis)))
+               ? ImportAngebot::Importiert
+               : ImportAngebot::Fehlgeschlagen;
+}
+
 }  // namespace tessara

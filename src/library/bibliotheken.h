@@ -72,4 +72,10 @@ std::string fctAlteDatenbankSuchen(ProgrammZustand& z, const db::StorageOpener& 
 bool fctAlteDatenbankImportieren(ProgrammZustand& z, const db::StorageOpener& oeffner,
                                  const std::string& strAlt, const std::string& strNeu);
 
+// Offers the older version's database found in a directory without a
+// catalogue (fctAlteDatenbankSuchen) for import into its dbTessara.mdb.
+enum class ImportAngebot { KeineDa, Abgelehnt, Importiert, Fehlgeschlagen };
+ImportAngebot fctAlteDatenbankAnbieten(ProgrammZustand& z, const db::StorageOpener& oeffner,
+                                       const std::string& strVerzeichnis, std::string& strAlt);
+
 }  // namespace tessara
