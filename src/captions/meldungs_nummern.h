@@ -15,5 +15,15 @@ inline constexpr long kMsgTessaraBeenden = 408;
 inline constexpr long kMsgKeinHost1 = 410;
 inline constexpr long kMsgKeinHost2 = 411;
 inline constexpr long kMsgKeinHost3 = 412;
+// Libraries of older versions and the database list.
+inline constexpr long kMsgEintraegeAendern = 500;  // then kMsgDauertEtwas
+inline constexpr long kMsgDauertEtwas = 501;
+inline constexpr long kMsgAlteDatenbank = 502;  // then the path, then the question
+inline constexpr long kMsgAlteDatenbankImportieren = 503;
+inline constexpr long kMsgImportFehlgeschlagen = 504;  // then the path
+inline constexpr long kMsgEinzigeBibliothek = 505;
+inline constexpr long kMsgNichtInListe = 506;                  // then the path
+inline constexpr long kMsgBibliothekAbhaengen = 507;           // a question, then the path
+inline constexpr long kMsgVerzeichnisSchreibgeschuetzt = 508;  // then the path
 
 }  // namespace tessara

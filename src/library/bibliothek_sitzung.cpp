@@ -2,13 +2,18 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <stdexcept>
 
+#include "authoring/datei_layout.h"
 #include "authoring/dateien_operationen.h"
+#include "captions/meldungen.h"
 #include "jet/format/error.h"
+#include "library/bibliotheken.h"
 #include "library/schema.h"
 #include "startup/einstellungen.h"
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
+#include "startup/schritt_ablauf.h"
 
 namespace tessara {
 
@@ -35,6 +40,17 @@ void BibliothekSitzung::subSchliessen() {
     booSchreibschutz_ = false;
 }
 
+namespace {
+// A directory whose test file cannot be made, or a database file marked read-only.
+bool dateiSchreibgeschuetzt(ProgrammZustand& z, const std::string& strDb) {
+    std::error_code ec;
+    const auto rechte = std::filesystem::status(fctNativerPfad(strDb), ec).permissions();
+    const bool dateiNurLesen =
+        !ec && (rechte & std::filesystem::perms::owner_write) == std::filesystem::perms::none;
+    return dateiNurLesen || fctReadOnlyMitVerzeichnis(z, fctVerzeichnisVon(strDb));
+}
+}  // namespace
+
 typOeffnenErgebnis BibliothekSitzung::fctOeffnen(const std::string& strDb) {
     Prozedur p(z_, "ConnectionUndRecordsetOeffnen", true);
     subSchliessen();
@@ -47,6 +63,19 @@ typOeffnenErgebnis BibliothekSitzung::fctOeffnen(const std::string& strDb) {
             !Mk_Datenbank(z_, modell_.datenbank().oeffner, strDb))
             return {kMsgBibliothekNichtOeffnen, strDb, 0};
     }
+    typOeffnenErgebnis r = verbinden(strDb);
+    if (r.ok()) ordnerAktualisieren();
+    return r;
+}
+
+typOeffnenErgebnis BibliothekSitzung::verbinden(const std::string& strDb) {
+    Prozedur p(z_, "ConnectionUndRecordsetOeffnen", true);
+    const std::string dir = fctVerzeichnisVon(strDb);
+    const bool geschuetzt = dateiSchreibgeschuetzt(z_, strDb);
+    if (!geschuetzt) {
+        p.step("Tabellen und Spalten ergänzen");
+        fctDatenbankAktualisieren(z_, modell_.datenbank().oeffner, strDb);
+    }
     p.step("Datenbank öffnen");
     if (!modell_.fctDatenbankOeffnen(strDb))
         return {kMsgBibliothekNichtOeffnen, strDb,
@@ -54,16 +83,25 @@ typOeffnenErgebnis BibliothekSitzung::fctOeffnen(const std::string& strDb) {
                                                               : kMsgDateiBeschaedigt};
     strDbVerzeichnis_ = dir;
     z_.strAktuelleDb = strDb;
-    fctSchreibschutzPruefen();
-    p.step("Ordner aktualisieren");
+    booSchreibschutz_ = geschuetzt;
+    p.step("Blocktabelle");
+    p.geschuetztNurLog([&] { z_.strTblBlockInfo = fctBlockTabelle(modell_.datenbank().con); });
+    if (!geschuetzt && z_.strTblBlockInfo == "tblBlockInfo") {
+        p.step("fctPfadEintragAendern");
+        fctPfadEintragAendern(z_, modell_.datenbank().con, modell_.strBasisVerzeichnis());
+    }
+    return {};
+}
+
+void BibliothekSitzung::ordnerAktualisieren() {
+    Prozedur p(z_, "Ordner aktualisieren", true);
     modell_.setAnzahlDerBilder(setup_.longAnzahlDerBilder);
     modell_.OrdnerInArrayEinlesen();
-    const typDbPosition pos = fctDbPositionLesen(z_, dir);
+    const typDbPosition pos = fctDbPositionLesen(z_, strDbVerzeichnis_);
     if (pos.strAktuelleOrdnerNr.empty() ||
         !modell_.fctOrdnerWaehlen(pos.strAktuelleOrdnerNr, std::max<long>(0, pos.s1)))
         modell_.comboxOrdner_Click(0);
     modell_.subPositionSetzen(pos.Pos);
-    return {};
 }
 
 typOeffnenErgebnis BibliothekSitzung::fctWechseln(const std::string& strPfad) {
@@ -74,20 +112,100 @@ typOeffnenErgebnis BibliothekSitzung::fctWechseln(const std::string& strPfad) {
     if (endung != ".mdb") db = fctDbDatei(fctOhneBackslash(db));
     const std::string dir = fctVerzeichnisVon(db);
     p.step("aryVerzeichnisseDatenbank erweitern");
-    auto& liste = z_.aryDbVerzeichnis;
-    if (std::find(liste.begin(), liste.end(), dir) == liste.end() && fctVerzeichnisExistiert(dir)) {
-        // A list holding only the placeholder of a first start takes the
-        // directory in its place.
-        if (liste.size() == 1 && !fctDbEintragGueltig(liste[0]))
-            liste[0] = dir;
-        else
-            liste.push_back(dir);
-        subSpeichernTessaraIniDatei(z_);
-    }
+    if (fctVerzeichnisExistiert(dir)) fctDbListeErweitern(z_, dir);
     p.step("Datenbank wechseln");
     typOeffnenErgebnis r = fctOeffnen(db);
     if (r.ok()) fctEintrag1Speichern(z_, db);
     return r;
+}
+
+typOeffnenErgebnis BibliothekSitzung::fctAnhaengen(const std::string& strVerzeichnis,
+                                                   const std::function<void()>& inCombo) {
+    Prozedur p(z_, "BibliothekAnhaengen", true);
+    const std::string dir = fctOhneBackslash(strVerzeichnis);
+    if (!fctVerzeichnisExistiert(dir)) return {kMsgVerzeichnisFehlt, dir, 0};
+    const std::string db = fctDbDatei(dir);
+    if (!fctDateiExistiert(db)) {
+        if (fctReadOnlyMitVerzeichnis(z_, dir)) return {kMsgVerzeichnisSchreibgeschuetzt, dir, 0};
+        p.step("Datenbank von Tessara7 kann importiert werden");
+        std::string alt;
+        switch (fctAlteDatenbankAnbieten(z_, modell_.datenbank().oeffner, dir, alt)) {
+            case ImportAngebot::KeineDa:
+            case ImportAngebot::Abgelehnt:
+                return NeueDatenbankErstellen(dir, inCombo);
+            case ImportAngebot::Fehlgeschlagen:
+                return {kMsgImportFehlgeschlagen, alt, 0};
+            case ImportAngebot::Importiert:
+                break;
+        }
+    }
+    typOeffnenErgebnis r = fctWechseln(db);
+    if (r.ok() && inCombo) inCombo();
+    return r;
+}
+
+typOeffnenErgebnis BibliothekSitzung::NeueDatenbankErstellen(const std::string& strVerzeichnis,
+                                                             const std::function<void()>& inCombo) {
+    const std::string dir = fctOhneBackslash(strVerzeichnis);
+    const std::string db = fctDbDatei(dir);
+    const std::string vorher = z_.strAktuelleDb;
+    bool neuInListe = false;
+    typOeffnenErgebnis r{kMsgBibliothekNichtOeffnen, db, 0};
+    SchrittAblauf a(
+        "NeueDatenbankErstellen",
+        {"aryVerzeichnisseDatenbank erweitern", "Datenbank in die Registrierdatenbank abspeichern",
+         "Mk_Datenbank ", "alte connections und recordset schließen", "lisBlockBenennung löschen",
+         "Imput_Prefix", "ConnectionUndRecordsetOeffnen", "Ordner aktualisieren",
+         "Verzeichnis in Combo hinzufügen"});
+    a.setzen("aryVerzeichnisseDatenbank erweitern",
+             [&] { neuInListe = fctDbListeErweitern(z_, dir); });
+    a.setzen("Datenbank in die Registrierdatenbank abspeichern",
+             [&] { fctEintrag1Speichern(z_, db); });
+    a.setzen("Mk_Datenbank ", [&] {
+        if (!Mk_Datenbank(z_, modell_.datenbank().oeffner, db))
+            throw std::runtime_error("Mk_Datenbank: " + db);
+    });
+    a.setzen("alte connections und recordset schließen", [&] { subSchliessen(); });
+    a.setzen("lisBlockBenennung löschen", [&] { modell_.subSchliessen(); });
+    a.setzen("Imput_Prefix", [&] {
+        if (!modell_.fctCodeTabelleLesen(fctCodeTabelleDatei(z_.strAppPfad)))
+            throw std::runtime_error("Codetabelle: " + fctCodeTabelleDatei(z_.strAppPfad));
+    });
+    a.setzen(
+        "ConnectionUndRecordsetOeffnen", [&] { r = verbinden(db); },
+        [&] { return fctDateiExistiert(db); });
+    a.setzen(
+        "Ordner aktualisieren", [&] { ordnerAktualisieren(); }, [&] { return r.ok(); });
+    a.setzen(
+        "Verzeichnis in Combo hinzufügen", [&] { inCombo(); },
+        [&] { return r.ok() && static_cast<bool>(inCombo); });
+    a.ausfuehren(z_);
+    if (r.ok()) return r;
+    // Nothing half made stays behind: the list and "Eintrag1" as they were.
+    if (neuInListe) fctDbListeEntfernen(z_, dir);
+    if (!vorher.empty() && vorher != db) {
+        fctEintrag1Speichern(z_, vorher);
+        if (!modell_.offen()) fctOeffnen(vorher);
+    }
+    return r;
+}
+
+typOeffnenErgebnis BibliothekSitzung::fctAbhaengen(const std::string& strVerzeichnis) {
+    Prozedur p(z_, "BibliothekAbhaengen", true);
+    const std::string dir = fctOhneBackslash(strVerzeichnis);
+    const int i = fctDbListenIndex(z_, dir);
+    if (i < 0) return {kMsgNichtInListe, dir, 0};
+    if (datenbankListe().size() < 2) return {kMsgEinzigeBibliothek, dir, 0};
+    if (!fctMsgbox(z_, MsgboxArt::Frage, {MsgboxZeile(kMsgBibliothekAbhaengen), MsgboxZeile(dir)}))
+        return {};
+    const bool offen = fctGleichesVerzeichnis(dir, strDbVerzeichnis_);
+    if (offen) subSchliessen();
+    fctDbListeEntfernen(z_, dir);
+    if (!offen) return {};
+    const auto& l = z_.aryDbVerzeichnis;
+    const std::string nachfolger =
+        l[std::min<std::size_t>(static_cast<std::size_t>(i), l.size() - 1)];
+    return fctWechseln(fctDbDatei(nachfolger));
 }
 
 std::vector<std::string> BibliothekSitzung::datenbankListe() const {
@@ -99,13 +217,8 @@ std::vector<std::string> BibliothekSitzung::datenbankListe() const {
 
 bool BibliothekSitzung::fctSchreibschutzPruefen() {
     Prozedur p(z_, "fctSperrenCmdBeiSchreibschutz", true);
-    std::error_code ec;
-    const auto rechte =
-        std::filesystem::status(fctNativerPfad(modell_.strDatenbank()), ec).permissions();
-    const bool dateiNurLesen =
-        !ec && (rechte & std::filesystem::perms::owner_write) == std::filesystem::perms::none;
-    booSchreibschutz_ = !strDbVerzeichnis_.empty() &&
-                        (dateiNurLesen || fctReadOnlyMitVerzeichnis(z_, strDbVerzeichnis_));
+    booSchreibschutz_ =
+        !strDbVerzeichnis_.empty() && dateiSchreibgeschuetzt(z_, modell_.strDatenbank());
     return booSchreibschutz_;
 }
 

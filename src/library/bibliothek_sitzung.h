@@ -11,6 +11,7 @@
 // - The position of a library (Folder code, Page, slot) is saved whenever the
 //   session leaves it: on a switch and on closing.
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -65,6 +66,24 @@ class BibliothekSitzung {
     // joins the database list when it is new and exists, the library opens
     // and becomes the one the next start opens.
     typOeffnenErgebnis fctWechseln(const std::string& strPfad);
+    // A further library directory joins the database list and opens: its
+    // dbTessara.mdb, or an older version's database imported into a new one
+    // when the user agrees, or else a new catalogue (NeueDatenbankErstellen).
+    // A directory listed already just opens. inCombo refills the window's
+    // list once the library is in it.
+    typOeffnenErgebnis fctAnhaengen(const std::string& strVerzeichnis,
+                                    const std::function<void()>& inCombo = {});
+    // A new catalogue in a directory without one, by the labelled steps of
+    // the main window's command: the list, "Eintrag1", Mk_Datenbank, then the
+    // new library opened in place of the old one. On a failure the
+    // directory leaves the list again and the library open before returns.
+    typOeffnenErgebnis NeueDatenbankErstellen(const std::string& strVerzeichnis,
+                                              const std::function<void()>& inCombo = {});
+    // Takes a directory out of the database list after asking (its files
+    // stay). The only library listed stays; when the open one goes, the one
+    // that takes its place in the list opens (the one before it when it was
+    // the last).
+    typOeffnenErgebnis fctAbhaengen(const std::string& strVerzeichnis);
     // The library directories of the database list worth offering.
     std::vector<std::string> datenbankListe() const;
     // The directory of the open library, without a trailing backslash; empty
@@ -116,6 +135,13 @@ class BibliothekSitzung {
     int fctRasterZiel(RasterTaste taste) const;
 
   private:
+    // Opens an existing database: what older versions lack is added first
+    // (not on a write-protected library), then absolute slide paths are made
+    // relative and the block table is chosen.
+    typOeffnenErgebnis verbinden(const std::string& strDb);
+    // The Folders read, and the Folder, Page and slot saved for the library.
+    void ordnerAktualisieren();
+
     ProgrammZustand& z_;
     NavigationsModell modell_;
     typSetupWerte setup_;

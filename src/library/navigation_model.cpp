@@ -38,7 +38,8 @@ bool offenMitZeilen(const db::Recordset& rs) {
 
 }  // namespace
 
-std::string fctSqlBlockInfo() {
+std::string fctSqlBlockInfo(const std::string& strTabelle) {
+    if (strTabelle != "tblBlockInfo") return "SELECT * FROM [" + strTabelle + "]";
     // Of the Views only BlkName0, of the Insertion points only AX1..AX4: the
     // insert command reads the record from here, and libraries have always
     // had this selection.
@@ -264,8 +265,9 @@ bool NavigationsModell::RecordsetRsBlockInfo0NeuEinlesen() {
             nurSeite_.emplace();  // read by seitenFuellen, once it knows the Page's numbers
             return true;
         }
-        db_.rsBlockInfo0.open(fctSqlBlockInfo() + " WHERE OrdnerID = " + std::to_string(o->Nr),
-                              db_.con, db::adOpenStatic, db::adLockReadOnly);
+        db_.rsBlockInfo0.open(
+            fctSqlBlockInfo(z_.strTblBlockInfo) + " WHERE OrdnerID = " + std::to_string(o->Nr),
+            db_.con, db::adOpenStatic, db::adLockReadOnly);
         return true;
     });
 }
@@ -288,10 +290,10 @@ bool NavigationsModell::seitenBereichEinlesen(long lngErsterSlot, long lngEnde) 
             if (hi.empty() || sql::compareGeneral(v, hi) > 0) hi = std::move(v);
         }
         nurSeite_.emplace(lo, hi);
-        db_.rsBlockInfo0.open(fctSqlBlockInfo() + " WHERE OrdnerID = " + std::to_string(o->Nr) +
-                                  " AND Block BETWEEN '" + nurSeite_->first + "' AND '" +
-                                  nurSeite_->second + "'",
-                              db_.con, db::adOpenStatic, db::adLockReadOnly);
+        db_.rsBlockInfo0.open(
+            fctSqlBlockInfo(z_.strTblBlockInfo) + " WHERE OrdnerID = " + std::to_string(o->Nr) +
+                " AND Block BETWEEN '" + nurSeite_->first + "' AND '" + nurSeite_->second + "'",
+            db_.con, db::adOpenStatic, db::adLockReadOnly);
         return true;
     });
 }
@@ -301,8 +303,9 @@ bool NavigationsModell::RecordsetRsBlockInfo0EinzelEinlesen(const std::string& s
     return p.geschuetztNurLog(false, [&] {
         if (db_.rsBlockInfo0.state() == db::adStateOpen) db_.rsBlockInfo0.close();
         nurSeite_.reset();
-        db_.rsBlockInfo0.open(fctSqlBlockInfo() + " WHERE Block LIKE '" + strBlockNr + "'", db_.con,
-                              db::adOpenStatic, db::adLockReadOnly);
+        db_.rsBlockInfo0.open(
+            fctSqlBlockInfo(z_.strTblBlockInfo) + " WHERE Block LIKE '" + strBlockNr + "'", db_.con,
+            db::adOpenStatic, db::adLockReadOnly);
         return true;
     });
 }
@@ -343,8 +346,12 @@ void NavigationsModell::BlocknummernEinlesen(long k) {
             s.booBelegt = true;
             s.lngNr = static_cast<long>(rs.value("Nr").asInt());
             s.strBeschriftung = rs.text("M0");
-            s.strBlkName0 = rs.text("BLKName0");
-            s.strSlideLib = rs.text("SlideLib");
+            // An Inventor library's table has one name and may have no
+            // slide column: its preview is the single slide of the layout.
+            s.strBlkName0 = rs.text(fctSpalteVorhanden(rs, "BlkName0") ? "BlkName0" : "BlkName");
+            s.strSlideLib = fctSpalteVorhanden(rs, "SlideLib")
+                                ? rs.text("SlideLib")
+                                : fctSlideLibEintrag(fctOhneBlanks(o->OrdnerNr), nr, false);
             s.strBildname = fctBildnameAnsicht0(strBasis_, s.strSlideLib);
         } else {
             s.strBeschriftung = kFreiEintrag;

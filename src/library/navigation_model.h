@@ -69,8 +69,9 @@ std::string fctOrdnerSql(bool booNachName, bool booMitSortSpalte);
 // The Block-record statement of rsBlockInfo0 (the narrow column list, up to
 // "FROM tblBlockInfo"; a WHERE follows) and the criterion by which the
 // insert command finds a Block in it. The model, the insertion and their
-// tests all take them from here.
-std::string fctSqlBlockInfo();
+// tests all take them from here. Another block table (an Inventor library's,
+// whose columns differ) is read whole.
+std::string fctSqlBlockInfo(const std::string& strTabelle = "tblBlockInfo");
 std::string fctKriteriumBlockSuche(const std::string& strBlockNr);
 
 class NavigationsModell {

@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "jet/sql/text_rules.h"
 #include "startup/fehler_log.h"
 
 namespace tessara {
@@ -53,7 +54,7 @@ bool fctRsFind(ProgrammZustand& z, db::Recordset& rs, const std::string& strSpal
 bool fctSpalteVorhanden(const db::Recordset& rs, const std::string& strSpalte) {
     if (rs.state() != db::adStateOpen) return false;
     for (const auto& f : rs.fieldInfos())
-        if (f.name == strSpalte) return true;
+        if (sql::textEquals(f.name, strSpalte)) return true;  // Jet's names know no case
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "authoring/datei_layout.h"
 #include "captions/meldungen.h"
 #include "jet/sql/text_rules.h"
 #include "startup/fehler_log.h"
@@ -120,7 +121,9 @@ std::vector<typSuchTreffer> fctSuchTrefferLesen(db::Recordset& rs) {
         t.Block = text(rs, block);
         t.OrdnerNr = t.Block.substr(0, 3);
         t.OrdnerID = zahl(rs, ordner);
-        t.SlideLib = text(rs, slide);
+        // An Inventor library's table may have no slide column: the single
+        // slide of the layout is its preview.
+        t.SlideLib = slide >= 0 ? text(rs, slide) : fctSlideLibEintrag(t.OrdnerNr, t.Block, false);
         if (nurEinName)
             t.BlkName[0] = text(rs, einName);
         else

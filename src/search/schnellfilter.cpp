@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "authoring/datei_layout.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
 #include "jet/sql/text_rules.h"
@@ -69,7 +70,8 @@ std::shared_ptr<const SchnellSchnappschuss> fctSchnellSchnappschussLesen(
             const auto v = rs.value(ordner);
             z.OrdnerID = v.isNull() ? 0 : static_cast<long>(v.asInt());
         }
-        z.SlideLib = text(slide);
+        z.SlideLib =
+            slide >= 0 ? text(slide) : fctSlideLibEintrag(z.Block.substr(0, 3), z.Block, false);
         std::string alle = kTrenner + z.Block;
         for (std::size_t v = 0; v < namen.size(); ++v) {
             z.BlkName[v] = text(namen[v]);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "authoring/datei_layout.h"
 #include "db/recordset.h"
 #include "startup/einstellungen.h"
 #include "startup/fehler_log.h"
@@ -58,8 +59,9 @@ bool fctZuletztSpeichern(ProgrammZustand& z, const std::string& strDbVerzeichnis
     return true;
 }
 
-std::map<std::string, typZuletztBlock> fctZuletztBloeckeLesen(
-    db::Connection& con, const std::vector<std::string>& liste) {
+std::map<std::string, typZuletztBlock> fctZuletztBloeckeLesen(db::Connection& con,
+                                                              const std::vector<std::string>& liste,
+                                                              const std::string& strTabelle) {
     std::map<std::string, typZuletztBlock> daten;
     std::string bedingung;
     // A number with a quote cannot be a block number of ours; it would end
@@ -69,10 +71,17 @@ std::map<std::string, typZuletztBlock> fctZuletztBloeckeLesen(
             bedingung += (bedingung.empty() ? "" : " OR ") + std::string("Block = '") + nr + "'";
     if (bedingung.empty()) return daten;
     db::Recordset rs;
-    rs.open("SELECT Block, SlideLib, M0 FROM tblBlockInfo WHERE " + bedingung, con);
+    const bool inventor = strTabelle != "tblBlockInfo";  // one with no slide column
+    rs.open(std::string(inventor ? "SELECT Block, M0" : "SELECT Block, SlideLib, M0") + " FROM [" +
+                strTabelle + "] WHERE " + bedingung,
+            con);
     if (rs.state() == db::adStateOpen && rs.recordCount() > 0)
-        for (rs.moveFirst(); !rs.eof(); rs.moveNext())
-            daten[rs.text("Block")] = {rs.text("SlideLib"), rs.text("M0")};
+        for (rs.moveFirst(); !rs.eof(); rs.moveNext()) {
+            const std::string nr = rs.text("Block");
+            daten[nr] = {
+                inventor ? fctSlideLibEintrag(nr.substr(0, 3), nr, false) : rs.text("SlideLib"),
+                rs.text("M0")};
+        }
     return daten;
 }
 

@@ -36,6 +36,7 @@ struct typZuletztBlock {
     std::string M0;
 };
 std::map<std::string, typZuletztBlock> fctZuletztBloeckeLesen(
-    db::Connection& con, const std::vector<std::string>& liste);
+    db::Connection& con, const std::vector<std::string>& liste,
+    const std::string& strTabelle = "tblBlockInfo");
 
 }  // namespace tessara

@@ -148,6 +148,10 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
     connect(ui_->mnuVollbild, &QAction::triggered, this, [this] { mnuVollbild_Click(); });
     connect(ui_->mnuBibliothekOeffnen, &QAction::triggered, this,
             [this] { mnuBibliothekOeffnen_Click(); });
+    connect(ui_->mnuBibliothekAnhaengen, &QAction::triggered, this,
+            [this] { mnuBibliothekAnhaengen_Click(); });
+    connect(ui_->mnuBibliothekAbhaengen, &QAction::triggered, this,
+            [this] { mnuBibliothekAbhaengen_Click(); });
     connect(ui_->mnuBeenden, &QAction::triggered, this, [this] { close(); });
     connect(ui_->mnuMarkierungenAufheben, &QAction::triggered, this,
             [this] { neuZeichnen(sitzung_.fctMarkierungenAufheben()); });
@@ -510,6 +514,34 @@ void FrmBlockverwaltung::mnuBibliothekOeffnen_Click() {
                                                 "Tessara-Bibliothek (dbTessara.mdb)", false)
                     : std::string();
     if (!datei.empty()) datenbankWechseln(datei);
+}
+
+void FrmBlockverwaltung::mnuBibliothekAnhaengen_Click() {
+    if (!z_.benutzer) return;
+    const std::string dir = z_.benutzer->ordnerWaehlen(
+        ui::fctText(z_, QString::fromLatin1(kForm), QStringLiteral("mnuBibliothekAnhaengen"))
+            .toStdString(),
+        z_.strVerzeichnisVorgabe.empty() ? z_.strTessaraRoot : z_.strVerzeichnisVorgabe);
+    if (dir.empty()) return;
+    ausgabe("Bibliothek anhängen: " + dir);
+    maler_->abbrechen();
+    modell().setSeiteZuerst(true);
+    oeffnenFehlerMelden(sitzung_.fctAnhaengen(dir, [this] { verzeichnisBoxFuellen(); }));
+    neuZeichnen(kBibliothekGeaendert);
+}
+
+void FrmBlockverwaltung::mnuBibliothekAbhaengen_Click() {
+    if (!z_.benutzer) return;
+    const QString titel =
+        ui::fctText(z_, QString::fromLatin1(kForm), QStringLiteral("mnuBibliothekAbhaengen"));
+    const std::string dir = z_.benutzer->listeWaehlen(titel.toStdString(), titel.toStdString(),
+                                                      sitzung_.datenbankListe());
+    if (dir.empty()) return;
+    ausgabe("Bibliothek abhängen: " + dir);
+    maler_->abbrechen();
+    modell().setSeiteZuerst(true);
+    oeffnenFehlerMelden(sitzung_.fctAbhaengen(dir));
+    neuZeichnen(kBibliothekGeaendert);
 }
 
 bool FrmBlockverwaltung::zumBlockSpringen(const std::string& strBlock) {

@@ -68,6 +68,9 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     void mnuOptionen_Click();
     void mnuVollbild_Click();
     void mnuBibliothekOeffnen_Click();
+    // Another library directory joins the list and opens; one leaves it.
+    void mnuBibliothekAnhaengen_Click();
+    void mnuBibliothekAbhaengen_Click();
 
     // Redraws the slots, the selection and the Page number.
     void Anzeigen() { neuZeichnen(kSeiteGeaendert); }
@@ -115,6 +118,7 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     void ordnerAnsichtSetzen();
     bool bibliothekOeffnen(const std::string& strDb);
     void oeffnenFehlerMelden(const typOeffnenErgebnis& r);
+    bool neueDbMoeglich();
     bool zumBlockSpringen(const std::string& strBlock);
     void einfuegeOptionenZeigen();
     void einfuegeOptionenUebernehmen();

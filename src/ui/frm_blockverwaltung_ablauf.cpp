@@ -19,6 +19,7 @@
 #include "captions/meldungs_nummern.h"
 #include "editing/ansichten.h"
 #include "editing/einfuegepunkte.h"
+#include "library/bibliotheken.h"
 #include "library/datenbank.h"
 #include "library/schema.h"
 #include "platform/desktop.h"
@@ -96,9 +97,9 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
             fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kMsgEinstellungUngueltig)});
     });
     l.setzen("nach vorhandener Db suchen", [this] {
-        if (!z_.strAktuelleDb.empty() &&
-            !fctVerzeichnisExistiert(fctVerzeichnisVon(z_.strAktuelleDb)))
-            meldenMitPfad(kMsgVerzeichnisFehlt, fctVerzeichnisVon(z_.strAktuelleDb));
+        const typDbSuche r = fctVorhandeneDbSuchen(z_);
+        if (!r.strFehlt.empty()) meldenMitPfad(kMsgVerzeichnisFehlt, r.strFehlt);
+        z_.strAktuelleDb = r.strDb;
     });
     l.setzen(
         "erste Datenbank wird eingebunden",
@@ -110,14 +111,20 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
                                   z_.strTessaraRoot)
                             : std::string();
             if (dir.empty()) return;
-            const std::string d = fctOhneBackslash(dir);
-            if (z_.aryDbVerzeichnis.size() == 1 && !fctDbEintragGueltig(z_.aryDbVerzeichnis[0]))
-                z_.aryDbVerzeichnis[0] = d;
-            else
-                z_.aryDbVerzeichnis.push_back(d);
-            z_.strAktuelleDb = fctDbDatei(d);
+            fctDbListeErweitern(z_, dir);
+            z_.strAktuelleDb = fctDbDatei(fctOhneBackslash(dir));
         },
         [this] { return z_.strAktuelleDb.empty(); });
+    l.setzen(
+        "Datenbank von Tessara7 kann importiert werden",
+        [this] {
+            std::string alt;
+            const std::string dir = fctVerzeichnisVon(z_.strAktuelleDb);
+            if (fctAlteDatenbankAnbieten(z_, fctKatalogOeffner(z_), dir, alt) ==
+                ImportAngebot::Fehlgeschlagen)
+                meldenMitPfad(kMsgImportFehlgeschlagen, alt);
+        },
+        [this] { return neueDbMoeglich(); });
     l.setzen(
         "im Verzeichnis besteht schon eine Db", [] {},
         [this] { return fctDateiExistiert(z_.strAktuelleDb); });
@@ -127,11 +134,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
             if (!Mk_Datenbank(z_, fctKatalogOeffner(z_), z_.strAktuelleDb))
                 meldenMitPfad(kMsgBibliothekNichtOeffnen, z_.strAktuelleDb);
         },
-        [this] {
-            return !z_.strAktuelleDb.empty() && !fctDateiExistiert(z_.strAktuelleDb) &&
-                   fctVerzeichnisExistiert(fctVerzeichnisVon(z_.strAktuelleDb)) &&
-                   !fctReadOnlyMitVerzeichnis(z_, fctVerzeichnisVon(z_.strAktuelleDb));
-        });
+        [this] { return neueDbMoeglich(); });
     l.setzen("setupeinstellungen zuweisen", [this] {
         ordnerAnsichtSetzen();
         modell().setAnzahlDerBilder(sitzung_.setup().longAnzahlDerBilder);
@@ -184,6 +187,14 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
         }
         ui_->rasterFlaeche->setFocus();
     });
+}
+
+// A current database that is not there yet, in a directory that is there and
+// may be written.
+bool FrmBlockverwaltung::neueDbMoeglich() {
+    const std::string dir = fctVerzeichnisVon(z_.strAktuelleDb);
+    return !z_.strAktuelleDb.empty() && !fctDateiExistiert(z_.strAktuelleDb) &&
+           fctVerzeichnisExistiert(dir) && !fctReadOnlyMitVerzeichnis(z_, dir);
 }
 
 // --- Closing -------------------------------------------------------------------

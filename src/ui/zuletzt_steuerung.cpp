@@ -96,7 +96,8 @@ void ZuletztSteuerung::zeigen() {
     std::map<std::string, typZuletztBlock> daten;
     p.geschuetztNurLog([&] {
         p.step("Blöcke lesen");
-        daten = fctZuletztBloeckeLesen(k_.sitzung.modell().datenbank().con, liste_);
+        daten = fctZuletztBloeckeLesen(k_.sitzung.modell().datenbank().con, liste_,
+                                       k_.z.strTblBlockInfo);
     });
     QStringList bilder;
     for (const auto& nr : liste_) {

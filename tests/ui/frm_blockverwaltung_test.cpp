@@ -2,10 +2,12 @@
 // keys and the lock, and the load and closing sequences around them.
 #include "ui/frm_blockverwaltung.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -228,6 +230,32 @@ TEST_F(Hauptfenster, ClosingKeepsThePositionForTheNextStart) {
     EXPECT_EQ(neu.modell().aktuellerOrdner()->OrdnerNr, ordner);
     EXPECT_EQ(neu.modell().intSeite(), 1);
     EXPECT_EQ(neu.modell().intPosition(), 3);
+}
+
+TEST_F(Hauptfenster, TheLibraryMenuAttachesAndDetachesLibraries) {
+    auto& f = laden();
+    f.show();
+    fs::create_directories(wurzel / "neu");
+    const std::string neu = platform::programPath((wurzel / "neu").string());
+    benutzer.ordner = {neu};
+    QSignalSpy gemalt(&f, &FrmBlockverwaltung::seiteGemalt);
+    kind<QAction>("mnuBibliothekAnhaengen")->trigger();
+    ASSERT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
+    auto* box = kind<QComboBox>("comboxVerzeichnis");
+    ASSERT_EQ(box->count(), 2);
+    EXPECT_EQ(box->currentData().toString().toStdString(), neu);
+    EXPECT_EQ(kind<QComboBox>("comboxOrdner")->currentText(), "Standard-Ordner");
+    bildschirmfoto(&f, "frmBlockverwaltung_angehaengt");
+    auto* menue = kind<QMenu>("mnuDatei");
+    menue->popup(f.mapToGlobal(QPoint(0, 0)));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(menue));
+    bildschirmfoto(menue, "mnuDatei");
+    menue->close();
+    benutzer.wahlen = {neu};
+    kind<QAction>("mnuBibliothekAbhaengen")->trigger();
+    ASSERT_EQ(box->count(), 1);
+    EXPECT_EQ(z.strAktuelleDb, bib + "\\dbTessara.mdb");
+    EXPECT_TRUE(fs::exists(wurzel / "neu" / "dbTessara.mdb"));
 }
 
 TEST_F(Hauptfenster, ADamagedLibraryIsReportedAndTheWindowStaysUsable) {

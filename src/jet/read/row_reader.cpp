@@ -9,6 +9,18 @@
 
 namespace jet {
 
+bool RowDecoder::hasVarTable(std::uint16_t rowColumns) const {
+    if (def_.varColumnCount == 0) return false;
+    if (rowColumns >= def_.columns.size()) return true;
+    // A row stored before columns were added holds only the columns of its
+    // time, and a variable column table only when one of those was
+    // variable: the first text column added to a table of fixed columns
+    // leaves its older rows without one.
+    for (const auto& c : def_.columns)
+        if (!c.isFixed() && c.number < rowColumns) return true;
+    return false;
+}
+
 RowDecoder::Layout RowDecoder::layout(const RowBytes& row) const {
     Layout l;
     const std::uint8_t* d = row.data();
@@ -23,7 +35,7 @@ RowDecoder::Layout RowDecoder::layout(const RowBytes& row) const {
     if (maskLen + 2 > l.size) bad("null mask does not fit");
     l.nullMask = l.size - maskLen;
     l.dataEnd = l.nullMask;
-    if (def_.varColumnCount > 0) {
+    if (hasVarTable(l.numCols)) {
         if (l.nullMask < 4) bad("variable column table does not fit");
         l.varLen = u16(d + l.nullMask - 2);
         std::size_t tableBytes = 2 * std::size_t(l.varLen) + 4;

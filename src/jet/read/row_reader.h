@@ -38,6 +38,9 @@ class RowDecoder {
     Value column(const RowBytes& row, const Layout& l, const Column& c) const;
 
   private:
+    // Whether a row of that many columns carries the variable column table.
+    bool hasVarTable(std::uint16_t rowColumns) const;
+
     PageCache& pages_;
     const TableDef& def_;
 };
