@@ -173,6 +173,8 @@ class NavigationsModell {
     int slotsProSeite() const { return fctSlotsProSeite(longAnzahlDerBilder_); }
     // The highest Page index the code table allows.
     long letzteSeite() const;
+    // The whole code table: entry k is the code of absolute slot k.
+    const std::vector<std::string>& codeTabelle() const { return codeTabelle_; }
     // The library directory with a trailing backslash.
     const std::string& strBasisVerzeichnis() const { return strBasis_; }
     const std::string& strDatenbank() const { return db_.strPfad; }
