@@ -76,6 +76,15 @@ void zeilenLoeschen(ProgrammZustand& z, db::Connection& con, const typBlockAkte&
     con.execute("DELETE FROM " + z.strTblBlockInfo + " WHERE Nr = " + nr);
 }
 
+// The key of the target Folder's record with the block number; 0: none.
+long nrImOrdner(Ort& o, const std::string& nr) {
+    db::Recordset rs;
+    rs.open("SELECT Nr FROM " + o.z.strTblBlockInfo +
+                " WHERE OrdnerID = " + std::to_string(o.ordnerId) + " AND Block = " + in(nr),
+            o.ziel);
+    return rs.eof() ? 0 : static_cast<long>(rs.value("Nr").asInt());
+}
+
 // The record under its new number: every column the target table shares with
 // the source's, then Block, OrdnerID and SlideLib for the target. Answers the
 // new record's Nr.
@@ -98,12 +107,9 @@ long zeileKopieren(Ort& o, const typBlockAkte& a, const std::string& nr,
     r.setValue("OrdnerID", static_cast<long long>(o.ordnerId));
     r.setValue("SlideLib", slideLib.empty() ? sql::Value::null() : sql::Value::text(slideLib));
     r.update();
-    db::Recordset neu;
-    neu.open("SELECT Nr FROM " + tabelle + " WHERE OrdnerID = " + std::to_string(o.ordnerId) +
-                 " AND Block = " + in(nr),
-             o.ziel);
-    if (neu.eof()) throw std::runtime_error("Block nicht geschrieben: " + nr);
-    return static_cast<long>(neu.value("Nr").asInt());
+    const long neu = nrImOrdner(o, nr);
+    if (!neu) throw std::runtime_error("Block nicht geschrieben: " + nr);
+    return neu;
 }
 
 // One Block onto the slot with block number `nr` (its occupant, when it has
@@ -149,9 +155,10 @@ bool blockEinfuegen(Ort& o, const typBlockAkte& a, const std::string& nr, long l
                 : fctSlideLibEintrag(o.ordnerNr, nr, !fctSlideLibIstEinzeldia(a.SlideLib));
         SchreibEinheit e(o.ziel);
         if (alt) zeilenLoeschen(o.z, o.ziel, *alt);
-        // Another workstation may have filled the slot meanwhile.
-        if (fctBlockVorhanden(o.z, o.ziel, nr))
-            throw std::runtime_error("Zielplatz inzwischen belegt: " + nr);
+        // Another workstation may have filled the slot meanwhile. Asked
+        // through the Folder's index: Block has none, and a paste of hundreds
+        // of Blocks would read the whole table for each.
+        if (nrImOrdner(o, nr)) throw std::runtime_error("Zielplatz inzwischen belegt: " + nr);
         const long neu = zeileKopieren(o, a, nr, slideLib);
         db::Recordset v;
         v.open("SELECT * FROM tblVariationBloecke WHERE Nr = 0", o.ziel, db::adOpenKeyset,
