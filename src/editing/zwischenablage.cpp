@@ -58,6 +58,10 @@ struct Ort {
     std::string quelleBasis;
     long ordnerId;
     std::string ordnerNr;  // without blanks
+    // One trash for the whole paste, emptied at its end: the Blocks that
+    // went as a delete does ("z\\") and the cut sources ("q\\"), kept apart
+    // since two libraries may hold the same file names.
+    std::string korb;
 };
 
 // A Block that goes as a delete does: its files into the trash (the caller
@@ -113,17 +117,17 @@ long zeileKopieren(Ort& o, const typBlockAkte& a, const std::string& nr,
 }
 
 // One Block onto the slot with block number `nr` (its occupant, when it has
-// one, with key lngBelegt): all of it, or nothing.
-bool blockEinfuegen(Ort& o, const typBlockAkte& a, const std::string& nr, long lngBelegt) {
+// one, with key lngBelegt): all of it, or nothing. booVerschieben: a cut
+// within one library, whose source goes in the same step.
+bool blockEinfuegen(Ort& o, const typBlockAkte& a, const std::string& nr, long lngBelegt,
+                    bool booVerschieben) {
     Prozedur p(o.z, "fctBlockAusAblageEinfuegen");
     DateiUmzug umzug(o.z);
-    std::string korb;
     try {
-        korb = fctPapierkorbAnlegen(o.z);
-        if (korb.empty()) throw std::runtime_error("kein Papierkorb im temporären Verzeichnis");
+        if (o.korb.empty()) throw std::runtime_error("kein Papierkorb im temporären Verzeichnis");
         p.step("belegten Platz räumen");
         const auto alt = lngBelegt ? fctBlockAkteFrisch(o.z, o.ziel, nr, lngBelegt) : std::nullopt;
-        if (alt) dateienInDenKorb(umzug, o.zielBasis, *alt, korb);
+        if (alt) dateienInDenKorb(umzug, o.zielBasis, *alt, o.korb + "z\\");
 
         p.step("Dateien kopieren");
         const auto alteNamen = variantenDateien(a);
@@ -135,6 +139,8 @@ bool blockEinfuegen(Ort& o, const typBlockAkte& a, const std::string& nr, long l
             if (fctDateiExistiert(o.quelleBasis + von[i]) &&
                 !umzug.kopieren(o.quelleBasis + von[i], o.zielBasis + nach[i]))
                 throw std::runtime_error("Datei nicht kopiert: " + von[i]);
+
+        if (booVerschieben) dateienInDenKorb(umzug, o.quelleBasis, a, o.korb + "q\\");
 
         p.step("Variantendatei umschreiben");
         const std::string satzDatei = o.zielBasis + nach.back();
@@ -170,29 +176,25 @@ bool blockEinfuegen(Ort& o, const typBlockAkte& a, const std::string& nr, long l
             v.setValue("BlockDateiName", neueNamen[i]);
             v.update();
         }
+        if (booVerschieben) zeilenLoeschen(o.z, o.ziel, a);
         e.commit();
         umzug.behalten();
     } catch (const std::exception& e) {
         p.fehler(e, true);
         umzug.rueckgaengig();
-        subPapierkorbLeeren(o.z, korb);
         return false;
     }
-    subPapierkorbLeeren(o.z, korb);
     return true;
 }
 
-// A cut Block leaves its old place once its copy stands.
+// A cut Block leaves its old place (in another library) once its copy stands.
 bool quelleEntfernen(Ort& o, const typBlockAkte& a) {
     Prozedur p(o.z, "fctAusgeschnittenenEntfernen");
     DateiUmzug umzug(o.z);
-    std::string korb;
     try {
-        const auto frisch = fctBlockAkteFrisch(o.z, o.quelle, a.Block, a.Nr);
+        const auto frisch = fctBlockAkteLesen(o.z, o.quelle, a.Block, a.Nr);
         if (!frisch || frisch->Nr != a.Nr) return true;  // gone meanwhile
-        korb = fctPapierkorbAnlegen(o.z);
-        if (korb.empty()) throw std::runtime_error("kein Papierkorb im temporären Verzeichnis");
-        dateienInDenKorb(umzug, o.quelleBasis, *frisch, korb);
+        dateienInDenKorb(umzug, o.quelleBasis, *frisch, o.korb + "q\\");
         SchreibEinheit e(o.quelle);
         zeilenLoeschen(o.z, o.quelle, *frisch);
         e.commit();
@@ -200,10 +202,8 @@ bool quelleEntfernen(Ort& o, const typBlockAkte& a) {
     } catch (const std::exception& e) {
         p.fehler(e, true);
         umzug.rueckgaengig();
-        subPapierkorbLeeren(o.z, korb);
         return false;
     }
-    subPapierkorbLeeren(o.z, korb);
     return true;
 }
 
@@ -324,7 +324,8 @@ bool Zwischenablage::fctEinfuegen(ProgrammZustand& z, NavigationsModell& m,
           gleich ? m.datenbank().con : *eigene,
           strQuelleBasis_,
           ordner->Nr,
-          fctOhneBlanks(ordner->OrdnerNr)};
+          fctOhneBlanks(ordner->OrdnerNr),
+          {}};
 
     p.step("Quelle und Ziel lesen");
     std::vector<std::optional<typBlockAkte>> quellen;
@@ -360,6 +361,7 @@ bool Zwischenablage::fctEinfuegen(ProgrammZustand& z, NavigationsModell& m,
                    {MsgboxZeile(kMsgUeberschreibenFrage), liste(ueberschreiben)}))
         return false;
 
+    o.korb = fctPapierkorbAnlegen(z);
     const long gesamt = static_cast<long>(eintraege_.size());
     const std::string text = fctBeschriftMsgboxZuordnen(z, kMsgFortschrittEinfuegen, kGruppeAllg);
     std::vector<typAblageEintrag> rest;
@@ -370,7 +372,8 @@ bool Zwischenablage::fctEinfuegen(ProgrammZustand& z, NavigationsModell& m,
             z.benutzer->fortschritt(static_cast<long>(i), gesamt,
                                     text + " " + quellen[i]->Block + " → " + ziele[i]);
         const auto b = belegt.find(ziele[i]);
-        if (!blockEinfuegen(o, *quellen[i], ziele[i], b == belegt.end() ? 0 : b->second)) {
+        if (!blockEinfuegen(o, *quellen[i], ziele[i], b == belegt.end() ? 0 : b->second,
+                            booAusschneiden_ && gleich)) {
             ok = false;
             rest.assign(eintraege_.begin() + static_cast<long>(i), eintraege_.end());
             const long versatz = rest.front().lngVersatz;
@@ -379,11 +382,12 @@ bool Zwischenablage::fctEinfuegen(ProgrammZustand& z, NavigationsModell& m,
                       {MsgboxZeile(kMsgEinfuegenAbgebrochen), quellen[i]->Block});
             break;
         }
-        if (booAusschneiden_ && !quelleEntfernen(o, *quellen[i]))
+        if (booAusschneiden_ && !gleich && !quelleEntfernen(o, *quellen[i]))
             fctMsgbox(z, MsgboxArt::Info,
                       {MsgboxZeile(kMsgQuelleNichtEntfernt), quellen[i]->Block});
     }
     if (gesamt > 1 && z.benutzer) z.benutzer->fortschritt(0, 0, {});
+    subPapierkorbLeeren(z, o.korb);
     if (!fehlen.empty())
         fctMsgbox(z, MsgboxArt::Info, {MsgboxZeile(kMsgQuelleFehlt), liste(fehlen)});
     if (booAusschneiden_) {

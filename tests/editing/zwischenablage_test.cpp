@@ -118,6 +118,7 @@ TEST_F(Ablage, CutMarkedBlocksLeaveTheirLibraryOnlyOnceTheyStandInTheOther) {
     for (const char* t : {"tblBlockInfo", "tblVariationBloecke", "tblMarkierteBloecke"})
         EXPECT_EQ(zeilen(std::string("SELECT * FROM ") + t), std::vector<std::string>{}) << t;
     EXPECT_TRUE(ablage.leer());
+    EXPECT_FALSE(fs::exists(wurzel / "TessaraPapierkorb1"));
     EXPECT_EQ(gezeigt().size(), 1u);  // the closing question only
 }
 
