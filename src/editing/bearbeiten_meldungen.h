@@ -30,4 +30,17 @@ inline constexpr long kMsgEinfuegepunktWaehlen = 481;
 inline constexpr long kMsgBasispunkt = 482;
 inline constexpr long kMsgAnsichtFehlt = 483;
 
+// The clipboard.
+inline constexpr long kMsgAblageLeer = 520;
+inline constexpr long kMsgSeiteOhneBloecke = 521;
+inline constexpr long kMsgQuelleNichtOffen = 522;  // then the database
+inline constexpr long kMsgAblageUeberschneidung = 523;
+inline constexpr long kMsgUeberschreibenFrage = 524;  // then the block numbers
+inline constexpr long kMsgOrdnerZuKlein = 525;
+inline constexpr long kMsgEinfuegenAbgebrochen = 526;  // then the block number
+inline constexpr long kMsgQuelleNichtEntfernt = 527;   // then the block number
+inline constexpr long kMsgQuelleFehlt = 528;           // then the block numbers
+inline constexpr long kMsgAusgeschnittenBeenden = 529;
+inline constexpr long kMsgFortschrittEinfuegen = 530;  // the progress line
+
 }  // namespace tessara

@@ -1,5 +1,6 @@
 #include "editing/datei_umzug.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -33,6 +34,21 @@ bool DateiUmzug::verschieben(const std::string& von, const std::string& nach) {
     if (!ziel.empty() && !fctFolderExistAnlegen(z_, ziel)) return false;
     if (!MoveAFile(z_, von, nach)) return false;
     zurueck_.push_back([this, von, nach] { return MoveAFile(z_, nach, von); });
+    return true;
+}
+
+bool DateiUmzug::kopieren(const std::string& von, const std::string& nach) {
+    Prozedur p(z_, "DateiKopieren ");
+    const std::string ziel = fctVerzeichnisVon(nach);
+    if (!ziel.empty() && !fctFolderExistAnlegen(z_, ziel)) return false;
+    std::error_code ec;
+    if (!std::filesystem::copy_file(fctNativerPfad(von), fctNativerPfad(nach), ec)) {
+        p.fehler("Datei nicht kopiert: " + von + " -> " + nach +
+                     (ec ? " (" + ec.message() + ")" : std::string()),
+                 0, true);
+        return false;
+    }
+    zurueck_.push_back([this, nach] { return DeleteAFile(z_, nach); });
     return true;
 }
 

@@ -25,6 +25,9 @@ class DateiUmzug {
     // is missing. False when it could not: the target exists, the file is
     // locked, a directory is write-protected.
     bool verschieben(const std::string& von, const std::string& nach);
+    // Copies one file the same way; a target that exists is refused rather
+    // than overwritten, so a take-back never deletes a file it did not make.
+    bool kopieren(const std::string& von, const std::string& nach);
     // Writes the bytes as the file's new content; the old content (or the
     // file's absence) is what a take-back restores.
     bool schreiben(const std::string& datei, const std::string& bytes);

@@ -163,4 +163,22 @@ void BlockBearbeitung::ansichtenZeigen() {
     fra_->setVisible(!bilder.empty());
 }
 
+void BlockBearbeitung::ablageNehmen(AblageUmfang umfang, bool booAusschneiden) {
+    ablage_.fctNehmen(k_.z, k_.sitzung.modell(), umfang, booAusschneiden,
+                      k_.sitzung.schreibgeschuetzt());
+}
+
+void BlockBearbeitung::mnuAblageEinfuegen_Click() {
+    if (laeuft_) return;
+    laeuft_ = true;
+    ablage_.fctEinfuegen(k_.z, k_.sitzung.modell(), k_.sitzung.schreibgeschuetzt());
+    laeuft_ = false;
+    // Even a paste that stopped half way changed the Page.
+    ausfuehren(kSeiteGeaendert | kAnsichtenGeaendert);
+}
+
+bool BlockBearbeitung::fctZwischenspeicherAbfragen() {
+    return ablage_.fctZwischenspeicherAbfragen(k_.z);
+}
+
 }  // namespace tessara

@@ -13,6 +13,7 @@
 
 #include "cad/cad_verbindung.h"
 #include "editing/block_befehle.h"
+#include "editing/zwischenablage.h"
 #include "ui/block_aktionen.h"
 
 namespace tessara {
@@ -43,6 +44,15 @@ class BlockBearbeitung : public QObject {
     // Draws the strip anew from the selected slot.
     void ansichtenZeigen();
 
+    // The clipboard: cut or copy the selected Block, the marked Blocks or the
+    // Page; paste from the selected slot on. It outlives a library switch,
+    // so Blocks can be pasted into another library.
+    void ablageNehmen(AblageUmfang umfang, bool booAusschneiden);
+    void mnuAblageEinfuegen_Click();
+    // On closing: false when a cut not yet pasted should keep Tessara open.
+    bool fctZwischenspeicherAbfragen();
+    const Zwischenablage& ablage() const { return ablage_; }
+
   private:
     void ausfuehren(unsigned was);
     void neu(NeuArt art);
@@ -50,6 +60,7 @@ class BlockBearbeitung : public QObject {
     FensterKontext k_;
     CadVerbindung& v_;
     BlockBefehle befehle_;
+    Zwischenablage ablage_;
     QGroupBox* fra_;
     std::array<SldBlockverwaltung*, 5> dias_{};
     std::array<int, 5> ansichten_{};  // the View each tile shows; -1: hidden

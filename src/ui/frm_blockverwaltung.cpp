@@ -9,6 +9,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <tuple>
 
 #include "authoring/datei_layout.h"
 #include "authoring/dateien_operationen.h"
@@ -227,6 +228,22 @@ void FrmBlockverwaltung::panelsEinbauen() {
              {ui_->mnuVariantenverwaltung, &BlockBearbeitung::mnuVariantenverwaltung_Click},
              {ui_->mnuMarkierteVerschieben, &BlockBearbeitung::mnuMarkierteVerschieben_Click}})
         connect(aktion, &QAction::triggered, bearbeitung_, ziel);
+
+    ui_->mnuAusschneiden->setShortcut(QKeySequence::Cut);
+    ui_->mnuKopieren->setShortcut(QKeySequence::Copy);
+    ui_->mnuAblageEinfuegen->setShortcut(QKeySequence::Paste);
+    for (auto [aktion, umfang, ausschneiden] :
+         std::initializer_list<std::tuple<QAction*, AblageUmfang, bool>>{
+             {ui_->mnuAusschneiden, AblageUmfang::Block, true},
+             {ui_->mnuKopieren, AblageUmfang::Block, false},
+             {ui_->mnuMarkierteAusschneiden, AblageUmfang::Markierte, true},
+             {ui_->mnuMarkierteKopieren, AblageUmfang::Markierte, false},
+             {ui_->mnuSeiteAusschneiden, AblageUmfang::Seite, true},
+             {ui_->mnuSeiteKopieren, AblageUmfang::Seite, false}})
+        connect(aktion, &QAction::triggered, bearbeitung_,
+                [this, umfang, ausschneiden] { bearbeitung_->ablageNehmen(umfang, ausschneiden); });
+    connect(ui_->mnuAblageEinfuegen, &QAction::triggered, bearbeitung_,
+            &BlockBearbeitung::mnuAblageEinfuegen_Click);
 }
 
 FrmBlockverwaltung::~FrmBlockverwaltung() {
@@ -263,6 +280,14 @@ void FrmBlockverwaltung::slotsAnlegen(int anzahl) {
                 [this, i](bool an) { chkMarkieren_Click(i, an); });
         connect(s->dia, &SldBlockverwaltung::abgelegt, bearbeitung_,
                 &BlockBearbeitung::platzAbgelegt);
+        // A right click selects the slot and offers the clipboard's entries.
+        s->dia->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(s->dia, &QWidget::customContextMenuRequested, this, [this, i](const QPoint& p) {
+            sldBlockverwaltung_LButtonDown(i);
+            QMenu menue;
+            menue.addActions({ui_->mnuAusschneiden, ui_->mnuKopieren, ui_->mnuAblageEinfuegen});
+            menue.exec(slots_[i]->dia->mapToGlobal(p));
+        });
         s->markieren->setEnabled(!schreibgeschuetzt());
         s->dia->setAblageErlaubt(!schreibgeschuetzt());
         s->hide();
@@ -627,7 +652,9 @@ void FrmBlockverwaltung::schreibschutzZeigen() {
     ui_->mnuMarkierungenAufheben->setEnabled(!gesperrt);
     for (auto* w : std::initializer_list<QObject*>{
              ui_->combutNeu, ui_->mnuBlockNeu, ui_->mnuAnsichtNeu, ui_->mnuVarianteNeu,
-             ui_->mnuBlockUmbenennen, ui_->mnuBlockLoeschen, ui_->mnuMarkierteVerschieben})
+             ui_->mnuBlockUmbenennen, ui_->mnuBlockLoeschen, ui_->mnuMarkierteVerschieben,
+             ui_->mnuAusschneiden, ui_->mnuMarkierteAusschneiden, ui_->mnuSeiteAusschneiden,
+             ui_->mnuAblageEinfuegen})
         w->setProperty("enabled", !gesperrt);
     for (auto* s : slots_) {
         s->markieren->setEnabled(!gesperrt);
@@ -640,6 +667,11 @@ void FrmBlockverwaltung::schreibschutzZeigen() {
 void FrmBlockverwaltung::closeEvent(QCloseEvent* e) {
     if (booEntladen_) {
         e->accept();
+        return;
+    }
+    // Zwischenspeicher abfragen: a cut not yet pasted may keep Tessara open.
+    if (booGeladen_ && !bearbeitung_->fctZwischenspeicherAbfragen()) {
+        e->ignore();
         return;
     }
     if (booGeladen_ && !fctMsgbox(z_, MsgboxArt::Frage, {MsgboxZeile(kMsgTessaraBeenden)},

@@ -4,23 +4,9 @@
 #include "editing/ansichten.h"
 #include "editing/block_loeschen.h"
 #include "editing/block_verschieben.h"
-#include "editing/varianten.h"
 
 namespace tessara::edittest {
 namespace {
-
-// A Block of five Views on slot 0 with a Variant of two Views and a mark.
-std::string vollerBlock(Bloecke& t) {
-    const std::string b = t.block(0, 5);
-    typEinfuegepunkte p;
-    p[0] = {"1", "2", "3"};
-    EXPECT_TRUE(subBlockdatenInDatenbankAbspeichernVariante(t.z, *t.modell, b, "Flansch", b + "_1",
-                                                            {{0, p}, {1, p}}));
-    t.datei("000/Block/Varia/" + b + "_10.dwg");
-    t.datei("000/Block/Varia/" + b + "_11.dwg");
-    EXPECT_TRUE(t.modell->fctMarkierungSetzen(0, true));
-    return b;
-}
 
 std::vector<std::string> alleZeilen(Bloecke& t) {
     auto z = t.zeilen("SELECT Block, OrdnerID, SlideLib FROM tblBlockInfo ORDER BY Nr");
@@ -33,7 +19,7 @@ std::vector<std::string> alleZeilen(Bloecke& t) {
 using Verschieben = Bloecke;
 
 TEST_F(Verschieben, EveryFileFollowsTheBlockIntoAnotherFolder) {
-    const std::string b = vollerBlock(*this);
+    const std::string b = vollerBlock();
     sql("INSERT INTO tblOrdner (OrdnerNr, Ordnername, OrdnerRechte, NrTblDefMenue) VALUES "
         "('001', 'Zwei', 'Alle', 1)");
     const auto vorher = dateien();
@@ -58,7 +44,7 @@ TEST_F(Verschieben, EveryFileFollowsTheBlockIntoAnotherFolder) {
 }
 
 TEST_F(Verschieben, AFailureHalfWayLeavesEverythingAsItWas) {
-    const std::string b = vollerBlock(*this);
+    const std::string b = vollerBlock();
     block(3);
     EXPECT_FALSE(DateienUmEinePositionVerschieben(z, *modell, b, "000", 1, nr(3)));
     // The last Variant drawing cannot go where a file lies already.
@@ -92,7 +78,7 @@ TEST_F(Verschieben, MarkedBlocksTakeTheFreeSlotsFromTheSelectedOn) {
 using Loeschen = Bloecke;
 
 TEST_F(Loeschen, TheBlockGoesWithItsFilesVariantsAndMarks) {
-    const std::string b = vollerBlock(*this);
+    const std::string b = vollerBlock();
     const std::string anderer = block(1);
     benutzer.antworten = {Antwort::Nein};
     EXPECT_FALSE(fctBlockLoeschen(z, *modell, b));
@@ -107,7 +93,7 @@ TEST_F(Loeschen, TheBlockGoesWithItsFilesVariantsAndMarks) {
 }
 
 TEST_F(Loeschen, AFileThatCannotGoKeepsTheBlockWhole) {
-    const std::string b = vollerBlock(*this);
+    const std::string b = vollerBlock();
     fs::create_directories(wurzel / "lib/000/Block/Varia" / (b + "_13.dwg") / "x");
     const auto vorher = dateien();
     const auto zeilenVorher = alleZeilen(*this);

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <map>
 
+#include "editing/varianten.h"
 #include "organisation/bibliothek.h"
 
 namespace tessara::edittest {
@@ -40,11 +41,24 @@ class Bloecke : public orgtest::Bibliothek {
         return b;
     }
 
-    // Every file below the library directory but the database, with its content.
-    std::map<std::string, std::string> dateien() const {
+    // A Block of five Views on slot 0 with a Variant of two Views and a mark.
+    std::string vollerBlock() {
+        const std::string b = block(0, 5);
+        typEinfuegepunkte p;
+        p[0] = {"1", "2", "3"};
+        EXPECT_TRUE(subBlockdatenInDatenbankAbspeichernVariante(z, *modell, b, "Flansch", b + "_1",
+                                                                {{0, p}, {1, p}}));
+        datei("000/Block/Varia/" + b + "_10.dwg");
+        datei("000/Block/Varia/" + b + "_11.dwg");
+        EXPECT_TRUE(modell->fctMarkierungSetzen(0, true));
+        return b;
+    }
+
+    // Every file below a library directory but the database, with its content.
+    std::map<std::string, std::string> dateien(const std::string& bibliothek = "lib") const {
         std::map<std::string, std::string> d;
-        for (const auto& e : fs::recursive_directory_iterator(wurzel / "lib")) {
-            const std::string rel = fs::relative(e.path(), wurzel / "lib").generic_string();
+        for (const auto& e : fs::recursive_directory_iterator(wurzel / bibliothek)) {
+            const std::string rel = fs::relative(e.path(), wurzel / bibliothek).generic_string();
             if (!e.is_regular_file() || rel.starts_with("dbTessara")) continue;
             std::ifstream in(e.path(), std::ios::binary);
             d[rel].assign(std::istreambuf_iterator<char>(in), {});

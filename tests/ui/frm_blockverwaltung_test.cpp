@@ -18,6 +18,7 @@
 
 #include "authoring/datei_layout.h"
 #include "authoring/slide_library.h"
+#include "captions/meldungen.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
 #include "library/datenbank.h"
@@ -215,6 +216,35 @@ TEST_F(Hauptfenster, ViewStripAndDropOntoAFreeSlot) {
     EXPECT_EQ(rs.text("Block"), "0000003");
     EXPECT_TRUE(fs::exists(platform::nativePath(bib + "\\000\\00000030.slb")));
     EXPECT_TRUE(kind<SldBlockverwaltung>("sldBlockverwaltung_3")->ausgewaehlt());
+}
+
+// Ctrl+X on a slot, Ctrl+V in another Folder: the Block moves there; until
+// then, closing asks about the cut.
+TEST_F(Hauptfenster, TheEditMenuAndItsKeysCutAndPasteABlockIntoAnotherFolder) {
+    auto& f = laden();
+    f.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f));
+    auto* raster = kind<QWidget>("rasterFlaeche");
+    const QString name = kind<QLabel>("labBlock_0")->text();
+    QTest::keyClick(raster, Qt::Key_X, Qt::ControlModifier);
+    benutzer.antworten = {Antwort::Nein};
+    EXPECT_FALSE(f.close());
+    kind<QComboBox>("comboxOrdner")->activated(1);
+    f.sldBlockverwaltung_LButtonDown(2);
+    QTest::keyClick(raster, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(kind<QLabel>("labBlock_2")->text(), name);
+    kind<QComboBox>("comboxOrdner")->activated(0);
+    EXPECT_FALSE(f.modell().seitenSlots().at(0).booBelegt);
+    ASSERT_FALSE(benutzer.gezeigt.empty());
+    EXPECT_EQ(benutzer.gezeigt.front().text, fctBeschriftMsgboxZuordnen(z, 529, kGruppeAllg) +
+                                                 "\r1: " + f.modell().seitenSlots()[0].strBlockNr);
+    auto* menue = kind<QMenu>("mnuBearbeiten");
+    menue->popup(f.mapToGlobal(QPoint(40, 40)));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(menue));
+    EXPECT_EQ(menue->actions().at(2)->text().remove('&'), QString::fromUtf8("Einfügen"));
+    bildschirmfoto(menue, "frmBlockverwaltung_bearbeiten");
+    menue->close();
+    EXPECT_EQ(protokoll(), "");
 }
 
 TEST_F(Hauptfenster, ClosingKeepsThePositionForTheNextStart) {
