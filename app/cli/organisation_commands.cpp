@@ -9,6 +9,7 @@
 #include "cli/cli.h"
 #include "db/jet_opener.h"
 #include "exchange/ordner_austausch.h"
+#include "exchange/verzeichnis_austausch.h"
 #include "library/navigation_model.h"
 #include "organisation/ordner_verwaltung.h"
 #include "organisation/seiten_verwaltung.h"
@@ -176,6 +177,44 @@ int runPage(const cli::Args& a, std::istream&, std::ostream& out, std::ostream& 
     for (const auto& s : b.m().seitenListe()) out << s.SeitenNr << "\t" << s.SeitenName << "\n";
     return 0;
 }
+
+// The drawings of a directory into a Folder (made when missing), or a
+// Folder's drawings out to a directory.
+int runDir(const cli::Args& a, std::ostream& out, std::ostream& err, bool einlesen) {
+    const char* befehl = einlesen ? "import-dir" : "export-dir";
+    if (a.size() != 3)
+        return nutzung(err, einlesen ? "import-dir PATH DIR NAME" : "export-dir PATH NAME DIR");
+    Bibliothek b(befehl, err);
+    if (!b.oeffnen(a[0])) return 1;
+    std::error_code ec;
+    const std::string dir = platform::programPath(fs::absolute(a[einlesen ? 1 : 2], ec).string());
+    long n = -1;
+    if (einlesen) {
+        n = tessara::fctZeichnungenEinlesen(b.z(), b.m(), tessara::fctZeichnungenImVerzeichnis(dir),
+                                            a[2], fs::path(a[1]).filename().string());
+    } else if (const auto* o = b.ordnerEintrag(a[1])) {
+        n = tessara::fctZeichnungenAusgeben(b.z(), b.m(), o->OrdnerNr, dir);
+    } else {
+        b.fehler("no folder named '" + a[1] + "'");
+        return 1;
+    }
+    if (b.ergebnis(n >= 0) != 0) return 1;
+    out << n << (einlesen ? " blocks made\n" : " drawings written\n");
+    return 0;
+}
+
+cli::Subcommand importDirCmd{
+    "import-dir", "PATH DIR NAME",
+    "read every drawing of DIR into the Folder NAME (made when missing) as new Blocks",
+    [](const cli::Args& a, std::istream&, std::ostream& out, std::ostream& err) {
+        return runDir(a, out, err, true);
+    }};
+cli::Subcommand exportDirCmd{
+    "export-dir", "PATH NAME DIR",
+    "write the drawings of the Folder NAME to DIR, named by \"sSpalteDateiNameExport\", with a CSV",
+    [](const cli::Args& a, std::istream&, std::ostream& out, std::ostream& err) {
+        return runDir(a, out, err, false);
+    }};
 
 cli::Subcommand folderCmd{"folder", kFolderNutzung + 7,
                           "list, create, rename, delete, export or import the Folders of a "

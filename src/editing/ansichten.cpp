@@ -18,13 +18,15 @@ std::vector<typAnsichtBild> fctAnsichtenBilder(ProgrammZustand& z, NavigationsMo
         if (!a) return bilder;
         const std::string& basis = m.strBasisVerzeichnis();
         const bool bibliothek = !fctSlideLibIstEinzeldia(a->SlideLib);
-        bilder.push_back({0, a->BlkName[0], fctBildnameAnsicht0(basis, a->SlideLib)});
+        bilder.push_back({0, a->BlkName[0], fctBildnameAnsicht0(basis, a->SlideLib),
+                          basis + fctZeichnungDatei(a->OrdnerNr, a->Block, 0)});
         for (int v = 1; v < 5; ++v) {
             if (a->BlkName[v].empty()) continue;
             bilder.push_back({v, a->BlkName[v],
                               bibliothek ? basis + fctDiaBibliothek(a->OrdnerNr, a->Block, v) +
                                                "(" + fctDiaCode(v) + ")"
-                                         : basis + fctDiaDatei(a->OrdnerNr, a->Block, v)});
+                                         : basis + fctDiaDatei(a->OrdnerNr, a->Block, v),
+                              basis + fctZeichnungDatei(a->OrdnerNr, a->Block, v)});
         }
         return bilder;
     });

@@ -13,8 +13,9 @@ namespace tessara {
 
 struct typAnsichtBild {
     int ansicht = 0;
-    std::string name;  // BlkName<v>
-    std::string bild;  // picture name: library & "(vA)", or the single slide
+    std::string name;       // BlkName<v>
+    std::string bild;       // picture name: library & "(vA)", or the single slide
+    std::string zeichnung;  // the View's drawing, whose own preview stands in for a missing slide
 };
 
 // The existing Views of the Block (View 0 always, Views 1 .. 4 when they

@@ -1,6 +1,7 @@
 #include "exchange/verzeichnis_austausch.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -84,7 +85,28 @@ std::vector<std::string> fctZeichnungenImVerzeichnis(const std::string& strVerze
             platform::equalsIgnoreCase(name.substr(name.size() - 4), ".dwg"))
             dateien.push_back(fctBackslashAmEndeAnfuegen(strVerzeichnis) + name);
     }
-    std::sort(dateien.begin(), dateien.end());
+    // In the order Explorer shows them: "Ventil 2" before "Ventil 10".
+    std::sort(dateien.begin(), dateien.end(), [](const std::string& a, const std::string& b) {
+        std::size_t i = 0, j = 0;
+        while (i < a.size() && j < b.size()) {
+            if (std::isdigit(static_cast<unsigned char>(a[i])) &&
+                std::isdigit(static_cast<unsigned char>(b[j]))) {
+                const std::size_t i0 = i, j0 = j;
+                while (i < a.size() && std::isdigit(static_cast<unsigned char>(a[i]))) ++i;
+                while (j < b.size() && std::isdigit(static_cast<unsigned char>(b[j]))) ++j;
+                const auto x = a.substr(i0, i - i0), y = b.substr(j0, j - j0);
+                const auto xs = x.substr(std::min(x.find_first_not_of('0'), x.size()));
+                const auto ys = y.substr(std::min(y.find_first_not_of('0'), y.size()));
+                if (xs.size() != ys.size()) return xs.size() < ys.size();
+                if (xs != ys) return xs < ys;
+                continue;
+            }
+            const int ca = std::tolower(static_cast<unsigned char>(a[i++]));
+            const int cb = std::tolower(static_cast<unsigned char>(b[j++]));
+            if (ca != cb) return ca < cb;
+        }
+        return a.size() - i < b.size() - j;
+    });
     return dateien;
 }
 

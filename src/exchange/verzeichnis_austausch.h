@@ -24,7 +24,7 @@ namespace tessara {
 
 inline constexpr long kMsgKeineZeichnungen = 541;
 inline constexpr long kMsgZeichnungenEingelesen = 542, kMsgZeichnungenGeschrieben = 543;
-inline constexpr long kMsgKeinFreierPlatz = 544;
+inline constexpr long kMsgKeinFreierPlatz = 544, kMsgWelcherOrdner = 545;
 
 // The drawings (".dwg", any case) directly in the directory, in name order,
 // as program paths.

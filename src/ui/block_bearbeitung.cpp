@@ -9,6 +9,7 @@
 #include "editing/ansichten.h"
 #include "editing/bearbeiten_meldungen.h"
 #include "editing/block_name.h"
+#include "platform/environment.h"
 #include "startup/benutzer.h"
 #include "ui/beschriften.h"
 #include "ui/frm_variantenverwaltung.h"
@@ -155,7 +156,8 @@ void BlockBearbeitung::ansichtenZeigen() {
             continue;
         }
         ansichten_[i] = bilder[i].ansicht;
-        d->setBild(k_.vorschau.bild(bilder[i].bild, d->size(), ui::DiaHintergrund::Dunkel));
+        d->setBild(k_.vorschau.bild(bilder[i].bild, d->size(), ui::DiaHintergrund::Dunkel,
+                                    platform::nativePath(bilder[i].zeichnung)));
         d->setToolTip(q(bilder[i].name));
         d->setAusgewaehlt(bilder[i].ansicht == markiert);
         d->show();

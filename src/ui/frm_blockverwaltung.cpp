@@ -198,6 +198,10 @@ void FrmBlockverwaltung::panelsEinbauen() {
     leiste->insertWidget(stelle + 1, zuletzt);
 
     verwaltung_ = new Verwaltungsfenster(k, this);
+    connect(ui_->mnuZeichnungenEinlesen, &QAction::triggered, verwaltung_,
+            &Verwaltungsfenster::mnuZeichnungenEinlesen_Click);
+    connect(ui_->mnuZeichnungenAusgeben, &QAction::triggered, verwaltung_,
+            &Verwaltungsfenster::mnuZeichnungenAusgeben_Click);
     connect(ui_->mnuOrdnerverwaltung, &QAction::triggered, verwaltung_,
             &Verwaltungsfenster::mnuOrdnerverwaltung_Click);
     connect(ui_->mnuSeitenverwaltung, &QAction::triggered, verwaltung_,

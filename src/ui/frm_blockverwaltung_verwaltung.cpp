@@ -4,11 +4,16 @@
 
 #include "captions/meldungen.h"
 #include "captions/meldungs_nummern.h"
+#include "editing/bearbeiten_meldungen.h"
+#include "exchange/verzeichnis_austausch.h"
 #include "library/bibliothek_sitzung.h"
 #include "organisation/block_eigenschaften.h"
 #include "organisation/ordner_rechte.h"
 #include "organisation/ordner_verwaltung.h"
+#include "platform/environment.h"
 #include "startup/einstellungen.h"
+#include "startup/pfade.h"
+#include "ui/beschriften.h"
 #include "ui/frm_block_eigenschaften.h"
 #include "ui/frm_def_menue.h"
 #include "ui/frm_ordnerverwaltung.h"
@@ -55,6 +60,44 @@ void Verwaltungsfenster::mnuOrdnerverwaltung_Click() {
         f->setRechte(s.setup().longRechteverwaltung == 1, fctAnmeldeName());
         return f;
     });
+}
+
+void Verwaltungsfenster::mnuZeichnungenEinlesen_Click() {
+    auto& s = k_.sitzung;
+    if (!s.modell().offen() || !k_.z.benutzer) return;
+    if (s.schreibgeschuetzt()) {
+        fctMsgbox(k_.z, MsgboxArt::Info, {kMsgSchreibgeschuetzt});
+        return;
+    }
+    const std::string titel = ui::fctText(k_.z, "frmBlockverwaltung", "mnuZeichnungenEinlesen")
+                                  .remove(QLatin1Char('&'))
+                                  .toStdString();
+    const std::string dir = k_.z.benutzer->ordnerWaehlen(titel, k_.z.strVerzeichnisVorgabe);
+    if (dir.empty()) return;
+    // The directory's own name first: a new Folder, unless one is named so.
+    const std::string neu =
+        fctNativerPfad(fctOhneBackslash(platform::programPath(dir))).filename().string();
+    std::vector<std::string> namen{neu};
+    for (const auto& o : s.modell().aryOrdner())
+        if (o.OrdnerName != neu) namen.push_back(o.OrdnerName);
+    const std::string ordner = k_.z.benutzer->listeWaehlen(
+        titel, fctBeschriftMsgboxZuordnen(k_.z, kMsgWelcherOrdner, kGruppeAllg), namen);
+    if (ordner.empty()) return;
+    fctVerzeichnisEinlesen(k_.z, s.modell(), platform::programPath(dir), ordner);
+    k_.aktionen.ordnerUndSeitenNeuAnzeigen();
+}
+
+void Verwaltungsfenster::mnuZeichnungenAusgeben_Click() {
+    auto& s = k_.sitzung;
+    const auto* o = s.modell().aktuellerOrdner();
+    if (!o || !k_.z.benutzer) return;
+    const std::string dir = k_.z.benutzer->ordnerWaehlen(
+        ui::fctText(k_.z, "frmBlockverwaltung", "mnuZeichnungenAusgeben")
+            .remove(QLatin1Char('&'))
+            .toStdString(),
+        k_.z.strVerzeichnisVorgabe);
+    if (!dir.empty())
+        fctZeichnungenAusgeben(k_.z, s.modell(), o->OrdnerNr, platform::programPath(dir));
 }
 
 void Verwaltungsfenster::mnuSeitenverwaltung_Click() {

@@ -22,6 +22,11 @@ class Verwaltungsfenster : public QObject {
     void mnuSeitenverwaltung_Click();
     void mnuDefMenue_Click();
     void mnuBlockEigenschaften_Click();
+    // The drawings of a directory into a Folder the user picks (the
+    // directory's name for a new one), and the current Folder's drawings out
+    // to a directory.
+    void mnuZeichnungenEinlesen_Click();
+    void mnuZeichnungenAusgeben_Click();
     // The Folder box by name (or by sort number), saved in the Settings file.
     void chkOrdnerSortieren_Click(bool booNachName);
 

@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -25,6 +26,7 @@
 #include "ui/frm_block_eigenschaften.h"
 #include "ui/frm_blockverwaltung.h"
 #include "ui/frm_def_menue.h"
+#include "ui/frm_ordner_austausch.h"
 #include "ui/frm_ordner_neu.h"
 #include "ui/frm_ordner_umbenennen.h"
 #include "ui/frm_seite_neu.h"
@@ -82,7 +84,7 @@ TEST_F(Verwaltung, AFullRoundOfFolderAndPageChangesShowsAtOnceInTheMainWindow) {
     auto* ordner = geoeffnet<FrmOrdnerverwaltung>(fenster.get());
     auto* liste = kind<QListWidget>(ordner, "dlisOrdner");
     EXPECT_EQ(liste->count(), ordnerVorher.size());
-    EXPECT_FALSE(kind<QPushButton>(ordner, "cmdOrdnerExport")->isEnabled());
+    EXPECT_TRUE(kind<QPushButton>(ordner, "cmdOrdnerExport")->isEnabled());
     EXPECT_EQ(ordner->windowTitle(), "Ordner verwalten");
     bildschirmfoto(ordner, "frmOrdnerverwaltung");
 
@@ -152,6 +154,28 @@ TEST_F(Verwaltung, AFullRoundOfFolderAndPageChangesShowsAtOnceInTheMainWindow) {
     sortiert.sort(Qt::CaseInsensitive);
     EXPECT_EQ(box("comboxOrdner"), sortiert);
     EXPECT_EQ(IniGetValue(z, z.strIniDatei, "AllgemeineDaten", "nOrdnerSortieren"), "1");
+
+    // The selected Folder out to a file and back in under a new name.
+    seiten->close();
+    // The closed windows go as the event loop would delete them.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    kind<QAction>(fenster.get(), "mnuOrdnerverwaltung")->trigger();
+    ordner = geoeffnet<FrmOrdnerverwaltung>(fenster.get());
+    klicken(ordner, "cmdOrdnerExport");
+    auto* aus = geoeffnet<FrmOrdnerExport>(ordner);
+    const QString datei = QString::fromStdString(platform::nativePath(bib + "\\aus\\x.mdb"));
+    eintippen(aus, "txtPfad", datei);
+    bildschirmfoto(aus, "frmOrdnerExport");
+    klicken(aus, "cmbOk");
+    QTRY_VERIFY(QFileInfo::exists(datei));
+    klicken(ordner, "cmdOrdnerImport");
+    auto* ein = geoeffnet<FrmOrdnerImport>(ordner);
+    eintippen(ein, "txtPfad", datei);
+    eintippen(ein, "txtOrdnerName", QString::fromUtf8("Zukauf für Holz"));
+    bildschirmfoto(ein, "frmOrdnerImport");
+    klicken(ein, "cmbOk");
+    QTRY_COMPARE(kind<QComboBox>(fenster.get(), "comboxOrdner")->currentText(),
+                 QString::fromUtf8("Zukauf für Holz"));
 
     // Every caption of these windows and of the menu entries is in the files.
     std::istringstream log(protokoll());
