@@ -31,6 +31,23 @@ void schreiben(const std::string& programmPfad, const std::string& text) {
     std::ofstream(platform::nativePath(programmPfad), std::ios::binary) << text;
 }
 
+// Relationships enforced and an index descending, as a catalogue that
+// Access or another program kept may have them.
+void streng(const db::StorageOpener& oeffner, const std::string& datei) {
+    db::Connection con(oeffner);
+    con.open(fctJetVerbindung(datei));
+    con.execute("CREATE INDEX BlockAb ON tblBlockInfo(Block DESC)");
+    db::Catalog cat;
+    cat.setActiveConnection(con);
+    db::CatalogKey k{"strengVariante", db::adKeyForeign, {"BlockID"}, "tblBlockInfo", {"Nr"}};
+    k.enforce = true;
+    k.deleteRule = db::adRISetNull;
+    cat.appendKey("tblVariationBloecke", k);
+    k = {"strengSeite", db::adKeyForeign, {"NrTblOrdner"}, "tblOrdner", {"Nr"}};
+    k.enforce = true;
+    cat.appendKey("tblSeiten", k);
+}
+
 class OrdnerAustausch : public Bibliothek {
   protected:
     static constexpr int kBloecke = 300;
@@ -38,6 +55,8 @@ class OrdnerAustausch : public Bibliothek {
 
     void SetUp() override {
         Bibliothek::SetUp();
+        streng(oeffner, db);
+        oeffnen();
         ASSERT_TRUE(fctOrdnerNeu(z, *modell, "Armaturen", &code));
         db::Connection con(oeffner);
         con.open(fctJetVerbindung(db));
@@ -86,6 +105,7 @@ TEST_F(OrdnerAustausch, RoundTripIntoASecondLibraryRecodesBlocksFilesAndVariants
     basis = platform::programPath((wurzel / "lib2").string()) + "\\";
     fs::create_directories(wurzel / "lib2");
     ASSERT_TRUE(Mk_Datenbank(z, oeffner, db));
+    streng(oeffner, db);
     for (int i = 0; i < 7; ++i)
         ausfuehren("INSERT INTO tblBlockInfo (Block, OrdnerID) VALUES ('" + nummer("000", i) +
                    "', 1)");
