@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "authoring/datei_layout.h"
+#include "befehl.h"
 #include "db/catalog.h"
 #include "editing/varianten_datei.h"
 #include "library/datenbank.h"
@@ -184,6 +185,35 @@ TEST_F(OrdnerAustausch, CancelledWorkLeavesNothingHalfAndARerunCompletes) {
     // The copy's drawings lie under its own code, beside the original's.
     const std::string neu = fctOhneBlanks(modell->aktuellerOrdner()->OrdnerNr);
     EXPECT_EQ(lesen(basis + fctZeichnungDatei(neu, nummer(neu, 7), 0)), "dwg " + nummer(code, 7));
+}
+
+// The import killed at points along its way, by a signal that lets it do
+// nothing more: the library stays clean, no record names a missing drawing,
+// and the import run once more (answering Yes to replacing) completes it.
+TEST_F(OrdnerAustausch, KilledImportLeavesACleanLibraryAndARerunCompletesIt) {
+    ASSERT_TRUE(fctOrdnerExportieren(z, *modell, code, datei));
+    const std::string cli = std::string(TESSARA_CLI) + " ";
+    const std::string import = cli + "folder import '" + platform::nativePath(db) + "' '" +
+                               platform::nativePath(datei) + "' Zukauf 2>/dev/null";
+    for (const char* nach : {"0.05", "0.1", "0.2", "0.4", "0.8"}) {
+        test::befehlsAusgabe(std::string("timeout -s KILL ") + nach + " " + import);
+        EXPECT_EQ(test::befehlsAusgabe(cli + "check '" + platform::nativePath(db) + "'"),
+                  "no faults found\n")
+            << nach;
+        for (const auto& zeile : zeilen("SELECT o.OrdnerNr, b.Block FROM tblBlockInfo b INNER "
+                                        "JOIN tblOrdner o ON b.OrdnerID = o.Nr")) {
+            const auto c = fctOhneBlanks(zeile.substr(0, zeile.find('|')));
+            const auto nr = zeile.substr(zeile.find('|') + 1);
+            ASSERT_TRUE(fs::exists(platform::nativePath(basis + fctZeichnungDatei(c, nr, 0))))
+                << nach << " " << nr;
+        }
+    }
+    int rc = -1;
+    test::befehlsAusgabe(import, &rc);
+    EXPECT_EQ(rc, 0);
+    EXPECT_EQ(zeilen("SELECT Count(*) FROM tblBlockInfo b INNER JOIN tblOrdner o ON b.OrdnerID = "
+                     "o.Nr WHERE o.OrdnerName = 'Zukauf'"),
+              std::vector<std::string>{"300"});
 }
 
 TEST_F(OrdnerAustausch, RefusalsSayWhyAndTouchNothing) {
