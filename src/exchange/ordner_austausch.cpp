@@ -27,11 +27,6 @@ namespace {
 constexpr const char* kInventor = "tblBlockInfoInventor";
 constexpr const char* kTmp = ".tmp";
 
-long zahl(const db::Recordset& rs, const char* feld) {
-    const sql::Value v = rs.value(feld);
-    return v.isNull() ? 0 : static_cast<long>(v.asInt());
-}
-
 // The directory of a path as the user chose it: the file dialog gives "/"
 // on every system, a typed path may hold "\".
 std::string verzeichnisDer(const std::string& strDatei) {
@@ -120,8 +115,8 @@ bool fctOrdnerExportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
                 fctMsgbox(z, MsgboxArt::Info, {kMsgOrdnerVerschwunden});
                 return false;
             }
-            nr = zahl(d.rsOrdner, "Nr");
-            if (const long k = zahl(d.rsOrdner, "NrTblDefMenue"); k > 0) menue = k;
+            nr = fctLongWert(d.rsOrdner, "Nr");
+            if (const long k = fctLongWert(d.rsOrdner, "NrTblDefMenue"); k > 0) menue = k;
         }
         p.step("Datei prüfen");
         // What an unfinished export to this file left is its own to clear;
@@ -238,7 +233,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             if (d.rsOrdner.recordCount() > 0) {
                 d.rsOrdner.moveFirst();
                 if (d.rsOrdner.find("OrdnerName Like '" + *name + "'")) {
-                    alt = zahl(d.rsOrdner, "Nr");
+                    alt = fctLongWert(d.rsOrdner, "Nr");
                     altCode = fctOhneBlanks(d.rsOrdner.text("OrdnerNr"));
                 }
             }
@@ -293,7 +288,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
         {
             db::Recordset rs;
             rs.open("SELECT Nr FROM tblDefMenue", d.con);
-            for (; !rs.eof(); rs.moveNext()) menue = std::max(menue, zahl(rs, "Nr"));
+            for (; !rs.eof(); rs.moveNext()) menue = std::max(menue, fctLongWert(rs, "Nr"));
         }
         con.execute("INSERT INTO tblDefMenue IN '" + d.strPfad + "' SELECT global, Benennung1, " +
                     "Standardwert1, " + " Benennung2, Standardwert2, Benennung3, Standardwert3, " +
@@ -304,7 +299,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             // The new menu's key: the highest after the insert (keys only grow).
             db::Recordset rs;
             rs.open("SELECT Nr FROM tblDefMenue WHERE Nr > " + std::to_string(menue), d.con);
-            for (; !rs.eof(); rs.moveNext()) menue = std::max(menue, zahl(rs, "Nr"));
+            for (; !rs.eof(); rs.moveNext()) menue = std::max(menue, fctLongWert(rs, "Nr"));
         }
         f.weiter();
 
@@ -320,11 +315,11 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             long letzte = 0;
             for (; !rs.eof(); rs.moveNext())
                 if (fctOhneBlanks(rs.text("OrdnerNr")) != code)
-                    letzte = std::max(letzte, zahl(rs, "NrTblOrdnen"));
+                    letzte = std::max(letzte, fctLongWert(rs, "NrTblOrdnen"));
             rs.moveFirst();
             if (!rs.find("OrdnerNr Like '" + code + "'"))
                 throw std::runtime_error("neuer Ordner nicht gefunden: " + code);
-            neu = zahl(rs, "Nr");
+            neu = fctLongWert(rs, "Nr");
             rs.setValue("NrTblDefMenue", static_cast<long long>(menue));
             rs.setValue("NrTblOrdnen", static_cast<long long>(std::max(letzte + 1, neu)));
             rs.update();
@@ -391,7 +386,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             for (; !rs.eof(); rs.moveNext()) {
                 const std::string b = rs.text("Block");
                 const std::string nb = neueNummer(b, q.code, code);
-                altNrBlock[zahl(rs, "Nr")] = nb;
+                altNrBlock[fctLongWert(rs, "Nr")] = nb;
                 if (nb == b) continue;
                 rs.setValue("Block", nb);
                 if (!inventor && !rs.value("SlideLib").isNull()) {
@@ -412,7 +407,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             {
                 db::Recordset rs;
                 rs.open("SELECT Nr, Block FROM " + T + " WHERE OrdnerID = " + n, d.con);
-                for (; !rs.eof(); rs.moveNext()) neueNr[rs.text("Block")] = zahl(rs, "Nr");
+                for (; !rs.eof(); rs.moveNext()) neueNr[rs.text("Block")] = fctLongWert(rs, "Nr");
             }
             {
                 SchreibEinheit e(con);
@@ -420,7 +415,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
                 rs.open("SELECT * FROM tblVariationBloecke", con, db::adOpenKeyset,
                         db::adLockOptimistic);
                 for (; !rs.eof(); rs.moveNext()) {
-                    const auto b = altNrBlock.find(zahl(rs, "BlockID"));
+                    const auto b = altNrBlock.find(fctLongWert(rs, "BlockID"));
                     const auto k = b == altNrBlock.end() ? neueNr.end() : neueNr.find(b->second);
                     // A Variant whose Block did not come along points at nothing.
                     rs.setValue("BlockID", k == neueNr.end() ? sql::Value::null()

@@ -22,11 +22,6 @@ namespace {
 constexpr const char* kSortSpalte = "NrTblOrdnen";
 constexpr const char* kOhneOrdnung = "SELECT * FROM [tblOrdner]";
 
-long zahl(const db::Recordset& rs, const char* feld) {
-    const sql::Value v = rs.value(feld);
-    return v.isNull() ? 0 : static_cast<long>(v.asInt());
-}
-
 // Characters, not bytes: names arrive as UTF-8.
 std::size_t zeichenAnzahl(const std::string& s) {
     return static_cast<std::size_t>(std::count_if(
@@ -40,7 +35,7 @@ void info(ProgrammZustand& z, std::vector<MsgboxZeile> zeilen) {
 long hoechsterSchluessel(db::Recordset& rs) {
     long k = 0;
     if (rs.recordCount() < 1) return 0;
-    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) k = std::max(k, zahl(rs, "Nr"));
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) k = std::max(k, fctLongWert(rs, "Nr"));
     return k;
 }
 
@@ -139,7 +134,7 @@ std::vector<typOrdnerZeile> fctOrdnerZeilen(ProgrammZustand& z, NavigationsModel
         std::map<long, std::string> rechte;
         db::Recordset rs;
         rs.open("SELECT Nr, OrdnerRechte FROM tblOrdner", m.datenbank().con);
-        for (; !rs.eof(); rs.moveNext()) rechte[zahl(rs, "Nr")] = rs.text("OrdnerRechte");
+        for (; !rs.eof(); rs.moveNext()) rechte[fctLongWert(rs, "Nr")] = rs.text("OrdnerRechte");
         for (const auto& o : m.aryOrdner())
             zeilen.push_back({o.Nr, o.OrdnerNr, o.OrdnerName, rechte[o.Nr]});
     } catch (const std::exception& e) {
@@ -197,7 +192,7 @@ bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& s
                 rs.setValue("NrTblDefMenue", 1);
                 rs.update();
                 // The key is known only now; a new Folder sorts last.
-                rs.setValue(kSortSpalte, static_cast<long long>(zahl(rs, "Nr")));
+                rs.setValue(kSortSpalte, static_cast<long long>(fctLongWert(rs, "Nr")));
                 rs.update();
                 e.commit();
             }
