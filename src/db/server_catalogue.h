@@ -33,3 +33,21 @@ std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server,
 bool serverDriverBuilt();
 
 }  // namespace db
+
+namespace db {
+
+// Copies every table of from into the empty to: columns, indexes, rows with
+// their keys, then the relations (so that the rows need not come in any
+// order), and the autonumbers continue past the highest key. Indexes named
+// in skip are left behind; extra are made too. Answers each table with its
+// row count, read back from to after the copy; throws sql::Error when a
+// count differs or a step fails.
+struct CopyIndex {
+    std::string table;
+    sql::IndexDef index;
+};
+std::vector<std::pair<std::string, long>> copyCatalogue(sql::Storage& from, sql::Storage& to,
+                                                        const std::vector<CopyIndex>& extra,
+                                                        const std::vector<std::string>& skip);
+
+}  // namespace db

@@ -405,7 +405,8 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
 
     std::vector<std::string> tableNames() override {
         std::vector<std::string> out;
-        for (const auto& [key, m] : meta()) out.push_back(m->name);
+        meta();
+        for (const auto& key : order_) out.push_back(meta_[key]->name);
         return out;
     }
 
@@ -477,9 +478,10 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
         if (!t) throw sql::errors::tableNotFound(r.table);
         if (!rt) throw sql::errors::tableNotFound(r.relatedTable);
         unit([&] {
-            server_.exec(std::string("CREATE TABLE IF NOT EXISTS ") + ident(kRelationsTable) +
-                         " (name text PRIMARY KEY, tbl text, cols text, reltbl text, relcols text,"
-                         " enforce boolean, cupd boolean, cdel boolean, cnull boolean)");
+            server_.exec(
+                std::string("CREATE TABLE IF NOT EXISTS ") + ident(kRelationsTable) +
+                " (name text PRIMARY KEY, tbl text, cols text, reltbl text, relcols text,"
+                " enforce boolean, cupd boolean, cdel boolean, cnull boolean, made serial)");
             Params p;
             for (const auto& s : {r.name, t->name(), joined(r.columns, ","), rt->name(),
                                   joined(r.relatedColumns, ",")})
@@ -487,7 +489,7 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
             for (bool b : {r.enforce, r.cascadeUpdates, r.cascadeDeletes, r.cascadeNull})
                 p.add(Value::boolean(b), ColumnType::Boolean);
             server_.exec(std::string("INSERT INTO ") + ident(kRelationsTable) +
-                             " VALUES ($1,$2,$3,$4,$5,$6,$7,$8,$9)",
+                             " VALUES ($1,$2,$3,$4,$5,$6,$7,$8,$9, DEFAULT)",
                          &p);
             if (!r.enforce) return;
             std::vector<std::string> cols, rcols;
@@ -507,7 +509,7 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
         std::vector<RelationDef> out;
         if (!hasRelationsTable()) return out;
         auto r =
-            server_.exec(std::string("SELECT * FROM ") + ident(kRelationsTable) + " ORDER BY name");
+            server_.exec(std::string("SELECT * FROM ") + ident(kRelationsTable) + " ORDER BY made");
         for (int i = 0; i < PQntuples(r.get()); ++i) {
             const auto s = [&](int c) { return std::string(PQgetvalue(r.get(), i, c)); };
             const auto b = [&](int c) { return s(c) == "t"; };
@@ -531,6 +533,7 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
     void commit() override {
         if (depth_ == 0) return;
         --depth_;
+        if (depth_ == 0) moveSequences();
         server_.exec(depth_ == 0 ? "COMMIT" : "RELEASE SAVEPOINT s" + std::to_string(depth_));
     }
     void rollback() override {
@@ -541,6 +544,7 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
         // replace it with another.
         try {
             if (depth_ == 0) {
+                keysWritten_.clear();
                 server_.exec("ROLLBACK");
                 return;
             }
@@ -556,9 +560,19 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
         if (reads_ > 0) --reads_;
     }
 
+    // A key written by hand moves the sequence past it, as Jet moves its
+    // next autonumber: at once, or for a unit's rows once at its end.
+    void keyWritten(const std::string& table, const std::string& column) {
+        keysWritten_.emplace(table, column);
+        if (depth_ == 0) moveSequences();
+    }
+
     // Drops what was learnt of the tables: another workstation may have
     // added a column since.
-    void forget() { meta_.clear(); }
+    void forget() {
+        meta_.clear();
+        order_.clear();
+    }
 
   private:
     static bool isInteger(const std::vector<ColumnDef>& cols, const std::string& name) {
@@ -628,12 +642,15 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
             " FROM information_schema.columns c JOIN information_schema.tables t"
             " ON t.table_schema = c.table_schema AND t.table_name = c.table_name"
             " WHERE c.table_schema = current_schema() AND t.table_type = 'BASE TABLE'"
-            " ORDER BY c.table_name, c.ordinal_position");
+            " ORDER BY (quote_ident(c.table_schema) || '.' || "
+            "quote_ident(c.table_name))::regclass::oid,"
+            " c.ordinal_position");
         for (int i = 0; i < PQntuples(r.get()); ++i) {
             const auto s = [&](int c) { return std::string(PQgetvalue(r.get(), i, c)); };
             if (s(0) == kRelationsTable) continue;
             auto& m = all[s(0)];
             if (!m) {
+                order_.push_back(lower(s(0)));
                 m = std::make_shared<TableMeta>();
                 m->name = s(0);
             }
@@ -685,8 +702,18 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
     Server server_;
     sql::PathMapper mapper_;
     std::map<std::string, std::shared_ptr<const TableMeta>> meta_;
+    std::vector<std::string> order_;  // keys of meta_ in the order the tables were made
     int depth_ = 0;
     int reads_ = 0;
+    std::set<std::pair<std::string, std::string>> keysWritten_;
+
+    void moveSequences() {
+        for (const auto& [t, c] : keysWritten_)
+            server_.exec("SELECT setval(pg_get_serial_sequence(" + literal(ident(t)) + ", " +
+                         literal(c) + "), greatest((SELECT max(" + ident(c) + ") FROM " + ident(t) +
+                         "), 1))");
+        keysWritten_.clear();
+    }
 };
 
 void PgTable::select(const std::string& where, const Params* p, const std::vector<bool>* needed,
@@ -799,15 +826,8 @@ RowId PgTable::insert(Row& row) {
     if (autoAt >= 0) {
         row[static_cast<std::size_t>(autoAt)] =
             Value::integer(std::strtoll(PQgetvalue(r.get(), 0, 1), nullptr, 10));
-        // A key written by hand moves the sequence past it, as Jet moves
-        // its next autonumber.
-        if (explicitKey) {
-            const std::string col = cols[static_cast<std::size_t>(autoAt)].name;
-            owner_->server().exec("SELECT setval(pg_get_serial_sequence(" +
-                                  literal(ident(meta_->name)) + ", " + literal(col) +
-                                  "), greatest((SELECT max(" + ident(col) + ") FROM " +
-                                  ident(meta_->name) + "), 1))");
-        }
+        if (explicitKey)
+            owner_->keyWritten(meta_->name, cols[static_cast<std::size_t>(autoAt)].name);
     }
     return std::strtoll(PQgetvalue(r.get(), 0, 0), nullptr, 10);
 }
