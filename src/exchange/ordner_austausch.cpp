@@ -1,7 +1,9 @@
 #include "exchange/ordner_austausch.h"
 
 #include <algorithm>
+#include <atomic>
 #include <exception>
+#include <filesystem>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -17,10 +19,14 @@
 #include "library/zugriff.h"
 #include "organisation/ordner_verwaltung.h"
 #include "organisation/schreib_einheit.h"
+#include "platform/environment.h"
+#include "platform/files.h"
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
 
 namespace tessara {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -59,6 +65,28 @@ bool beiseite(ProgrammZustand& z, const std::string& von) {
     for (int i = 1; fctPfadExistiert(nach); ++i) nach = von + "geloescht" + std::to_string(i);
     return MoveAFolder(z, von, nach);
 }
+
+// A copy of a file in the temporary directory, gone with this object.
+struct Arbeitskopie {
+    explicit Arbeitskopie(const std::string& datei) {
+        static std::atomic<int> laufend{0};
+        std::error_code ec;
+        const fs::path ziel = fs::temp_directory_path(ec) /
+                              ("tessara_import_" + std::to_string(platform::processId()) + "_" +
+                               std::to_string(++laufend) + ".mdb");
+        if (!fs::copy_file(fctNativerPfad(datei), ziel, fs::copy_options::overwrite_existing, ec))
+            throw std::runtime_error("Arbeitskopie nicht angelegt: " + datei + " (" + ec.message() +
+                                     ")");
+        pfad = platform::programPath(ziel.string());
+    }
+    ~Arbeitskopie() {
+        std::error_code ec;
+        fs::remove(fctNativerPfad(pfad), ec);
+    }
+    Arbeitskopie(const Arbeitskopie&) = delete;
+    Arbeitskopie& operator=(const Arbeitskopie&) = delete;
+    std::string pfad;
+};
 
 struct Fortschritt {
     ProgrammZustand& z;
@@ -258,8 +286,12 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
                                                     kMsgImportFortsetzen))
             return false;
 
+        // The statements point the file's rows at the new Folder and give its
+        // Blocks the new code: they run on a copy, so that the file chosen
+        // stays as it was for the next import, into this library or another.
+        const Arbeitskopie kopie(strDatei);
         db::Connection con(d.oeffner);
-        verbinden(con, strDatei);
+        verbinden(con, kopie.pfad);
         for (const std::string& t : {T, std::string("tblSeiten"), std::string("tblDefMenue")})
             if (!tabelleDa(con, t)) {
                 fctMsgbox(z, MsgboxArt::Info, {kMsgKeinExportierterOrdner, strDatei});
