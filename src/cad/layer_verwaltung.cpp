@@ -251,6 +251,7 @@ bool fctLayerKonfigurationUmbenennen(ProgrammZustand& z, const std::string& strA
            fctLayerKonfigurationSpeichern(z, gelesen.konfiguration);
 }
 
+// The numbers are kMsgLayerNameLeer and kMsgLayerNameZeichen of the message file.
 long fctLayerKonfigurationNamePruefen(const std::string& strName) {
     if (trimmen(strName).empty()) return 600;
     // The characters that would end the section header or split a line.
@@ -338,11 +339,25 @@ std::vector<typLayer> fctLayerListeLesen(const std::string& strText) {
     return r;
 }
 
+namespace {
+
+// No host found at start (the user started it later): look now, as the
+// insertion does, offering the list of windows.
+void hostSuchen(ProgrammZustand& z, CadVerbindung& v) {
+    if (!v.typAcadVersionInfo.strACadVersion.empty()) return;
+    bool lt = false;
+    v.booFensterlisteAnbieten = true;
+    ACAD_Connect(z, v, false, true, lt);
+}
+
+}  // namespace
+
 LayerVomHost fctLayerVomHostLesen(ProgrammZustand& z, CadVerbindung& v,
                                   const typCadEinstellungen& e) {
     Prozedur p(z, "fctLayerVomHostLesen");
     LayerVomHost r;
     return p.geschuetztNurLog(r, [&] {
+        hostSuchen(z, v);
         if (!fctIstAutoCadLt(v)) {
             if (!v.acadApp) {
                 r.strFehler = "Keine Verbindung zu AutoCAD";
@@ -390,6 +405,7 @@ bool fctLayerKonfigurationAnwenden(ProgrammZustand& z, CadVerbindung& v,
                                    const typCadEinstellungen& e, const typLayerKonfiguration& k) {
     Prozedur p(z, "fctLayerKonfigurationAnwenden");
     return p.geschuetztNurLog(false, [&] {
+        hostSuchen(z, v);
         std::vector<std::string> befehle{"._-layer"};
         for (auto& b : fctLayerBefehle(k)) befehle.push_back(std::move(b));
         if (fctIstAutoCadLt(v)) {
