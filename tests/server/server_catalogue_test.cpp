@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <set>
+#include <sstream>
 
 #include "befehl.h"
 #include "frisches_verzeichnis.h"
@@ -69,6 +71,24 @@ TEST_F(ServerCatalogue, PushedLibraryAnswersAsItsMdbAndPullGivesItBack) {
         EXPECT_EQ(run("export " + back + " " + t), run("export " + mdb("mdb") + " " + t)) << t;
     run("server push " + (dir / "pg").string());
     EXPECT_NE(code, 0) << "a second push onto a filled database";
+}
+
+// Workstations making Folders at once: the server's unique key on the code
+// turns a lost race into another look for a free code, never a failure or a
+// code given twice.
+TEST_F(ServerCatalogue, FoldersMadeAtOnceEachGetACodeOfTheirOwn) {
+    ASSERT_EQ((run("server push " + (dir / "pg").string()), code), 0);
+    const std::string skript = "for i in 1 2 3 4 5 6; do (for j in 1 2 3 4 5; do " + cli +
+                               " folder add " + mdb("pg") +
+                               " P$i-$j >/dev/null 2>&1 || echo fehlgeschlagen; done) & done; wait";
+    EXPECT_EQ(befehlsAusgabe("bash -c '" + skript + "'"), "");
+    std::istringstream liste(run("folder list " + mdb("pg")));
+    std::set<std::string> codes;
+    std::size_t zeilen = 0;
+    for (std::string zeile; std::getline(liste, zeile); ++zeilen)
+        codes.insert(zeile.substr(0, zeile.find('\t')));
+    EXPECT_EQ(zeilen, 35u);
+    EXPECT_EQ(codes.size(), 35u);
 }
 
 TEST_F(ServerCatalogue, BadConnectionDataGivesOneClearLine) {
