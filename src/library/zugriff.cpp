@@ -2,12 +2,15 @@
 
 #include <exception>
 
+#include "jet/sql/error.h"
 #include "jet/sql/text_rules.h"
 #include "startup/fehler_log.h"
 
 namespace tessara {
 
 namespace {
+
+constexpr long kSpalteGibtEsSchon = 3191;  // Jet's "field already exists"
 
 // The three find helpers share their checks: open, holding rows, first row,
 // then forward from there.
@@ -66,7 +69,14 @@ bool fctSpalteAnlegenFallsNichtVorhanden(ProgrammZustand& z, db::Connection& con
     return p.geschuetzt(false, [&] {
         if (fctSpalteVorhanden(rs, strSpalte)) return true;
         p.step("Spalte anlegen");
-        con.execute("ALTER TABLE " + strTabelle + " ADD COLUMN " + strSpalte + " " + strTyp);
+        try {
+            con.execute("ALTER TABLE " + strTabelle + " ADD COLUMN " + strSpalte + " " + strTyp);
+        } catch (const sql::Error& fehler) {
+            // Added by another workstation since rs was read: it is there,
+            // with the values that workstation gave it.
+            if (fehler.number() == kSpalteGibtEsSchon) return true;
+            throw;
+        }
         if (startWert) {
             p.step("Startwert");
             con.execute("UPDATE " + strTabelle + " SET " + strSpalte + " = " + *startWert);

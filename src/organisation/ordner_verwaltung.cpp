@@ -22,6 +22,7 @@ namespace {
 
 constexpr const char* kSortSpalte = "NrTblOrdnen";
 constexpr long kDoppelterSchluessel = 3022;  // Jet's number for a key taken twice
+constexpr long kGesperrt = 3218;             // "currently locked": a unit given up
 constexpr int kVersuche = 20;
 constexpr const char* kOhneOrdnung = "SELECT * FROM [tblOrdner]";
 
@@ -164,7 +165,8 @@ bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& s
         std::string code;
         // On a catalogue server the unit does not keep other workstations
         // out: one may take the same code in between, and the server's unique
-        // key refuses the second. The loser looks again and takes the next.
+        // key refuses the second (or gives up one of two crossing units). The
+        // loser looks again and takes the next.
         for (int versuch = 1;; ++versuch) try {
                 r = Ergebnis::Ok;
                 code.clear();
@@ -206,7 +208,9 @@ bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& s
                 }
                 break;
             } catch (const sql::Error& fehler) {
-                if (fehler.number() != kDoppelterSchluessel || versuch >= kVersuche) throw;
+                if ((fehler.number() != kDoppelterSchluessel && fehler.number() != kGesperrt) ||
+                    versuch >= kVersuche)
+                    throw;
                 if (rs.editing()) rs.cancelUpdate();
             }
         switch (r) {

@@ -319,6 +319,12 @@ class Server {
             throw sql::Error("The connection to the catalogue server was lost: " + firstLine(msg),
                              sql::errors::kIntegrity, 3000);
         if (code == "23505") throw sql::errors::duplicateKey();
+        // Two workstations' units crossed: the server gave one up. Jet's
+        // "currently locked" tells the caller that trying again may succeed.
+        if (code == "40P01" || code == "40001")
+            throw sql::Error("Could not update; currently locked.", sql::errors::kIntegrity, 3218);
+        // A column another workstation added since this unit began.
+        if (code == "42701") throw sql::Error(firstLine(msg), sql::errors::kIntegrity, 3191);
         if (code == "23502" || code == "23514") throw sql::errors::nullKey();
         if (code == "23503") {
             // The message names the referring table either way; which side
