@@ -90,14 +90,8 @@ PgServer::PgServer() {
         error_ = "initdb failed: " + out;
         return;
     }
-    out = run(bin_ + "pg_ctl start -w -D " + dir_ + "/data -l " + dir_ + "/log -o \"-k " + dir_ +
-                  " -p " + std::to_string(port_) + " -c listen_addresses=127.0.0.1\"",
-              &code);
-    if (code != 0) {
-        error_ = "pg_ctl start failed: " + out + befehlsAusgabe("cat " + dir_ + "/log");
-        return;
-    }
-    started_ = true;
+    error_ = start();
+    if (!error_.empty()) return;
     ::setenv("PGPASSWORD", kPassword, 1);
 }
 
@@ -107,6 +101,25 @@ PgServer::~PgServer() {
         std::error_code ec;
         fs::remove_all(dir_, ec);
     }
+}
+
+std::string PgServer::start() {
+    int code = 0;
+    const std::string out =
+        run(bin_ + "pg_ctl start -w -D " + dir_ + "/data -l " + dir_ + "/log -o \"-k " + dir_ +
+                " -p " + std::to_string(port_) + " -c listen_addresses=127.0.0.1\"",
+            &code);
+    if (code != 0) return "pg_ctl start failed: " + out + befehlsAusgabe("cat " + dir_ + "/log");
+    started_ = true;
+    return {};
+}
+
+std::string PgServer::stopFast() {
+    int code = 0;
+    const std::string out = run(bin_ + "pg_ctl stop -m fast -w -D " + dir_ + "/data", &code);
+    if (code != 0) return "pg_ctl stop failed: " + out;
+    started_ = false;
+    return {};
 }
 
 std::string PgServer::createDatabase(const std::string& name) {

@@ -25,6 +25,10 @@ class PgServer {
     // psql -At with the statement on the database; its output.
     std::string psql(const std::string& database, const std::string& statement,
                      int* code = nullptr);
+    // Stops the server at once (fast shutdown: sessions are cut off, open
+    // units rolled back) and starts it again on the same port.
+    std::string stopFast();
+    std::string start();
     // The "Server" section that names database on this server.
     std::string iniSection(const std::string& database) const;
 

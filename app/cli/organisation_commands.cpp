@@ -106,6 +106,8 @@ class Bibliothek {
         fehler(benutzer_.letzte.empty() ? std::string("refused") : benutzer_.letzte);
         return 1;
     }
+    // Whether a message (a refusal or an error) was shown.
+    bool gemeldet() const { return !benutzer_.letzte.empty(); }
     bool fehler(const std::string& text) {
         err_ << "tessara-cli " << befehl_ << ": " << text << "\n";
         return false;
@@ -198,9 +200,10 @@ int runDir(const cli::Args& a, std::ostream& out, std::ostream& err, bool einles
         b.fehler("no folder named '" + a[1] + "'");
         return 1;
     }
-    if (b.ergebnis(n >= 0) != 0) return 1;
-    out << n << (einlesen ? " blocks made\n" : " drawings written\n");
-    return 0;
+    // What was done counts even when a failure stopped the rest: the Blocks
+    // made before it stand.
+    if (n >= 0) out << n << (einlesen ? " blocks made\n" : " drawings written\n");
+    return b.ergebnis(n >= 0 && !b.gemeldet());
 }
 
 cli::Subcommand importDirCmd{

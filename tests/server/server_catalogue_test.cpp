@@ -3,6 +3,7 @@
 // connection data gives one clear line.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -91,6 +92,64 @@ TEST_F(ServerCatalogue, FoldersMadeAtOnceEachGetACodeOfTheirOwn) {
         codes.insert(zeile.substr(0, zeile.find('\t')));
     EXPECT_EQ(zeilen, 36u);
     EXPECT_EQ(codes.size(), 36u);
+}
+
+// Twenty workstations at once, each making a Folder, reading drawings into
+// it as Blocks (with the Pages they need: 100 each, TESSARA_SERVER_BLOECKE
+// sets another number) and deleting a tenth of them;
+// then the same with the server stopped half way and started again. Every
+// Block a workstation reports is there exactly once, and nothing else; one
+// cut off ends with a line that says so.
+TEST_F(ServerCatalogue, TwentyWorkstationsAtOnceLoseNothingEvenWhenTheServerStops) {
+    ASSERT_EQ((run("server push " + (dir / "pg").string()), code), 0);
+    ASSERT_EQ((run("folder add " + mdb("pg") + " P0"), code), 0);
+    const char* anzahl = std::getenv("TESSARA_SERVER_BLOECKE");
+    const long bloecke = anzahl && std::atol(anzahl) >= 10 ? std::atol(anzahl) / 10 * 10 : 100;
+    fs::create_directories(dir / "dwg");
+    for (int i = 0; i < bloecke; ++i)
+        std::ofstream(dir / "dwg" / ("D" + std::to_string(1000 + i) + ".dwg")) << i;
+    const std::string d = dir.string(), lib = mdb("pg");
+    std::ofstream(dir / "lauf.sh")
+        << "for i in $(seq 0 19); do (N=$1$i; " << cli << " import-dir " << lib << " " << d
+        << "/dwg $N >" << d << "/$N.out 2>" << d << "/$N.err && [ \"$2\" = weg ] && " << cli
+        << " sql " << lib << " \"DELETE FROM tblBlockInfo WHERE M0 LIKE 'D%9' AND OrdnerID IN "
+        << "(SELECT Nr FROM tblOrdner WHERE Ordnername = '$N')\" >/dev/null) & done; wait\n";
+    const auto gemeldet = [&](const std::string& n) {
+        long made = -1;
+        std::ifstream(dir / (n + ".out")) >> made;
+        return made;
+    };
+    const auto bestand = [&](const std::string& n) {
+        return server.psql("kat",
+                           "SELECT count(*) FROM \"tblBlockInfo\" b JOIN \"tblOrdner\" o ON "
+                           "b.\"OrdnerID\" = o.\"Nr\" WHERE o.\"Ordnername\" = '" +
+                               n + "'");
+    };
+    befehlsAusgabe("bash " + d + "/lauf.sh A weg");
+    for (int i = 0; i < 20; ++i) {
+        const std::string n = "A" + std::to_string(i);
+        EXPECT_EQ(gemeldet(n), bloecke) << n;
+        EXPECT_EQ(bestand(n), std::to_string(bloecke - bloecke / 10) + "\n") << n;
+    }
+
+    befehlsAusgabe("bash " + d + "/lauf.sh S >/dev/null 2>&1 & sleep 1");
+    ASSERT_EQ(server.stopFast(), "");
+    // "[i]" keeps the waiting shell's own command line from matching.
+    befehlsAusgabe("for t in $(seq 600); do pgrep -f '[i]mport-dir " + lib +
+                   "' >/dev/null || break; sleep 0.2; done");
+    ASSERT_EQ(server.start(), "");
+    int abgeschnitten = 0;
+    for (int i = 0; i < 20; ++i) {
+        const std::string n = "S" + std::to_string(i);
+        const long made = gemeldet(n);
+        EXPECT_EQ(bestand(n), std::to_string(std::max(made, 0L)) + "\n") << n;
+        if (made == bloecke) continue;
+        ++abgeschnitten;
+        std::string zeile, letzte;
+        for (std::ifstream err(dir / (n + ".err")); std::getline(err, zeile);) letzte = zeile;
+        EXPECT_EQ(letzte.rfind("tessara-cli import-dir: ", 0), 0u) << n << ": " << letzte;
+    }
+    EXPECT_GT(abgeschnitten, 0) << "the server stopped after every workstation was done";
 }
 
 TEST_F(ServerCatalogue, BadConnectionDataGivesOneClearLine) {
