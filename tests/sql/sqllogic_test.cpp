@@ -1,7 +1,7 @@
 // Runs the statement files under tests/sql/<area>/*.test, each over the
 // in-memory store, over a real .mdb file written by the Jet engine and over
-// a catalogue on a private PostgreSQL server (or only the stores the file
-// names), so all give the same answers. On the server, databases other than
+// a catalogue on a private PostgreSQL server, its SELECTs rendered for the
+// server (or only the stores the file names), so all give the same answers. On the server, databases other than
 // the catalogue are .mdb files, reached through IN '<file>'.
 //
 // A file holds directives and records, records separated by blank lines:
@@ -34,6 +34,7 @@
 #include <sstream>
 
 #include "catalogue_fixture.h"
+#include "db/pg/pg_storage.h"
 #include "db/server_catalogue.h"
 #include "jet/sql/engine_storage.h"
 #include "jet/sql/error.h"
@@ -223,7 +224,9 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
         std::string sqlText = substituted(r.sql);
         try {
             if (h[0] == "query") {
+                db::pg::lastRendered(*db);
                 auto rs = ex->query(sqlText);
+                rendered += !db::pg::lastRendered(*db).empty();
                 bool count = h.size() > 1 && h[1] == "rowcount";
                 check(r, count ? std::vector<std::string>{std::to_string(rs.rows.size())}
                                : rowsOf(rs, h.size() > 1 && h[1] == "names"));
@@ -327,6 +330,7 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
     std::string file;
     std::string store;
     int databases = 0;
+    int rendered = 0;    // queries the server answered with a statement of its own
     std::string script;  // the tables and rows, for sqlite3
     fs::path dir;
     std::shared_ptr<sql::Storage> db;
@@ -360,6 +364,7 @@ TEST_P(SqlLogic, Records) {
         ++checked;
     }
     EXPECT_GT(checked, 0) << file;
+    if (store == "pg") EXPECT_GT(rendered, 0) << "no query was rendered for the server";
     if (!write) return;
     // Rewrites each expected part from the engine's answers, in place.
     std::ifstream in(file);

@@ -9,7 +9,9 @@
 #include <cstdlib>
 #include <map>
 #include <set>
+#include <utility>
 
+#include "db/pg/pg_render.h"
 #include "jet/sql/error.h"
 #include "jet/write/relationships.h"
 
@@ -566,6 +568,41 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
         if (reads_ > 0) --reads_;
     }
 
+    bool matchRows(const sql::detail::Source& src, const sql::Expr* where,
+                   const std::vector<bool>& needed,
+                   const std::function<void(RowId, const Row&)>& visit) override {
+        for (const auto& p : src.parts)
+            if (p.storage.get() != this) return false;
+        if (!foldsText()) return false;
+        // Jet's own test of every row the server sends decides, so the
+        // server's folding of text only ever has to let rows through.
+        std::vector<bool> fetch = needed;
+        fetch.resize(src.columns.size(), false);
+        sql::detail::Eval test;
+        if (where) test = sql::detail::Binder(src.storage, &src, &fetch).compile(*where);
+        const auto& all = meta();
+        auto rendered = renderMatch(src, where, fetch, [&](const std::string& t) {
+            auto it = all.find(lower(t));
+            return it == all.end() ? std::string() : it->second->idColumn;
+        });
+        if (!rendered) return false;
+        lastRendered_ = rendered->sql;
+        auto r = server_.exec(rendered->sql);
+        const int ids = static_cast<int>(src.parts.size());
+        Row row(src.columns.size());
+        for (int i = 0; i < PQntuples(r.get()); ++i) {
+            for (std::size_t k = 0; k < rendered->columns.size(); ++k) {
+                const auto at = static_cast<std::size_t>(rendered->columns[k]);
+                row[at] = valueOf(r.get(), i, ids + static_cast<int>(k), src.columns[at].type);
+            }
+            if (test && !sql::detail::isTrue(test(row))) continue;
+            visit(ids == 1 ? std::strtoll(PQgetvalue(r.get(), i, 0), nullptr, 10) : -1, row);
+        }
+        return true;
+    }
+
+    std::string takeRendered() { return std::exchange(lastRendered_, std::string()); }
+
     // A key written by hand moves the sequence past it, as Jet moves its
     // next autonumber: at once, or for a unit's rows once at its end.
     void keyWritten(const std::string& table, const std::string& column) {
@@ -581,6 +618,17 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
     }
 
   private:
+    // Under the C locale the server folds ASCII letters only.
+    bool foldsText() {
+        if (!foldsText_) {
+            auto r = server_.exec("SELECT lower('ÄÖÜ') = 'äöü'");
+            foldsText_ = PQgetvalue(r.get(), 0, 0)[0] == 't';
+        }
+        return *foldsText_;
+    }
+    std::optional<bool> foldsText_;
+    std::string lastRendered_;
+
     static bool isInteger(const std::vector<ColumnDef>& cols, const std::string& name) {
         for (const auto& c : cols)
             if (sameName(c.name, name))
@@ -861,6 +909,11 @@ void PgTable::remove(RowId id) {
 }
 
 }  // namespace
+
+std::string lastRendered(sql::Storage& storage) {
+    auto* pg = dynamic_cast<PgStorage*>(&storage);
+    return pg ? pg->takeRendered() : std::string();
+}
 
 std::shared_ptr<sql::Storage> openStorage(const ServerCatalogue& server, bool needCatalogue,
                                           sql::PathMapper mapper) {

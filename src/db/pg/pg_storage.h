@@ -12,4 +12,8 @@ namespace db::pg {
 std::shared_ptr<sql::Storage> openStorage(const ServerCatalogue& server, bool needCatalogue,
                                           sql::PathMapper mapper);
 
+// The statement the server last ran for a SELECT's rows, taken: empty when
+// none was rendered since (or the storage is not a server's).
+std::string lastRendered(sql::Storage& storage);
+
 }  // namespace db::pg

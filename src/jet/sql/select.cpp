@@ -98,6 +98,7 @@ void scanInSteps(const Source& src, const Expr& where,
 
 void forEachMatch(const std::shared_ptr<Storage>& db, const Source& src, const Expr* where,
                   const std::function<void(RowId, const Row&)>& visit, std::vector<bool>* needed) {
+    if (needed && src.storage && src.storage->matchRows(src, where, *needed, visit)) return;
     if (src.joined()) return joinRows(db, src, where, visit);
     std::optional<std::vector<RowId>> hits = indexHits(where, src);
     if (!hits && needed && where) return scanInSteps(src, *where, visit, *needed, db);

@@ -13,6 +13,11 @@
 
 namespace sql {
 
+struct Expr;
+namespace detail {
+struct Source;
+}
+
 using Row = std::vector<Value>;
 using RowId = std::int64_t;  // opaque, stable while the row lives
 
@@ -131,6 +136,17 @@ class Storage {
     // as one writer left it. Calls nest.
     virtual void beginReads() {}
     virtual void endReads() {}
+
+    // A store that filters rows itself (a database server) answers a
+    // SELECT's rows of source matching where: full rows with at least the
+    // columns marked in needed, in the order reading them here would give.
+    // False when it cannot carry the statement; the rows are then read here.
+    virtual bool matchRows(const detail::Source& source, const Expr* where,
+                           const std::vector<bool>& needed,
+                           const std::function<void(RowId, const Row&)>& visit) {
+        (void)source, (void)where, (void)needed, (void)visit;
+        return false;
+    }
 };
 
 }  // namespace sql
