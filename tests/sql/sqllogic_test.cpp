@@ -1,8 +1,8 @@
 // Runs the statement files under tests/sql/<area>/*.test, each over the
 // in-memory store, over a real .mdb file written by the Jet engine and over
 // a catalogue on a private PostgreSQL server, its SELECTs rendered for the
-// server (or only the stores the file names), so all give the same answers. On the server, databases other than
-// the catalogue are .mdb files, reached through IN '<file>'.
+// server (or only the stores the file names), so all give the same answers. On the server,
+// databases other than the catalogue are .mdb files, reached through IN '<file>'.
 //
 // A file holds directives and records, records separated by blank lines:
 //   stores memory mdb pg          first line: the stores to run over (default all)
