@@ -354,7 +354,7 @@ std::vector<std::int32_t*> FrmBlockverwaltung::einfuegeSchalter() {
             &sitzung_.setup().longUrsprungBeimEinfuegen,
             &sitzung_.setup().longReihe,
             &sitzung_.setup().longMehrfacheinfuegen,
-            &sitzung_.setup().longBruchFrage};
+            &sitzung_.setup().longBruchOption};
 }
 
 void FrmBlockverwaltung::einfuegeOptionenZeigen() {
