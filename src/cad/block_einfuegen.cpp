@@ -148,14 +148,12 @@ void stuecklisteErgaenzen(Einfuegelauf& l, AcadDokument* dok, const typEinfuegeA
 void massstabKontrollieren(Einfuegelauf& l) {
     if (l.o.longMassstabskontrolle != 1 || !l.v.acadApp) return;
     l.p.step("Maßstab der Zeichnung kontrollieren");
-    const auto dimscale =
-        fctAbweichenderMassstab(l.v.acadApp->ActiveDocument()->GetVariable("DIMSCALE"),
-                                l.o.strMassstabX);
+    const auto dimscale = fctAbweichenderMassstab(
+        l.v.acadApp->ActiveDocument()->GetVariable("DIMSCALE"), l.o.strMassstabX);
     if (!dimscale) return;
     if (fctMsgbox(l.z, MsgboxArt::Frage,
                   {MsgboxZeile(kMsgMassstabAbweichend), MsgboxZeile("DIMSCALE " + *dimscale),
-                   MsgboxZeile("X " + l.o.strMassstabX),
-                   MsgboxZeile(kMsgMassstabDerZeichnung, 2)}))
+                   MsgboxZeile("X " + l.o.strMassstabX), MsgboxZeile(kMsgMassstabDerZeichnung, 2)}))
         l.o.strMassstabX = l.o.strMassstabY = l.o.strMassstabZ = *dimscale;
 }
 

@@ -356,8 +356,7 @@ void NavigationsModell::BlocknummernEinlesen(long k) {
                                 : fctSlideLibEintrag(fctOhneBlanks(o->OrdnerNr), nr, false);
             s.strBildname = fctBildnameAnsicht0(strBasis_, s.strSlideLib);
             if (setup_ && setup_->longSlideUeberpruefen == 1)
-                s.booDiaFehlt =
-                    !fctDateiExistiert(slide::fctBildnameZerlegen(s.strBildname).datei);
+                s.booDiaFehlt = !fctDateiExistiert(slide::fctBildnameZerlegen(s.strBildname).datei);
         } else {
             s.strBeschriftung = kFreiEintrag;
             s.strBildname = fctLeerfeldBild(z_.strAppPfad);

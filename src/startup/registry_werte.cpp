@@ -147,7 +147,8 @@ bool EintraegeInRegistrierdatenbank(ProgrammZustand& z) {
                               fctDbDatei(dbs[i]));
     if (ok && !z.strAktuelleDb.empty())
         ok = reg->writeString(Hive::LocalMachine, schluessel, "Eintrag1", z.strAktuelleDb);
-    if (!ok) p.fehler("Die Bibliotheken konnten nicht für alle Benutzer eingetragen werden.", 0, true);
+    if (!ok)
+        p.fehler("Die Bibliotheken konnten nicht für alle Benutzer eingetragen werden.", 0, true);
     return ok;
 }
 

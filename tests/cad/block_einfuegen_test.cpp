@@ -359,7 +359,8 @@ TEST_F(FakeEinfuegen, SchalterDerEinfuegung) {
         // another test's matter.
         for (const auto& s : log->eintraege)
             if (s.rfind("SetVariable:", 0) != 0 && s.find(":filedia") == std::string::npos &&
-                s.find(":attreq") == std::string::npos && s.find(":orthomode") == std::string::npos &&
+                s.find(":attreq") == std::string::npos &&
+                s.find(":orthomode") == std::string::npos &&
                 s.find(":CMDECHO") == std::string::npos)
                 ist.push_back(s);
         for (const auto& g : benutzer.gezeigt) ist.push_back("gefragt: " + g.text);
