@@ -46,6 +46,9 @@ struct typEinfuegeOptionen {
     long longXRef = 0;
     long lonLispVarUebergeben = 0;
     long longVariantenfrage = 0;
+    long longBruchFrage = 0;            // ask before the line is broken at the block
+    long longMassstabskontrolle = 0;    // compare the scale with the drawing's DIMSCALE
+    long longStuecklisteEinfuegen = 0;  // every inserted block goes into the parts list
     // An explicit block name chosen by the user (LT route); empty when none.
     std::string strExpliziterBlockName;
 };

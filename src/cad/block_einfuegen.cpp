@@ -4,7 +4,9 @@
 
 #include "cad/cad_einstellungen.h"
 #include "cad/einfuege_texte.h"
+#include "cad/einfuege_zusaetze.h"
 #include "cad/lt_skript.h"
+#include "captions/meldungen.h"
 #include "platform/desktop.h"
 #include "platform/platform.h"
 #include "startup/fehler_log.h"
@@ -116,11 +118,55 @@ struct Einfuegelauf {
     const EinfuegeAnfrage& a;
     Prozedur& p;
     EinfuegeErgebnis& r;
+    typEinfuegeOptionen o;  // the request's, once the scale check has spoken
 };
+
+// The block's name as it goes into the drawing (and the parts list).
+std::string eingefuegterName(const typEinfuegeAuftrag& auftrag) {
+    if (!auftrag.variante.BlockDateiName.empty()) return auftrag.variante.BlockName;
+    return ansichtsName(auftrag.block, auftrag.ansicht);
+}
+
+// The parts list grows by one row per block that went in. A list that
+// cannot be written is logged; the block is in the drawing all the same.
+void stuecklisteErgaenzen(Einfuegelauf& l, AcadDokument* dok, const typEinfuegeAuftrag& auftrag,
+                          int anzahl) {
+    if (l.o.longStuecklisteEinfuegen != 1 || anzahl <= 0) return;
+    l.p.step("Stückliste ergänzen");
+    std::string prefix, name;
+    if (dok) {
+        prefix = dok->GetVariable("DWGPREFIX");
+        name = dok->GetVariable("DWGNAME");
+    }
+    const std::string datei = fctStuecklistenDatei(prefix, name, l.z.strCTemp);
+    for (int i = 0; i < anzahl; ++i)
+        subStuecklisteErgaenzen(l.z, datei, auftrag.block, eingefuegterName(auftrag));
+}
+
+// The drawing's scale against the set one, asked once per run: Yes inserts
+// in the drawing's scale (X, Y and Z alike).
+void massstabKontrollieren(Einfuegelauf& l) {
+    if (l.o.longMassstabskontrolle != 1 || !l.v.acadApp) return;
+    l.p.step("Maßstab der Zeichnung kontrollieren");
+    const auto dimscale = fctAbweichenderMassstab(
+        l.v.acadApp->ActiveDocument()->GetVariable("DIMSCALE"), l.o.strMassstabX);
+    if (!dimscale) return;
+    if (fctMsgbox(l.z, MsgboxArt::Frage,
+                  {MsgboxZeile(kMsgMassstabAbweichend), MsgboxZeile("DIMSCALE " + *dimscale),
+                   MsgboxZeile("X " + l.o.strMassstabX), MsgboxZeile(kMsgMassstabDerZeichnung, 2)}))
+        l.o.strMassstabX = l.o.strMassstabY = l.o.strMassstabZ = *dimscale;
+}
+
+// The block's own program, when it has one, loaded after its insertion.
+std::string blockProgramm(const Einfuegelauf& l, const typEinfuegeAuftrag& auftrag) {
+    const std::string datei =
+        fctBlockProgrammDatei(l.a.strBibliothek, auftrag.block.OrdnerNr, auftrag.block.Block);
+    return fctDateiExistiert(datei) ? fctLispPfad(datei) : std::string();
+}
 
 // AutoCAD LT: the script channel. False ends the run.
 bool ltRoute(Einfuegelauf& l, const typEinfuegeAuftrag& auftrag) {
-    LtEinfuegung lt{l.a.strBibliothek, l.a.strKopieVerzeichnis, auftrag, l.a.optionen};
+    LtEinfuegung lt{l.a.strBibliothek, l.a.strKopieVerzeichnis, auftrag, l.o};
     int anzahl = 0;
     LtErgebnis ergebnis;
     // Multiple insertion: the same block again until the user answers a
@@ -128,8 +174,9 @@ bool ltRoute(Einfuegelauf& l, const typEinfuegeAuftrag& auftrag) {
     do {
         ergebnis = ACadLtBlockEinfuegen(l.z, l.v, l.e, lt);
         if (ergebnis == LtErgebnis::Eingefuegt) ++anzahl;
-    } while (l.a.optionen.checkMehr == 1 && ergebnis == LtErgebnis::Eingefuegt);
+    } while (l.o.checkMehr == 1 && ergebnis == LtErgebnis::Eingefuegt);
     l.r.eingefuegt += anzahl;
+    stuecklisteErgaenzen(l, nullptr, auftrag, anzahl);
     // The Escape that ends a series of insertions is no cancel: the next
     // marked block follows.
     if (anzahl > 0 && (ergebnis == LtErgebnis::Eingefuegt || ergebnis == LtErgebnis::Abgebrochen)) {
@@ -153,8 +200,12 @@ bool lispRoute(Einfuegelauf& l, platform::Desktop& d, const typEinfuegeAuftrag& 
     l.p.step("Insert-Lsp-Load:");
     d.sendKeys(fctInsertLspLadenTasten(lsp) + "\r");
     l.p.step("tessara_einfuege");
-    d.sendKeys(fctTessaraEinfuegeTasten(angabe, l.a.optionen) + "\r");
+    d.sendKeys(fctTessaraEinfuegeTasten(angabe, l.o) + "\r");
+    if (const std::string programm = blockProgramm(l, auftrag); !programm.empty())
+        d.sendKeys("{(}load \"" + programm + "\"{)}\r");
     ++l.r.eingefuegt;
+    stuecklisteErgaenzen(l, l.v.acadApp ? l.v.acadApp->ActiveDocument().get() : nullptr, auftrag,
+                         1);
     l.r.erledigteBloecke.push_back(auftrag.block.Block);
     return true;
 }
@@ -165,7 +216,7 @@ bool befehleSenden(Einfuegelauf& l, platform::Desktop& d, AcadDokument& dok,
                    const typEinfuegeAuftrag& auftrag, const std::string& angabe,
                    const typPunkt& versatz) {
     Prozedur& p = l.p;
-    const auto& o = l.a.optionen;
+    const auto& o = l.o;
     const auto& b = auftrag.block;
     if (auftrag.nummerEinfuegepkt <= 1) {
         p.step(o.checkBlock == 1 ? "Einfügepkt = 1: Einfügebefehl aus Bibliothek abschicken"
@@ -185,11 +236,14 @@ bool befehleSenden(Einfuegelauf& l, platform::Desktop& d, AcadDokument& dok,
             dok.SendCommand(fctRotationsBefehl());
         }
     }
-    if (o.checkBruch) {
+    if (o.checkBruch &&
+        (o.longBruchFrage != 1 || fctMsgbox(l.z, MsgboxArt::Frage, {kMsgLinieBrechenFrage}))) {
         p.step("Break-Befehl abschicken");
         dok.SendCommand(fctBreakLadenBefehl(l.z.strAppPfad));
     }
-    if (!b.Layer.empty()) {
+    // "sOhneLayersteuerung" = "1": the block stays on the layer current in
+    // the drawing, as on the script route.
+    if (!b.Layer.empty() && l.e.sOhneLayersteuerung != "1") {
         p.step("Layer-Befehl abschicken");
         dok.SendCommand(fctLayerBefehl(b.Layer));
         d.sendKeys("{ESC}");
@@ -215,6 +269,10 @@ bool befehleSenden(Einfuegelauf& l, platform::Desktop& d, AcadDokument& dok,
         p.step("fctLispVariablenZuordnen");
         fctLispVariablenZuordnen(dok, b);
     }
+    if (const std::string programm = blockProgramm(l, auftrag); !programm.empty()) {
+        p.step("Blockprogramm laden");
+        dok.SendCommand("(load \"" + programm + "\")\r");
+    }
     return false;
 }
 
@@ -229,13 +287,14 @@ bool befehlsRoute(Einfuegelauf& l, platform::Desktop& d, const typEinfuegeAuftra
     int anzahl = 0;
     bool abbruch = befehleSenden(l, d, *dok, auftrag, angabe, versatz);
     if (!abbruch) ++anzahl;
-    while (!abbruch && l.a.optionen.checkMehr == 1) {
+    while (!abbruch && l.o.checkMehr == 1) {
         if (!naechsteEinfuegungAbwarten(l.p, d, *dok)) break;
         if (befehleSenden(l, d, *dok, auftrag, angabe, versatz)) break;
         ++anzahl;
     }
     wache.wiederherstellen();
     l.r.eingefuegt += anzahl;
+    stuecklisteErgaenzen(l, dok.get(), auftrag, anzahl);
     if (abbruch) {
         l.r.booAbgebrochen = true;
         return false;
@@ -259,7 +318,7 @@ void zeichnungBestimmen(Einfuegelauf& l, const typEinfuegeAuftrag& auftrag, std:
                     : fctZeichnungsPfad(l.a.strBibliothek, b.OrdnerNr, b.Block, auftrag.ansicht);
     const std::string name = fctBlockNameBereinigen(booVariante ? auftrag.variante.BlockName
                                                                 : ansichtsName(b, auftrag.ansicht));
-    angabe = fctBlockAngabe(name, pfad, l.a.optionen.checkBlock == 1);
+    angabe = fctBlockAngabe(name, pfad, l.o.checkBlock == 1);
     const int nr = auftrag.nummerEinfuegepkt;
     if (nr > 1) {
         l.p.step("Wenn nötig, Distanz zum ZeichnungsEinfuegePkt ermitteln");
@@ -283,11 +342,13 @@ EinfuegeErgebnis fctBlockEinfuegen(ProgrammZustand& z, CadVerbindung& v,
                                    const typCadEinstellungen& e, const EinfuegeAnfrage& a) {
     Prozedur p(z, "cmbEinfuegen_Click", true);
     EinfuegeErgebnis r;
-    Einfuegelauf l{z, v, e, a, p, r};
+    Einfuegelauf l{z, v, e, a, p, r, a.optionen};
     platform::Desktop* d = z.plattform ? z.plattform->desktop : nullptr;
     try {
         p.step("BlockSuche in rsBlockInfo0");
         if (a.booMarkiert) p.step("markieren von Blöcken");
+        // AutoCAD LT offers no system variables to the program: no check there.
+        if (!fctIstAutoCadLt(v)) massstabKontrollieren(l);
         for (typEinfuegeAuftrag auftrag : a.auftraege) {
             if (!auftrag.varianten.empty() && a.optionen.longVariantenfrage == 1 &&
                 a.variantenAuswahl) {

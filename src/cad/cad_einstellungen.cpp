@@ -39,7 +39,7 @@ typEinfuegeOptionen fctEinfuegeOptionenAusSetup(const typSetupWerte& w) {
     o.checkUrsprung = schalter(w.longUrsprungBeimEinfuegen);
     o.checkReihe = schalter(w.longReihe);
     o.checkMehr = schalter(w.longMehrfacheinfuegen);
-    o.checkBruch = schalter(w.longBruchFrage);
+    o.checkBruch = schalter(w.longBruchOption);
     o.strMassstabX = w.strMassstabX;
     o.strMassstabY = w.strMassstabY;
     o.strMassstabZ = w.strMassstabZ;
@@ -47,6 +47,9 @@ typEinfuegeOptionen fctEinfuegeOptionenAusSetup(const typSetupWerte& w) {
     o.longXRef = w.longXRef;
     o.lonLispVarUebergeben = w.lonLispVarUebergeben;
     o.longVariantenfrage = w.longVariantenfrage;
+    o.longBruchFrage = w.longBruchFrage;
+    o.longMassstabskontrolle = w.longMassstabskontrolle;
+    o.longStuecklisteEinfuegen = w.longStuecklisteEinfuegen;
     return o;
 }
 

@@ -19,9 +19,10 @@ typCadEinstellungen fctCadEinstellungenLesen(const IniLeser& iniGetValue);
 // The same from the program's Settings file (z.strIniDatei).
 typCadEinstellungen fctCadEinstellungenLesen(ProgrammZustand& z);
 
-// The insertion check boxes start from the user's stored options; the scale
-// values, XRef, layer-0, Variant question and AutoLISP hand-over are taken as
-// they stand.
+// The insertion check boxes start from the user's stored options (the break
+// box from "break the line at the block"); the scale values, XRef, layer-0,
+// the Variant and break questions, the scale check, the parts list and the
+// AutoLISP hand-over are taken as they stand.
 typEinfuegeOptionen fctEinfuegeOptionenAusSetup(const typSetupWerte& w);
 
 }  // namespace tessara

@@ -43,4 +43,8 @@ inline constexpr long kMsgQuelleFehlt = 528;           // then the block numbers
 inline constexpr long kMsgAusgeschnittenBeenden = 529;
 inline constexpr long kMsgFortschrittEinfuegen = 530;  // the progress line
 
+// A new Block's own program.
+inline constexpr long kMsgBlockProgrammFrage = 624;
+inline constexpr long kMsgBlockProgrammNichtKopiert = 625;  // then the file
+
 }  // namespace tessara

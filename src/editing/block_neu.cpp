@@ -4,6 +4,7 @@
 
 #include "authoring/datei_layout.h"
 #include "authoring/dateien_operationen.h"
+#include "cad/einfuege_zusaetze.h"
 #include "cad/lt_skript.h"
 #include "captions/meldungen.h"
 #include "captions/meldungs_nummern.h"
@@ -276,6 +277,24 @@ void zurueckrollen(ProgrammZustand& z, const std::vector<typDateiZug>& zz) {
     for (const auto& zug : zz) DeleteAFile(z, zug.nach);
 }
 
+// A new Block's own program, loaded whenever it is inserted. One left in
+// the slot by a Block deleted earlier belongs to no record and goes first,
+// so that the new Block does not run a stranger's program.
+void blockProgrammFragen(BlockNeuUmgebung& u, Prozedur& p, const Vorhaben& w) {
+    auto& z = u.z;
+    const std::string ziel =
+        fctBlockProgrammDatei(u.modell.strBasisVerzeichnis(), w.strOrdnerNr, w.strBlockNr);
+    if (fctDateiExistiert(ziel)) DeleteAFile(z, ziel);
+    if (u.werte.longBlockProgrammfrage != 1 || !z.benutzer) return;
+    p.step("Blockprogramm abfragen");
+    if (!fctMsgbox(z, MsgboxArt::Frage, {kMsgBlockProgrammFrage})) return;
+    const std::string datei =
+        z.benutzer->dateiWaehlen(fctBeschriftMsgboxZuordnen(z, kMsgBlockProgrammFrage, kGruppeAllg),
+                                 z.strTessaraRoot, "AutoLISP (*.lsp)|*.lsp", false);
+    if (datei.empty()) return;
+    if (!fctDateiKopieren(datei, ziel)) melden(z, kMsgBlockProgrammNichtKopiert, datei);
+}
+
 }  // namespace
 
 std::string fctArbeitsverzeichnis(const ProgrammZustand& z) { return z.strCTemp + "TessaraNeu"; }
@@ -352,6 +371,7 @@ BlockNeuErgebnis fctNeuAusZeichnung(BlockNeuUmgebung& u, NeuArt art) {
             melden(z, kMsgBlockNichtAngelegt, z.fehler.strLetzterFehler);
             return r;
         }
+        if (art == NeuArt::Block) blockProgrammFragen(u, p, w);
         p.step("Anzeigen");
         u.modell.subSeiteNeuAnzeigen();
         r.booAngelegt = true;

@@ -18,7 +18,9 @@
 namespace tessara {
 
 BibliothekSitzung::BibliothekSitzung(ProgrammZustand& z, db::StorageOpener oeffner)
-    : z_(z), modell_(z, std::move(oeffner)) {}
+    : z_(z), modell_(z, std::move(oeffner)) {
+    modell_.setSetupWerte(&setup_);
+}
 
 void BibliothekSitzung::subPositionSpeichern() {
     const auto* o = modell_.aktuellerOrdner();

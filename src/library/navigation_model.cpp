@@ -8,6 +8,8 @@
 
 #include "authoring/code_tabelle.h"
 #include "authoring/datei_layout.h"
+#include "authoring/slide_library.h"
+#include "captions/meldungen.h"
 #include "jet/format/error.h"
 #include "jet/sql/text_rules.h"
 #include "library/schema.h"
@@ -353,6 +355,8 @@ void NavigationsModell::BlocknummernEinlesen(long k) {
                                 ? rs.text("SlideLib")
                                 : fctSlideLibEintrag(fctOhneBlanks(o->OrdnerNr), nr, false);
             s.strBildname = fctBildnameAnsicht0(strBasis_, s.strSlideLib);
+            if (setup_ && setup_->longSlideUeberpruefen == 1)
+                s.booDiaFehlt = !fctDateiExistiert(slide::fctBildnameZerlegen(s.strBildname).datei);
         } else {
             s.strBeschriftung = kFreiEintrag;
             s.strBildname = fctLeerfeldBild(z_.strAppPfad);
@@ -410,7 +414,26 @@ bool NavigationsModell::seitenFuellen() {
     if (intPosition_ >= slots) intPosition_ = static_cast<int>(slots) - 1;
     if (arySeiten_.size() < static_cast<std::size_t>(intSeite_ + 1))
         arySeiten_.resize(static_cast<std::size_t>(intSeite_ + 1));
+    fehlendeDiasMelden();
     return true;
+}
+
+// Each Block whose slide is missing is told once a session, not at every
+// redraw of its Page; the slot shows its drawing's own preview meanwhile.
+void NavigationsModell::fehlendeDiasMelden() {
+    std::vector<MsgboxZeile> zeilen{MsgboxZeile(kMsgDiaFehlt)};
+    for (const auto& s : slots_) {
+        if (!s.booDiaFehlt || std::find(gemeldeteDias_.begin(), gemeldeteDias_.end(),
+                                        s.strBlockNr) != gemeldeteDias_.end())
+            continue;
+        gemeldeteDias_.push_back(s.strBlockNr);
+        zeilen.emplace_back(s.strBlockNr + "  " + s.strBildname);
+    }
+    if (zeilen.size() > 1) fctMsgbox(z_, MsgboxArt::Info, zeilen);
+}
+
+void NavigationsModell::nachSeitenwechsel() {
+    if (!setup_ || setup_->lonPosSeitenWechsel != 1) intPosition_ = 0;
 }
 
 bool NavigationsModell::subSeiteNeuAnzeigen() {
@@ -485,12 +508,14 @@ bool NavigationsModell::fctOrdnerWaehlen(const std::string& strOrdnerNr, long ln
 bool NavigationsModell::combutVor() {
     if (!aktuellerOrdner() || intSeite_ >= letzteSeite()) return false;
     ++intSeite_;
+    nachSeitenwechsel();
     return seitenFuellen();
 }
 
 bool NavigationsModell::combutZurueck() {
     if (!aktuellerOrdner() || intSeite_ <= 0) return false;
     --intSeite_;
+    nachSeitenwechsel();
     return seitenFuellen();
 }
 
@@ -509,11 +534,13 @@ bool NavigationsModell::combutZurueckAnfang() {
         }
     }
     intSeite_ = ziel;
+    nachSeitenwechsel();
     return seitenFuellen();
 }
 
 bool NavigationsModell::GeheZuSeite(long lngSeite) {
     if (!aktuellerOrdner() || lngSeite < 0 || lngSeite > letzteSeite()) return false;
+    if (lngSeite != intSeite_) nachSeitenwechsel();
     intSeite_ = lngSeite;
     return seitenFuellen();
 }

@@ -22,6 +22,7 @@
 #include "authoring/code_tabelle.h"
 #include "library/datenbank.h"
 #include "startup/programm_zustand.h"
+#include "startup/registry_werte.h"
 
 namespace tessara {
 
@@ -41,6 +42,7 @@ struct typSlot {
     std::string strSlideLib;
     std::string strBildname;   // picture handed to the slide control (program path)
     bool booMarkiert = false;  // chkMarkieren
+    bool booDiaFehlt = false;  // looked for ("check slides" on) and not there
     long lngNr = 0;            // tblBlockInfo.Nr when belegt
 };
 
@@ -49,6 +51,9 @@ struct typSeiteEintrag {
     long SeitenNr = 0;
     std::string SeitenName;
 };
+
+// The message that lists the Blocks of a Page whose slide is missing.
+inline constexpr long kMsgDiaFehlt = 623;
 
 // What a double-click on a slot asks of the window (longDoppelklick).
 enum class DoppelklickAktion { Nichts, Einfuegen, Markieren, Vollbild };
@@ -108,6 +113,12 @@ class NavigationsModell {
     // fctOrdnerVollstaendigEinlesen. So a library's first Page is painted
     // without reading the 10 000 rows of a large Folder first.
     void setSeiteZuerst(bool booSeiteZuerst) { booSeiteZuerst_ = booSeiteZuerst; }
+    // The user's options the model follows as they change: whether paging
+    // keeps the selected slot ("lonPosSeitenWechsel"; off: the first slot of
+    // the new Page) and whether the slides of a Page are looked for on disk
+    // when it is filled ("longSlideUeberpruefen"; the check costs a file
+    // lookup per slot, which a library on a slow share feels). Null: neither.
+    void setSetupWerte(const typSetupWerte* w) { setup_ = w; }
     // Reads the whole Folder into rsBlockInfo0 when it holds one Page only.
     bool fctOrdnerVollstaendigEinlesen();
     bool booNurSeiteGelesen() const { return nurSeite_.has_value(); }
@@ -220,6 +231,11 @@ class NavigationsModell {
     // number (both empty until the Page is read).
     std::optional<std::pair<std::string, std::string>> nurSeite_;
     std::function<bool(const std::string&)> ordnerFilter_;
+    const typSetupWerte* setup_ = nullptr;
+    std::vector<std::string> gemeldeteDias_;  // missing slides told once a session
+
+    void nachSeitenwechsel();
+    void fehlendeDiasMelden();
 };
 
 }  // namespace tessara

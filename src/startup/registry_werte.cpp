@@ -123,6 +123,37 @@ bool SetupEinstellungenZuweisen(ProgrammZustand& z, typSetupWerte& w) {
     return true;
 }
 
+bool EintraegeInRegistrierdatenbank(ProgrammZustand& z) {
+    Prozedur p(z, "EintraegeInRegistrierdatenbank");
+    auto* reg = registry(z);
+    if (!reg) return false;
+    std::vector<std::string> dbs;
+    for (const auto& d : z.aryDbVerzeichnis)
+        if (!d.empty() && d != "0") dbs.push_back(d);
+    if (dbs.empty()) return true;
+    const std::string schluessel = "Software\\Tessara\\Version_8";
+    bool ok = true;
+    if (!reg->keyExists(Hive::LocalMachine, schluessel)) {
+        p.step("Schlüssel anlegen");
+        const std::string anwendungsdaten =
+            z.plattform->environment ? z.plattform->environment->commonAppData() : std::string();
+        ok = reg->createKey(Hive::LocalMachine, "SOFTWARE\\Tessara\\Version_8\\Setup") &&
+             reg->writeString(Hive::LocalMachine, "SOFTWARE\\Tessara\\Version_8\\Setup",
+                              "Anwendungsdaten", anwendungsdaten);
+    }
+    p.step("Datenbanken eintragen");
+    for (std::size_t i = 0; ok && i < dbs.size(); ++i)
+        ok = reg->writeString(Hive::LocalMachine, schluessel, "Eintrag" + std::to_string(i + 2),
+                              fctDbDatei(dbs[i]));
+    if (ok && !z.strAktuelleDb.empty())
+        ok = reg->writeString(Hive::LocalMachine, schluessel, "Eintrag1", z.strAktuelleDb);
+    if (!ok)
+        p.fehler("Die Bibliotheken konnten nicht für alle Benutzer eingetragen werden.", 0, true);
+    return ok;
+}
+
+void subSetupBeimStart(typSetupWerte& w) { w.longMehrfacheinfuegen = w.longMehrfachAktiv == 1; }
+
 namespace {
 
 // The switches the options window shows as check boxes.

@@ -111,6 +111,21 @@ bool subRegistryEintraegeSpeichern(ProgrammZustand& z);
 // "Eintrag1" alone (a new database has become current).
 bool fctEintrag1Speichern(ProgrammZustand& z, const std::string& strDb);
 
+// The databases of the installation under the local machine's
+// "Software\Tessara\Version_8", for every program and user of the machine:
+// "Eintrag" & i + 2 for entry i of the database list (directory &
+// "\dbTessara.mdb"), "Eintrag1" the current database. A missing key is
+// begun as "...\Version_8\Setup" with "Anwendungsdaten", the common
+// application-data folder. A list without a database writes nothing. Writing
+// the machine's hive may be refused to a user without the rights: that is
+// logged, never shown, and answers false.
+bool EintraegeInRegistrierdatenbank(ProgrammZustand& z);
+
+// What holds for a session from its start: the multiple-insertion box is on
+// exactly when "switched on at start" (longMehrfachAktiv) is set, whatever
+// the box showed when the last session ended.
+void subSetupBeimStart(typSetupWerte& w);
+
 // z.strAktuelleDb from "Eintrag1"; when its directory is not in the database
 // list, entry 0 of the list becomes current (empty when the list names no
 // database). True when a current database is set.

@@ -29,6 +29,7 @@
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
 #include "ui/beschriften.h"
+#include "ui/dialog_farbe_setzen.h"
 #include "ui/frm_blockverwaltung.h"
 #include "ui/frm_startfenster.h"
 #include "ui/sld_blockverwaltung.h"
@@ -88,11 +89,13 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     l.setzen("Daten aus Ini-DAtei lesen", [this] {
         fctIniDateiErsterStart(z_);
         subLesenTessaraIniDatei(z_);
+        ui::subDialogFarbeSetzen(z_);
     });
     l.setzen("subAktuelleDatenbankAusRegistrierdatenbank",
              [this] { EintraegeAusRegistrierdatenbank(z_); });
     l.setzen("SetupEinstellungenZuweisen", [this] {
         SetupEinstellungenZuweisen(z_, sitzung_.setup());
+        subSetupBeimStart(sitzung_.setup());
         if (fctSetupWerteKorrigieren(sitzung_.setup()))
             fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(kMsgEinstellungUngueltig)});
     });
@@ -142,6 +145,7 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     l.setzen("in Ini-Datei abspeichern", [this] { subSpeichernTessaraIniDatei(z_); });
     l.setzen("in Registry abspeichern", [this] {
         if (!z_.strAktuelleDb.empty()) fctEintrag1Speichern(z_, z_.strAktuelleDb);
+        EintraegeInRegistrierdatenbank(z_);
     });
     l.setzen("SlideEndung festlegen",
              [this] { fctFolderExistAnlegen(z_, z_.strCTemp + "TempTessara"); });
@@ -354,7 +358,7 @@ std::vector<std::int32_t*> FrmBlockverwaltung::einfuegeSchalter() {
             &sitzung_.setup().longUrsprungBeimEinfuegen,
             &sitzung_.setup().longReihe,
             &sitzung_.setup().longMehrfacheinfuegen,
-            &sitzung_.setup().longBruchFrage};
+            &sitzung_.setup().longBruchOption};
 }
 
 void FrmBlockverwaltung::einfuegeOptionenZeigen() {

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <sstream>
+
 #include "cad/einfuege_texte.h"
 #include "cad_umgebung.h"
 #include "fake_acad.h"
@@ -297,6 +300,74 @@ TEST_F(FakeEinfuegen, EscapeOhneMehrfachBrichtImSkriptkanalAb) {
     EXPECT_TRUE(r.booAbgebrochen);
     EXPECT_EQ(r.eingefuegt, 0);
     EXPECT_TRUE(r.erledigteBloecke.empty());
+}
+
+// Each insertion option against the same block: what the host is sent, what
+// the user is asked and what the parts list holds, case by case in
+// golden/schalter.txt ("== case" headers).
+TEST_F(FakeEinfuegen, SchalterDerEinfuegung) {
+    const std::vector<std::pair<std::string, std::function<void()>>> faelle{
+        {"ohne Schalter", [] {}},
+        {"ohne Layersteuerung", [this] { e.sOhneLayersteuerung = "1"; }},
+        {"Linie brechen", [this] { a.optionen.checkBruch = 1; }},
+        {"Linie brechen nach Frage, Nein",
+         [this] {
+             a.optionen.checkBruch = a.optionen.longBruchFrage = 1;
+             benutzer.antworten = {Antwort::Nein};
+         }},
+        {"Linie brechen nach Frage, Ja",
+         [this] { a.optionen.checkBruch = a.optionen.longBruchFrage = 1; }},
+        {"Massstab der Zeichnung, Ja",
+         [this] {
+             a.optionen.longMassstabskontrolle = 1;
+             app->dokument->variablen["DIMSCALE"] = "50";
+         }},
+        {"Massstab der Zeichnung, Nein",
+         [this] {
+             a.optionen.longMassstabskontrolle = 1;
+             app->dokument->variablen["DIMSCALE"] = "50";
+             benutzer.antworten = {Antwort::Nein};
+         }},
+        {"Massstab wie die Zeichnung",
+         [this] {
+             a.optionen.longMassstabskontrolle = 1;
+             app->dokument->variablen["DIMSCALE"] = "1.0";
+         }},
+        {"Stueckliste",
+         [this] {
+             a.optionen.longStuecklisteEinfuegen = 1;
+             app->dokument->variablen["DWGPREFIX"] = "c:\\Plaene\\";
+             app->dokument->variablen["DWGNAME"] = "Anlage.dwg";
+             a.auftraege[0].block.M[0] = "Ventil; DN 50";
+             a.auftraege[0].block.M[9] = "Stück";
+         }},
+        {"Blockprogramm", [this] { anlegen("c:\\Bib\\001\\Block\\0010A.lsp"); }},
+    };
+    std::vector<std::string> ist;
+    for (const auto& [name, vorher] : faelle) {
+        TearDown();
+        log->eintraege.clear();
+        a = {};
+        e = {};
+        benutzer = {};
+        SetUp();
+        a.auftraege[0].block.Layer = "Armaturen";
+        vorher();
+        fctBlockEinfuegen(z, v, e, a);
+        ist.push_back("== " + name);
+        // The host variables kept and given back around every insertion are
+        // another test's matter.
+        for (const auto& s : log->eintraege)
+            if (s.rfind("SetVariable:", 0) != 0 && s.find(":filedia") == std::string::npos &&
+                s.find(":attreq") == std::string::npos &&
+                s.find(":orthomode") == std::string::npos &&
+                s.find(":CMDECHO") == std::string::npos)
+                ist.push_back(s);
+        for (const auto& g : benutzer.gezeigt) ist.push_back("gefragt: " + g.text);
+        std::istringstream liste(lesen("c:\\Plaene\\Anlage_Stueckliste.csv"));
+        for (std::string zeile; std::getline(liste, zeile);) ist.push_back("Stückliste: " + zeile);
+    }
+    EXPECT_EQ(ist, goldenZeilen("schalter.txt"));
 }
 
 }  // namespace

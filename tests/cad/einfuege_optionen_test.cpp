@@ -46,7 +46,7 @@ TEST(EinfuegeOptionenAusSetup, JedeOptionAufIhrFeld) {
         {&typSetupWerte::longUrsprungBeimEinfuegen, &typEinfuegeOptionen::checkUrsprung},
         {&typSetupWerte::longReihe, &typEinfuegeOptionen::checkReihe},
         {&typSetupWerte::longMehrfacheinfuegen, &typEinfuegeOptionen::checkMehr},
-        {&typSetupWerte::longBruchFrage, &typEinfuegeOptionen::checkBruch},
+        {&typSetupWerte::longBruchOption, &typEinfuegeOptionen::checkBruch},
     };
     for (const auto& f : faelle) {
         typSetupWerte aus;
@@ -72,11 +72,14 @@ TEST(EinfuegeOptionenAusSetup, WerteUnveraendert) {
     w.strMassstabZ = "3";
     w.longXRef = w.longEinfuegenLayer0 = w.lonLispVarUebergeben = 1;
     w.longVariantenfrage = 0;
+    w.longBruchFrage = w.longStuecklisteEinfuegen = 1;
     const auto o = fctEinfuegeOptionenAusSetup(w);
     EXPECT_EQ(o.strMassstabX + "|" + o.strMassstabY + "|" + o.strMassstabZ, "2.5|0.5|3");
     EXPECT_EQ(std::to_string(o.longXRef) + std::to_string(o.longEinfuegenLayer0) +
-                  std::to_string(o.lonLispVarUebergeben) + std::to_string(o.longVariantenfrage),
-              "1110");
+                  std::to_string(o.lonLispVarUebergeben) + std::to_string(o.longVariantenfrage) +
+                  std::to_string(o.longBruchFrage) + std::to_string(o.longMassstabskontrolle) +
+                  std::to_string(o.longStuecklisteEinfuegen),
+              "1110101");
 }
 
 }  // namespace

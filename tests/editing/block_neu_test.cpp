@@ -10,9 +10,11 @@
 #include "authoring/slide.h"
 #include "authoring/slide_library.h"
 #include "cad/fake_acad.h"
+#include "frisches_verzeichnis.h"
 #include "organisation/bibliothek.h"
 #include "platform/memory/fake_clock.h"
 #include "platform/memory/memory_desktop.h"
+#include "platform/environment.h"
 #include "platform/platform.h"
 #include "startup/pfade.h"
 
@@ -176,6 +178,27 @@ TEST_F(BlockNeuTest, AbbruchLaesstBibliothekUnveraendert) {
         EXPECT_EQ(dateien(), vorher);
         EXPECT_EQ(zeilen("SELECT Block FROM tblBlockInfo"), std::vector<std::string>{});
         EXPECT_FALSE(fs::exists(fctNativerPfad(fctArbeitsverzeichnis(z))));
+        TearDown();
+    }
+}
+
+// A new Block's own program: asked for and placed beside its drawing when
+// the option is on; one left in the slot by an earlier Block goes either way.
+TEST_F(BlockNeuTest, BlockprogrammNachFrage) {
+    for (const int frage : {0, 1}) {
+        SCOPED_TRACE(frage);
+        SetUp();
+        werte.longBlockProgrammfrage = frage;
+        const fs::path lsp = wurzel / "tuer.lsp";
+        std::ofstream(lsp) << "(defun c:tuer () (princ))";
+        benutzer.dateien = {platform::programPath(lsp.string())};
+        const fs::path ziel = wurzel / "lib" / "000" / "Block" / (blockNr() + ".lsp");
+        fs::create_directories(ziel.parent_path());
+        std::ofstream(ziel) << "alt";
+        ASSERT_TRUE(neu(NeuArt::Block).booAngelegt);
+        EXPECT_EQ(fs::exists(ziel), frage == 1);
+        EXPECT_EQ(gezeigt().size(), static_cast<std::size_t>(frage));
+        if (frage == 1) EXPECT_EQ(dateiInhalt(ziel), "(defun c:tuer () (princ))");
         TearDown();
     }
 }

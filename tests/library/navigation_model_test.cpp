@@ -191,6 +191,40 @@ TEST_F(Navigation, PagingJumpingAndBackToTheLastFilledPage) {
     EXPECT_EQ(m.intSeite(), letzte) << "a refused Page leaves the current one";
 }
 
+TEST_F(Navigation, PagingKeepsTheSlotOnlyWhenSetAndMissingSlidesAreToldOnce) {
+    typSetupWerte w;
+    m.setSetupWerte(&w);
+    oeffnen("001", 1);
+    for (const auto& [behalten, erwartet] : {std::pair{0, 0}, {1, 4}}) {
+        w.lonPosSeitenWechsel = behalten;
+        m.subPositionSetzen(4);
+        ASSERT_TRUE(m.combutVor());
+        EXPECT_EQ(m.intPosition(), erwartet) << "forward, keep " << behalten;
+        m.subPositionSetzen(4);
+        ASSERT_TRUE(m.combutZurueck());
+        EXPECT_EQ(m.intPosition(), erwartet) << "back, keep " << behalten;
+    }
+    // The slides of the library do not exist: without the check nobody
+    // looks; with it each missing one is told once, however often its Page
+    // is shown.
+    EXPECT_TRUE(benutzer.gezeigt.empty());
+    w.longSlideUeberpruefen = 1;
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(m.combutVor());
+        ASSERT_TRUE(m.combutZurueck());
+    }
+    ASSERT_TRUE(m.subSeiteNeuAnzeigen());
+    ASSERT_EQ(benutzer.gezeigt.size(), 2u);
+    EXPECT_NE(benutzer.gezeigt[0].text.find("0010009  " + basis() + "001\\00100090.sld"),
+              std::string::npos)
+        << benutzer.gezeigt[0].text;
+    EXPECT_NE(benutzer.gezeigt[1].text.find("0010000  " + basis() + "001\\00100000.slb(0A)"),
+              std::string::npos)
+        << benutzer.gezeigt[1].text;
+    EXPECT_TRUE(m.seitenSlots()[0].booDiaFehlt);
+    EXPECT_FALSE(m.seitenSlots()[1].booDiaFehlt) << "a free slot has no slide to miss";
+}
+
 TEST_F(Navigation, DoubleClickActsByTheSetting) {
     oeffnen();
     EXPECT_EQ(m.fctDoppelklick(0, 1), DoppelklickAktion::Einfuegen);

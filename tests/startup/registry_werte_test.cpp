@@ -173,6 +173,32 @@ TEST_F(RegistryWerte, AktuelleDatenbankAusEintrag1) {
     }
 }
 
+TEST_F(RegistryWerte, DatenbankenFuerAlleBenutzer) {
+    const std::string v8 = "Software\\Tessara\\Version_8";
+    z.aryDbVerzeichnis = {"0"};
+    EXPECT_TRUE(EintraegeInRegistrierdatenbank(z));
+    EXPECT_TRUE(aufz.geschrieben.empty()) << "no database, nothing to enter";
+    z.aryDbVerzeichnis = {"c:\\A", "d:\\B\\"};
+    z.strAktuelleDb = "d:\\B\\dbTessara.mdb";
+    for (int lauf = 0; lauf < 2; ++lauf) {
+        aufz.geschrieben.clear();
+        ASSERT_TRUE(EintraegeInRegistrierdatenbank(z));
+        std::string namen;
+        for (const auto& w : aufz.geschrieben)
+            namen += (w.hive == Hive::LocalMachine ? "" : "HKCU!") + w.name + " ";
+        // The Setup key with the application data only while the key is new.
+        EXPECT_EQ(namen, lauf == 0 ? "Anwendungsdaten Eintrag2 Eintrag3 Eintrag1 "
+                                   : "Eintrag2 Eintrag3 Eintrag1 ");
+    }
+    EXPECT_EQ(aufz.readString(Hive::LocalMachine, v8 + "\\Setup", "Anwendungsdaten"),
+              env.commonAppData());
+    EXPECT_EQ(aufz.readString(Hive::LocalMachine, v8, "Eintrag2"), "c:\\A\\dbTessara.mdb");
+    EXPECT_EQ(aufz.readString(Hive::LocalMachine, v8, "Eintrag3"), "d:\\B\\dbTessara.mdb");
+    EXPECT_EQ(aufz.readString(Hive::LocalMachine, v8, "Eintrag1"), z.strAktuelleDb);
+    aufz.setReadOnly(true);
+    EXPECT_FALSE(EintraegeInRegistrierdatenbank(z)) << "a user without the rights";
+}
+
 TEST_F(RegistryWerte, GesperrteRegistryOhneAbsturz) {
     aufz.setReadOnly(true);
     z.aryDbVerzeichnis = {"c:\\A"};

@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 
+#include "startup/dialog_farbe.h"
 #include "startup/registry_werte.h"
 #include "tabelle.h"
 
@@ -32,6 +33,24 @@ TEST(SetupWerteKorrigieren, PutsNonsenseBackToTheDefault) {
                 EXPECT_EQ(w.*std::get<std::string typSetupWerte::*>(feld(f[i])), f[i + 2]) << f[i];
         }
         EXPECT_FALSE(fctSetupWerteKorrigieren(w)) << "a second pass changes nothing";
+    }
+}
+
+// "sBkColor" in each form it is met in, and what is no colour.
+TEST(DialogFarbe, ReadAsWindowsColourValue) {
+    for (const auto& f : test::tabelle("startup/golden/dialog_farbe.txt")) {
+        const auto farbe = fctDialogFarbe(f.at(0) == "-" ? std::string() : f[0]);
+        EXPECT_EQ(farbe ? std::to_string(*farbe) : std::string("-"), f.at(1)) << f[0];
+    }
+}
+
+TEST(SetupBeimStart, MultipleInsertionFollowsSwitchedOnAtStart) {
+    for (const auto [aktiv, vorher] : {std::pair{0, 1}, {1, 0}}) {
+        typSetupWerte w;
+        w.longMehrfachAktiv = aktiv;
+        w.longMehrfacheinfuegen = vorher;
+        subSetupBeimStart(w);
+        EXPECT_EQ(w.longMehrfacheinfuegen, aktiv);
     }
 }
 
