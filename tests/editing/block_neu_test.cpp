@@ -12,9 +12,9 @@
 #include "cad/fake_acad.h"
 #include "frisches_verzeichnis.h"
 #include "organisation/bibliothek.h"
+#include "platform/environment.h"
 #include "platform/memory/fake_clock.h"
 #include "platform/memory/memory_desktop.h"
-#include "platform/environment.h"
 #include "platform/platform.h"
 #include "startup/pfade.h"
 
