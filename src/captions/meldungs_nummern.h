@@ -25,5 +25,7 @@ inline constexpr long kMsgEinzigeBibliothek = 505;
 inline constexpr long kMsgNichtInListe = 506;                  // then the path
 inline constexpr long kMsgBibliothekAbhaengen = 507;           // a question, then the path
 inline constexpr long kMsgVerzeichnisSchreibgeschuetzt = 508;  // then the path
+// The title of the directory question when no library is known yet.
+inline constexpr long kMsgErsteBibliothekWaehlen = 560;
 
 }  // namespace tessara

@@ -31,10 +31,20 @@
 #include "ui/beschriften.h"
 #include "ui/frm_blockverwaltung.h"
 #include "ui/frm_startfenster.h"
+#include "ui/qt_sprache.h"
 #include "ui/sld_blockverwaltung.h"
 #include "ui_frm_blockverwaltung.h"
 
 namespace tessara {
+
+namespace {
+// Not reaching the CAD host: three lines the user may switch off.
+void fctAcadVerbindungMelden(ProgrammZustand& z) {
+    fctMsgbox(z, MsgboxArt::Info,
+              {MsgboxZeile(kMsgKeinHost1), MsgboxZeile(kMsgKeinHost2), MsgboxZeile(kMsgKeinHost3)},
+              kGruppeAllg, "AcadVerbindung");
+}
+}  // namespace
 
 void FrmBlockverwaltung::meldenMitPfad(long lngNummer, const std::string& strPfad) {
     fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(lngNummer), MsgboxZeile(strPfad)});
@@ -70,14 +80,18 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
             };
     });
     l.setzen("ACAD_Connect", [this] {
+        // Qt's own dialogs speak the user's language before the first of them.
+        ui::subQtUebersetzungLaden(z_);
         bool lt = false;
-        // No window list at start-up: the user is asked for the host window
-        // when inserting, not before the library is even on screen.
-        if (!ACAD_Connect(z_, v_, false, true, lt))
-            fctMsgbox(z_, MsgboxArt::Info,
-                      {MsgboxZeile(kMsgKeinHost1), MsgboxZeile(kMsgKeinHost2),
-                       MsgboxZeile(kMsgKeinHost3)},
-                      kGruppeAllg, "AcadVerbindung");
+        // Where no host is found the list of open windows is offered; the
+        // no-host report is the one CAD-connection message, which the user
+        // may switch off. A host that answers but is not known (acadApp set)
+        // gets it after its own version message.
+        v_.booFensterlisteAnbieten = true;
+        ProgrammZustand* z = &z_;
+        v_.keinHostMelden = [z] { fctAcadVerbindungMelden(*z); };
+        if (!ACAD_Connect(z_, v_, false, false, lt) && v_.acadApp) fctAcadVerbindungMelden(z_);
+        v_.keinHostMelden = nullptr;
     });
     // Shown at its stored size at once: sized after the show, the window was
     // drawn twice, the second time into a new buffer of the full size.
@@ -104,12 +118,17 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     l.setzen(
         "erste Datenbank wird eingebunden",
         [this] {
-            const std::string dir =
-                z_.benutzer ? z_.benutzer->ordnerWaehlen(
-                                  ui::fctText(z_, "frmBlockverwaltung", "mnuBibliothekOeffnen")
-                                      .toStdString(),
-                                  z_.strTessaraRoot)
-                            : std::string();
+            // A library handed over ("/d") is the first one; only without it,
+            // or when its directory is not there, is the user asked.
+            std::string dir = fctUebergebeneBibliothek(z_);
+            if (!dir.empty() && !fctVerzeichnisExistiert(dir)) {
+                meldenMitPfad(kMsgVerzeichnisFehlt, dir);
+                dir.clear();
+            }
+            if (dir.empty() && z_.benutzer)
+                dir = z_.benutzer->ordnerWaehlen(
+                    fctBeschriftMsgboxZuordnen(z_, kMsgErsteBibliothekWaehlen, kGruppeAllg),
+                    z_.strTessaraRoot);
             if (dir.empty()) return;
             fctDbListeErweitern(z_, dir);
             z_.strAktuelleDb = fctDbDatei(fctOhneBackslash(dir));
@@ -413,10 +432,7 @@ bool FrmBlockverwaltung::einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bo
         v_.booFensterlisteAnbieten = true;
         bool lt = false;
         if (!ACAD_Connect(z_, v_, false, true, lt)) {
-            fctMsgbox(z_, MsgboxArt::Info,
-                      {MsgboxZeile(kMsgKeinHost1), MsgboxZeile(kMsgKeinHost2),
-                       MsgboxZeile(kMsgKeinHost3)},
-                      kGruppeAllg, "AcadVerbindung");
+            fctAcadVerbindungMelden(z_);
             return false;
         }
     }
