@@ -14,6 +14,7 @@
 #include "cad/block_einfuegen.h"
 #include "cad/cad_einstellungen.h"
 #include "cad/markierte_auftraege.h"
+#include "cad/menue_dateien.h"
 #include "captions/beschriftung.h"
 #include "captions/meldungen.h"
 #include "captions/meldungs_nummern.h"
@@ -162,8 +163,11 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     l.setzen("in Registry abspeichern", [this] {
         if (!z_.strAktuelleDb.empty()) fctEintrag1Speichern(z_, z_.strAktuelleDb);
     });
-    l.setzen("SlideEndung festlegen",
-             [this] { fctFolderExistAnlegen(z_, z_.strCTemp + "TempTessara"); });
+    l.setzen("SlideEndung festlegen", [this] {
+        z_.strSlideEndung = fctIstAutoCadLt(v_) ? ".sld" : ".slb";
+        fctFolderExistAnlegen(z_, z_.strCTemp + "TempTessara");
+    });
+    l.setzen("Menüdateien", [this] { fctMenueDateienLaden(z_, v_); });
     l.setzen("Startfenster anzeigen", [this] {
         start_ = new FrmStartfenster(this);
         ui::subFormularBeschriften(z_, start_);
