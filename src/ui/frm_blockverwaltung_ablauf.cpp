@@ -174,7 +174,20 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
         start_->show();
         start_->schritt(1, 4, {});
     });
-    l.setzen("OptionsGruppeAnzeigen", [this] { einfuegeOptionenZeigen(); });
+    l.setzen("OptionsGruppeAnzeigen", [this] {
+        einfuegeOptionenZeigen();
+        // AutoCAD LT's script enters the scales itself when the angle is
+        // asked, and a draughtsman asked for the X scale answers the Y scale
+        // right after it: those boxes would change nothing there.
+        const auto abhaengige = [this] {
+            const bool lt = fctIstAutoCadLt(v_);
+            ui_->checkXFrage->setEnabled(!(lt && ui_->checkWinkel->isChecked()));
+            ui_->checkYFrage->setEnabled(!(lt && ui_->checkXFrage->isChecked()));
+        };
+        for (QCheckBox* c : {ui_->checkWinkel, ui_->checkXFrage})
+            connect(c, &QCheckBox::toggled, this, abhaengige);
+        abhaengige();
+    });
     l.setzen("VerzeichnisOhneDb zuweisen", [this] {
         if (!z_.strAktuelleDb.empty())
             subVerzeichnisVorgabeAktualisieren(z_, fctVerzeichnisVon(z_.strAktuelleDb), 1);
