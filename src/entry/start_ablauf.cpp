@@ -166,7 +166,7 @@ bool clsStart::initialisieren(ProgrammZustand& z, bool booFragen) {
     if (z.strSprache.empty()) z.strSprache = "deutsch";
 
     p.step("Debug-Modus");
-    fctGetCDebug(z, z.strIniDatei, "");
+    if (booFragen) fctGetCDebug(z, z.strIniDatei, "");  // which may ask whether to debug
     if (booFragen && z.booDebug && z.benutzer)
         z.benutzer->meldung("Prgramm startet im Debug-Modus", "Info", Symbol::Information,
                             Knoepfe::Ok);
