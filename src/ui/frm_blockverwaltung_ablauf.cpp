@@ -97,6 +97,9 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     // Shown at its stored size at once: sized after the show, the window was
     // drawn twice, the second time into a new buffer of the full size.
     l.setzen("me.show", [this] {
+        // Captioned before it is first seen: a question of the load sequence
+        // may stand over it for a while.
+        ui::subFormularBeschriften(z_, this);
         groesseAngleichen();
         zeigen();
     });
