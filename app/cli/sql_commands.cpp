@@ -1,10 +1,10 @@
 // tessara-cli sql PATH STATEMENT: runs one statement of the Jet SQL dialect on
-// a database file; with "-" or "--file FILE" instead of the statement, the
-// statements of standard input or of the file, in order, the first failure
-// stopping the run with the number of its line. A SELECT prints its rows as CSV in the shape of
-// `export` (header row, commas, text in double quotes with doubled quotes inside, NULL as empty);
-// other statements print the number of rows affected; an error prints Jet's message and exits
-// non-zero.
+// a database file (or the server catalogue its dbTessara.ini names); with "-" or "--file FILE"
+// instead of the statement, the statements of standard input or of the file, in order, the first
+// failure stopping the run with the number of its line. A SELECT prints its rows as CSV in the
+// shape of `export` (header row, commas, text in double quotes with doubled quotes inside, NULL as
+// empty); other statements print the number of rows affected; an error prints Jet's message and
+// exits non-zero.
 #include <cstdio>
 #include <fstream>
 #include <istream>
@@ -15,6 +15,7 @@
 
 #include "cli/cli.h"
 #include "csv_wert.h"
+#include "db/jet_opener.h"
 #include "jet/sql/engine_storage.h"
 #include "jet/sql/error.h"
 #include "jet/sql/executor.h"
@@ -75,7 +76,7 @@ int runSql(const cli::Args& args, std::istream& in, std::ostream& out, std::ostr
     }
     int zeile = 0;
     try {
-        sql::Executor ex(sql::openEngineStorage(args[0], false, {}, cli::lockWait(err)));
+        sql::Executor ex(db::jetOpener({}, cli::lockWait(err))(args[0], false));
         if (!ausDatei && args[1] != "-") {
             ergebnisAusgeben(ex.execute(args[1]), out);
             return 0;

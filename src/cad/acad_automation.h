@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace tessara {
 
@@ -18,6 +19,18 @@ class AcadFehler : public std::runtime_error {
 
   private:
     long nummer_;
+};
+
+// One layer of a drawing as the layer manager keeps it: the colour is the
+// AutoCAD colour index (1 to 255).
+struct typLayer {
+    std::string strName;
+    int intFarbe = 7;
+    std::string strLinientyp = "Continuous";
+    bool booEin = true;
+    bool booGefroren = false;
+    bool booGesperrt = false;
+    bool operator==(const typLayer&) const = default;
 };
 
 class AcadDokument {
@@ -39,6 +52,11 @@ class AcadDokument {
     // command line; a point answers "x,y,z".
     virtual std::string GetString(const std::string& prompt) = 0;
     virtual std::string GetPoint(const std::string& prompt) = 0;
+    // The Layers collection, item by item. A document that cannot tell
+    // answers as a host without the collection would (error 438).
+    virtual std::vector<typLayer> Layers() {
+        throw AcadFehler("Objekt unterstützt diese Eigenschaft oder Methode nicht.", 438);
+    }
 };
 
 class AcadAnwendung {

@@ -107,7 +107,31 @@ class Dokument : public AcadDokument {
         });
     }
 
+    std::vector<typLayer> Layers() override {
+        return haltFehler([&] {
+            auto layers = objekt(d_->get("Layers"), "Layers");
+            const long n = static_cast<long>(layers->get("Count").integer);
+            std::vector<typLayer> r;
+            for (long i = 0; i < n; ++i) {
+                auto l = objekt(
+                    layers->call("Item", {Variant::fromInt(static_cast<std::int32_t>(i))}), "Item");
+                typLayer t;
+                t.strName = fctVariantText(l->get("Name"));
+                t.intFarbe = static_cast<int>(l->get("Color").integer);
+                t.strLinientyp = fctVariantText(l->get("Linetype"));
+                t.booEin = wahr(l->get("LayerOn"));
+                t.booGefroren = wahr(l->get("Freeze"));
+                t.booGesperrt = wahr(l->get("Lock"));
+                r.push_back(std::move(t));
+            }
+            return r;
+        });
+    }
+
   private:
+    static bool wahr(const Variant& v) {
+        return v.type == Variant::Type::Bool ? v.boolean : v.integer != 0;
+    }
     std::shared_ptr<AutomationObject> d_;
 };
 

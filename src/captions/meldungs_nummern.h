@@ -27,5 +27,18 @@ inline constexpr long kMsgBibliothekAbhaengen = 507;           // a question, th
 inline constexpr long kMsgVerzeichnisSchreibgeschuetzt = 508;  // then the path
 // The title of the directory question when no library is known yet.
 inline constexpr long kMsgErsteBibliothekWaehlen = 560;
+// The layer manager and the version history.
+inline constexpr long kMsgLayerNameLeer = 600;
+inline constexpr long kMsgLayerNameZeichen = 601;
+inline constexpr long kMsgLayerErsetzen = 602;          // a question
+inline constexpr long kMsgLayerLoeschen = 603;          // a question, then the name
+inline constexpr long kMsgLayerNichtGelesen = 604;      // then the reason
+inline constexpr long kMsgLayerZeilenFehlerhaft = 605;  // then the lines
+inline constexpr long kMsgLayerNichtGespeichert = 606;  // then the Settings file
+inline constexpr long kMsgLayerNichtAngewandt = 607;
+inline constexpr long kMsgLayerOhneLayer = 608;
+inline constexpr long kMsgVersionsHistorieFehlt = 609;     // then the path
+inline constexpr long kMsgVersionsHistorieCodepage = 610;  // then the path
+inline constexpr long kMsgLayerNameVergeben = 611;
 
 }  // namespace tessara

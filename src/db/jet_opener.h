@@ -1,5 +1,6 @@
 #pragma once
-// The opener for .mdb files through the Jet engine.
+// The opener for .mdb files through the Jet engine, or for the catalogue on
+// a server where the library's dbTessara.ini names one (server_catalogue.h).
 #include "db/connection.h"
 #include "jet/sql/engine_storage.h"
 

@@ -1,7 +1,9 @@
 #include "exchange/ordner_austausch.h"
 
 #include <algorithm>
+#include <atomic>
 #include <exception>
+#include <filesystem>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -17,20 +19,19 @@
 #include "library/zugriff.h"
 #include "organisation/ordner_verwaltung.h"
 #include "organisation/schreib_einheit.h"
+#include "platform/environment.h"
+#include "platform/files.h"
 #include "startup/fehler_log.h"
 #include "startup/pfade.h"
 
 namespace tessara {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 constexpr const char* kInventor = "tblBlockInfoInventor";
 constexpr const char* kTmp = ".tmp";
-
-long zahl(const db::Recordset& rs, const char* feld) {
-    const sql::Value v = rs.value(feld);
-    return v.isNull() ? 0 : static_cast<long>(v.asInt());
-}
 
 // The directory of a path as the user chose it: the file dialog gives "/"
 // on every system, a typed path may hold "\".
@@ -64,6 +65,28 @@ bool beiseite(ProgrammZustand& z, const std::string& von) {
     for (int i = 1; fctPfadExistiert(nach); ++i) nach = von + "geloescht" + std::to_string(i);
     return MoveAFolder(z, von, nach);
 }
+
+// A copy of a file in the temporary directory, gone with this object.
+struct Arbeitskopie {
+    explicit Arbeitskopie(const std::string& datei) {
+        static std::atomic<int> laufend{0};
+        std::error_code ec;
+        const fs::path ziel = fs::temp_directory_path(ec) /
+                              ("tessara_import_" + std::to_string(platform::processId()) + "_" +
+                               std::to_string(++laufend) + ".mdb");
+        if (!fs::copy_file(fctNativerPfad(datei), ziel, fs::copy_options::overwrite_existing, ec))
+            throw std::runtime_error("Arbeitskopie nicht angelegt: " + datei + " (" + ec.message() +
+                                     ")");
+        pfad = platform::programPath(ziel.string());
+    }
+    ~Arbeitskopie() {
+        std::error_code ec;
+        fs::remove(fctNativerPfad(pfad), ec);
+    }
+    Arbeitskopie(const Arbeitskopie&) = delete;
+    Arbeitskopie& operator=(const Arbeitskopie&) = delete;
+    std::string pfad;
+};
 
 struct Fortschritt {
     ProgrammZustand& z;
@@ -120,8 +143,8 @@ bool fctOrdnerExportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
                 fctMsgbox(z, MsgboxArt::Info, {kMsgOrdnerVerschwunden});
                 return false;
             }
-            nr = zahl(d.rsOrdner, "Nr");
-            if (const long k = zahl(d.rsOrdner, "NrTblDefMenue"); k > 0) menue = k;
+            nr = fctLongWert(d.rsOrdner, "Nr");
+            if (const long k = fctLongWert(d.rsOrdner, "NrTblDefMenue"); k > 0) menue = k;
         }
         p.step("Datei prüfen");
         // What an unfinished export to this file left is its own to clear;
@@ -238,7 +261,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             if (d.rsOrdner.recordCount() > 0) {
                 d.rsOrdner.moveFirst();
                 if (d.rsOrdner.find("OrdnerName Like '" + *name + "'")) {
-                    alt = zahl(d.rsOrdner, "Nr");
+                    alt = fctLongWert(d.rsOrdner, "Nr");
                     altCode = fctOhneBlanks(d.rsOrdner.text("OrdnerNr"));
                 }
             }
@@ -263,8 +286,12 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
                                                     kMsgImportFortsetzen))
             return false;
 
+        // The statements point the file's rows at the new Folder and give its
+        // Blocks the new code: they run on a copy, so that the file chosen
+        // stays as it was for the next import, into this library or another.
+        const Arbeitskopie kopie(strDatei);
         db::Connection con(d.oeffner);
-        verbinden(con, strDatei);
+        verbinden(con, kopie.pfad);
         for (const std::string& t : {T, std::string("tblSeiten"), std::string("tblDefMenue")})
             if (!tabelleDa(con, t)) {
                 fctMsgbox(z, MsgboxArt::Info, {kMsgKeinExportierterOrdner, strDatei});
@@ -293,7 +320,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
         {
             db::Recordset rs;
             rs.open("SELECT Nr FROM tblDefMenue", d.con);
-            for (; !rs.eof(); rs.moveNext()) menue = std::max(menue, zahl(rs, "Nr"));
+            for (; !rs.eof(); rs.moveNext()) menue = std::max(menue, fctLongWert(rs, "Nr"));
         }
         con.execute("INSERT INTO tblDefMenue IN '" + d.strPfad + "' SELECT global, Benennung1, " +
                     "Standardwert1, " + " Benennung2, Standardwert2, Benennung3, Standardwert3, " +
@@ -304,7 +331,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             // The new menu's key: the highest after the insert (keys only grow).
             db::Recordset rs;
             rs.open("SELECT Nr FROM tblDefMenue WHERE Nr > " + std::to_string(menue), d.con);
-            for (; !rs.eof(); rs.moveNext()) menue = std::max(menue, zahl(rs, "Nr"));
+            for (; !rs.eof(); rs.moveNext()) menue = std::max(menue, fctLongWert(rs, "Nr"));
         }
         f.weiter();
 
@@ -320,11 +347,11 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             long letzte = 0;
             for (; !rs.eof(); rs.moveNext())
                 if (fctOhneBlanks(rs.text("OrdnerNr")) != code)
-                    letzte = std::max(letzte, zahl(rs, "NrTblOrdnen"));
+                    letzte = std::max(letzte, fctLongWert(rs, "NrTblOrdnen"));
             rs.moveFirst();
             if (!rs.find("OrdnerNr Like '" + code + "'"))
                 throw std::runtime_error("neuer Ordner nicht gefunden: " + code);
-            neu = zahl(rs, "Nr");
+            neu = fctLongWert(rs, "Nr");
             rs.setValue("NrTblDefMenue", static_cast<long long>(menue));
             rs.setValue("NrTblOrdnen", static_cast<long long>(std::max(letzte + 1, neu)));
             rs.update();
@@ -391,7 +418,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             for (; !rs.eof(); rs.moveNext()) {
                 const std::string b = rs.text("Block");
                 const std::string nb = neueNummer(b, q.code, code);
-                altNrBlock[zahl(rs, "Nr")] = nb;
+                altNrBlock[fctLongWert(rs, "Nr")] = nb;
                 if (nb == b) continue;
                 rs.setValue("Block", nb);
                 if (!inventor && !rs.value("SlideLib").isNull()) {
@@ -412,7 +439,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
             {
                 db::Recordset rs;
                 rs.open("SELECT Nr, Block FROM " + T + " WHERE OrdnerID = " + n, d.con);
-                for (; !rs.eof(); rs.moveNext()) neueNr[rs.text("Block")] = zahl(rs, "Nr");
+                for (; !rs.eof(); rs.moveNext()) neueNr[rs.text("Block")] = fctLongWert(rs, "Nr");
             }
             {
                 SchreibEinheit e(con);
@@ -420,7 +447,7 @@ bool fctOrdnerImportieren(ProgrammZustand& z, NavigationsModell& m, const std::s
                 rs.open("SELECT * FROM tblVariationBloecke", con, db::adOpenKeyset,
                         db::adLockOptimistic);
                 for (; !rs.eof(); rs.moveNext()) {
-                    const auto b = altNrBlock.find(zahl(rs, "BlockID"));
+                    const auto b = altNrBlock.find(fctLongWert(rs, "BlockID"));
                     const auto k = b == altNrBlock.end() ? neueNr.end() : neueNr.find(b->second);
                     // A Variant whose Block did not come along points at nothing.
                     rs.setValue("BlockID", k == neueNr.end() ? sql::Value::null()

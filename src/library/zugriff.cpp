@@ -75,4 +75,9 @@ bool fctSpalteAnlegenFallsNichtVorhanden(ProgrammZustand& z, db::Connection& con
     });
 }
 
+long fctLongWert(const db::Recordset& rs, const std::string& strSpalte) {
+    const sql::Value v = rs.value(strSpalte);
+    return v.isNull() ? 0 : static_cast<long>(v.asInt());
+}
+
 }  // namespace tessara

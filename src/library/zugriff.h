@@ -21,6 +21,8 @@ bool fctRsFind(ProgrammZustand& z, db::Recordset& rs, const std::string& strSpal
                const std::string& strWert);
 
 bool fctSpalteVorhanden(const db::Recordset& rs, const std::string& strSpalte);
+// A number column of the current record as a Long; Null reads as 0.
+long fctLongWert(const db::Recordset& rs, const std::string& strSpalte);
 bool fctSpalteAnlegenFallsNichtVorhanden(ProgrammZustand& z, db::Connection& con,
                                          const db::Recordset& rs, const std::string& strTabelle,
                                          const std::string& strSpalte, const std::string& strTyp,

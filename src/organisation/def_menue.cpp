@@ -4,6 +4,7 @@
 
 #include "captions/meldungen.h"
 #include "library/schema.h"
+#include "library/zugriff.h"
 #include "organisation/schreib_einheit.h"
 #include "startup/fehler_log.h"
 
@@ -22,11 +23,6 @@ constexpr std::size_t kWertLaenge = 100;  // Benennung and Standardwert are Text
 std::string benennung(int i) { return "Benennung" + std::to_string(i + 1); }
 std::string standardwert(int i) { return "Standardwert" + std::to_string(i + 1); }
 
-long zahl(const db::Recordset& rs, const char* feld) {
-    const sql::Value v = rs.value(feld);
-    return v.isNull() ? 0 : static_cast<long>(v.asInt());
-}
-
 std::size_t zeichen(const std::string& s) {
     std::size_t n = 0;
     for (const char c : s) n += (static_cast<unsigned char>(c) & 0xC0) != 0x80;
@@ -35,8 +31,8 @@ std::size_t zeichen(const std::string& s) {
 
 typDefMenue ausZeile(const db::Recordset& rs) {
     typDefMenue d;
-    d.Nr = zahl(rs, "Nr");
-    d.booGlobal = zahl(rs, "global") == 1;
+    d.Nr = fctLongWert(rs, "Nr");
+    d.booGlobal = fctLongWert(rs, "global") == 1;
     for (int i = 0; i < kDefMenueZeilen; ++i) {
         d.Benennung[i] = rs.text(benennung(i));
         d.Standardwert[i] = rs.text(standardwert(i));
@@ -87,7 +83,7 @@ std::optional<typDefMenue> fctDefMenueDesOrdners(ProgrammZustand& z, Navigations
         db::Recordset o;
         o.open("SELECT NrTblDefMenue FROM tblOrdner WHERE Nr = " + std::to_string(lngOrdnerNr),
                con);
-        long nr = o.eof() ? 0 : zahl(o, "NrTblDefMenue");
+        long nr = o.eof() ? 0 : fctLongWert(o, "NrTblDefMenue");
         for (const long versuch : {nr, 1L}) {
             if (versuch <= 0) continue;
             db::Recordset rs;
@@ -117,7 +113,7 @@ bool fctDefMenueSpeichern(ProgrammZustand& z, NavigationsModell& m, const typDef
             rs.open("SELECT * FROM tblDefMenue WHERE Nr = " + std::to_string(d.Nr), con,
                     db::adOpenKeyset, db::adLockOptimistic);
             if (rs.eof()) return false;
-            global = zahl(rs, "global") == 1;
+            global = fctLongWert(rs, "global") == 1;
             if (!global || booGlobalUeberschreiben) {
                 p.step("Menü schreiben");
                 inZeile(rs, d);
@@ -152,7 +148,7 @@ long fctDefMenueNeu(ProgrammZustand& z, NavigationsModell& m, const typDefMenue*
         rs.setValue("global", 0);
         inZeile(rs, d);
         rs.update();
-        const long nr = zahl(rs, "Nr");
+        const long nr = fctLongWert(rs, "Nr");
         e.commit();
         return nr;
     });

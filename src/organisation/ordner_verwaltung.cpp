@@ -8,6 +8,7 @@
 #include "authoring/datei_layout.h"
 #include "authoring/dateien_operationen.h"
 #include "captions/meldungen.h"
+#include "jet/sql/error.h"
 #include "library/zugriff.h"
 #include "organisation/ordner_codes.h"
 #include "organisation/schreib_einheit.h"
@@ -20,12 +21,9 @@ namespace tessara {
 namespace {
 
 constexpr const char* kSortSpalte = "NrTblOrdnen";
+constexpr long kDoppelterSchluessel = 3022;  // Jet's number for a key taken twice
+constexpr int kVersuche = 20;
 constexpr const char* kOhneOrdnung = "SELECT * FROM [tblOrdner]";
-
-long zahl(const db::Recordset& rs, const char* feld) {
-    const sql::Value v = rs.value(feld);
-    return v.isNull() ? 0 : static_cast<long>(v.asInt());
-}
 
 // Characters, not bytes: names arrive as UTF-8.
 std::size_t zeichenAnzahl(const std::string& s) {
@@ -40,7 +38,7 @@ void info(ProgrammZustand& z, std::vector<MsgboxZeile> zeilen) {
 long hoechsterSchluessel(db::Recordset& rs) {
     long k = 0;
     if (rs.recordCount() < 1) return 0;
-    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) k = std::max(k, zahl(rs, "Nr"));
+    for (rs.moveFirst(); !rs.eof(); rs.moveNext()) k = std::max(k, fctLongWert(rs, "Nr"));
     return k;
 }
 
@@ -139,7 +137,7 @@ std::vector<typOrdnerZeile> fctOrdnerZeilen(ProgrammZustand& z, NavigationsModel
         std::map<long, std::string> rechte;
         db::Recordset rs;
         rs.open("SELECT Nr, OrdnerRechte FROM tblOrdner", m.datenbank().con);
-        for (; !rs.eof(); rs.moveNext()) rechte[zahl(rs, "Nr")] = rs.text("OrdnerRechte");
+        for (; !rs.eof(); rs.moveNext()) rechte[fctLongWert(rs, "Nr")] = rs.text("OrdnerRechte");
         for (const auto& o : m.aryOrdner())
             zeilen.push_back({o.Nr, o.OrdnerNr, o.OrdnerName, rechte[o.Nr]});
     } catch (const std::exception& e) {
@@ -164,44 +162,53 @@ bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& s
         db::Recordset& rs = d.rsOrdner;
         Ergebnis r = Ergebnis::Ok;
         std::string code;
-        {
-            SchreibEinheit e(d.con);
-            rs.requery();
-            p.step("Name suchen");
-            if (fctRsFind(z, rs, "Ordnername", *name)) {
-                r = Ergebnis::NameVergeben;
-            } else {
-                p.step("freien Code suchen");
-                // The first code at or after the highest key that no Folder
-                // carries: codes of deleted Folders below it are never given
-                // again, as their Blocks may still be in the database.
-                long k = hoechsterSchluessel(rs);
-                const long start = k;
-                std::vector<std::string> codes;
-                while (r == Ergebnis::Ok) {
-                    if (!codesBis(z, k + 1, codes)) {
-                        r = Ergebnis::Codetabelle;
-                    } else if (!fctRsFind(z, rs, "OrdnerNr", codes[k])) {
-                        code = codes[k];
-                        break;
-                    } else if (++k - start > kCodeTabelleLaenge) {
-                        r = Ergebnis::KeinCode;
+        // On a catalogue server the unit does not keep other workstations
+        // out: one may take the same code in between, and the server's unique
+        // key refuses the second. The loser looks again and takes the next.
+        for (int versuch = 1;; ++versuch) try {
+                r = Ergebnis::Ok;
+                code.clear();
+                SchreibEinheit e(d.con);
+                rs.requery();
+                p.step("Name suchen");
+                if (fctRsFind(z, rs, "Ordnername", *name)) {
+                    r = Ergebnis::NameVergeben;
+                } else {
+                    p.step("freien Code suchen");
+                    // The first code at or after the highest key that no Folder
+                    // carries: codes of deleted Folders below it are never given
+                    // again, as their Blocks may still be in the database.
+                    long k = hoechsterSchluessel(rs);
+                    const long start = k;
+                    std::vector<std::string> codes;
+                    while (r == Ergebnis::Ok) {
+                        if (!codesBis(z, k + 1, codes)) {
+                            r = Ergebnis::Codetabelle;
+                        } else if (!fctRsFind(z, rs, "OrdnerNr", codes[k])) {
+                            code = codes[k];
+                            break;
+                        } else if (++k - start > kCodeTabelleLaenge) {
+                            r = Ergebnis::KeinCode;
+                        }
                     }
                 }
+                if (r == Ergebnis::Ok) {
+                    p.step("Ordner anlegen");
+                    rs.addNew();
+                    rs.setValue("OrdnerNr", code);
+                    rs.setValue("Ordnername", *name);
+                    rs.setValue("NrTblDefMenue", 1);
+                    rs.update();
+                    // The key is known only now; a new Folder sorts last.
+                    rs.setValue(kSortSpalte, static_cast<long long>(fctLongWert(rs, "Nr")));
+                    rs.update();
+                    e.commit();
+                }
+                break;
+            } catch (const sql::Error& fehler) {
+                if (fehler.number() != kDoppelterSchluessel || versuch >= kVersuche) throw;
+                if (rs.editing()) rs.cancelUpdate();
             }
-            if (r == Ergebnis::Ok) {
-                p.step("Ordner anlegen");
-                rs.addNew();
-                rs.setValue("OrdnerNr", code);
-                rs.setValue("Ordnername", *name);
-                rs.setValue("NrTblDefMenue", 1);
-                rs.update();
-                // The key is known only now; a new Folder sorts last.
-                rs.setValue(kSortSpalte, static_cast<long long>(zahl(rs, "Nr")));
-                rs.update();
-                e.commit();
-            }
-        }
         switch (r) {
             case Ergebnis::NameVergeben:
                 subMsgboxInfoZweizeilig(z, kMsgOrdnerNameVergeben, kMsgAndererName);

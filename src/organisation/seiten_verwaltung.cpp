@@ -12,11 +12,6 @@ namespace tessara {
 
 namespace {
 
-long zahl(const db::Recordset& rs, const char* feld) {
-    const sql::Value v = rs.value(feld);
-    return v.isNull() ? 0 : static_cast<long>(v.asInt());
-}
-
 // What decides how a Page is written: the row holding the number, and
 // another row holding the name. Read once before the questions and once
 // more in the unit that writes; when the two differ, another workstation
@@ -40,13 +35,13 @@ Lage lesen(NavigationsModell& m, long lngSeitenNr, const std::string& strName) {
     if (rs.recordCount() < 1) return l;
     rs.moveFirst();
     if (rs.find("SeitenNr Like '" + std::to_string(lngSeitenNr) + "'")) {
-        l.nrZeile = zahl(rs, "Nr");
+        l.nrZeile = fctLongWert(rs, "Nr");
         l.nrName = rs.text("SeitenName");
     }
     rs.moveFirst();
     while (!rs.eof() && rs.find("Seitenname Like '" + strName + "'")) {
-        if (zahl(rs, "Nr") != l.nrZeile) {
-            l.nameZeile = zahl(rs, "Nr");
+        if (fctLongWert(rs, "Nr") != l.nrZeile) {
+            l.nameZeile = fctLongWert(rs, "Nr");
             break;
         }
         rs.moveNext();

@@ -25,8 +25,10 @@
 #include "ui/block_bearbeitung.h"
 #include "ui/frm_blockverwaltung_verwaltung.h"
 #include "ui/frm_datenbank_suche.h"
+#include "ui/frm_layerverwaltung.h"
 #include "ui/frm_optionen.h"
 #include "ui/frm_varianten_auswahl.h"
+#include "ui/frm_version_info.h"
 #include "ui/frm_vollbild.h"
 #include "ui/schnellfilter_steuerung.h"
 #include "ui/sld_blockverwaltung.h"
@@ -160,6 +162,14 @@ FrmBlockverwaltung::FrmBlockverwaltung(ProgrammZustand& z, CadVerbindung& v, QWi
         fctMsgbox(z_, MsgboxArt::Info,
                   {MsgboxZeile(fctFensterTitel(z_, fctBeschriftung(z_, "ProgName"))),
                    MsgboxZeile(modell().strDatenbank())});
+    });
+    connect(ui_->mnuLayerverwaltung, &QAction::triggered, this, [this] {
+        FrmLayerverwaltung f(z_, v_, this);
+        f.exec();
+    });
+    connect(ui_->mnuVersionsHistorie, &QAction::triggered, this, [this] {
+        FrmVersionInfo f(z_, this);
+        f.exec();
     });
     for (QCheckBox* c : fraEinfuegenBoxen())
         connect(c, &QCheckBox::toggled, this, [this] { einfuegeOptionenUebernehmen(); });

@@ -72,6 +72,26 @@ TEST(AutomationFake, DokumentAufrufe) {
     EXPECT_EQ(menues->aufrufe, std::vector<std::string>{"Load(c:\\t\\tessara.mnu)"});
 }
 
+// The layer manager reads the Layers collection item by item; a switch may
+// come as a Boolean or as an integer.
+TEST(AutomationFake, LayersSammlung) {
+    Modell m;
+    auto layers = std::make_shared<FakeObjekt>();
+    auto layer = std::make_shared<FakeObjekt>();
+    m.dok->eigenschaften["Layers"] = Variant::fromObject(layers);
+    layers->eigenschaften["Count"] = Variant::fromInt(1);
+    layers->rueckgaben["Item"] = Variant::fromObject(layer);
+    layer->eigenschaften = {
+        {"Name", Variant::fromString("Wände")},      {"Color", Variant::fromInt(5)},
+        {"Linetype", Variant::fromString("DASHED")}, {"LayerOn", Variant::fromBool(false)},
+        {"Freeze", Variant::fromBool(true)},         {"Lock", Variant::fromInt(-1)}};
+    const auto l = fctAcadAnwendung(m.app)->ActiveDocument()->Layers();
+    EXPECT_EQ(l, (std::vector<typLayer>{{"Wände", 5, "DASHED", false, true, true}}));
+    EXPECT_EQ(layers->aufrufe, std::vector<std::string>{"Item(0)"});
+    layer->eigenschaften.erase("Lock");
+    EXPECT_THROW(fctAcadAnwendung(m.app)->ActiveDocument()->Layers(), AcadFehler);
+}
+
 TEST(AutomationFake, FehlerDesHostsWirdAcadFehlerMitNummer) {
     Modell m;
     m.dok->wirftBei = "SendCommand";

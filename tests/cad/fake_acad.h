@@ -42,6 +42,8 @@ class FakeDokument : public AcadDokument {
     // The host doing what a command asks (writing a drawing or a slide).
     std::function<void(const std::string&)> beiBefehl;
     bool auswahlWirft = false;
+    std::vector<typLayer> layers;  // the Layers collection
+    std::vector<typLayer> Layers() override { return layers; }
     std::string WindowTitle() override { return titel; }
     std::uintptr_t hwnd() override { return 0x4711; }
     void Close() override {

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "authoring/datei_layout.h"
+#include "befehl.h"
 #include "db/catalog.h"
 #include "editing/varianten_datei.h"
 #include "library/datenbank.h"
@@ -31,6 +32,23 @@ void schreiben(const std::string& programmPfad, const std::string& text) {
     std::ofstream(platform::nativePath(programmPfad), std::ios::binary) << text;
 }
 
+// Relationships enforced and an index descending, as a catalogue that
+// Access or another program kept may have them.
+void streng(const db::StorageOpener& oeffner, const std::string& datei) {
+    db::Connection con(oeffner);
+    con.open(fctJetVerbindung(datei));
+    con.execute("CREATE INDEX BlockAb ON tblBlockInfo(Block DESC)");
+    db::Catalog cat;
+    cat.setActiveConnection(con);
+    db::CatalogKey k{"strengVariante", db::adKeyForeign, {"BlockID"}, "tblBlockInfo", {"Nr"}};
+    k.enforce = true;
+    k.deleteRule = db::adRISetNull;
+    cat.appendKey("tblVariationBloecke", k);
+    k = {"strengSeite", db::adKeyForeign, {"NrTblOrdner"}, "tblOrdner", {"Nr"}};
+    k.enforce = true;
+    cat.appendKey("tblSeiten", k);
+}
+
 class OrdnerAustausch : public Bibliothek {
   protected:
     static constexpr int kBloecke = 300;
@@ -38,6 +56,8 @@ class OrdnerAustausch : public Bibliothek {
 
     void SetUp() override {
         Bibliothek::SetUp();
+        streng(oeffner, db);
+        oeffnen();
         ASSERT_TRUE(fctOrdnerNeu(z, *modell, "Armaturen", &code));
         db::Connection con(oeffner);
         con.open(fctJetVerbindung(db));
@@ -86,6 +106,7 @@ TEST_F(OrdnerAustausch, RoundTripIntoASecondLibraryRecodesBlocksFilesAndVariants
     basis = platform::programPath((wurzel / "lib2").string()) + "\\";
     fs::create_directories(wurzel / "lib2");
     ASSERT_TRUE(Mk_Datenbank(z, oeffner, db));
+    streng(oeffner, db);
     for (int i = 0; i < 7; ++i)
         ausfuehren("INSERT INTO tblBlockInfo (Block, OrdnerID) VALUES ('" + nummer("000", i) +
                    "', 1)");
@@ -164,6 +185,35 @@ TEST_F(OrdnerAustausch, CancelledWorkLeavesNothingHalfAndARerunCompletes) {
     // The copy's drawings lie under its own code, beside the original's.
     const std::string neu = fctOhneBlanks(modell->aktuellerOrdner()->OrdnerNr);
     EXPECT_EQ(lesen(basis + fctZeichnungDatei(neu, nummer(neu, 7), 0)), "dwg " + nummer(code, 7));
+}
+
+// The import killed at points along its way, by a signal that lets it do
+// nothing more: the library stays clean, no record names a missing drawing,
+// and the import run once more (answering Yes to replacing) completes it.
+TEST_F(OrdnerAustausch, KilledImportLeavesACleanLibraryAndARerunCompletesIt) {
+    ASSERT_TRUE(fctOrdnerExportieren(z, *modell, code, datei));
+    const std::string cli = std::string(TESSARA_CLI) + " ";
+    const std::string import = cli + "folder import '" + platform::nativePath(db) + "' '" +
+                               platform::nativePath(datei) + "' Zukauf 2>/dev/null";
+    for (const char* nach : {"0.05", "0.1", "0.2", "0.4", "0.8"}) {
+        test::befehlsAusgabe(std::string("timeout -s KILL ") + nach + " " + import);
+        EXPECT_EQ(test::befehlsAusgabe(cli + "check '" + platform::nativePath(db) + "'"),
+                  "no faults found\n")
+            << nach;
+        for (const auto& zeile : zeilen("SELECT o.OrdnerNr, b.Block FROM tblBlockInfo b INNER "
+                                        "JOIN tblOrdner o ON b.OrdnerID = o.Nr")) {
+            const auto c = fctOhneBlanks(zeile.substr(0, zeile.find('|')));
+            const auto nr = zeile.substr(zeile.find('|') + 1);
+            ASSERT_TRUE(fs::exists(platform::nativePath(basis + fctZeichnungDatei(c, nr, 0))))
+                << nach << " " << nr;
+        }
+    }
+    int rc = -1;
+    test::befehlsAusgabe(import, &rc);
+    EXPECT_EQ(rc, 0);
+    EXPECT_EQ(zeilen("SELECT Count(*) FROM tblBlockInfo b INNER JOIN tblOrdner o ON b.OrdnerID = "
+                     "o.Nr WHERE o.OrdnerName = 'Zukauf'"),
+              std::vector<std::string>{"300"});
 }
 
 TEST_F(OrdnerAustausch, RefusalsSayWhyAndTouchNothing) {

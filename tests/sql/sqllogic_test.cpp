@@ -1,9 +1,11 @@
 // Runs the statement files under tests/sql/<area>/*.test, each over the
-// in-memory store and over a real .mdb file written by the Jet engine (or
-// only the stores the file names), so both give the same answers.
+// in-memory store, over a real .mdb file written by the Jet engine and over
+// a catalogue on a private PostgreSQL server (or only the stores the file
+// names), so all give the same answers. On the server, databases other than
+// the catalogue are .mdb files, reached through IN '<file>'.
 //
 // A file holds directives and records, records separated by blank lines:
-//   stores memory mdb             first line: the stores to run over (default both)
+//   stores memory mdb pg          first line: the stores to run over (default all)
 //   load catalogue <blocks>       the program's six tables, filled
 //   load copy <file.mdb>          a private copy of an Access-made file (mdb only)
 //   copy <file.mdb>               one more private copy, named ${dir}/<file.mdb>
@@ -32,10 +34,12 @@
 #include <sstream>
 
 #include "catalogue_fixture.h"
+#include "db/server_catalogue.h"
 #include "jet/sql/engine_storage.h"
 #include "jet/sql/error.h"
 #include "jet/sql/executor.h"
 #include "jet/sql/memory_storage.h"
+#include "pg_server.h"
 
 namespace {
 
@@ -262,6 +266,16 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
     // A new database at ${dir}/<name>; the in-memory ones share one set of
     // files, so IN '<path>' finds them.
     std::shared_ptr<sql::Storage> create(const std::string& name, bool onMdb) {
+        if (store == "pg" && name != "dbTessara.mdb" && !name.empty()) onMdb = true;
+        if (store == "pg" && !onMdb) {
+            static tessara::test::PgServer server;
+            if (!server.error().empty()) throw std::runtime_error(server.error());
+            const std::string database = "db" + std::to_string(++databases);
+            if (auto e = server.createDatabase(database); !e.empty()) throw std::runtime_error(e);
+            return db::openServerCatalogue({"127.0.0.1", std::to_string(server.port()), database,
+                                            tessara::test::PgServer::kUser},
+                                           false);
+        }
         if (onMdb) return sql::openEngineStorage((dir / name).string(), true);
         if (!files) files = std::make_shared<sql::MemoryFiles>();
         return files->create((dir / name).string());
@@ -272,7 +286,9 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
             db = named["dbTessara.mdb"] = create("dbTessara.mdb", onMdb);
             fixture::fill(*db, std::stoi(h.at(2)));
         } else if (h[0] == "load" && h.at(1) == "empty") {
-            if (onMdb)
+            if (store == "pg")
+                db = create("", false);
+            else if (onMdb)
                 db = sql::openEngineStorage((dir / "new.mdb").string(), true);
             else
                 db = std::make_shared<sql::MemoryStorage>();
@@ -309,6 +325,8 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
         ex = std::make_unique<sql::Executor>(db);
     }
     std::string file;
+    std::string store;
+    int databases = 0;
     std::string script;  // the tables and rows, for sqlite3
     fs::path dir;
     std::shared_ptr<sql::Storage> db;
@@ -321,7 +339,8 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
 };
 
 TEST_P(SqlLogic, Records) {
-    const auto& [name, store] = GetParam();
+    const auto& [name, storeName] = GetParam();
+    store = storeName;
     file = (kRoot / name).string();
     auto records = parse(file);
     ASSERT_FALSE(records.empty()) << file;
@@ -373,7 +392,7 @@ std::vector<Param> files() {
         std::string first;
         std::getline(in, first);
         auto stores = words(first);
-        if (stores.empty() || stores[0] != "stores") stores = {"stores", "memory", "mdb"};
+        if (stores.empty() || stores[0] != "stores") stores = {"stores", "memory", "mdb", "pg"};
         for (std::size_t i = 1; i < stores.size(); ++i) out.emplace_back(n, stores[i]);
     }
     return out;

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include "authoring/slide.h"
 #include "platform/environment.h"
+#include "startup/zeichensatz.h"
 
 namespace simhost {
 
@@ -52,8 +54,10 @@ const char* const kErsetzen = "Datei existiert bereits. Ersetzen? [Ja/Nein] <Nei
 }  // namespace
 
 SimInterpreter::SimInterpreter(std::ostream& log) : log_(log) {
-    variablen_ = {{"FILEDIA", "1"}, {"EXPERT", "0"},    {"CLAYER", "0"}, {"ATTREQ", "1"},
-                  {"CMDECHO", "1"}, {"ORTHOMODE", "0"}, {"PDMODE", "0"}, {"INSBASE", "0,0,0"}};
+    variablen_ = {{"FILEDIA", "1"}, {"EXPERT", "0"},      {"CLAYER", "0"},
+                  {"ATTREQ", "1"},  {"CMDECHO", "1"},     {"ORTHOMODE", "0"},
+                  {"PDMODE", "0"},  {"INSBASE", "0,0,0"}, {"LOGFILEPATH", "c:\\temp"}};
+    layer_["0"] = Layer{"0"};
     // Something to see on a slide: a frame with a diagonal, one object a line.
     const double rahmen[][5] = {{200, 100, 440, 100, 1},
                                 {440, 100, 440, 300, 1},
@@ -117,6 +121,7 @@ void SimInterpreter::skriptWeiter() {
 }
 
 void SimInterpreter::ausfuehren(const std::string& text) {
+    logDatei(text);
     if (!transparent_.empty()) {
         transparentAntworten_.push_back(trimmen(text));
         if (transparentAntworten_.size() == 2) {
@@ -151,8 +156,9 @@ void SimInterpreter::ausfuehren(const std::string& text) {
 
 void SimInterpreter::befehlBeginnen(const std::string& name, const std::string& roh) {
     static const std::set<std::string> bekannt = {
-        "SCRIPT", "SETVAR", "GETVAR", "UNDO", "MSLIDE", "WBLOCK", "INSERT", "XREF", "LAYER",
-        "OPEN",   "DONUT",  "CHANGE", "ZOOM", "PAN",    "HIDE",   "BASE",   "MOVE"};
+        "SCRIPT", "SETVAR", "GETVAR", "UNDO",      "MSLIDE",    "WBLOCK", "INSERT",
+        "XREF",   "LAYER",  "OPEN",   "DONUT",     "CHANGE",    "ZOOM",   "PAN",
+        "HIDE",   "BASE",   "MOVE",   "LOGFILEON", "LOGFILEOFF"};
     if (name == "EXTMIN" || name == "EXTMAX") {
         // Read-only: the host only tells the value.
         schreib("GETVAR " + name + "=" + variable(name));
@@ -172,6 +178,18 @@ void SimInterpreter::befehlBeginnen(const std::string& name, const std::string& 
     } else if (name == "HIDE") {
         ansicht_.verdeckt = true;
         schreib("HIDE ansicht=" + ansicht_.text());
+        fertig();
+    } else if (name == "LOGFILEON") {
+        // A real host names the file after the drawing.
+        const std::string pfad =
+            ohneAnfuehrung(variable("LOGFILEPATH")) + "\\Zeichnung1_1_1_0000.log";
+        logDatei_.emplace(platform::nativePath(pfad), std::ios::binary | std::ios::app);
+        schreib(*logDatei_ ? "LOGFILE AN " + pfad : "LOGFILE FEHLER " + pfad);
+        if (!*logDatei_) logDatei_.reset();
+        fertig();
+    } else if (name == "LOGFILEOFF") {
+        logDatei_.reset();
+        schreib("LOGFILE AUS");
         fertig();
     } else if (name == "BASE" || name == "PAN") {
         warten_ = Warten::Punkt;
@@ -311,18 +329,7 @@ void SimInterpreter::antwort(const std::string& text) {
             if (nachPunkt == 3) einfuegungAbschliessen();
         }
     } else if (befehl_ == "LAYER") {
-        if (n >= 2) {
-            const std::string vorher = kanonisch(antworten_[n - 2]);
-            if ((vorher == "SE" || vorher == "S" || vorher == "SET") && !t.empty()) {
-                variablen_["CLAYER"] = t;
-                schreib("LAYER AKTUELL " + t);
-                return;
-            }
-        }
-        if (t.empty()) {
-            schreib("LAYER ENDE");
-            fertig();
-        }
+        layerAntwort(text);
     }
 }
 
@@ -556,7 +563,122 @@ void SimInterpreter::einfuegungAbschliessen() {
     fertig();
 }
 
+void SimInterpreter::logDatei(const std::string& zeile) {
+    if (logDatei_) {
+        *logDatei_ << tessara::fctUtf8NachAnsi(zeile) << "\r\n";
+        logDatei_->flush();
+    }
+}
+
+// -LAYER: an option, then (for Color and Ltype) its value, then the layer
+// names it applies to (a list split at ","; empty: the current layer); an
+// empty answer to the option prompt ends the command.
+void SimInterpreter::layerAntwort(const std::string& text) {
+    const std::string t = trimmen(text);
+    if (layerOption_.empty()) {
+        if (t.empty()) {
+            schreib("LAYER ENDE");
+            fertig();
+            return;
+        }
+        static const std::set<std::string> optionen = {
+            "?",  "S",   "SE", "SET",    "M", "MAKE", "N",  "NEW",  "C", "COLOR", "L", "LTYPE",
+            "ON", "OFF", "F",  "FREEZE", "T", "THAW", "LO", "LOCK", "U", "UNLOCK"};
+        layerOption_ = kanonisch(t);
+        layerWert_.reset();
+        if (!optionen.count(layerOption_)) {
+            schreib("LAYER OPTION UNBEKANNT [" + text + "]");
+            layerOption_.clear();
+        }
+        return;
+    }
+    const std::string o = layerOption_;
+    if ((o == "C" || o == "COLOR" || o == "L" || o == "LTYPE") && !layerWert_) {
+        layerWert_ = ohneAnfuehrung(t);
+        return;
+    }
+    layerOption_.clear();
+    if (o == "?") {
+        layerListe(t.empty() ? "*" : ohneAnfuehrung(t));
+        return;
+    }
+    std::vector<std::string> namen;
+    std::string rest = t.empty() ? variable("CLAYER") : ohneAnfuehrung(t);
+    for (std::size_t k; (k = rest.find(',')) != std::string::npos; rest.erase(0, k + 1))
+        namen.push_back(trimmen(rest.substr(0, k)));
+    namen.push_back(trimmen(rest));
+    for (const auto& name : namen) {
+        const std::string g = gross(name);
+        const bool da = layer_.count(g) > 0;
+        if (o == "N" || o == "NEW" || o == "M" || o == "MAKE") {
+            if (!da) {
+                layer_[g] = Layer{name};
+                schreib("LAYER NEU " + name);
+            }
+        } else if (o == "S" || o == "SE" || o == "SET") {
+            // Kept as the insertion script has always been answered.
+        } else if (!da) {
+            schreib("LAYER FEHLT " + name);
+            continue;
+        }
+        Layer& l = layer_[g];
+        if (o == "M" || o == "MAKE" || o == "S" || o == "SE" || o == "SET") {
+            if (!da && o != "M" && o != "MAKE") layer_.erase(g);
+            variablen_["CLAYER"] = name;
+            schreib("LAYER AKTUELL " + name);
+        } else if (o == "C" || o == "COLOR") {
+            l.farbe = std::atoi(layerWert_->c_str());
+            schreib("LAYER " + l.name + " farbe=" + std::to_string(l.farbe));
+        } else if (o == "L" || o == "LTYPE") {
+            l.linientyp = *layerWert_;
+            schreib("LAYER " + l.name + " linientyp=" + l.linientyp);
+        } else if (o == "F" || o == "FREEZE") {
+            if (gross(variable("CLAYER")) == g) {
+                schreib("LAYER AKTUELL NICHT GEFROREN " + l.name);
+                continue;
+            }
+            l.gefroren = true;
+            schreib("LAYER " + l.name + " gefroren");
+        } else if (o == "ON" || o == "OFF") {
+            l.ein = o == "ON";
+            schreib("LAYER " + l.name + (l.ein ? " ein" : " aus"));
+        } else if (o == "T" || o == "THAW") {
+            l.gefroren = false;
+            schreib("LAYER " + l.name + " getaut");
+        } else if (o == "LO" || o == "LOCK" || o == "U" || o == "UNLOCK") {
+            l.gesperrt = o == "LO" || o == "LOCK";
+            schreib("LAYER " + l.name + (l.gesperrt ? " gesperrt" : " entsperrt"));
+        }
+    }
+}
+
+// The listing a host prints for "-LAYER ?": a header, one line a layer in
+// columns; only "*" and exact names are understood as patterns.
+void SimInterpreter::layerListe(const std::string& muster) {
+    // Columns are counted in the ANSI characters the log file holds.
+    char zeile[512];
+    const auto ausgabe = [&](const std::string& ansi) {
+        schreib("LISTE " + tessara::fctAnsiNachUtf8(ansi));
+        if (logDatei_) *logDatei_ << ansi << "\r\n";
+    };
+    std::snprintf(zeile, sizeof zeile, "%-32s %-8s %-12s %s", "Layer name", "State", "Color",
+                  "Linetype");
+    ausgabe(zeile);
+    for (const auto& [g, l] : layer_) {
+        if (muster != "*" && gross(muster) != g) continue;
+        const std::string zustand = std::string(l.ein ? "On " : "Off") +
+                                    (l.gefroren ? " F" : " -") + (l.gesperrt ? " L" : " -");
+        std::snprintf(zeile, sizeof zeile, "%-32s %-8s %-12d %s",
+                      tessara::fctUtf8NachAnsi(l.name).c_str(), zustand.c_str(), l.farbe,
+                      tessara::fctUtf8NachAnsi(l.linientyp).c_str());
+        ausgabe(zeile);
+    }
+    ausgabe("Current layer:  " + tessara::fctUtf8NachAnsi(variable("CLAYER")));
+}
+
 void SimInterpreter::fertig() {
+    layerOption_.clear();
+    layerWert_.reset();
     befehl_.clear();
     antworten_.clear();
     warten_ = Warten::Eingabe;
@@ -608,7 +730,8 @@ void SimInterpreter::skriptLaden(const std::string& pfad) {
     int n = 0;
     while (std::getline(f, zeile)) {
         if (!zeile.empty() && zeile.back() == '\r') zeile.pop_back();
-        skript_.push_back(zeile);
+        // Scripts are ANSI text, as a host reads them.
+        skript_.push_back(tessara::fctAnsiNachUtf8(zeile));
         ++n;
     }
     schreib("SCRIPT " + pfad + " (" + std::to_string(n) + " Zeilen)");

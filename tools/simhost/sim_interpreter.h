@@ -4,6 +4,7 @@
 // script line), runs the handful of commands the program sends, and writes
 // every input and every effect to its log for the tests to read.
 #include <deque>
+#include <fstream>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -64,6 +65,9 @@ class SimInterpreter {
     bool zeichnungSchreiben(const std::string& pfad, const std::vector<Objekt>& objekte,
                             const std::string& basis);
     void einfuegungAbschliessen();
+    void layerAntwort(const std::string& text);
+    void layerListe(const std::string& muster);
+    void logDatei(const std::string& zeile);
 
     std::ostream& log_;
     std::vector<Objekt> objekte_;
@@ -72,6 +76,19 @@ class SimInterpreter {
     std::optional<Stand> undoMarke_;
     std::map<std::string, std::string> variablen_;
     std::set<std::string> bloecke_;
+
+    // The drawing's layers by their upper-case name; "0" is always there.
+    struct Layer {
+        std::string name;
+        int farbe = 7;
+        std::string linientyp = "Continuous";
+        bool ein = true, gefroren = false, gesperrt = false;
+    };
+    std::map<std::string, Layer> layer_;
+    std::string layerOption_;               // -LAYER: the option whose layer names come next
+    std::optional<std::string> layerWert_;  // its colour or line type, once given
+    // LOGFILEON: the command history goes to this file until LOGFILEOFF.
+    std::optional<std::ofstream> logDatei_;
 
     std::string befehl_;                  // canonical name of the running command, empty at rest
     std::vector<std::string> antworten_;  // answers given to it so far

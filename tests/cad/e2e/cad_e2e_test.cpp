@@ -16,6 +16,7 @@
 #include "authoring/slide.h"
 #include "cad/block_einfuegen.h"
 #include "cad/cad_verbindung.h"
+#include "cad/layer_verwaltung.h"
 #include "cad/lt_skript.h"
 #include "e2e_hilfen.h"
 #include "platform/platform.h"
@@ -86,6 +87,22 @@ TEST_F(SimHostE2E, SlideErscheint) {
     for (const char* zeile : {"EINGABE [c:/temp/bv8LT.scr]", "UNDO MARKE", "SETVAR FILEDIA=0",
                               "SKRIPT [._mslide]", "SETVAR FILEDIA=1"})
         EXPECT_NE(l.find(zeile), std::string::npos) << zeile << "\n" << l;
+}
+
+// The layer manager through the script channel: the configuration set by
+// -LAYER, then read back from the listing the host writes to its log file.
+TEST_F(SimHostE2E, LayerKonfigurationAnwendenUndLesen) {
+    ltHostVerbinden();
+    const typLayerKonfiguration k{
+        "Plot",
+        {{"0", 7, "Continuous", true, false, false}, {"Wände", 1, "DASHED", false, false, true}}};
+    ASSERT_TRUE(fctLayerKonfigurationAnwenden(z, v, e, k));
+    ASSERT_TRUE(warteAufLog(log, "LAYER ENDE")) << lesen(log);
+    for (const char* zeile : {"LAYER NEU Wände", "LAYER Wände aus", "LAYER Wände gesperrt"})
+        EXPECT_NE(lesen(log).find(zeile), std::string::npos) << zeile << "\n" << lesen(log);
+    const auto r = fctLayerVomHostLesen(z, v, e);
+    ASSERT_TRUE(r.booOk) << r.strFehler << "\n" << lesen(log);
+    EXPECT_EQ(r.layer, k.layer);
 }
 
 LtEinfuegung ventil() {

@@ -1,0 +1,53 @@
+#pragma once
+// A library whose catalogue lives on a PostgreSQL server: its directory's
+// "dbTessara.ini" names the server in section "Server". The password is
+// never kept there; libpq takes it from ~/.pgpass or PGPASSWORD.
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "jet/sql/engine_storage.h"
+#include "jet/sql/storage.h"
+
+namespace db {
+
+struct ServerCatalogue {
+    std::string host;
+    std::string port;
+    std::string database;
+    std::string user;
+    std::string describe() const;  // for messages: user@host:port/database
+};
+
+// The "Server" section of the dbTessara.ini in the directory of the
+// catalogue file at nativePath; nullopt when the file or section is absent.
+std::optional<ServerCatalogue> serverBeside(const std::string& nativePath);
+
+// Connects; throws sql::Error with one line saying what failed. With
+// needCatalogue, a database without the catalogue's tables is such a
+// failure too. IN '<file>' clauses open Jet files through mapper.
+std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server, bool needCatalogue,
+                                                  sql::PathMapper mapper = {});
+
+// Whether this build carries the PostgreSQL driver.
+bool serverDriverBuilt();
+
+}  // namespace db
+
+namespace db {
+
+// Copies every table of from into the empty to: columns, indexes, rows with
+// their keys, then the relations (so that the rows need not come in any
+// order), and the autonumbers continue past the highest key. Indexes named
+// in skip are left behind; extra are made too. Answers each table with its
+// row count, read back from to after the copy; throws sql::Error when a
+// count differs or a step fails.
+struct CopyIndex {
+    std::string table;
+    sql::IndexDef index;
+};
+std::vector<std::pair<std::string, long>> copyCatalogue(sql::Storage& from, sql::Storage& to,
+                                                        const std::vector<CopyIndex>& extra,
+                                                        const std::vector<std::string>& skip);
+
+}  // namespace db

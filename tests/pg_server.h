@@ -1,0 +1,41 @@
+#pragma once
+// A private PostgreSQL server for one test process: initdb into a fresh
+// directory, started on a free loopback port, stopped (fast) at the end.
+// initdb refuses to run as root, so under root the server runs as the
+// "postgres" account that Debian's package creates.
+#include <string>
+
+namespace tessara::test {
+
+class PgServer {
+  public:
+    static constexpr const char* kUser = "tessara";
+    static constexpr const char* kPassword = "geheim";
+
+    PgServer();
+    ~PgServer();
+    PgServer(const PgServer&) = delete;
+    PgServer& operator=(const PgServer&) = delete;
+
+    // Empty when the server runs; otherwise why it does not, with its log.
+    const std::string& error() const { return error_; }
+    int port() const { return port_; }
+    // Makes a database owned by kUser; answers "" or the failure.
+    std::string createDatabase(const std::string& name);
+    // psql -At with the statement on the database; its output.
+    std::string psql(const std::string& database, const std::string& statement,
+                     int* code = nullptr);
+    // The "Server" section that names database on this server.
+    std::string iniSection(const std::string& database) const;
+
+  private:
+    std::string run(const std::string& command, int* code);
+    std::string dir_;
+    std::string bin_;
+    std::string asUser_;  // "runuser -u postgres -- " under root
+    int port_ = 0;
+    bool started_ = false;
+    std::string error_;
+};
+
+}  // namespace tessara::test
