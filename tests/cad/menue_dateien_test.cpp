@@ -2,8 +2,6 @@
 // (MenuGroups.Load, then "(load ...)"); AutoCAD LT gets none.
 #include "cad/menue_dateien.h"
 
-#include <map>
-
 #include "cad_umgebung.h"
 #include "fake_acad.h"
 
@@ -15,8 +13,9 @@ class MenueDateien : public CadUmgebung {
     void SetUp() override {
         CadUmgebung::SetUp();
         v.meldungsText = [](int n) {
-            return std::map<int, std::string>{
-                {561, "&Tessara"}, {562, "Tessara &starten"}, {563, "Letzten Block &einfügen"}}[n];
+            return n == 561   ? "&Tessara"
+                   : n == 562 ? "Tessara &starten"
+                              : "Letzten Block &einfügen";
         };
         v.acadApp = app;
         v.typAcadVersionInfo.strACadVersion = "AutoCAD 2005";
@@ -42,14 +41,13 @@ TEST_F(MenueDateien, TexteGenauWieGoldenUndUeberMenuGroupsGeladen) {
 TEST_F(MenueDateien, InventorNamenUndNichtsFuerLtOderOhneAutomation) {
     z.strTblBlockInfo = "tblBlockInfoInventor";
     EXPECT_EQ(fctMenueDateiNamen(z, "c:\\x\\").strMnl, "c:\\x\\itessara.mnl");
-    EXPECT_NE(fctMnlText(z, "e").find("(defun c:itessara () (startapp \"e\")"), std::string::npos);
     v.typAcadVersionInfo.strACadVersion = "AutoCAD LT";
     EXPECT_FALSE(fctMenueDateienLaden(z, v));
     v.typAcadVersionInfo.strACadVersion = "AutoCAD 2005";
     v.acadApp.reset();
     EXPECT_FALSE(fctMenueDateienLaden(z, v));
     EXPECT_TRUE(log->eintraege.empty());
-    EXPECT_FALSE(std::filesystem::exists(datei("c:\\Programme\\Tessara\\itessara.mnu")));
+    EXPECT_FALSE(std::filesystem::exists(datei("c:\\Programme\\Tessara")));
 }
 
 }  // namespace
