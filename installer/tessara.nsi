@@ -200,6 +200,8 @@ Section
   File "${QUELLE}/platforms/*.dll"
   SetOutPath "$INSTDIR\styles"
   File "${QUELLE}/styles/*.dll"
+  SetOutPath "$INSTDIR\translations"
+  File /nonfatal "${QUELLE}/translations/*.qm"
   WriteUninstaller "$INSTDIR\uninstall.exe"
 
   ; The shortcuts start in the program directory, where it finds its files.
@@ -263,9 +265,11 @@ Section "Uninstall"
   Delete "$INSTDIR\InfoVersion.lis"
   Delete "$INSTDIR\platforms\*.dll"
   Delete "$INSTDIR\styles\*.dll"
+  Delete "$INSTDIR\translations\*.qm"
   Delete "$INSTDIR\uninstall.exe"
   RMDir "$INSTDIR\platforms"
   RMDir "$INSTDIR\styles"
+  RMDir "$INSTDIR\translations"
   RMDir "$INSTDIR"
 
   RMDir /r "$SMPROGRAMS\Tessara"
