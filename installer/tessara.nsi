@@ -200,6 +200,8 @@ Section
   File "${QUELLE}/platforms/*.dll"
   SetOutPath "$INSTDIR\styles"
   File "${QUELLE}/styles/*.dll"
+  SetOutPath "$INSTDIR\translations"
+  File /nonfatal "${QUELLE}/translations/*.qm"
   WriteUninstaller "$INSTDIR\uninstall.exe"
 
   ; The shortcuts start in the program directory, where it finds its files.
@@ -255,12 +257,19 @@ Section "Uninstall"
   Delete "$INSTDIR\txtBeschrift*.txt"
   Delete "$INSTDIR\txtPrefix.txt"
   Delete "$INSTDIR\frei2.sld"
+  ; the host's menu files, written by the program at its start
+  Delete "$INSTDIR\tessara.mnu"
+  Delete "$INSTDIR\tessara.mnl"
+  Delete "$INSTDIR\itessara.mnu"
+  Delete "$INSTDIR\itessara.mnl"
   Delete "$INSTDIR\InfoVersion.lis"
   Delete "$INSTDIR\platforms\*.dll"
   Delete "$INSTDIR\styles\*.dll"
+  Delete "$INSTDIR\translations\*.qm"
   Delete "$INSTDIR\uninstall.exe"
   RMDir "$INSTDIR\platforms"
   RMDir "$INSTDIR\styles"
+  RMDir "$INSTDIR\translations"
   RMDir "$INSTDIR"
 
   RMDir /r "$SMPROGRAMS\Tessara"

@@ -71,6 +71,12 @@ class AcadAnwendung {
     virtual std::shared_ptr<AcadDokument> ActiveDocument() = 0;
     // Preferences.Files.SupportPath
     virtual std::string SupportPath() = 0;
+    // MenuGroups.Load: adds the menu file's group to the host's menus. A
+    // host object without menus answers as VB does for a missing member.
+    virtual void MenuGroupsLoad(const std::string& strMenueDatei) {
+        throw AcadFehler(
+            "Objekt unterstützt diese Eigenschaft oder Methode nicht: " + strMenueDatei, 438);
+    }
 };
 
 // GetObject / CreateObject for a program identifier such as "AutoCAD.Application".

@@ -161,6 +161,13 @@ class Anwendung : public AcadAnwendung {
             return fctVariantText(files->get("SupportPath"));
         });
     }
+    void MenuGroupsLoad(const std::string& strMenueDatei) override {
+        haltFehler([&] {
+            objekt(a_->get("MenuGroups"), "MenuGroups")
+                ->call("Load", {Variant::fromString(strMenueDatei)});
+            return 0;
+        });
+    }
 
   private:
     std::string text(const char* eigenschaft) {

@@ -27,6 +27,13 @@ std::string meldung(const CadVerbindung& v, int nummer) {
     return std::to_string(nummer);
 }
 
+void keinHostMelden(ProgrammZustand& z, const CadVerbindung& v) {
+    if (v.keinHostMelden)
+        v.keinHostMelden();
+    else if (z.benutzer)
+        z.benutzer->meldung(meldung(v, 118), meldung(v, 117), Symbol::Information, Knoepfe::Ok);
+}
+
 // Sets the record for a host found by its window title.
 bool titelTreffer(CadVerbindung& v, const std::string& version, const std::string& titel,
                   platform::WindowHandle hwnd) {
@@ -190,10 +197,7 @@ bool ACAD_Connect(ProgrammZustand& z, CadVerbindung& v, bool booNurAutomation, b
         p.step("Titelsuche");
         platform::Desktop* d = desktopVon(z);
         if (!d) {
-            if (!booOhneMeldung && z.benutzer) {
-                z.benutzer->meldung(meldung(v, 118), meldung(v, 117), Symbol::Information,
-                                    Knoepfe::Ok);
-            }
+            if (!booOhneMeldung) keinHostMelden(z, v);
             return false;
         }
         platform::WindowHandle hwnd = 0;
@@ -220,9 +224,11 @@ bool ACAD_Connect(ProgrammZustand& z, CadVerbindung& v, bool booNurAutomation, b
         p.step("Fensterauswahl");
         const bool fragen =
             v.fctMsgboxNichtMehrAnzeigen ? v.fctMsgboxNichtMehrAnzeigen("AutoCadTitel") : true;
-        if (fragen && v.booFensterlisteAnbieten && z.benutzer) {
-            std::vector<std::string> titelListe;
+        std::vector<std::string> titelListe;
+        if (fragen && v.booFensterlisteAnbieten && z.benutzer)
             for (const auto& w : d->topLevelWindows()) titelListe.push_back(w.title);
+        // An empty list has nothing to choose from: not offered.
+        if (!titelListe.empty()) {
             const std::string gewaehlt =
                 z.benutzer->listeWaehlen("Übersicht der geöffneten Fenster",
                                          "Wählen Sie das AutoCAD-Fenster aus.", titelListe);
@@ -231,9 +237,7 @@ bool ACAD_Connect(ProgrammZustand& z, CadVerbindung& v, bool booNurAutomation, b
             }
         }
 
-        if (!booOhneMeldung && z.benutzer) {
-            z.benutzer->meldung(meldung(v, 118), meldung(v, 117), Symbol::Information, Knoepfe::Ok);
-        }
+        if (!booOhneMeldung) keinHostMelden(z, v);
         return false;
     });
 }

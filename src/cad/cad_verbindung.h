@@ -35,6 +35,9 @@ struct CadVerbindung {
     bool booFensterlisteAnbieten = false;
     // fctMsgboxNichtMehrAnzeigen: true lets the question through. Unset lets it through.
     std::function<bool(const std::string& schluessel)> fctMsgboxNichtMehrAnzeigen;
+    // The final no-host report when it is not suppressed. Unset: entries 118
+    // and 117 of the message file in a plain box.
+    std::function<void()> keinHostMelden;
     // A numbered entry of the message file. Unset: the number itself in text.
     std::function<std::string(int nummer)> meldungsText;
 };

@@ -25,6 +25,8 @@ inline constexpr long kMsgEinzigeBibliothek = 505;
 inline constexpr long kMsgNichtInListe = 506;                  // then the path
 inline constexpr long kMsgBibliothekAbhaengen = 507;           // a question, then the path
 inline constexpr long kMsgVerzeichnisSchreibgeschuetzt = 508;  // then the path
+// The title of the directory question when no library is known yet.
+inline constexpr long kMsgErsteBibliothekWaehlen = 560;
 // The layer manager and the version history.
 inline constexpr long kMsgLayerNameLeer = 600;
 inline constexpr long kMsgLayerNameZeichen = 601;

@@ -40,6 +40,9 @@ struct Vorhaben {
     std::string D;                  // working directory
     std::string strZeichnungTemp, strDiaTemp, strBibliothekTemp;
     std::optional<typPunkt3> basis;  // the drawing's base point, when the host tells it
+    // The preview kept as a single slide, not in a slide library: a new Block
+    // as the start decided for the host, a new View as its Block keeps them.
+    bool booEinzeldia = false;
 
     bool mitDia() const { return art != NeuArt::Variante; }
     std::string code() const { return fctDiaCode(ansicht); }
@@ -83,6 +86,7 @@ bool vorhabenBestimmen(BlockNeuUmgebung& u, NeuArt art, Vorhaben& w, bool& abgeb
     w.D = fctArbeitsverzeichnis(u.z);
 
     std::string vorgabe = w.strBlockNr;
+    w.booEinzeldia = u.z.strSlideEndung == ".sld";
     if (art == NeuArt::Block) {
         if (slot.booBelegt) {
             melden(u.z, kMsgPlatzBelegt);
@@ -96,6 +100,7 @@ bool vorhabenBestimmen(BlockNeuUmgebung& u, NeuArt art, Vorhaben& w, bool& abgeb
         const auto akte = fctBlockAkteLesen(u.z, m.datenbank().con, w.strBlockNr);
         if (!akte) return false;
         const auto* namen = &akte->BlkName;
+        w.booEinzeldia = fctSlideLibIstEinzeldia(akte->SlideLib);
         if (art == NeuArt::Ansicht) {
             w.ansicht = 0;
             for (int v = 1; v < 5 && w.ansicht == 0; ++v)
@@ -219,7 +224,7 @@ bool vollRoute(BlockNeuUmgebung& u, Prozedur& p, Vorhaben& w, bool& abgebrochen)
 }
 
 bool bibliothekBauen(BlockNeuUmgebung& u, Prozedur& p, const Vorhaben& w) {
-    if (!w.mitDia()) return true;
+    if (!w.mitDia() || w.booEinzeldia) return true;
     p.step("SlideLib erstellen");
     AcadDokument* dok = nullptr;
     std::shared_ptr<AcadDokument> halter;
@@ -237,7 +242,10 @@ std::vector<typDateiZug> zuege(const std::string& basis, const Vorhaben& w) {
                  basis + fctVarianteZeichnung(w.strOrdnerNr, w.strVariantenDatei, w.ansicht)}};
     return {
         {w.strZeichnungTemp, basis + fctZeichnungDatei(w.strOrdnerNr, w.strBlockNr, w.ansicht)},
-        {w.strBibliothekTemp, basis + fctDiaBibliothek(w.strOrdnerNr, w.strBlockNr, w.ansicht)}};
+        w.booEinzeldia
+            ? typDateiZug{w.strDiaTemp, basis + fctDiaDatei(w.strOrdnerNr, w.strBlockNr, w.ansicht)}
+            : typDateiZug{w.strBibliothekTemp,
+                          basis + fctDiaBibliothek(w.strOrdnerNr, w.strBlockNr, w.ansicht)}};
 }
 
 bool speichern(BlockNeuUmgebung& u, Prozedur& p, const Vorhaben& w) {
@@ -259,7 +267,7 @@ bool speichern(BlockNeuUmgebung& u, Prozedur& p, const Vorhaben& w) {
     d.punkte[0] = w.basis;
     if (w.art == NeuArt::Block) {
         p.step("Blockdaten Speicher Ansicht 0");
-        d.strSlideLib = fctSlideLibEintrag(w.strOrdnerNr, w.strBlockNr, true);
+        d.strSlideLib = fctSlideLibEintrag(w.strOrdnerNr, w.strBlockNr, !w.booEinzeldia);
         if (const auto menue = fctDefMenueDesOrdners(z, m, w.lngOrdnerID)) {
             const auto werte = fctNeueBlockAttribute(*menue);
             std::copy(werte.begin(), werte.end(), d.M.begin());

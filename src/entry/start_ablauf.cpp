@@ -23,6 +23,13 @@ platform::InstanceChannel* kanal(ProgrammZustand& z) {
     return z.plattform ? z.plattform->instance : nullptr;
 }
 
+// ChangeDb's path: every "/" replaced by "\\".
+std::string fctMitBackslash(std::string pfad) {
+    for (char& c : pfad)
+        if (c == '/') c = '\\';
+    return pfad;
+}
+
 }  // namespace
 
 std::string fctInstanzName(const ProgrammZustand& z) { return z.strKurzName; }
@@ -96,16 +103,20 @@ MainErgebnis clsStart::ersterAufruf(ProgrammZustand& z, Hauptfenster& fenster) {
     if (z.plattform && z.plattform->environment) strCmd = z.plattform->environment->commandLine();
     const typKommandozeile k = fctKommandozeileAuswerten(strCmd);
 
-    if (!initialisieren(z)) return MainErgebnis::ProzessEnde;
+    // Whether this start only hands its request on is decided first: a
+    // forwarding launcher asks nothing (temporary directory, debug mode).
+    auto* kan = kanal(z);
+    const bool vorherige = kan && !kan->claim(fctInstanzName(z));
+    if (!initialisieren(z, !vorherige)) return MainErgebnis::ProzessEnde;
     subDebugLog(z, "sCmdLineParameter: " + k.strKlein);
     p.step("Flags zurücksetzen");
     z.strUebergabeBlock.clear();
     z.strUebergabeVariante.clear();
     subDebugLog(z, "CmdLineParameter: " + k.strKlein);
-    return zweiteKopieOderStart(z, fenster, k);
+    return zweiteKopieOderStart(z, fenster, k, vorherige);
 }
 
-bool clsStart::initialisieren(ProgrammZustand& z) {
+bool clsStart::initialisieren(ProgrammZustand& z, bool booFragen) {
     Prozedur p(z, "Main");
     auto* env = z.plattform ? z.plattform->environment : nullptr;
 
@@ -126,7 +137,7 @@ bool clsStart::initialisieren(ProgrammZustand& z) {
     p.step("Temp-Verzeichnis prüfen");
     const std::string sCTemp = IniGetValue(z, z.strIniDatei, kAllg, "sCTemp");
     if (!sCTemp.empty()) z.strCTemp = fctBackslashAmEndeAnfuegen(sCTemp);
-    if (z.strCTemp.find(' ') != std::string::npos && z.benutzer) {
+    if (booFragen && z.strCTemp.find(' ') != std::string::npos && z.benutzer) {
         Antwort a = z.benutzer->meldung(
             "ist auf Ihrem Computer noch Windows XP installiert?\r(oder schon Vista oder Windows "
             "7)",
@@ -155,8 +166,8 @@ bool clsStart::initialisieren(ProgrammZustand& z) {
     if (z.strSprache.empty()) z.strSprache = "deutsch";
 
     p.step("Debug-Modus");
-    fctGetCDebug(z, z.strIniDatei, "");
-    if (z.booDebug && z.benutzer)
+    if (booFragen) fctGetCDebug(z, z.strIniDatei, "");  // which may ask whether to debug
+    if (booFragen && z.booDebug && z.benutzer)
         z.benutzer->meldung("Prgramm startet im Debug-Modus", "Info", Symbol::Information,
                             Knoepfe::Ok);
 
@@ -175,10 +186,8 @@ bool clsStart::initialisieren(ProgrammZustand& z) {
 }
 
 MainErgebnis clsStart::zweiteKopieOderStart(ProgrammZustand& z, Hauptfenster& fenster,
-                                            const typKommandozeile& k) {
+                                            const typKommandozeile& k, bool vorherige) {
     Prozedur p(z, "Main");
-    auto* kan = kanal(z);
-    const bool vorherige = kan && !kan->claim(fctInstanzName(z));
 
     if (vorherige) {
         p.step("zweite Kopie");
@@ -212,6 +221,9 @@ MainErgebnis clsStart::zweiteKopieOderStart(ProgrammZustand& z, Hauptfenster& fe
     p.step("erste Kopie");
     subDebugLog(z, "App.PrevInstance = false");
     z.bytOhneWithEvent = fctIniByteLesen(z, z.strIniDatei, kAllg, "bytOhneWithEvent");
+    // A library given with "/d" is there for the load sequence: on a first
+    // start it becomes the first library instead of a question.
+    if (k.art == typKommandozeile::Art::Datenbank) z.strUebergabeDb = fctMitBackslash(k.str1);
     fenster.laden();
     if (fenster.startAbbrechen()) return MainErgebnis::ProzessEnde;
 
@@ -219,7 +231,7 @@ MainErgebnis clsStart::zweiteKopieOderStart(ProgrammZustand& z, Hauptfenster& fe
     // if it had been handed over, now that the window is there.
     switch (k.art) {
         case typKommandozeile::Art::Datenbank:
-            anfrageAusfuehren(z, fenster, "ChangeDb", {k.str1});
+            if (!z.strUebergabeDb.empty()) Main(z, fenster);  // besides the libraries known
             break;
         case typKommandozeile::Art::StartForm2:
             anfrageAusfuehren(z, fenster, "StartForm2", {k.str1, k.str2});
@@ -273,10 +285,7 @@ void clsStart::anfrageAusfuehren(ProgrammZustand& z, Hauptfenster& fenster, cons
         z.strUebergabeBlock = args.size() > 0 ? args[0] : std::string();
         z.strUebergabeVariante = args.size() > 1 ? args[1] : std::string();
     } else if (op == "ChangeDb") {
-        std::string pfad = args.empty() ? std::string() : args[0];
-        for (char& c : pfad)
-            if (c == '/') c = '\\';
-        z.strUebergabeDb = pfad;
+        z.strUebergabeDb = fctMitBackslash(args.empty() ? std::string() : args[0]);
     } else if (op == "ClassNameUebergeben") {
         strKlasse_ = args.empty() ? std::string() : args[0];
         return;

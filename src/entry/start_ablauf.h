@@ -75,9 +75,10 @@ class clsStart {
 
   private:
     MainErgebnis ersterAufruf(ProgrammZustand& z, Hauptfenster& fenster);
-    bool initialisieren(ProgrammZustand& z);  // steps 1 to 11
+    // Steps 1 to 11; without booFragen none of them asks the user anything.
+    bool initialisieren(ProgrammZustand& z, bool booFragen);
     MainErgebnis zweiteKopieOderStart(ProgrammZustand& z, Hauptfenster& fenster,
-                                      const typKommandozeile& k);
+                                      const typKommandozeile& k, bool vorherige);
     void wiedereintritt(ProgrammZustand& z, Hauptfenster& fenster);
     void nachVorne(ProgrammZustand& z, Hauptfenster& fenster);
 

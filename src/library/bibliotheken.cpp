@@ -76,6 +76,14 @@ typDbSuche fctVorhandeneDbSuchen(const ProgrammZustand& z) {
     return s;
 }
 
+std::string fctUebergebeneBibliothek(ProgrammZustand& z) {
+    std::string pfad;
+    pfad.swap(z.strUebergabeDb);
+    if (pfad.empty() || pfad == "TestDb") return {};
+    const bool datei = pfad.size() > 4 && sql::textEquals(pfad.substr(pfad.size() - 4), ".mdb");
+    return datei ? fctVerzeichnisVon(pfad) : fctOhneBackslash(pfad);
+}
+
 // --- Older libraries ---------------------------------------------------------------------
 
 namespace {

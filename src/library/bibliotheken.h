@@ -35,6 +35,9 @@ struct typDbSuche {
     std::string strFehlt;
 };
 typDbSuche fctVorhandeneDbSuchen(const ProgrammZustand& z);
+// The directory of the library handed over (a database file or its
+// directory; "TestDb" names none), taken: the handed-over path is cleared.
+std::string fctUebergebeneBibliothek(ProgrammZustand& z);
 
 // --- Older libraries ------------------------------------------------------------------
 

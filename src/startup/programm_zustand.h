@@ -52,6 +52,9 @@ struct ProgrammZustand {
     std::string strTblBlockInfo = "tblBlockInfo";
     std::string strBlockVerzeichnis = "Block";
     std::uint8_t bytOhneWithEvent = 0;
+    // The previews a new Block gets: ".slb" (a slide library per View) or,
+    // for AutoCAD LT, ".sld" (single slides); fixed by the load sequence.
+    std::string strSlideEndung = ".slb";
 
     // Handed over by the automation entry class or the command line.
     std::string strUebergabeBlock;

@@ -14,6 +14,7 @@
 #include "cad/block_einfuegen.h"
 #include "cad/cad_einstellungen.h"
 #include "cad/markierte_auftraege.h"
+#include "cad/menue_dateien.h"
 #include "captions/beschriftung.h"
 #include "captions/meldungen.h"
 #include "captions/meldungs_nummern.h"
@@ -32,10 +33,20 @@
 #include "ui/dialog_farbe_setzen.h"
 #include "ui/frm_blockverwaltung.h"
 #include "ui/frm_startfenster.h"
+#include "ui/qt_sprache.h"
 #include "ui/sld_blockverwaltung.h"
 #include "ui_frm_blockverwaltung.h"
 
 namespace tessara {
+
+namespace {
+// Not reaching the CAD host: three lines the user may switch off.
+void fctAcadVerbindungMelden(ProgrammZustand& z) {
+    fctMsgbox(z, MsgboxArt::Info,
+              {MsgboxZeile(kMsgKeinHost1), MsgboxZeile(kMsgKeinHost2), MsgboxZeile(kMsgKeinHost3)},
+              kGruppeAllg, "AcadVerbindung");
+}
+}  // namespace
 
 void FrmBlockverwaltung::meldenMitPfad(long lngNummer, const std::string& strPfad) {
     fctMsgbox(z_, MsgboxArt::Info, {MsgboxZeile(lngNummer), MsgboxZeile(strPfad)});
@@ -71,18 +82,25 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
             };
     });
     l.setzen("ACAD_Connect", [this] {
+        // Qt's own dialogs speak the user's language before the first of them.
+        ui::subQtUebersetzungLaden(z_);
         bool lt = false;
-        // No window list at start-up: the user is asked for the host window
-        // when inserting, not before the library is even on screen.
-        if (!ACAD_Connect(z_, v_, false, true, lt))
-            fctMsgbox(z_, MsgboxArt::Info,
-                      {MsgboxZeile(kMsgKeinHost1), MsgboxZeile(kMsgKeinHost2),
-                       MsgboxZeile(kMsgKeinHost3)},
-                      kGruppeAllg, "AcadVerbindung");
+        // Where no host is found the list of open windows is offered; the
+        // no-host report is the one CAD-connection message, which the user
+        // may switch off. A host that answers but is not known (acadApp set)
+        // gets it after its own version message.
+        v_.booFensterlisteAnbieten = true;
+        ProgrammZustand* z = &z_;
+        v_.keinHostMelden = [z] { fctAcadVerbindungMelden(*z); };
+        if (!ACAD_Connect(z_, v_, false, false, lt) && v_.acadApp) fctAcadVerbindungMelden(z_);
+        v_.keinHostMelden = nullptr;
     });
     // Shown at its stored size at once: sized after the show, the window was
     // drawn twice, the second time into a new buffer of the full size.
     l.setzen("me.show", [this] {
+        // Captioned before it is first seen: a question of the load sequence
+        // may stand over it for a while.
+        ui::subFormularBeschriften(z_, this);
         groesseAngleichen();
         zeigen();
     });
@@ -107,12 +125,17 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
     l.setzen(
         "erste Datenbank wird eingebunden",
         [this] {
-            const std::string dir =
-                z_.benutzer ? z_.benutzer->ordnerWaehlen(
-                                  ui::fctText(z_, "frmBlockverwaltung", "mnuBibliothekOeffnen")
-                                      .toStdString(),
-                                  z_.strTessaraRoot)
-                            : std::string();
+            // A library handed over ("/d") is the first one; only without it,
+            // or when its directory is not there, is the user asked.
+            std::string dir = fctUebergebeneBibliothek(z_);
+            if (!dir.empty() && !fctVerzeichnisExistiert(dir)) {
+                meldenMitPfad(kMsgVerzeichnisFehlt, dir);
+                dir.clear();
+            }
+            if (dir.empty() && z_.benutzer)
+                dir = z_.benutzer->ordnerWaehlen(
+                    fctBeschriftMsgboxZuordnen(z_, kMsgErsteBibliothekWaehlen, kGruppeAllg),
+                    z_.strTessaraRoot);
             if (dir.empty()) return;
             fctDbListeErweitern(z_, dir);
             z_.strAktuelleDb = fctDbDatei(fctOhneBackslash(dir));
@@ -147,15 +170,31 @@ void FrmBlockverwaltung::ladeSchritteSetzen() {
         if (!z_.strAktuelleDb.empty()) fctEintrag1Speichern(z_, z_.strAktuelleDb);
         EintraegeInRegistrierdatenbank(z_);
     });
-    l.setzen("SlideEndung festlegen",
-             [this] { fctFolderExistAnlegen(z_, z_.strCTemp + "TempTessara"); });
+    l.setzen("SlideEndung festlegen", [this] {
+        z_.strSlideEndung = fctIstAutoCadLt(v_) ? ".sld" : ".slb";
+        fctFolderExistAnlegen(z_, z_.strCTemp + "TempTessara");
+    });
+    l.setzen("Menüdateien", [this] { fctMenueDateienLaden(z_, v_); });
     l.setzen("Startfenster anzeigen", [this] {
         start_ = new FrmStartfenster(this);
         ui::subFormularBeschriften(z_, start_);
         start_->show();
         start_->schritt(1, 4, {});
     });
-    l.setzen("OptionsGruppeAnzeigen", [this] { einfuegeOptionenZeigen(); });
+    l.setzen("OptionsGruppeAnzeigen", [this] {
+        einfuegeOptionenZeigen();
+        // AutoCAD LT's script enters the scales itself when the angle is
+        // asked, and a draughtsman asked for the X scale answers the Y scale
+        // right after it: those boxes would change nothing there.
+        const auto abhaengige = [this] {
+            const bool lt = fctIstAutoCadLt(v_);
+            ui_->checkXFrage->setEnabled(!(lt && ui_->checkWinkel->isChecked()));
+            ui_->checkYFrage->setEnabled(!(lt && ui_->checkXFrage->isChecked()));
+        };
+        for (QCheckBox* c : {ui_->checkWinkel, ui_->checkXFrage})
+            connect(c, &QCheckBox::toggled, this, abhaengige);
+        abhaengige();
+    });
     l.setzen("VerzeichnisOhneDb zuweisen", [this] {
         if (!z_.strAktuelleDb.empty())
             subVerzeichnisVorgabeAktualisieren(z_, fctVerzeichnisVon(z_.strAktuelleDb), 1);
@@ -417,10 +456,7 @@ bool FrmBlockverwaltung::einfuegen(std::vector<typEinfuegeAuftrag> auftraege, bo
         v_.booFensterlisteAnbieten = true;
         bool lt = false;
         if (!ACAD_Connect(z_, v_, false, true, lt)) {
-            fctMsgbox(z_, MsgboxArt::Info,
-                      {MsgboxZeile(kMsgKeinHost1), MsgboxZeile(kMsgKeinHost2),
-                       MsgboxZeile(kMsgKeinHost3)},
-                      kGruppeAllg, "AcadVerbindung");
+            fctAcadVerbindungMelden(z_);
             return false;
         }
     }

@@ -19,6 +19,7 @@
 
 #include "eigener_x_server.h"
 #include "frisches_verzeichnis.h"
+#include "platform/x11/x11_desktop.h"
 
 extern char** environ;
 
@@ -168,6 +169,34 @@ TEST_F(ZweiteInstanz, EinAbgestuerzterErsterHinterlaesstKeineSperre) {
     ::waitpid(erste, nullptr, 0);
     erste = starten({}, dir / "neu.txt");
     EXPECT_TRUE(erscheint(dir / "neu.txt", "bereit")) << lesen(dir / "neu.txt");
+}
+
+// A first start in an empty home with a library given by "/d": the
+// CAD-connection message is the only window before the library's first Page,
+// and the library is the first of the database list.
+TEST_F(ZweiteInstanz, ErsterStartMitDZeigtNurDieCadMeldung) {
+    fs::remove_all(dir / "common");
+    const fs::path log = dir / "erste.txt";
+    erste = starten({"/d", (dir / "bib" / "dbTessara.mdb").string()}, log);
+    platform::X11Desktop x;
+    const auto ende = std::chrono::steady_clock::now() + 20s;
+    while (x.topLevelWindows().empty() && std::chrono::steady_clock::now() < ende)
+        std::this_thread::sleep_for(50ms);
+    auto fenster = x.topLevelWindows();
+    ASSERT_EQ(fenster.size(), 1u) << lesen(log);
+    EXPECT_EQ(fenster[0].title, "Information");
+    ASSERT_TRUE(x.sendKeys("~"));
+    ASSERT_TRUE(erscheint(log, "bereit: ")) << lesen(log);
+    fenster = x.topLevelWindows();
+    ASSERT_EQ(fenster.size(), 1u);
+    EXPECT_EQ(fenster[0].title.rfind("Tessara", 0), 0u) << fenster[0].title;
+    EXPECT_EQ(std::system("import -window root " TESSARA_BINARY_DIR "/erster_start.png"), 0);
+    std::string bib = (dir / "bib").string();
+    for (char& c : bib)
+        if (c == '/') c = '\\';
+    EXPECT_NE(lesen(dir / "common" / "Tessara" / "Tessara9.0.ini").find("DbVerzeichnis0=" + bib),
+              std::string::npos);
+    EXPECT_TRUE(fs::exists(dir / "bib" / "dbTessara.mdb"));
 }
 
 }  // namespace

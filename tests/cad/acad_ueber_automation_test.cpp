@@ -65,6 +65,11 @@ TEST(AutomationFake, DokumentAufrufe) {
     // Integer variables go as integers, names as text.
     EXPECT_EQ(m.dok->argumente[1][1].type, Variant::Type::Integer);
     EXPECT_EQ(m.dok->argumente[2][1].type, Variant::Type::String);
+    // The program's menu goes to the host's MenuGroups collection.
+    auto menues = std::make_shared<FakeObjekt>();
+    m.app->eigenschaften["MenuGroups"] = Variant::fromObject(menues);
+    fctAcadAnwendung(m.app)->MenuGroupsLoad("c:\\t\\tessara.mnu");
+    EXPECT_EQ(menues->aufrufe, std::vector<std::string>{"Load(c:\\t\\tessara.mnu)"});
 }
 
 // The layer manager reads the Layers collection item by item; a switch may

@@ -103,6 +103,9 @@ class FakeAnwendung : public AcadAnwendung {
         supportGelesen = true;
         return supportPfad;
     }
+    void MenuGroupsLoad(const std::string& datei) override {
+        log->eintraege.push_back("MenuGroups.Load:" + datei);
+    }
 };
 
 class FakeAutomation : public AcadAutomation {

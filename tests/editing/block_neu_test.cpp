@@ -138,6 +138,19 @@ TEST_F(BlockNeuTest, NeuerBlockUeberAutomation) {
     EXPECT_EQ(app->dokument->variablen["filedia"], "1");
 }
 
+// For AutoCAD LT the start fixes single slides: a new Block keeps its slide
+// as it is, and its next View follows the Block, whatever the start fixed since.
+TEST_F(BlockNeuTest, EinzeldiasWennDieSlideEndungSldIst) {
+    z.strSlideEndung = ".sld";
+    app->dokument->auswahlen = {3, 3};
+    ASSERT_TRUE(neu(NeuArt::Block).booAngelegt);
+    z.strSlideEndung = ".slb";
+    ASSERT_TRUE(neu(NeuArt::Ansicht).booAngelegt);
+    EXPECT_EQ(zeilen("SELECT SlideLib FROM tblBlockInfo"),
+              std::vector<std::string>{"000\\" + blockNr() + "0.sld"});
+    EXPECT_TRUE(fs::exists(wurzel / "lib" / "000" / (blockNr() + "1.sld")));
+}
+
 // However the flow ends early, the library and the catalogue are as before
 // and the working directory is gone.
 TEST_F(BlockNeuTest, AbbruchLaesstBibliothekUnveraendert) {

@@ -181,6 +181,15 @@ TEST_F(StartAblauf, TempPfadMitLeerzeichen) {
         EXPECT_EQ(IniGetValue(p->z, app() + "\\Tessara9.0.ini", "AllgemeineDaten", "sCTemp"),
                   p->z.strCTemp);
     }
+    // A start that only hands its request on asks neither this nor about debug mode.
+    bus->names.clear();
+    auto erste = prozess("");
+    ASSERT_EQ(erste->main(), MainErgebnis::Laeuft);
+    std::ofstream(root / "app" / "Tessara9.0.ini", std::ios::trunc)
+        << "[AllgemeineDaten]\r\nsCTemp=" << blank << "\r\nstrDebug=1\r\n";
+    auto zweite = prozess("/s 0010017;A");
+    EXPECT_EQ(zweite->main(), MainErgebnis::ProzessEnde);
+    EXPECT_TRUE(zweite->benutzer.gezeigt.empty()) << zweite->benutzer.gezeigt[0].text;
 }
 
 TEST_F(StartAblauf, ZweiteKopieReichtDieAnfrageWeiterUndHoltDasFensterNachVorne) {

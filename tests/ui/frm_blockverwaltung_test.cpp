@@ -106,6 +106,25 @@ TEST_F(Hauptfenster, ASlotWithoutItsSlideShowsThePreviewItsDrawingCarries) {
     bildschirmfoto(&f, "frmBlockverwaltung_dwg_preview");
 }
 
+// Only for AutoCAD LT: the angle box greys the X-scale box, that one the
+// Y-scale box.
+TEST_F(Hauptfenster, ForAutoCadLtCheckWinkelAndCheckXFrageDisableTheirDependents) {
+    desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+    laden();
+    auto *winkel = kind<QCheckBox>("checkWinkel"), *x = kind<QCheckBox>("checkXFrage"),
+         *y = kind<QCheckBox>("checkYFrage");
+    EXPECT_EQ(z.strSlideEndung, ".sld");  // and the start fixed single slides
+    winkel->setChecked(true);
+    x->setChecked(true);
+    EXPECT_FALSE(x->isEnabled() || y->isEnabled());
+    bildschirmfoto(fenster.get(), "hauptfenster_lt_winkel");
+    winkel->setChecked(false);
+    EXPECT_TRUE(x->isEnabled());
+    cad.typAcadVersionInfo.strACadVersion = "AutoCAD 2015";
+    winkel->setChecked(true);
+    EXPECT_TRUE(x->isEnabled() && y->isEnabled());
+}
+
 TEST_F(Hauptfenster, FoldersPagesAndKeysMoveThroughTheLibrary) {
     auto& f = laden();
     f.show();

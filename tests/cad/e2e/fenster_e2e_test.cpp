@@ -198,9 +198,10 @@ TEST_F(FensterE2E, NeuImFensterLegtDenBlockAn) {
         std::this_thread::sleep_for(200ms);
     }
     ASSERT_EQ(block.size(), 2u) << lesen(log) << lesen(ausgabe);
-    EXPECT_EQ(block[1], "000\\" + block[0] + "0.slb");
-    EXPECT_EQ(cli("slide-info " + (bib / "000" / (block[0] + "0.slb")).string()).substr(0, 3),
-              "0A ");
+    // The host is LT: single slides, no library.
+    EXPECT_EQ(block[1], "000\\" + block[0] + "0.sld");
+    EXPECT_EQ(cli("slide-info " + (bib / "000" / (block[0] + "0.sld")).string()).substr(0, 6),
+              "level ");
     // The slot shows the slide: the host's green diagonal is now in the window.
     ASSERT_EQ(nachVorne(), fenster);
     int nachher = 0;
