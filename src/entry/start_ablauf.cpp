@@ -1,6 +1,7 @@
 #include "entry/start_ablauf.h"
 
 #include "captions/beschriftung.h"
+#include "entry/tessara_start.h"
 #include "platform/environment.h"
 #include "platform/instance_channel.h"
 #include "platform/platform.h"
@@ -214,6 +215,7 @@ MainErgebnis clsStart::zweiteKopieOderStart(ProgrammZustand& z, Hauptfenster& fe
     z.bytOhneWithEvent = fctIniByteLesen(z, z.strIniDatei, kAllg, "bytOhneWithEvent");
     fenster.laden();
     if (fenster.startAbbrechen()) return MainErgebnis::ProzessEnde;
+    fenster.ereignisseAbonnieren();
 
     // A request given on this process's own command line is carried out as
     // if it had been handed over, now that the window is there.
@@ -267,28 +269,7 @@ void clsStart::wiedereintritt(ProgrammZustand& z, Hauptfenster& fenster) {
 
 void clsStart::anfrageAusfuehren(ProgrammZustand& z, Hauptfenster& fenster, const std::string& op,
                                  const std::vector<std::string>& args) {
-    Prozedur p(z, "anfrageAusfuehren");
-    p.step(op);
-    if (op == "StartForm2") {
-        z.strUebergabeBlock = args.size() > 0 ? args[0] : std::string();
-        z.strUebergabeVariante = args.size() > 1 ? args[1] : std::string();
-    } else if (op == "ChangeDb") {
-        std::string pfad = args.empty() ? std::string() : args[0];
-        for (char& c : pfad)
-            if (c == '/') c = '\\';
-        z.strUebergabeDb = pfad;
-    } else if (op == "ClassNameUebergeben") {
-        strKlasse_ = args.empty() ? std::string() : args[0];
-        return;
-    } else if (op == "LBlkEinfuegen") {
-        if (z.strUebergabeBlock.empty()) {
-            z.strUebergabeBlock = strLetzterBlock_;
-            z.strUebergabeVariante = strLetzteVariante_;
-        }
-    } else {
-        return;  // unknown operations from a foreign client are dropped
-    }
-    Main(z, fenster);
+    clsTessaraStart(z, *this, fenster).anfrage(platform::InstanceMessage{op, args});
 }
 
 }  // namespace tessara

@@ -26,6 +26,9 @@ class Hauptfenster {
     // Puts the path into comboxVerzeichnis and runs its click handler.
     virtual void datenbankWechseln(const std::string& strPfad) = 0;
     virtual void timerIntervall(int millisekunden) = 0;
+    // Creates the object that receives the CAD host's events; a window
+    // that follows no host leaves it out.
+    virtual void ereignisseAbonnieren() {}
 };
 
 // The go-between "Tessaraz.clsTessaraZwischen": hands a request to the
@@ -64,14 +67,19 @@ class clsStart {
     // Entered at process start and for every request handed over.
     MainErgebnis Main(ProgrammZustand& z, Hauptfenster& fenster);
 
-    // Carries out a message received through the instance channel: stores
-    // the request in the program-wide state and enters Main again.
+    // Carries out a message received through the instance channel through
+    // the entry class clsTessaraStart, which stores the request in the
+    // program-wide state and enters Main again.
     void anfrageAusfuehren(ProgrammZustand& z, Hauptfenster& fenster,
                            const std::string& strOperation,
                            const std::vector<std::string>& argumente);
 
     std::uint8_t aufrufe() const { return bytAufruf_; }
     const std::string& klasse() const { return strKlasse_; }
+    void klasseSetzen(const std::string& strKlasse) { strKlasse_ = strKlasse; }
+    // The block request handled last, which LBlkEinfuegen inserts again.
+    const std::string& letzterBlock() const { return strLetzterBlock_; }
+    const std::string& letzteVariante() const { return strLetzteVariante_; }
 
   private:
     MainErgebnis ersterAufruf(ProgrammZustand& z, Hauptfenster& fenster);
