@@ -4,6 +4,7 @@
 // Every call may fail: implementations throw AcadFehler carrying the error
 // description and number, which the callers trap and read as VB's Err does.
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -41,6 +42,17 @@ class AcadDokument {
     virtual std::string GetPoint(const std::string& prompt) = 0;
 };
 
+// The host's application and document events the program follows:
+// EndOpen, a document's Activate and BeginClose, and BeginQuit.
+enum class AcadEreignis {
+    DokumentGeoeffnet,
+    DokumentAktiviert,
+    DokumentGeschlossen,
+    AnwendungEnde
+};
+// The drawing the event is about, by its file name when the host names it.
+using AcadEreignisEmpfaenger = std::function<void(AcadEreignis, const std::string& strDatei)>;
+
 class AcadAnwendung {
   public:
     virtual ~AcadAnwendung() = default;
@@ -53,6 +65,14 @@ class AcadAnwendung {
     virtual std::shared_ptr<AcadDokument> ActiveDocument() = 0;
     // Preferences.Files.SupportPath
     virtual std::string SupportPath() = 0;
+    // Subscribes to the host's events; the receiver is called on the
+    // program's user-interface thread. False when this host offers none.
+    // One subscription at a time: a new one replaces the old.
+    virtual bool EreignisseAbonnieren(AcadEreignisEmpfaenger empfaenger) {
+        (void)empfaenger;
+        return false;
+    }
+    virtual void EreignisseAbbestellen() {}
 };
 
 // GetObject / CreateObject for a program identifier such as "AutoCAD.Application".

@@ -101,6 +101,17 @@ class FakeAnwendung : public AcadAnwendung {
         supportGelesen = true;
         return supportPfad;
     }
+
+    AcadEreignisEmpfaenger empfaenger;
+    bool EreignisseAbonnieren(AcadEreignisEmpfaenger e) override {
+        empfaenger = std::move(e);
+        return true;
+    }
+    void EreignisseAbbestellen() override { empfaenger = nullptr; }
+    // The host raising an event; a receiver may unsubscribe while it runs.
+    void ausloesen(AcadEreignis e, const std::string& datei = {}) {
+        if (auto f = empfaenger) f(e, datei);
+    }
 };
 
 class FakeAutomation : public AcadAutomation {
