@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kAllg = "AllgemeineDaten";
 // The class of the running instance that the go-between forwards to.
-constexpr const char* kStartKlasse = "Tessara_8_5.clsTessaraStart";
+constexpr const char* kStartKlasse = kTessaraStartKlasse;
 // The edition number in front of the running version in the window title.
 constexpr const char* kEdition = "1";
 

@@ -13,6 +13,16 @@
 
 namespace tessara {
 
+// The class as COM knows it (the name Main hands to the go-between too),
+// its class identifier, and the operations it offers.
+inline constexpr const char* kTessaraStartKlasse = "Tessara_8_5.clsTessaraStart";
+inline constexpr const char* kTessaraStartClsid = "{C5A2E435-1490-4148-91BF-05AF634CB7D8}";
+inline const std::vector<std::string>& fctTessaraStartOperationen() {
+    static const std::vector<std::string> ops = {"StartTessara", "StartTessara2", "StartTessara3",
+                                                 "ChangeDb", "LBlockEinfuegen"};
+    return ops;
+}
+
 // The longest block name a request may carry: the width of the Block column.
 inline constexpr std::size_t kBlockNameMax = 144;
 // A database path longer than Windows' own limit is not a path.
