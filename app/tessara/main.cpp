@@ -61,11 +61,8 @@ int main(int argc, char** argv) {
                                          tessara::fctTessaraStartOperationen());
     QTimer abholen;
     QObject::connect(&abholen, &QTimer::timeout, [&] {
-        for (const auto& m : kanal->receive())
-            start.anfrageAusfuehren(z, fenster, m.operation, m.arguments);
-        if (klasse)
-            for (const auto& m : klasse->receive())
-                start.anfrageAusfuehren(z, fenster, m.operation, m.arguments);
+        start.anfragenAbholen(z, fenster, kanal->receive());
+        if (klasse) start.anfragenAbholen(z, fenster, klasse->receive());
     });
     abholen.start(100);
     return app.exec();

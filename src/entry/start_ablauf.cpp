@@ -267,6 +267,22 @@ void clsStart::wiedereintritt(ProgrammZustand& z, Hauptfenster& fenster) {
     fenster.timerIntervall(1000);
 }
 
+void clsStart::anfragenAbholen(ProgrammZustand& z, Hauptfenster& fenster,
+                               std::vector<platform::InstanceMessage> neue) {
+    for (auto& m : neue) wartend_.push_back(std::move(m));
+    // A request may arrive while one is carried out (the insertion pumps
+    // messages while it waits on the host, a message box runs its own loop):
+    // it keeps its place in the line.
+    if (booAbholen_) return;
+    booAbholen_ = true;
+    while (!wartend_.empty() && !fenster.beschaeftigt()) {
+        const platform::InstanceMessage m = std::move(wartend_.front());
+        wartend_.erase(wartend_.begin());
+        anfrageAusfuehren(z, fenster, m.operation, m.arguments);
+    }
+    booAbholen_ = false;
+}
+
 void clsStart::anfrageAusfuehren(ProgrammZustand& z, Hauptfenster& fenster, const std::string& op,
                                  const std::vector<std::string>& args) {
     clsTessaraStart(z, *this, fenster).anfrage(platform::InstanceMessage{op, args});

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/desktop.h"
+#include "platform/instance_channel.h"
 #include "startup/kommandozeile.h"
 #include "startup/programm_zustand.h"
 
@@ -29,6 +30,9 @@ class Hauptfenster {
     // Creates the object that receives the CAD host's events; a window
     // that follows no host leaves it out.
     virtual void ereignisseAbonnieren() {}
+    // Whether a command runs that waits on the host (an insertion): a
+    // request arriving meanwhile waits for its end.
+    virtual bool beschaeftigt() { return false; }
 };
 
 // The go-between "Tessaraz.clsTessaraZwischen": hands a request to the
@@ -74,6 +78,11 @@ class clsStart {
                            const std::string& strOperation,
                            const std::vector<std::string>& argumente);
 
+    // Requests taken from the message pump: carried out in order, or kept
+    // while the window is busy and carried out at a later call.
+    void anfragenAbholen(ProgrammZustand& z, Hauptfenster& fenster,
+                         std::vector<platform::InstanceMessage> neue);
+
     std::uint8_t aufrufe() const { return bytAufruf_; }
     const std::string& klasse() const { return strKlasse_; }
     void klasseSetzen(const std::string& strKlasse) { strKlasse_ = strKlasse; }
@@ -89,6 +98,8 @@ class clsStart {
     void wiedereintritt(ProgrammZustand& z, Hauptfenster& fenster);
     void nachVorne(ProgrammZustand& z, Hauptfenster& fenster);
 
+    std::vector<platform::InstanceMessage> wartend_;
+    bool booAbholen_ = false;
     std::uint8_t bytAufruf_ = 0;  // lives for the whole process, only grows
     std::string strKlasse_;       // class named through ClassNameUebergeben
     // The block request handled last, which LBlkEinfuegen inserts again.

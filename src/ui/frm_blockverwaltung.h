@@ -55,6 +55,7 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     void timerIntervall(int millisekunden) override;
     // Follows the drawing active in the host (frm_blockverwaltung_ereignisse.cpp).
     void ereignisseAbonnieren() override;
+    bool beschaeftigt() override { return booEinfuegenLaeuft_; }
 
     // --- Commands (also reached by menu entries and keys) ------------------------
     void cmbEinfuegen_Click();

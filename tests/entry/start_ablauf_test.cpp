@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <memory>
 
@@ -45,8 +46,12 @@ struct TestFenster : Hauptfenster {
     platform::WindowHandle fensterHandle() override { return handle; }
     std::vector<std::string> bloecke;
     ProgrammZustand* z = nullptr;
+    bool busy = false;
+    bool beschaeftigt() override { return busy; }
+    std::function<void()> beimBlock;  // what happens while the request runs
     void blockAnfrageAusfuehren() override {
         ereignisse.push_back("block");
+        if (beimBlock) beimBlock();
         bloecke.push_back(z->strUebergabeBlock + ";" + z->strUebergabeVariante);
     }
     void datenbankWechseln(const std::string& p) override { ereignisse.push_back("db " + p); }
@@ -314,6 +319,26 @@ TEST_F(StartAblauf, clsTessaraStartFuehrtJedeAnfrageUeberMainAus) {
         if (p->z.strUebergabeDb == "TestDb") p->z.strUebergabeDb.clear();  // stored, never used
         EXPECT_EQ(p->z.strUebergabeDb, "");
     }
+}
+
+TEST_F(StartAblauf, clsTessaraStartAnfragenWartenBisDasFensterFreiIst) {
+    auto p = prozess("");
+    ASSERT_EQ(p->main(), MainErgebnis::Laeuft);
+    auto anfrage = [](const std::string& b) {
+        return platform::InstanceMessage{"StartTessara2", {b, ""}};
+    };
+    p->fenster.busy = true;
+    p->start.anfragenAbholen(p->z, p->fenster, {anfrage("1"), anfrage("2")});
+    EXPECT_TRUE(p->fenster.bloecke.empty());
+    p->fenster.busy = false;
+    // One arriving while another runs waits for it.
+    p->fenster.beimBlock = [&] {
+        p->fenster.beimBlock = nullptr;
+        p->start.anfragenAbholen(p->z, p->fenster, {anfrage("3")});
+        p->fenster.bloecke.push_back("waehrend 1");
+    };
+    p->start.anfragenAbholen(p->z, p->fenster, {});
+    EXPECT_EQ(p->fenster.bloecke, (std::vector<std::string>{"waehrend 1", "1;", "2;", "3;"}));
 }
 
 TEST(clsTessaraStart, AnfrageTextIstGueltigesUtf8OhneSteuerzeichen) {
