@@ -1,5 +1,6 @@
 #include "entry/tessara_start.h"
 
+#include <algorithm>
 #include <cctype>
 
 #include "captions/meldungen.h"
@@ -50,9 +51,14 @@ bool clsTessaraStart::blockPruefen(const std::string& strBlock, const std::strin
     }
     if (strBlock.size() > kBlockNameMax || strVariante.size() > kBlockNameMax) {
         verwerfen("Blockname zu lang");
+        // Its beginning, cut where a character begins.
+        std::size_t n = std::min<std::size_t>(40, strBlock.size());
+        while (n > 0 && n < strBlock.size() &&
+               (static_cast<unsigned char>(strBlock[n]) & 0xC0) == 0x80)
+            --n;
         fctMsgbox(z_, MsgboxArt::Info,
                   {MsgboxZeile(kMsgAnfrageVerworfen), MsgboxZeile(kMsgBlocknameZuLang),
-                   MsgboxZeile(strBlock.substr(0, 40) + " …")},
+                   MsgboxZeile(strBlock.substr(0, n) + " …")},
                   kGruppeAllg, "AnfrageVerworfen");
         return false;
     }
