@@ -26,6 +26,11 @@ struct ComEntryServer::State {
 
 namespace {
 
+// COM interfaces have no virtual destructors: these objects end through
+// their own Release.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 // The one object every client gets. COM holds references to it beyond the
 // server's life; what it shares with the server is held by a shared_ptr.
 class EntryObject : public IDispatch {
@@ -135,6 +140,8 @@ class Factory : public IClassFactory {
     long refs_ = 1;
 };
 
+#pragma GCC diagnostic pop
+
 bool setDefault(HKEY root, const std::wstring& key, const std::wstring& value) {
     HKEY k = nullptr;
     if (RegCreateKeyExW(root, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &k, nullptr) !=
@@ -151,14 +158,25 @@ bool setDefault(HKEY root, const std::wstring& key, const std::wstring& value) {
 
 bool registerComClassForUser(const std::string& progId, const std::string& clsid,
                              const std::string& exePath) {
-    const std::wstring classes = L"Software\\Classes\\";
     const std::wstring id = toWide(progId), cls = toWide(clsid);
-    return setDefault(HKEY_CURRENT_USER, classes + id, id) &&
-           setDefault(HKEY_CURRENT_USER, classes + id + L"\\CLSID", cls) &&
-           setDefault(HKEY_CURRENT_USER, classes + L"CLSID\\" + cls, id) &&
-           setDefault(HKEY_CURRENT_USER, classes + L"CLSID\\" + cls + L"\\ProgID", id) &&
-           setDefault(HKEY_CURRENT_USER, classes + L"CLSID\\" + cls + L"\\LocalServer32",
-                      L"\"" + toWide(exePath) + L"\"");
+    auto schreiben = [&](HKEY root, const std::wstring& classes) {
+        return setDefault(root, classes + id, id) &&
+               setDefault(root, classes + id + L"\\CLSID", cls) &&
+               setDefault(root, classes + L"CLSID\\" + cls, id) &&
+               setDefault(root, classes + L"CLSID\\" + cls + L"\\ProgID", id) &&
+               setDefault(root, classes + L"CLSID\\" + cls + L"\\LocalServer32",
+                          L"\"" + toWide(exePath) + L"\"");
+    };
+    if (!schreiben(HKEY_CURRENT_USER, L"Software\\Classes\\")) return false;
+    // Windows shows the user's classes in HKEY_CLASSES_ROOT; a system that
+    // does not (wine) finds the class only where it looks itself.
+    HKEY k = nullptr;
+    if (RegOpenKeyExW(HKEY_CLASSES_ROOT, (id + L"\\CLSID").c_str(), 0, KEY_READ, &k) ==
+        ERROR_SUCCESS) {
+        RegCloseKey(k);
+        return true;
+    }
+    return schreiben(HKEY_CLASSES_ROOT, L"");
 }
 
 std::unique_ptr<ComEntryServer> ComEntryServer::start(const std::string& progId,
