@@ -173,9 +173,9 @@ TEST_F(ZweiteInstanz, EinAbgestuerzterErsterHinterlaesstKeineSperre) {
 }
 
 // The entry class reached from a second process, as the CAD host reaches
-// it: requests carried out in order, and those it must refuse (too long, no
-// text, a directory that is not there, no operation of its) leave a line in
-// the error log and the window serving the next.
+// it: requests carried out in order, and one it must refuse leaves a line in
+// the error log and the window serving the next (the other refusals are
+// table cases of tests/entry).
 class clsTessaraStartProzess : public ZweiteInstanz {
   protected:
     int anfrage(const std::vector<std::string>& args) {
@@ -199,15 +199,6 @@ TEST_F(clsTessaraStartProzess, FuehrtAnfragenAusUndVerwirftUnbrauchbare) {
 
     anfrage({"StartTessara2", std::string(200, '7'), "A"});
     EXPECT_TRUE(erscheint(fehler, "Anfrage verworfen: Blockname zu lang"));
-    anfrage({"StartTessara2",
-             "00\xff\xfe"
-             "17",
-             "A"});
-    EXPECT_TRUE(erscheint(fehler, "Anfrage verworfen: Blockname unlesbar"));
-    anfrage({"ChangeDb", (dir / "fehlt" / "dbTessara.mdb").string()});
-    EXPECT_TRUE(erscheint(fehler, "Anfrage verworfen: Verzeichnis fehlt"));
-    anfrage({"Unbekannt", "x"});
-    EXPECT_TRUE(erscheint(fehler, "Anfrage verworfen: unbekannte Anfrage"));
 
     // "/" and "\" mixed: the library is switched, its database made.
     anfrage({"ChangeDb", (dir / "bib2").string() + "\\dbTessara.mdb"});
@@ -219,10 +210,7 @@ TEST_F(clsTessaraStartProzess, FuehrtAnfragenAusUndVerwirftUnbrauchbare) {
     EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;A", 2)) << lesen(log);
     anfrage({"StartTessara3", "0010018", "", (dir / "bib" / "dbTessara.mdb").string()});
     EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010018;")) << lesen(log);
-    const std::string s = lesen(log);
-    EXPECT_EQ(s.find("Blockanfrage: 777"), std::string::npos);
-    EXPECT_EQ(s.find("fehlt"), std::string::npos);
-    EXPECT_LT(s.find("Datenbank: " + bib2), s.rfind("Datenbank: "));
+    EXPECT_EQ(lesen(log).find("Blockanfrage: 777"), std::string::npos);
 }
 
 }  // namespace
