@@ -277,4 +277,10 @@ Section "Uninstall"
   DeleteRegKey HKLM "${UNINSTALL_KEY}"
   DeleteRegKey HKLM "${MASCHINEN_KEY}"
   DeleteRegKey /ifempty HKLM "Software\Tessara"
+  ; The entry class that tessara.exe registers for its user at each start.
+  DeleteRegKey HKCU "Software\Classes\Tessara_8_5.clsTessaraStart"
+  DeleteRegKey HKCU "Software\Classes\CLSID\{C5A2E435-1490-4148-91BF-05AF634CB7D8}"
+  ; where a system that does not merge the user's classes found it
+  DeleteRegKey HKCR "Tessara_8_5.clsTessaraStart"
+  DeleteRegKey HKCR "CLSID\{C5A2E435-1490-4148-91BF-05AF634CB7D8}"
 SectionEnd

@@ -9,6 +9,7 @@
 #include "cad/cad_verbindung.h"
 #include "captions/beschriftung.h"
 #include "entry/start_ablauf.h"
+#include "entry/tessara_start.h"
 #include "platform/console.h"
 #include "platform/platform.h"
 #include "platform/system.h"
@@ -52,12 +53,16 @@ int main(int argc, char** argv) {
     tessara::clsStart start;
     if (start.Main(z, fenster) == tessara::MainErgebnis::ProzessEnde) return 0;
 
-    // Requests of later processes arrive through the instance channel and
+    // Requests of later processes arrive through the instance channel, the
+    // CAD host's through the entry class where the system has COM; both
     // enter Main again, one after another on this thread.
+    auto klasse =
+        platform::systemAutomationServer(tessara::kTessaraStartKlasse, tessara::kTessaraStartClsid,
+                                         tessara::fctTessaraStartOperationen());
     QTimer abholen;
     QObject::connect(&abholen, &QTimer::timeout, [&] {
-        for (const auto& m : kanal->receive())
-            start.anfrageAusfuehren(z, fenster, m.operation, m.arguments);
+        start.anfragenAbholen(z, fenster, kanal->receive());
+        if (klasse) start.anfragenAbholen(z, fenster, klasse->receive());
     });
     abholen.start(100);
     return app.exec();

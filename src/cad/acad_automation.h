@@ -4,6 +4,7 @@
 // Every call may fail: implementations throw AcadFehler carrying the error
 // description and number, which the callers trap and read as VB's Err does.
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -59,6 +60,17 @@ class AcadDokument {
     }
 };
 
+// The host's application and document events the program follows:
+// EndOpen, a document's Activate and BeginClose, and BeginQuit.
+enum class AcadEreignis {
+    DokumentGeoeffnet,
+    DokumentAktiviert,
+    DokumentGeschlossen,
+    AnwendungEnde
+};
+// The drawing the event is about, by its file name when the host names it.
+using AcadEreignisEmpfaenger = std::function<void(AcadEreignis, const std::string& strDatei)>;
+
 class AcadAnwendung {
   public:
     virtual ~AcadAnwendung() = default;
@@ -77,6 +89,14 @@ class AcadAnwendung {
         throw AcadFehler(
             "Objekt unterstützt diese Eigenschaft oder Methode nicht: " + strMenueDatei, 438);
     }
+    // Subscribes to the host's events; the receiver is called on the
+    // program's user-interface thread. False when this host offers none.
+    // One subscription at a time: a new one replaces the old.
+    virtual bool EreignisseAbonnieren(AcadEreignisEmpfaenger empfaenger) {
+        (void)empfaenger;
+        return false;
+    }
+    virtual void EreignisseAbbestellen() {}
 };
 
 // GetObject / CreateObject for a program identifier such as "AutoCAD.Application".

@@ -1,6 +1,7 @@
 #include "entry/start_ablauf.h"
 
 #include "captions/beschriftung.h"
+#include "entry/tessara_start.h"
 #include "platform/environment.h"
 #include "platform/instance_channel.h"
 #include "platform/platform.h"
@@ -15,7 +16,7 @@ namespace {
 
 constexpr const char* kAllg = "AllgemeineDaten";
 // The class of the running instance that the go-between forwards to.
-constexpr const char* kStartKlasse = "Tessara_8_5.clsTessaraStart";
+constexpr const char* kStartKlasse = kTessaraStartKlasse;
 // The edition number in front of the running version in the window title.
 constexpr const char* kEdition = "1";
 
@@ -226,6 +227,7 @@ MainErgebnis clsStart::zweiteKopieOderStart(ProgrammZustand& z, Hauptfenster& fe
     if (k.art == typKommandozeile::Art::Datenbank) z.strUebergabeDb = fctMitBackslash(k.str1);
     fenster.laden();
     if (fenster.startAbbrechen()) return MainErgebnis::ProzessEnde;
+    fenster.ereignisseAbonnieren();
 
     // A request given on this process's own command line is carried out as
     // if it had been handed over, now that the window is there.
@@ -277,27 +279,25 @@ void clsStart::wiedereintritt(ProgrammZustand& z, Hauptfenster& fenster) {
     fenster.timerIntervall(1000);
 }
 
+void clsStart::anfragenAbholen(ProgrammZustand& z, Hauptfenster& fenster,
+                               std::vector<platform::InstanceMessage> neue) {
+    for (auto& m : neue) wartend_.push_back(std::move(m));
+    // A request may arrive while one is carried out (the insertion pumps
+    // messages while it waits on the host, a message box runs its own loop):
+    // it keeps its place in the line.
+    if (booAbholen_) return;
+    booAbholen_ = true;
+    while (!wartend_.empty() && !fenster.beschaeftigt()) {
+        const platform::InstanceMessage m = std::move(wartend_.front());
+        wartend_.erase(wartend_.begin());
+        anfrageAusfuehren(z, fenster, m.operation, m.arguments);
+    }
+    booAbholen_ = false;
+}
+
 void clsStart::anfrageAusfuehren(ProgrammZustand& z, Hauptfenster& fenster, const std::string& op,
                                  const std::vector<std::string>& args) {
-    Prozedur p(z, "anfrageAusfuehren");
-    p.step(op);
-    if (op == "StartForm2") {
-        z.strUebergabeBlock = args.size() > 0 ? args[0] : std::string();
-        z.strUebergabeVariante = args.size() > 1 ? args[1] : std::string();
-    } else if (op == "ChangeDb") {
-        z.strUebergabeDb = fctMitBackslash(args.empty() ? std::string() : args[0]);
-    } else if (op == "ClassNameUebergeben") {
-        strKlasse_ = args.empty() ? std::string() : args[0];
-        return;
-    } else if (op == "LBlkEinfuegen") {
-        if (z.strUebergabeBlock.empty()) {
-            z.strUebergabeBlock = strLetzterBlock_;
-            z.strUebergabeVariante = strLetzteVariante_;
-        }
-    } else {
-        return;  // unknown operations from a foreign client are dropped
-    }
-    Main(z, fenster);
+    clsTessaraStart(z, *this, fenster).anfrage(platform::InstanceMessage{op, args});
 }
 
 }  // namespace tessara

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/desktop.h"
+#include "platform/instance_channel.h"
 #include "startup/kommandozeile.h"
 #include "startup/programm_zustand.h"
 
@@ -26,6 +27,12 @@ class Hauptfenster {
     // Puts the path into comboxVerzeichnis and runs its click handler.
     virtual void datenbankWechseln(const std::string& strPfad) = 0;
     virtual void timerIntervall(int millisekunden) = 0;
+    // Creates the object that receives the CAD host's events; a window
+    // that follows no host leaves it out.
+    virtual void ereignisseAbonnieren() {}
+    // Whether a command runs that waits on the host (an insertion): a
+    // request arriving meanwhile waits for its end.
+    virtual bool beschaeftigt() { return false; }
 };
 
 // The go-between "Tessaraz.clsTessaraZwischen": hands a request to the
@@ -64,14 +71,24 @@ class clsStart {
     // Entered at process start and for every request handed over.
     MainErgebnis Main(ProgrammZustand& z, Hauptfenster& fenster);
 
-    // Carries out a message received through the instance channel: stores
-    // the request in the program-wide state and enters Main again.
+    // Carries out a message received through the instance channel through
+    // the entry class clsTessaraStart, which stores the request in the
+    // program-wide state and enters Main again.
     void anfrageAusfuehren(ProgrammZustand& z, Hauptfenster& fenster,
                            const std::string& strOperation,
                            const std::vector<std::string>& argumente);
 
+    // Requests taken from the message pump: carried out in order, or kept
+    // while the window is busy and carried out at a later call.
+    void anfragenAbholen(ProgrammZustand& z, Hauptfenster& fenster,
+                         std::vector<platform::InstanceMessage> neue);
+
     std::uint8_t aufrufe() const { return bytAufruf_; }
     const std::string& klasse() const { return strKlasse_; }
+    void klasseSetzen(const std::string& strKlasse) { strKlasse_ = strKlasse; }
+    // The block request handled last, which LBlkEinfuegen inserts again.
+    const std::string& letzterBlock() const { return strLetzterBlock_; }
+    const std::string& letzteVariante() const { return strLetzteVariante_; }
 
   private:
     MainErgebnis ersterAufruf(ProgrammZustand& z, Hauptfenster& fenster);
@@ -82,6 +99,8 @@ class clsStart {
     void wiedereintritt(ProgrammZustand& z, Hauptfenster& fenster);
     void nachVorne(ProgrammZustand& z, Hauptfenster& fenster);
 
+    std::vector<platform::InstanceMessage> wartend_;
+    bool booAbholen_ = false;
     std::uint8_t bytAufruf_ = 0;  // lives for the whole process, only grows
     std::string strKlasse_;       // class named through ClassNameUebergeben
     // The block request handled last, which LBlkEinfuegen inserts again.

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/instance_channel.h"
+
 namespace platform {
 
 class AutomationObject;
@@ -92,6 +94,16 @@ class AutomationHost {
     virtual std::shared_ptr<AutomationObject> getActiveObject(const std::string& progId) = 0;
     // CreateObject(progId): a new instance.
     virtual std::shared_ptr<AutomationObject> createObject(const std::string& progId) = 0;
+};
+
+// An automation class that this program offers to other programs. Calls
+// are not carried out while the caller waits: each is queued with its
+// method's name and its arguments as text, and the program takes them
+// from its message pump, as it takes those of the instance channel.
+class AutomationServer {
+  public:
+    virtual ~AutomationServer() = default;
+    virtual std::vector<InstanceMessage> receive() = 0;
 };
 
 }  // namespace platform

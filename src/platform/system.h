@@ -26,5 +26,12 @@ std::unique_ptr<InstanceChannel> systemInstanceChannel();
 // Late-bound automation of other programs (COM), or null where the system
 // has none.
 std::unique_ptr<AutomationHost> systemAutomationHost();
+// The automation class this program offers to others while it runs (a COM
+// local server on Windows, registered for the current user so that a host's
+// AutoLISP or VBA can create it by its program identifier), or null where
+// the system has none. clsid in registry form, "{XXXXXXXX-...}".
+std::unique_ptr<AutomationServer> systemAutomationServer(const std::string& progId,
+                                                         const std::string& clsid,
+                                                         const std::vector<std::string>& methods);
 
 }  // namespace platform

@@ -13,6 +13,7 @@
 
 #include "authoring/datei_layout.h"
 #include "authoring/dateien_operationen.h"
+#include "cad/host_ereignisse.h"
 #include "captions/beschriftung.h"
 #include "captions/meldungen.h"
 #include "captions/meldungs_nummern.h"
@@ -261,6 +262,7 @@ void FrmBlockverwaltung::panelsEinbauen() {
 }
 
 FrmBlockverwaltung::~FrmBlockverwaltung() {
+    ereignisse_.reset();  // the host must not call into a window going away
     maler_->abbrechen();
     if (!booEntladen_ && booGeladen_) entladen();
 }

@@ -33,6 +33,8 @@ class SlotFeld;
 class FrmStartfenster;
 class Verwaltungsfenster;
 class BlockBearbeitung;
+class clsHostEreignisse;
+struct typAktiveZeichnung;
 
 class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     Q_OBJECT
@@ -51,6 +53,9 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     void blockAnfrageAusfuehren() override;
     void datenbankWechseln(const std::string& strPfad) override;
     void timerIntervall(int millisekunden) override;
+    // Follows the drawing active in the host (frm_blockverwaltung_ereignisse.cpp).
+    void ereignisseAbonnieren() override;
+    bool beschaeftigt() override { return booEinfuegenLaeuft_; }
 
     // --- Commands (also reached by menu entries and keys) ------------------------
     void cmbEinfuegen_Click();
@@ -132,6 +137,7 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     void rasterAnordnen();
     void slotsAnlegen(int anzahl);
     std::vector<QCheckBox*> fraEinfuegenBoxen() const;
+    void aktiveZeichnungZeigen(const typAktiveZeichnung& a);
 
     ProgrammZustand& z_;
     CadVerbindung& v_;
@@ -155,6 +161,7 @@ class FrmBlockverwaltung : public QMainWindow, public Hauptfenster {
     bool booEntladen_ = false;
     bool booEinfuegenLaeuft_ = false;
     std::vector<std::string> zuletztEingefuegt_;
+    std::unique_ptr<clsHostEreignisse> ereignisse_;
 };
 
 }  // namespace tessara

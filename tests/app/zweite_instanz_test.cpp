@@ -60,7 +60,8 @@ class ZweiteInstanz : public ::testing::Test {
         fs::create_directories(dir / "common" / "Tessara");
         std::ofstream(dir / "common" / "Tessara" / "Tessara9.0.ini")
             << "[AllgemeineDaten]\r\nDbVerzeichnis0=" << (dir / "bib").string()
-            << "\r\n[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n";
+            << "\r\n[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n"
+            << "AnfrageVerworfen=1\r\n";
     }
     void TearDown() override {
         if (erste > 0) {
@@ -71,8 +72,9 @@ class ZweiteInstanz : public ::testing::Test {
         fs::remove_all(dir);
     }
 
-    pid_t starten(const std::vector<std::string>& args, const fs::path& ausgabe) {
-        std::vector<std::string> argv = {std::string(TESSARA_BINARY_DIR) + "/app/tessara"};
+    pid_t starten(const std::vector<std::string>& args, const fs::path& ausgabe,
+                  const std::string& programm = "tessara") {
+        std::vector<std::string> argv = {std::string(TESSARA_BINARY_DIR) + "/app/" + programm};
         argv.insert(argv.end(), args.begin(), args.end());
         std::vector<char*> a, e;
         for (auto& s : argv) a.push_back(s.data());
@@ -197,6 +199,47 @@ TEST_F(ZweiteInstanz, ErsterStartMitDZeigtNurDieCadMeldung) {
     EXPECT_NE(lesen(dir / "common" / "Tessara" / "Tessara9.0.ini").find("DbVerzeichnis0=" + bib),
               std::string::npos);
     EXPECT_TRUE(fs::exists(dir / "bib" / "dbTessara.mdb"));
+}
+
+// The entry class reached from a second process, as the CAD host reaches
+// it: requests carried out in order, and one it must refuse leaves a line in
+// the error log and the window serving the next (the other refusals are
+// table cases of tests/entry).
+class clsTessaraStartProzess : public ZweiteInstanz {
+  protected:
+    int anfrage(const std::vector<std::string>& args) {
+        std::vector<std::string> a = {"tessara-start"};
+        a.insert(a.end(), args.begin(), args.end());
+        const fs::path aus = dir / ("cli" + std::to_string(++n) + ".txt");
+        const int rc = warten(starten(a, aus, "tessara-cli"), 20s);
+        EXPECT_EQ(rc, 0) << lesen(aus);
+        return rc;
+    }
+    int n = 0;
+};
+
+TEST_F(clsTessaraStartProzess, FuehrtAnfragenAusUndVerwirftUnbrauchbare) {
+    const fs::path log = dir / "erste.txt";
+    const fs::path fehler = dir / "common" / "Tessara" / "txtErrorTessara9.0.txt";
+    erste = starten({}, log);
+    ASSERT_TRUE(erscheint(log, "bereit")) << lesen(log);
+    anfrage({"StartTessara2", "0010017", "A"});
+    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;A")) << lesen(log);
+
+    anfrage({"StartTessara2", std::string(200, '7'), "A"});
+    EXPECT_TRUE(erscheint(fehler, "Anfrage verworfen: Blockname zu lang"));
+
+    // "/" and "\" mixed: the library is switched, its database made.
+    anfrage({"ChangeDb", (dir / "bib2").string() + "\\dbTessara.mdb"});
+    std::string bib2 = (dir / "bib2" / "dbTessara.mdb").string();
+    for (char& c : bib2)
+        if (c == '/') c = '\\';
+    EXPECT_TRUE(erscheint(log, "Datenbank: " + bib2)) << lesen(log);
+    anfrage({"LBlockEinfuegen"});
+    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;A", 2)) << lesen(log);
+    anfrage({"StartTessara3", "0010018", "", (dir / "bib" / "dbTessara.mdb").string()});
+    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010018;")) << lesen(log);
+    EXPECT_EQ(lesen(log).find("Blockanfrage: 777"), std::string::npos);
 }
 
 }  // namespace

@@ -106,6 +106,17 @@ class FakeAnwendung : public AcadAnwendung {
     void MenuGroupsLoad(const std::string& datei) override {
         log->eintraege.push_back("MenuGroups.Load:" + datei);
     }
+
+    AcadEreignisEmpfaenger empfaenger;
+    bool EreignisseAbonnieren(AcadEreignisEmpfaenger e) override {
+        empfaenger = std::move(e);
+        return true;
+    }
+    void EreignisseAbbestellen() override { empfaenger = nullptr; }
+    // The host raising an event; a receiver may unsubscribe while it runs.
+    void ausloesen(AcadEreignis e, const std::string& datei = {}) {
+        if (auto f = empfaenger) f(e, datei);
+    }
 };
 
 class FakeAutomation : public AcadAutomation {

@@ -9,9 +9,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <memory>
 
+#include "entry/tessara_start.h"
 #include "frisches_verzeichnis.h"
 #include "platform/environment.h"
 #include "platform/memory/fake_clock.h"
@@ -35,14 +37,21 @@ struct TestFenster : Hauptfenster {
     bool nurVorne = false;
     void laden() override { ereignisse.push_back("laden"); }
     bool startAbbrechen() override { return abbrechen; }
-    bool nurNachVorneHolen() override { return nurVorne; }
+    // As the main window answers: nothing handed over but the wish to see it.
+    bool nurNachVorneHolen() override {
+        return nurVorne || (z->strUebergabeBlock.empty() && z->strUebergabeDb.empty());
+    }
     void zeigen() override { ereignisse.push_back("zeigen"); }
     platform::WindowHandle handle = 0;
     platform::WindowHandle fensterHandle() override { return handle; }
     std::vector<std::string> bloecke;
     ProgrammZustand* z = nullptr;
+    bool busy = false;
+    bool beschaeftigt() override { return busy; }
+    std::function<void()> beimBlock;  // what happens while the request runs
     void blockAnfrageAusfuehren() override {
         ereignisse.push_back("block");
+        if (beimBlock) beimBlock();
         bloecke.push_back(z->strUebergabeBlock + ";" + z->strUebergabeVariante);
     }
     void datenbankWechseln(const std::string& p) override { ereignisse.push_back("db " + p); }
@@ -238,6 +247,7 @@ TEST_F(StartAblauf, WiedereintrittFuehrtUebergebeneAnfragenAus) {
     p->z.strUebergabeDb.clear();
 
     p->fenster.ereignisse.clear();
+    fs::create_directories(root / "drive_c" / "lib");
     p->start.anfrageAusfuehren(p->z, p->fenster, "ChangeDb", {"c:/lib/dbTessara.mdb"});
     EXPECT_EQ(p->fenster.ereignisse,
               (std::vector<std::string>{"db c:\\lib\\dbTessara.mdb", "timer 1000"}));
@@ -284,6 +294,68 @@ TEST_F(StartAblauf, TitelDesLaufendenFensters) {
     ProgrammZustand z;
     EXPECT_EQ(fctFensterTitel(z, "Tessara $ ($)"), "Tessara 1.9.0 (1.9.0)");
     EXPECT_EQ(fctFensterTitel(z, "Tessara"), "Tessara");
+}
+
+// The entry class: each operation and what the running window then does,
+// and the requests it refuses.
+TEST_F(StartAblauf, clsTessaraStartFuehrtJedeAnfrageUeberMainAus) {
+    fs::create_directories(root / "drive_c" / "lib" / "neu");
+    auto p = prozess("");
+    ASSERT_EQ(p->main(), MainErgebnis::Laeuft);
+    for (const auto& f : test::tabelle("entry/golden/tessara_start.txt")) {
+        SCOPED_TRACE(f.at(0));
+        const auto pfeil = std::find(f.begin(), f.end(), "=>");
+        ASSERT_EQ(f.end() - pfeil, 4);
+        std::vector<std::string> args(f.begin() + 1, pfeil);
+        for (auto& a : args)  // "{n}" stands for a name of n characters
+            if (a.size() > 2 && a.front() == '{') a = std::string(std::stoul(a.substr(1)), 'x');
+        p->fenster.ereignisse.clear();
+        p->fenster.bloecke.clear();
+        p->benutzer.gezeigt.clear();
+        const auto aufrufe = p->start.aufrufe();
+        const bool ok = clsTessaraStart(p->z, p->start, p->fenster).anfrage({f[0], args});
+        auto liste = [](const std::vector<std::string>& v) {
+            std::string s;
+            for (const auto& e : v) s += (s.empty() ? "" : ",") + e;
+            return s;
+        };
+        EXPECT_EQ(liste(p->fenster.ereignisse), pfeil[1]);
+        EXPECT_EQ(liste(p->fenster.bloecke), pfeil[2]);
+        EXPECT_EQ(std::to_string(p->benutzer.gezeigt.size()), pfeil[3]);
+        // Refused: Main is not entered. The class name only is kept.
+        EXPECT_EQ(ok, p->start.aufrufe() > aufrufe || p->start.klasse() == f[1]);
+        EXPECT_TRUE(p->z.strUebergabeBlock.empty());
+        if (p->z.strUebergabeDb == "TestDb") p->z.strUebergabeDb.clear();  // stored, never used
+        EXPECT_EQ(p->z.strUebergabeDb, "");
+    }
+}
+
+TEST_F(StartAblauf, clsTessaraStartAnfragenWartenBisDasFensterFreiIst) {
+    auto p = prozess("");
+    ASSERT_EQ(p->main(), MainErgebnis::Laeuft);
+    auto anfrage = [](const std::string& b) {
+        return platform::InstanceMessage{"StartTessara2", {b, ""}};
+    };
+    p->fenster.busy = true;
+    p->start.anfragenAbholen(p->z, p->fenster, {anfrage("1"), anfrage("2")});
+    EXPECT_TRUE(p->fenster.bloecke.empty());
+    p->fenster.busy = false;
+    // One arriving while another runs waits for it.
+    p->fenster.beimBlock = [&] {
+        p->fenster.beimBlock = nullptr;
+        p->start.anfragenAbholen(p->z, p->fenster, {anfrage("3")});
+        p->fenster.bloecke.push_back("waehrend 1");
+    };
+    p->start.anfragenAbholen(p->z, p->fenster, {});
+    EXPECT_EQ(p->fenster.bloecke, (std::vector<std::string>{"waehrend 1", "1;", "2;", "3;"}));
+}
+
+TEST(clsTessaraStart, AnfrageTextIstGueltigesUtf8OhneSteuerzeichen) {
+    for (const char* s : {"", "0010017", "Gr\xc3\xb6\xc3\x9f", "\xe2\x82\xac", "\xf0\x9f\x98\x80"})
+        EXPECT_TRUE(fctAnfrageTextGueltig(s)) << s;
+    for (const char* s :
+         {"a\rb", "\x7f", "\xc3", "\xc0\xaf", "\xe2\x82", "\xff", "\xf5\x80\x80\x80", "\x80"})
+        EXPECT_FALSE(fctAnfrageTextGueltig(s)) << s;
 }
 
 }  // namespace

@@ -18,6 +18,8 @@
 
 #include "authoring/datei_layout.h"
 #include "authoring/slide_library.h"
+#include "cad/fake_acad.h"
+#include "captions/beschriftung.h"
 #include "captions/meldungen.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
@@ -329,6 +331,47 @@ TEST_F(Hauptfenster, WithoutItsCodeTableTheWindowSaysSoAndStaysUsable) {
     EXPECT_EQ(sichtbareSlots(), 0);
     f.combutVor_Click();
     QTest::keyClick(kind<QWidget>("rasterFlaeche"), Qt::Key_Return);
+}
+
+// The fake AutoCAD's events move the title; the host closing in the middle
+// of an insertion ends it and leaves the window to connect afresh.
+TEST_F(Hauptfenster, HostEreignisseBewegenDenTitelUndEinSchliessenderHostEndetSauber) {
+    test::FakeAutomation automation;
+    automation.laufend =
+        std::make_shared<test::FakeAnwendung>(std::make_shared<test::FakeAcadLog>());
+    test::FakeAnwendung* app = automation.laufend.get();
+    cad.automation = &automation;
+    auto& f = laden();
+    f.ereignisseAbonnieren();
+    const std::string basis = fctFensterTitel(z, fctBeschriftung(z, "ProgName"));
+    auto titel = [&] { return f.windowTitle().toStdString(); };
+    EXPECT_EQ(titel(), basis + " - Zeichnung1.dwg");
+    app->dokument->titel = "Plan.dwg";
+    app->dokument->variablen["DWGPREFIX"] = bib + "\\fehlt\\";
+    app->ausloesen(AcadEreignis::DokumentGeoeffnet, "Plan.dwg");
+    EXPECT_EQ(titel(), basis + " - Plan.dwg (Verzeichnis schreibgeschützt)");
+    app->ausloesen(AcadEreignis::DokumentGeschlossen, "Plan.dwg");
+    EXPECT_EQ(titel(), basis);
+
+    auto gehalten = automation.laufend;  // the insertion's document outlives the host
+    app->dokument->beiBefehl = [&](const std::string&) {
+        app->dokument->beiBefehl = nullptr;
+        automation.laufend.reset();
+        app->ausloesen(AcadEreignis::AnwendungEnde);
+    };
+    QSignalSpy eingefuegt(&f, &FrmBlockverwaltung::einfuegungBeendet);
+    f.sldBlockverwaltung_LButtonDown(0);
+    f.cmbEinfuegen_Click();
+    EXPECT_EQ(eingefuegt.count(), 1);
+    EXPECT_EQ(titel(), basis);
+    EXPECT_EQ(kind<QLabel>("labStatus")->text(), "AutoCAD wurde beendet.");
+    EXPECT_EQ(cad.acadApp, nullptr);
+    EXPECT_EQ(cad.typAcadVersionInfo.strACadVersion, "");
+    bildschirmfoto(&f, "frmBlockverwaltung_host_beendet");
+    // The next insertion looks for a host again and finds none.
+    f.cmbEinfuegen_Click();
+    EXPECT_EQ(eingefuegt.count(), 1);
+    EXPECT_FALSE(app->empfaenger);
 }
 
 }  // namespace

@@ -112,6 +112,8 @@ done
 bereit=$(grep '^bereit: ' "$work/out" | tr -d '\r')
 [ "$bereit" = 'bereit: C:\Bibliotheken\Müller\dbTessara.mdb' ] ||
     fail "the installed program did not open its library (${bereit:-$(tail -n 6 "$daten/txtErrorTessara9.0.txt" 2>/dev/null | tr -s '\r\n' ' ')})"
+"$wine" reg query 'HKCR\Tessara_8_5.clsTessaraStart\CLSID' >/dev/null 2>&1 ||
+    fail "the running program did not register its entry class for the CAD host"
 "$wineserver" -k
 
 # --- uninstall -----------------------------------------------------------------
@@ -124,6 +126,9 @@ w "$prog/uninstall.exe" /S || fail "the uninstaller ended with $?"
 [ ! -e "$menu" ] || fail "the Start-menu folder is left"
 "$wine" reg query "$key" >/dev/null 2>&1 && fail "the uninstall key is left"
 "$wine" reg query 'HKLM\Software\Tessara' >/dev/null 2>&1 && fail "the program's machine key is left"
+for k in 'HKCU\Software\Classes\Tessara_8_5.clsTessaraStart' 'HKCR\Tessara_8_5.clsTessaraStart'; do
+    "$wine" reg query "$k" >/dev/null 2>&1 && fail "the entry class's registration is left in $k"
+done
 [ -f "$lib/dbTessara.mdb" ] || fail "the uninstaller removed the user's library"
 [ -f "$ini" ] || fail "the uninstaller removed the Settings file"
 

@@ -25,4 +25,9 @@ std::unique_ptr<InstanceChannel> systemInstanceChannel() {
 
 std::unique_ptr<AutomationHost> systemAutomationHost() { return nullptr; }
 
+std::unique_ptr<AutomationServer> systemAutomationServer(const std::string&, const std::string&,
+                                                         const std::vector<std::string>&) {
+    return nullptr;
+}
+
 }  // namespace platform

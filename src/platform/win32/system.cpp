@@ -1,6 +1,7 @@
 #include "platform/system.h"
 
 #include "platform/win32/com_automation.h"
+#include "platform/win32/com_entry_server.h"
 #include "platform/win32/win32_desktop.h"
 #include "platform/win32/win32_environment.h"
 #include "platform/win32/win32_instance_channel.h"
@@ -28,6 +29,12 @@ std::unique_ptr<InstanceChannel> systemInstanceChannel() {
 
 std::unique_ptr<AutomationHost> systemAutomationHost() {
     return std::make_unique<ComAutomationHost>();
+}
+
+std::unique_ptr<AutomationServer> systemAutomationServer(const std::string& progId,
+                                                         const std::string& clsid,
+                                                         const std::vector<std::string>& methods) {
+    return ComEntryServer::start(progId, clsid, methods);
 }
 
 }  // namespace platform
