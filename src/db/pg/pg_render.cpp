@@ -4,12 +4,6 @@
 
 namespace db::pg {
 
-namespace {
-
-using sql::Expr;
-using sql::Value;
-using sql::detail::Source;
-
 std::string ident(const std::string& name) {
     std::string q = "\"";
     for (char c : name) q += c == '"' ? std::string("\"\"") : std::string(1, c);
@@ -21,6 +15,12 @@ std::string literal(const std::string& text) {
     for (char c : text) q += c == '\'' ? std::string("''") : std::string(1, c);
     return q + "'";
 }
+
+namespace {
+
+using sql::Expr;
+using sql::Value;
+using sql::detail::Source;
 
 std::string folded(const std::string& text) { return sql::utf8Encode(sql::foldCase(text)); }
 

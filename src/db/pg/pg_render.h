@@ -13,6 +13,11 @@
 
 namespace db::pg {
 
+// A name in double quotes and a text in single quotes, each quote inside
+// doubled, as the server reads them.
+std::string ident(const std::string& name);
+std::string literal(const std::string& text);
+
 struct RenderedMatch {
     std::string sql;           // one row id per table of the source, then the columns
     std::vector<int> columns;  // the source's column of each fetched value

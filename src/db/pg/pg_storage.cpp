@@ -41,18 +41,6 @@ std::string lower(std::string s) {
 
 bool sameName(const std::string& a, const std::string& b) { return lower(a) == lower(b); }
 
-std::string ident(const std::string& name) {
-    std::string q = "\"";
-    for (char c : name) q += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return q + "\"";
-}
-
-std::string literal(const std::string& text) {
-    std::string q = "'";
-    for (char c : text) q += c == '\'' ? std::string("''") : std::string(1, c);
-    return q + "'";
-}
-
 std::string joined(const std::vector<std::string>& parts, const std::string& sep) {
     std::string out;
     for (const auto& p : parts) out += (out.empty() ? "" : sep) + p;
