@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "db/pg/pg_render.h"
+#include "jet/format/value.h"
 #include "jet/sql/error.h"
 #include "jet/write/relationships.h"
 
@@ -60,28 +61,7 @@ std::vector<std::string> split(const std::string& s) {
 
 // --- OLE dates <-> timestamps ---------------------------------------------
 
-std::int64_t daysFromCivil(std::int64_t y, unsigned m, unsigned d) {
-    y -= m <= 2;
-    const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
-    const unsigned yoe = static_cast<unsigned>(y - era * 400);
-    const unsigned doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
-    const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
-}
-
-void civilFromDays(std::int64_t z, int& y, unsigned& m, unsigned& d) {
-    z += 719468;
-    const std::int64_t era = (z >= 0 ? z : z - 146096) / 146097;
-    const unsigned doe = static_cast<unsigned>(z - era * 146097);
-    const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-    const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-    const unsigned mp = (5 * doy + 2) / 153;
-    d = doy - (153 * mp + 2) / 5 + 1;
-    m = mp < 10 ? mp + 3 : mp - 9;
-    y = static_cast<int>(yoe + era * 400 + (m <= 2));
-}
-
-const std::int64_t kOleEpoch = daysFromCivil(1899, 12, 30);
+const std::int64_t kOleEpoch = jet::daysFromCivil(1899, 12, 30);
 
 // An OLE date before 1899-12-30 counts its days backwards but its time of
 // day forwards: -1.25 is 29 December 1899, 06:00.
@@ -93,11 +73,10 @@ std::string timestampOf(double ole) {
         ms -= 86400000;
         day += ole < 0 ? -1 : 1;
     }
-    int y;
-    unsigned m, d;
-    civilFromDays(kOleEpoch + static_cast<std::int64_t>(day), y, m, d);
+    int y, m, d;
+    jet::civilFromDays(kOleEpoch + static_cast<std::int64_t>(day), y, m, d);
     char buf[64];
-    std::snprintf(buf, sizeof buf, "%04d-%02u-%02u %02lld:%02lld:%02lld.%03lld", y, m, d,
+    std::snprintf(buf, sizeof buf, "%04d-%02d-%02d %02lld:%02lld:%02lld.%03lld", y, m, d,
                   static_cast<long long>(ms / 3600000), static_cast<long long>(ms / 60000 % 60),
                   static_cast<long long>(ms / 1000 % 60), static_cast<long long>(ms % 1000));
     return buf;
@@ -108,7 +87,7 @@ double oleOf(const char* ts) {
     double s = 0;
     std::sscanf(ts, "%d-%d-%d %d:%d:%lf", &y, &mo, &d, &h, &mi, &s);
     const double days = static_cast<double>(
-        daysFromCivil(y, static_cast<unsigned>(mo), static_cast<unsigned>(d)) - kOleEpoch);
+        jet::daysFromCivil(y, static_cast<unsigned>(mo), static_cast<unsigned>(d)) - kOleEpoch);
     const double frac = (h * 3600 + mi * 60 + s) / 86400.0;
     return days < 0 ? days - frac : days + frac;
 }

@@ -73,8 +73,6 @@ std::uint16_t fixedSizeOf(ColumnType t) {
 
 bool isLongValueType(ColumnType t) { return t == ColumnType::Memo || t == ColumnType::OLE; }
 
-namespace {
-// Days from 1970-01-01 to y-m-d, proleptic Gregorian.
 long long daysFromCivil(long long y, unsigned m, unsigned d) {
     y -= m <= 2;
     const long long era = (y >= 0 ? y : y - 399) / 400;
@@ -95,6 +93,7 @@ void civilFromDays(long long z, int& y, int& m, int& d) {
     m = int(mp < 10 ? mp + 3 : mp - 9);
     y = int(yy + (m <= 2));
 }
+namespace {
 constexpr long long kEpochOffset = -25569;  // 1899-12-30 in days from 1970-01-01
 }  // namespace
 

@@ -75,5 +75,8 @@ struct CivilTime {
 };
 CivilTime toCivil(double days);
 double fromCivil(const CivilTime& t);
+// Days from 1970-01-01 to y-m-d and back, the whole days under both.
+long long daysFromCivil(long long y, unsigned m, unsigned d);
+void civilFromDays(long long z, int& y, int& m, int& d);
 
 }  // namespace jet

@@ -8,19 +8,11 @@
 #include <cstdint>
 #include <vector>
 
+#include "jet/format/value.h"
+
 namespace sql {
 
 namespace {
-
-// Days from 1 January 1970 to a civil date (proleptic Gregorian).
-std::int64_t daysFromCivil(std::int64_t y, unsigned m, unsigned d) {
-    y -= m <= 2;
-    const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
-    const unsigned yoe = static_cast<unsigned>(y - era * 400);
-    const unsigned doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
-    const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
-}
 
 bool leap(int y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
 
@@ -134,7 +126,8 @@ std::optional<double> parseDateLiteral(std::string_view text) {
         if (m > 12 && d <= 12) std::swap(m, d);
     }
     if (!validDate(y, m, d)) return std::nullopt;
-    const double days = static_cast<double>(daysFromCivil(y, m, d) - daysFromCivil(1899, 12, 30));
+    const double days =
+        static_cast<double>(jet::daysFromCivil(y, m, d) - jet::daysFromCivil(1899, 12, 30));
     double fraction = 0;
     c.spaces();
     if (!c.end()) {
