@@ -283,8 +283,10 @@ LtBlockNeuErgebnis ACadLtBlockNeu(ProgrammZustand& z, CadVerbindung& v,
             std::error_code ec;
             if (!alt->empty()) std::filesystem::remove(fctNativerPfad(*alt), ec);
         }
-        const auto zeilen = neu.booVariante ? fctSkriptWblockVariante(r.strZeichnung)
-                                            : fctSkriptWblockNeu(r.strSlide, r.strZeichnung);
+        if (neu.booOhneDia) r.strSlide.clear();
+        const auto zeilen = neu.booVariante || neu.booOhneDia
+                                ? fctSkriptWblockVariante(r.strZeichnung)
+                                : fctSkriptWblockNeu(r.strSlide, r.strZeichnung);
         if (!fctSkriptSchreiben(z, skriptDatei(z), zeilen)) return r;
         debugHinweis(z, true);
 

@@ -75,6 +75,8 @@ struct LtBlockNeu {
     // has the drawing and the slide written into its working directory and
     // moves them to their place only once everything else has worked.
     std::string strZielZeichnung, strZielSlide;
+    // The drawing alone, as for a Variant: the user chose no preview slide.
+    bool booOhneDia = false;
 };
 struct LtBlockNeuErgebnis {
     std::string strZeichnung, strSlide;

@@ -43,8 +43,11 @@ struct Vorhaben {
     // The preview kept as a single slide, not in a slide library: a new Block
     // as the start decided for the host, a new View as its Block keeps them.
     bool booEinzeldia = false;
+    // Off, the Block keeps the drawing alone: its slot shows the drawing's
+    // own preview until a slide is taken, and the host's view is not touched.
+    bool booDiaErstellen = true;
 
-    bool mitDia() const { return art != NeuArt::Variante; }
+    bool mitDia() const { return art != NeuArt::Variante && booDiaErstellen; }
     std::string code() const { return fctDiaCode(ansicht); }
 };
 
@@ -87,6 +90,7 @@ bool vorhabenBestimmen(BlockNeuUmgebung& u, NeuArt art, Vorhaben& w, bool& abgeb
 
     std::string vorgabe = w.strBlockNr;
     w.booEinzeldia = u.z.strSlideEndung == ".sld";
+    w.booDiaErstellen = u.werte.longVorschaudiaBeimErzeugen == 1;
     if (art == NeuArt::Block) {
         if (slot.booBelegt) {
             melden(u.z, kMsgPlatzBelegt);
@@ -147,7 +151,8 @@ bool ltRoute(BlockNeuUmgebung& u, Vorhaben& w, bool& abgebrochen) {
                    w.ansicht,
                    w.art == NeuArt::Variante,
                    w.strZeichnungTemp,
-                   w.mitDia() ? w.strDiaTemp : std::string()};
+                   w.mitDia() ? w.strDiaTemp : std::string(),
+                   !w.mitDia()};
     const auto r = ACadLtBlockNeu(u.z, u.v, u.e, neu);
     abgebrochen = r.booAbgebrochen;
     return r.booDateiBesteht && !r.booAbgebrochen &&
@@ -211,7 +216,7 @@ bool vollRoute(BlockNeuUmgebung& u, Prozedur& p, Vorhaben& w, bool& abgebrochen)
 
     p.step("Diaeckpkte ermitteln");
     if (!SlidesErstellen(z, *dok, w.D, w.code(), basis)) return false;
-    if (u.werte.longVorschaudiaBeimErzeugen == 1 && z.benutzer) {
+    if (z.benutzer) {
         p.step("Bildausschnitt anpassen");
         z.benutzer->bildausschnittAnpassen(w.strDiaTemp, [&](int knopf) {
             return fctBildausschnittAnpassen(z, *dok, static_cast<BildKnopf>(knopf), w.D, w.code(),
@@ -240,12 +245,16 @@ std::vector<typDateiZug> zuege(const std::string& basis, const Vorhaben& w) {
     if (w.art == NeuArt::Variante)
         return {{w.strZeichnungTemp,
                  basis + fctVarianteZeichnung(w.strOrdnerNr, w.strVariantenDatei, w.ansicht)}};
-    return {
-        {w.strZeichnungTemp, basis + fctZeichnungDatei(w.strOrdnerNr, w.strBlockNr, w.ansicht)},
-        w.booEinzeldia
-            ? typDateiZug{w.strDiaTemp, basis + fctDiaDatei(w.strOrdnerNr, w.strBlockNr, w.ansicht)}
-            : typDateiZug{w.strBibliothekTemp,
-                          basis + fctDiaBibliothek(w.strOrdnerNr, w.strBlockNr, w.ansicht)}};
+    std::vector<typDateiZug> zz{
+        {w.strZeichnungTemp, basis + fctZeichnungDatei(w.strOrdnerNr, w.strBlockNr, w.ansicht)}};
+    if (w.mitDia())
+        zz.push_back(
+            w.booEinzeldia
+                ? typDateiZug{w.strDiaTemp,
+                              basis + fctDiaDatei(w.strOrdnerNr, w.strBlockNr, w.ansicht)}
+                : typDateiZug{w.strBibliothekTemp,
+                              basis + fctDiaBibliothek(w.strOrdnerNr, w.strBlockNr, w.ansicht)});
+    return zz;
 }
 
 bool speichern(BlockNeuUmgebung& u, Prozedur& p, const Vorhaben& w) {

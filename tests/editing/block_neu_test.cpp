@@ -49,7 +49,6 @@ class BlockNeuTest : public orgtest::Bibliothek {
         d.variablen["insbase"] = "2,1,0";
         d.auswahlen = {3};
         d.beiBefehl = [this](const std::string& t) { hostSchreibt(t); };
-        werte.longVorschaudiaBeimErzeugen = 0;
         werte.longAbfrageBlocknameBeimErzeugen = 0;
         modell->subPositionSetzen(2);
     }
@@ -105,7 +104,6 @@ class BlockNeuTest : public orgtest::Bibliothek {
 // record, the drawing and the library in their places; the working directory gone.
 TEST_F(BlockNeuTest, NeuerBlockUeberAutomation) {
     werte.longAbfrageBlocknameBeimErzeugen = 1;
-    werte.longVorschaudiaBeimErzeugen = 1;
     benutzer.namen = {std::string(33, 'x'), "Kugelhahn"};
     benutzer.gedrueckt = {Benutzer::kKnopfZoomGross, Benutzer::kKnopfVerdeckt};
     app->dokument->auswahlen = {0, 3};
@@ -149,6 +147,22 @@ TEST_F(BlockNeuTest, EinzeldiasWennDieSlideEndungSldIst) {
     EXPECT_EQ(zeilen("SELECT SlideLib FROM tblBlockInfo"),
               std::vector<std::string>{"000\\" + blockNr() + "0.sld"});
     EXPECT_TRUE(fs::exists(wurzel / "lib" / "000" / (blockNr() + "1.sld")));
+}
+
+// Without the preview slide the Block has its drawing alone, and the host
+// is asked for no slide.
+TEST_F(BlockNeuTest, OhneVorschaudiaNurDieZeichnung) {
+    werte.longVorschaudiaBeimErzeugen = 0;
+    ASSERT_TRUE(neu(NeuArt::Block).booAngelegt);
+    const std::string nr = blockNr();
+    const auto d = dateien();
+    EXPECT_EQ(std::count_if(d.begin(), d.end(),
+                            [](const std::string& f) { return f.rfind("000/", 0) == 0; }),
+              1);
+    EXPECT_TRUE(fs::exists(wurzel / "lib" / "000" / "Block" / (nr + "0.dwg")));
+    EXPECT_TRUE(std::none_of(protokoll->eintraege.begin(), protokoll->eintraege.end(),
+                             [](const std::string& e) { return e.find("mslide") != e.npos; }));
+    EXPECT_TRUE(modell->seitenSlots()[2].booBelegt);
 }
 
 // However the flow ends early, the library and the catalogue are as before
