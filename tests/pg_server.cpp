@@ -103,6 +103,9 @@ void PgServer::startIn(bool fresh) {
             return;
         }
     }
+    // A run that was killed leaves its server running on the kept cluster.
+    if (!fresh && fs::exists(dir_ + "/data/postmaster.pid"))
+        run(bin_ + "pg_ctl stop -m fast -w -D " + dir_ + "/data", nullptr);
     error_ = start();
     if (!error_.empty()) return;
     ::setenv("PGPASSWORD", kPassword, 1);

@@ -18,9 +18,7 @@ namespace db::pg {
 std::string ident(const std::string& name);
 std::string literal(const std::string& text);
 
-// The rows come in no particular order: an ORDER BY on the row ids would
-// lead the server to walk the key's index past every row rather than take
-// the few that an index on the condition names; the driver sorts them.
+// No ORDER BY: the driver puts the rows in the order of their ids itself.
 struct RenderedMatch {
     std::string sql;           // one row id per table of the source, then the columns
     std::vector<int> columns;  // the source's column of each fetched value

@@ -256,6 +256,29 @@ struct Params {
 
 using Result = std::unique_ptr<PGresult, decltype(&PQclear)>;
 
+// The rows of r by their row ids (the first ids columns; key gets them, ids
+// to a row), table by table, a missing row of an outer join last: the order
+// reading the tables here gives. Sorted here rather than by an ORDER BY,
+// which would lead the server to walk the key's index past every row
+// instead of taking the few that an index on the condition names.
+std::vector<int> inIdOrder(const PGresult* r, int ids, std::vector<RowId>& key) {
+    const int n = PQntuples(r);
+    key.assign(static_cast<std::size_t>(n) * static_cast<std::size_t>(ids), 0);
+    for (int i = 0; i < n; ++i)
+        for (int p = 0; p < ids; ++p)
+            key[static_cast<std::size_t>(i * ids + p)] =
+                PQgetisnull(r, i, p) ? std::numeric_limits<RowId>::max()
+                                     : std::strtoll(PQgetvalue(r, i, p), nullptr, 10);
+    std::vector<int> order(static_cast<std::size_t>(n));
+    for (int i = 0; i < n; ++i) order[static_cast<std::size_t>(i)] = i;
+    const RowId* k = key.data();
+    std::sort(order.begin(), order.end(), [&](int a, int b) {
+        return std::lexicographical_compare(k + a * ids, k + a * ids + ids, k + b * ids,
+                                            k + b * ids + ids);
+    });
+    return order;
+}
+
 // --- the connection --------------------------------------------------------
 
 class Server {
@@ -560,25 +583,9 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
         lastRendered_ = rendered->sql;
         auto r = server_.exec(rendered->sql);
         const int ids = static_cast<int>(src.parts.size());
-        const int n = PQntuples(r.get());
-        // In the order of the row ids, table by table, a missing row of an
-        // outer join last: the order reading the tables here gives.
-        std::vector<RowId> key(static_cast<std::size_t>(n) * static_cast<std::size_t>(ids));
-        for (int i = 0; i < n; ++i)
-            for (int p = 0; p < ids; ++p)
-                key[static_cast<std::size_t>(i * ids + p)] =
-                    PQgetisnull(r.get(), i, p)
-                        ? std::numeric_limits<RowId>::max()
-                        : std::strtoll(PQgetvalue(r.get(), i, p), nullptr, 10);
-        std::vector<int> order(static_cast<std::size_t>(n));
-        for (int i = 0; i < n; ++i) order[static_cast<std::size_t>(i)] = i;
-        const auto* k = key.data();
-        std::sort(order.begin(), order.end(), [&](int a, int b) {
-            return std::lexicographical_compare(k + a * ids, k + a * ids + ids, k + b * ids,
-                                                k + b * ids + ids);
-        });
+        std::vector<RowId> key;
         Row row(src.columns.size());
-        for (int i : order) {
+        for (int i : inIdOrder(r.get(), ids, key)) {
             for (std::size_t c = 0; c < rendered->columns.size(); ++c) {
                 const auto at = static_cast<std::size_t>(rendered->columns[c]);
                 row[at] = valueOf(r.get(), i, ids + static_cast<int>(c), src.columns[at].type);
@@ -783,15 +790,14 @@ void PgTable::select(const std::string& where, const Params* p, const std::vecto
             list += ", " + ident(cols[i].name);
             at.push_back(static_cast<int>(i));
         }
-    auto r = owner_->server().exec("SELECT " + list + " FROM " + ident(meta_->name) + where +
-                                       " ORDER BY " + ident(meta_->idColumn),
-                                   p);
+    auto r = owner_->server().exec("SELECT " + list + " FROM " + ident(meta_->name) + where, p);
+    std::vector<RowId> key;
     Row row(cols.size());
-    for (int i = 0; i < PQntuples(r.get()); ++i) {
+    for (int i : inIdOrder(r.get(), 1, key)) {
         for (std::size_t k = 0; k < at.size(); ++k)
             row[static_cast<std::size_t>(at[k])] = valueOf(
                 r.get(), i, static_cast<int>(k) + 1, cols[static_cast<std::size_t>(at[k])].type);
-        if (!visit(std::strtoll(PQgetvalue(r.get(), i, 0), nullptr, 10), row)) return;
+        if (!visit(key[static_cast<std::size_t>(i)], row)) return;
     }
 }
 
