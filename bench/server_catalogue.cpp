@@ -43,7 +43,7 @@ namespace fs = std::filesystem;
 using Uhr = std::chrono::steady_clock;
 using test::PgServer;
 
-constexpr int kRunden = 9;
+constexpr int kRunden = 15;
 constexpr int kOrdnerNr = 5;
 constexpr long kSeite = bench::kBloeckeProOrdner / 72 - 1;  // the last full Page
 // Raised whenever what is pushed to the kept cluster changes.
