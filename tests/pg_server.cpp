@@ -54,17 +54,27 @@ std::string PgServer::run(const std::string& command, int* code) {
 }
 
 PgServer::PgServer() {
-    bin_ = newestBin();
-    if (bin_.empty()) {
-        error_ = "no PostgreSQL server under /usr/lib/postgresql (scripts/setup-deps installs it)";
-        return;
-    }
     char tmpl[] = "/tmp/tessara_pg_XXXXXX";
     if (!::mkdtemp(tmpl)) {
         error_ = "no temporary directory";
         return;
     }
     dir_ = tmpl;
+    startIn(true);
+}
+
+PgServer::PgServer(const std::string& keepIn) : dir_(keepIn), keep_(true) {
+    std::error_code ec;
+    fs::create_directories(dir_, ec);
+    startIn(!fs::exists(dir_ + "/data/PG_VERSION"));
+}
+
+void PgServer::startIn(bool fresh) {
+    bin_ = newestBin();
+    if (bin_.empty()) {
+        error_ = "no PostgreSQL server under /usr/lib/postgresql (scripts/setup-deps installs it)";
+        return;
+    }
     if (::geteuid() == 0) {
         const passwd* pw = ::getpwnam("postgres");
         if (!pw) {
@@ -79,17 +89,23 @@ PgServer::PgServer() {
     }
     port_ = freeLoopbackPort();
     int code = 0;
-    std::ofstream(dir_ + "/pw") << kPassword << "\n";
-    fs::permissions(dir_ + "/pw",
-                    fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-    std::string out = run(bin_ + "initdb -D " + dir_ + "/data -U " + kUser + " --pwfile=" + dir_ +
-                              "/pw -E UTF8 --locale=C.UTF-8 --auth-local=trust "
-                              "--auth-host=scram-sha-256",
-                          &code);
-    if (code != 0) {
-        error_ = "initdb failed: " + out;
-        return;
+    if (fresh) {
+        std::ofstream(dir_ + "/pw") << kPassword << "\n";
+        fs::permissions(dir_ + "/pw",
+                        fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+        std::string out =
+            run(bin_ + "initdb -D " + dir_ + "/data -U " + kUser + " --pwfile=" + dir_ +
+                    "/pw -E UTF8 --locale=C.UTF-8 --auth-local=trust "
+                    "--auth-host=scram-sha-256",
+                &code);
+        if (code != 0) {
+            error_ = "initdb failed: " + out;
+            return;
+        }
     }
+    // A run that was killed leaves its server running on the kept cluster.
+    if (!fresh && fs::exists(dir_ + "/data/postmaster.pid"))
+        run(bin_ + "pg_ctl stop -m fast -w -D " + dir_ + "/data", nullptr);
     error_ = start();
     if (!error_.empty()) return;
     ::setenv("PGPASSWORD", kPassword, 1);
@@ -97,7 +113,7 @@ PgServer::PgServer() {
 
 PgServer::~PgServer() {
     if (started_) run(bin_ + "pg_ctl stop -m fast -w -D " + dir_ + "/data", nullptr);
-    if (!dir_.empty()) {
+    if (!dir_.empty() && !keep_) {
         std::error_code ec;
         fs::remove_all(dir_, ec);
     }

@@ -2,7 +2,8 @@
 // A private PostgreSQL server for one test process: initdb into a fresh
 // directory, started on a free loopback port, stopped (fast) at the end.
 // initdb refuses to run as root, so under root the server runs as the
-// "postgres" account that Debian's package creates.
+// "postgres" account that Debian's package creates. Shared by the tests and
+// the benchmarks, which keep a filled cluster between runs.
 #include <string>
 
 namespace tessara::test {
@@ -13,6 +14,9 @@ class PgServer {
     static constexpr const char* kPassword = "geheim";
 
     PgServer();
+    // The cluster in keepIn (made there when absent, kept at the end), so
+    // that what was loaded into it once serves later runs too.
+    explicit PgServer(const std::string& keepIn);
     ~PgServer();
     PgServer(const PgServer&) = delete;
     PgServer& operator=(const PgServer&) = delete;
@@ -34,7 +38,9 @@ class PgServer {
 
   private:
     std::string run(const std::string& command, int* code);
+    void startIn(bool fresh);
     std::string dir_;
+    bool keep_ = false;
     std::string bin_;
     std::string asUser_;  // "runuser -u postgres -- " under root
     int port_ = 0;

@@ -1,6 +1,8 @@
 // A library pushed to a private PostgreSQL server answers tessara-cli as its
 // .mdb did, comes back by pull as a clean file with the same rows, and bad
 // connection data gives one clear line.
+#include "db/server_catalogue.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -10,6 +12,7 @@
 
 #include "befehl.h"
 #include "frisches_verzeichnis.h"
+#include "jet/sql/executor.h"
 #include "pg_server.h"
 
 namespace fs = std::filesystem;
@@ -72,6 +75,19 @@ TEST_F(ServerCatalogue, PushedLibraryAnswersAsItsMdbAndPullGivesItBack) {
         EXPECT_EQ(run("export " + back + " " + t), run("export " + mdb("mdb") + " " + t)) << t;
     run("server push " + (dir / "pg").string());
     EXPECT_NE(code, 0) << "a second push onto a filled database";
+}
+
+// A workstation keeps what it learnt of the tables between statements, yet
+// a column another one added is there for its very next statement.
+TEST_F(ServerCatalogue, AColumnAddedElsewhereIsSeenByTheNextStatement) {
+    ASSERT_EQ((run("server push " + (dir / "pg").string()), code), 0);
+    const db::ServerCatalogue at{"127.0.0.1", std::to_string(server.port()), "kat",
+                                 tessara::test::PgServer::kUser};
+    sql::Executor hier(db::openServerCatalogue(at, true)), dort(db::openServerCatalogue(at, true));
+    const auto vorher = hier.query("SELECT * FROM tblOrdner").columns.size();
+    dort.execute("ALTER TABLE tblOrdner ADD COLUMN Farbe TEXT (10)");
+    EXPECT_EQ(hier.query("SELECT * FROM tblOrdner").columns.size(), vorher + 1);
+    EXPECT_EQ(hier.query("SELECT Farbe FROM tblOrdner").rows.size(), 5u);
 }
 
 // Workstations making Folders at once: the server's unique key on the code

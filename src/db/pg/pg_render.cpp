@@ -278,11 +278,10 @@ std::optional<RenderedMatch> renderMatch(
     int subqueries = 0;
     Renderer r(source, "t", subqueries);
     RenderedMatch out;
-    std::string list, order, from = ident(source.parts[0].table->name()) + " " + r.alias(0);
+    std::string list, from = ident(source.parts[0].table->name()) + " " + r.alias(0);
     for (std::size_t p = 0; p < source.parts.size(); ++p) {
         const std::string id = r.alias(p) + "." + ident(idColumn(source.parts[p].table->name()));
         list += (p ? ", " : "") + id;
-        order += (p ? ", " : "") + id;
         if (p == 0) continue;
         const sql::JoinClause& jc = *source.joins[p - 1];
         const Expr& on = *jc.on;
@@ -306,7 +305,6 @@ std::optional<RenderedMatch> renderMatch(
     out.sql = "SELECT " + list + " FROM " + from;
     if (where)
         if (auto w = r.condition(*where)) out.sql += " WHERE " + *w;
-    out.sql += " ORDER BY " + order;
     return out;
 }
 

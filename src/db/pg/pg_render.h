@@ -18,6 +18,7 @@ namespace db::pg {
 std::string ident(const std::string& name);
 std::string literal(const std::string& text);
 
+// No ORDER BY: the driver puts the rows in the order of their ids itself.
 struct RenderedMatch {
     std::string sql;           // one row id per table of the source, then the columns
     std::vector<int> columns;  // the source's column of each fetched value

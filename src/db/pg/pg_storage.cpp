@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <map>
 #include <set>
 #include <utility>
@@ -254,6 +255,29 @@ struct Params {
 };
 
 using Result = std::unique_ptr<PGresult, decltype(&PQclear)>;
+
+// The rows of r by their row ids (the first ids columns; key gets them, ids
+// to a row), table by table, a missing row of an outer join last: the order
+// reading the tables here gives. Sorted here rather than by an ORDER BY,
+// which would lead the server to walk the key's index past every row
+// instead of taking the few that an index on the condition names.
+std::vector<int> inIdOrder(const PGresult* r, int ids, std::vector<RowId>& key) {
+    const int n = PQntuples(r);
+    key.assign(static_cast<std::size_t>(n) * static_cast<std::size_t>(ids), 0);
+    for (int i = 0; i < n; ++i)
+        for (int p = 0; p < ids; ++p)
+            key[static_cast<std::size_t>(i * ids + p)] =
+                PQgetisnull(r, i, p) ? std::numeric_limits<RowId>::max()
+                                     : std::strtoll(PQgetvalue(r, i, p), nullptr, 10);
+    std::vector<int> order(static_cast<std::size_t>(n));
+    for (int i = 0; i < n; ++i) order[static_cast<std::size_t>(i)] = i;
+    const RowId* k = key.data();
+    std::sort(order.begin(), order.end(), [&](int a, int b) {
+        return std::lexicographical_compare(k + a * ids, k + a * ids + ids, k + b * ids,
+                                            k + b * ids + ids);
+    });
+    return order;
+}
 
 // --- the connection --------------------------------------------------------
 
@@ -528,8 +552,11 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
         } catch (const sql::Error&) {
         }
     }
+    // What was learnt of the tables holds while the server's list of them
+    // is unchanged: a table, column or index made anywhere replaces or adds
+    // rows of pg_class, and so changes this stamp.
     void beginReads() override {
-        if (reads_++ == 0 && depth_ == 0) forget();
+        if (reads_++ == 0 && depth_ == 0 && !meta_.empty() && schemaStamp() != stamp_) forget();
     }
     void endReads() override {
         if (reads_ > 0) --reads_;
@@ -556,14 +583,15 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
         lastRendered_ = rendered->sql;
         auto r = server_.exec(rendered->sql);
         const int ids = static_cast<int>(src.parts.size());
+        std::vector<RowId> key;
         Row row(src.columns.size());
-        for (int i = 0; i < PQntuples(r.get()); ++i) {
-            for (std::size_t k = 0; k < rendered->columns.size(); ++k) {
-                const auto at = static_cast<std::size_t>(rendered->columns[k]);
-                row[at] = valueOf(r.get(), i, ids + static_cast<int>(k), src.columns[at].type);
+        for (int i : inIdOrder(r.get(), ids, key)) {
+            for (std::size_t c = 0; c < rendered->columns.size(); ++c) {
+                const auto at = static_cast<std::size_t>(rendered->columns[c]);
+                row[at] = valueOf(r.get(), i, ids + static_cast<int>(c), src.columns[at].type);
             }
             if (test && !sql::detail::isTrue(test(row))) continue;
-            visit(ids == 1 ? std::strtoll(PQgetvalue(r.get(), i, 0), nullptr, 10) : -1, row);
+            visit(ids == 1 ? key[static_cast<std::size_t>(i)] : -1, row);
         }
         return true;
     }
@@ -652,8 +680,17 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
         return PQgetvalue(r.get(), 0, 0)[0] == 't';
     }
 
+    std::string schemaStamp() {
+        auto r = server_.exec(
+            "SELECT count(*), sum(xmin::text::bigint) FROM pg_class"
+            " WHERE relnamespace = current_schema()::regnamespace");
+        return std::string(PQgetvalue(r.get(), 0, 0)) + "/" + PQgetvalue(r.get(), 0, 1);
+    }
+
     const std::map<std::string, std::shared_ptr<const TableMeta>>& meta() {
         if (!meta_.empty()) return meta_;
+        // Taken first: a change while the tables are read shows next time.
+        stamp_ = schemaStamp();
         std::map<std::string, std::shared_ptr<TableMeta>> all;
         auto r = server_.exec(
             "SELECT c.table_name, c.column_name, c.data_type, c.character_maximum_length,"
@@ -724,6 +761,7 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
     sql::PathMapper mapper_;
     std::map<std::string, std::shared_ptr<const TableMeta>> meta_;
     std::vector<std::string> order_;  // keys of meta_ in the order the tables were made
+    std::string stamp_;               // schemaStamp() when meta_ was read
     int depth_ = 0;
     int reads_ = 0;
     std::set<std::pair<std::string, std::string>> keysWritten_;
@@ -752,15 +790,14 @@ void PgTable::select(const std::string& where, const Params* p, const std::vecto
             list += ", " + ident(cols[i].name);
             at.push_back(static_cast<int>(i));
         }
-    auto r = owner_->server().exec("SELECT " + list + " FROM " + ident(meta_->name) + where +
-                                       " ORDER BY " + ident(meta_->idColumn),
-                                   p);
+    auto r = owner_->server().exec("SELECT " + list + " FROM " + ident(meta_->name) + where, p);
+    std::vector<RowId> key;
     Row row(cols.size());
-    for (int i = 0; i < PQntuples(r.get()); ++i) {
+    for (int i : inIdOrder(r.get(), 1, key)) {
         for (std::size_t k = 0; k < at.size(); ++k)
             row[static_cast<std::size_t>(at[k])] = valueOf(
                 r.get(), i, static_cast<int>(k) + 1, cols[static_cast<std::size_t>(at[k])].type);
-        if (!visit(std::strtoll(PQgetvalue(r.get(), i, 0), nullptr, 10), row)) return;
+        if (!visit(key[static_cast<std::size_t>(i)], row)) return;
     }
 }
 
