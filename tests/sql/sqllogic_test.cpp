@@ -364,7 +364,9 @@ TEST_P(SqlLogic, Records) {
         ++checked;
     }
     EXPECT_GT(checked, 0) << file;
-    if (store == "pg") EXPECT_GT(rendered, 0) << "no query was rendered for the server";
+    if (store == "pg") {
+        EXPECT_GT(rendered, 0) << "no query was rendered for the server";
+    }
     if (!write) return;
     // Rewrites each expected part from the engine's answers, in place.
     std::ifstream in(file);
