@@ -146,16 +146,17 @@ std::string PgServer::createDatabase(const std::string& name) {
     return code == 0 ? std::string() : "createdb " + name + ": " + out;
 }
 
-std::string PgServer::psql(const std::string& database, const std::string& statement, int* code) {
+std::string PgServer::psql(const std::string& database, const std::string& statement, int* code,
+                           const std::string& user) {
     return run(bin_ + "psql -X -q -At -v ON_ERROR_STOP=1 -h " + dir_ + " -p " +
-                   std::to_string(port_) + " -U " + kUser + " -d " + database + " -c " +
+                   std::to_string(port_) + " -U " + user + " -d " + database + " -c " +
                    shellQuoted(statement),
                code);
 }
 
-std::string PgServer::iniSection(const std::string& database) const {
+std::string PgServer::iniSection(const std::string& database, const std::string& user) const {
     return "[Server]\r\nhost=127.0.0.1\r\nport=" + std::to_string(port_) +
-           "\r\ndatabase=" + database + "\r\nuser=" + kUser + "\r\n";
+           "\r\ndatabase=" + database + "\r\nuser=" + user + "\r\n";
 }
 
 }  // namespace tessara::test

@@ -26,15 +26,15 @@ class PgServer {
     int port() const { return port_; }
     // Makes a database owned by kUser; answers "" or the failure.
     std::string createDatabase(const std::string& name);
-    // psql -At with the statement on the database; its output.
+    // psql -At with the statement on the database, as user; its output.
     std::string psql(const std::string& database, const std::string& statement,
-                     int* code = nullptr);
+                     int* code = nullptr, const std::string& user = kUser);
     // Stops the server at once (fast shutdown: sessions are cut off, open
     // units rolled back) and starts it again on the same port.
     std::string stopFast();
     std::string start();
     // The "Server" section that names database on this server.
-    std::string iniSection(const std::string& database) const;
+    std::string iniSection(const std::string& database, const std::string& user = kUser) const;
 
   private:
     std::string run(const std::string& command, int* code);

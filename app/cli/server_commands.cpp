@@ -46,7 +46,18 @@ int runServer(const cli::Args& a, std::istream&, std::ostream& out, std::ostream
         if (push) {
             auto from = sql::openEngineStorage(mdb, false, {}, cli::lockWait(err));
             auto to = db::openServerCatalogue(*server, false);
-            return report(db::copyCatalogue(*from, *to, serverGuards(), {}), out);
+            // One transaction: a push cut off half way leaves nothing
+            // behind, and the next one starts on an empty database.
+            to->begin();
+            try {
+                const auto counts = db::copyCatalogue(*from, *to, serverGuards(), {});
+                db::enforceFolderRights(*to);
+                to->commit();
+                return report(counts, out);
+            } catch (...) {
+                to->rollback();
+                throw;
+            }
         }
         std::vector<std::string> skip;
         for (const auto& g : serverGuards()) skip.push_back(g.index.name);

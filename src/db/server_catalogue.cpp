@@ -68,7 +68,11 @@ std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server,
                                                   sql::PathMapper mapper) {
     return pg::openStorage(server, needCatalogue, std::move(mapper));
 }
+
+void enforceFolderRights(sql::Storage& server) { pg::enforceFolderRights(server); }
 #else
+void enforceFolderRights(sql::Storage&) {}
+
 bool serverDriverBuilt() { return false; }
 
 std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server, bool,

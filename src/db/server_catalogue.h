@@ -29,6 +29,11 @@ std::optional<ServerCatalogue> serverBeside(const std::string& nativePath);
 std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server, bool needCatalogue,
                                                   sql::PathMapper mapper = {});
 
+// Makes the server itself keep each Folder's OrdnerRechte: a login not
+// listed can neither read nor change the Folder's rows. Run by the role
+// that owns the catalogue, once its tables are filled.
+void enforceFolderRights(sql::Storage& server);
+
 // Whether this build carries the PostgreSQL driver.
 bool serverDriverBuilt();
 

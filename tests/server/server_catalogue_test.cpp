@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -166,6 +167,50 @@ TEST_F(ServerCatalogue, TwentyWorkstationsAtOnceLoseNothingEvenWhenTheServerStop
         EXPECT_EQ(letzte.rfind("tessara-cli import-dir: ", 0), 0u) << n << ": " << letzte;
     }
     EXPECT_GT(abgeschnitten, 0) << "the server stopped after every workstation was done";
+}
+
+// A Folder whose rights name Anna: the server hides its row, Pages, Blocks
+// and Variants from Bernd, through psql and through the program alike, and
+// refuses his writes into it; the owner and Anna see what the file holds.
+TEST_F(ServerCatalogue, FolderRightsAreKeptByTheServerItself) {
+    ASSERT_EQ((run("server push " + (dir / "pg").string()), code), 0);
+    std::string nr = server.psql(
+        "kat",
+        "CREATE ROLE anna LOGIN PASSWORD 'geheim'; CREATE ROLE bernd LOGIN PASSWORD 'geheim';"
+        "UPDATE \"tblOrdner\" SET \"OrdnerRechte\" = ' Anna; Chef' WHERE \"OrdnerNr\" = '001';"
+        "INSERT INTO \"tblVariationBloecke\" (\"BlockID\") SELECT min(\"Nr\") FROM "
+        "\"tblBlockInfo\" WHERE \"OrdnerID\" = (SELECT \"Nr\" FROM \"tblOrdner\" WHERE "
+        "\"OrdnerNr\" = '001') RETURNING (SELECT \"Nr\" FROM \"tblOrdner\" WHERE \"OrdnerNr\" = "
+        "'001')");
+    nr = nr.substr(0, nr.find('\n'));
+    const std::string statements[] = {
+        "SELECT count(*) FROM \"tblOrdner\" WHERE \"Nr\" = " + nr,
+        "SELECT count(*) FROM \"tblSeiten\" WHERE \"NrTblOrdner\" = " + nr,
+        "SELECT count(*) FROM \"tblVariationBloecke\"",
+        "WITH u AS (UPDATE \"tblBlockInfo\" SET \"M0\" = \"M0\" WHERE \"OrdnerID\" = " + nr +
+            " RETURNING 1) SELECT count(*) FROM u",
+        "INSERT INTO \"tblSeiten\" (\"SeitenNr\", \"SeitenName\", \"NrTblOrdner\") SELECT "
+        "max(\"SeitenNr\") + 1, 'x', " +
+            nr + " FROM \"tblSeiten\" RETURNING 1"};
+    for (const auto& statement : statements) {
+        const std::string owner = server.psql("kat", statement);
+        EXPECT_NE(owner, "0\n") << statement;
+        EXPECT_EQ(server.psql("kat", statement, nullptr, "anna"), owner) << statement;
+        const std::string bernd = server.psql("kat", statement, &code, "bernd");
+        EXPECT_TRUE(bernd == "0\n" ||
+                    (code != 0 && bernd.find("row-level security") != std::string::npos))
+            << statement << ": " << bernd;
+    }
+    std::map<std::string, std::string> folders;
+    for (const char* user : {"anna", "bernd"}) {
+        std::ofstream(dir / "pg" / "dbTessara.ini", std::ios::binary)
+            << server.iniSection("kat", user);
+        folders[user] = run("folder list " + mdb("pg"));
+        EXPECT_EQ(code, 0) << folders[user];
+    }
+    EXPECT_EQ(folders["anna"], run("folder list " + mdb("mdb")));
+    EXPECT_EQ(folders["bernd"].find("Verbindungselemente"), std::string::npos);
+    EXPECT_NE(folders["bernd"].find("Elektrotechnik"), std::string::npos);
 }
 
 TEST_F(ServerCatalogue, BadConnectionDataGivesOneClearLine) {

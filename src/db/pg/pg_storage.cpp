@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "db/pg/pg_render.h"
+#include "db/pg/pg_rights.h"
 #include "jet/format/value.h"
 #include "jet/sql/error.h"
 #include "jet/write/relationships.h"
@@ -917,6 +918,14 @@ void PgTable::remove(RowId id) {
 std::string lastRendered(sql::Storage& storage) {
     auto* pg = dynamic_cast<PgStorage*>(&storage);
     return pg ? pg->takeRendered() : std::string();
+}
+
+void enforceFolderRights(sql::Storage& storage) {
+    auto* pg = dynamic_cast<PgStorage*>(&storage);
+    if (!pg) return;
+    auto r = pg->server().exec("SELECT current_schema()");
+    const auto has = [&](const std::string& t) { return pg->table(t) != nullptr; };
+    for (const auto& s : folderRightsSql(PQgetvalue(r.get(), 0, 0), has)) pg->server().exec(s);
 }
 
 std::shared_ptr<sql::Storage> openStorage(const ServerCatalogue& server, bool needCatalogue,

@@ -16,4 +16,8 @@ std::shared_ptr<sql::Storage> openStorage(const ServerCatalogue& server, bool ne
 // none was rendered since (or the storage is not a server's).
 std::string lastRendered(sql::Storage& storage);
 
+// Puts the Folder rights on the catalogue in the storage's schema (see
+// pg_rights.cpp); nothing for a storage that is not a server's.
+void enforceFolderRights(sql::Storage& storage);
+
 }  // namespace db::pg
