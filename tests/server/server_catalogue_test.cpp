@@ -169,6 +169,24 @@ TEST_F(ServerCatalogue, TwentyWorkstationsAtOnceLoseNothingEvenWhenTheServerStop
     EXPECT_GT(abgeschnitten, 0) << "the server stopped after every workstation was done";
 }
 
+// A push killed at points along its way leaves the server's database empty
+// or complete, never half filled, and the push run again completes it.
+TEST_F(ServerCatalogue, KilledPushLeavesNothingAndARerunCompletesIt) {
+    const std::string lib = (dir / "pg").string();
+    for (const std::string nach : {"0.1", "0.2", "0.3", "0.5"}) {
+        const std::string db = "k" + nach.substr(2);
+        ASSERT_EQ(server.createDatabase(db), "");
+        std::ofstream(dir / "pg" / "dbTessara.ini", std::ios::binary) << server.iniSection(db);
+        befehlsAusgabe("timeout -s KILL " + nach + " " + cli + " server push " + lib +
+                       " >/dev/null");
+        const std::string tables =
+            server.psql(db, "SELECT count(*) FROM pg_tables WHERE schemaname = 'public'");
+        EXPECT_TRUE(tables == "0\n" || tables == "7\n") << nach << ": " << tables;
+        if (tables == "0\n") EXPECT_EQ((run("server push " + lib), code), 0) << nach;
+        EXPECT_EQ(server.psql(db, "SELECT count(*) FROM \"tblBlockInfo\""), "194\n") << nach;
+    }
+}
+
 // A Folder whose rights name Anna: the server hides its row, Pages, Blocks
 // and Variants from Bernd, through psql and through the program alike, and
 // refuses his writes into it; the owner and Anna see what the file holds.
