@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "captions/meldungen.h"
+#include "jet/sql/error.h"
 #include "library/zugriff.h"
 #include "organisation/ordner_verwaltung.h"
 #include "organisation/schreib_einheit.h"
@@ -11,6 +12,11 @@
 namespace tessara {
 
 namespace {
+
+constexpr int kVersuche = 20;
+
+// Jet's numbers for a key taken twice and for a unit the server gave up.
+bool verlorenesRennen(const sql::Error& e) { return e.number() == 3022 || e.number() == 3218; }
 
 // What decides how a Page is written: the row holding the number, and
 // another row holding the name. Read once before the questions and once
@@ -59,7 +65,7 @@ bool seiteSchreiben(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
     db::Connection& con = m.datenbank().con;
     db::Recordset& rs = m.datenbank().rsSeiten;
     const std::string nr = std::to_string(lngSeitenNr);
-    for (int versuch = 0; versuch < 3; ++versuch) {
+    for (int versuch = 0; versuch < kVersuche; ++versuch) {
         Lage vorher;
         {
             SchreibEinheit e(con);
@@ -73,20 +79,30 @@ bool seiteSchreiben(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
             !fctMsgbox(z, MsgboxArt::Frage, {kMsgSeiteNameVergeben, strName, kMsgSeiteTrotzdem}))
             return false;
 
-        SchreibEinheit e(con);
-        if (!(lesen(m, lngSeitenNr, strName) == vorher)) continue;
-        if (vorher.nrZeile != 0) {
-            // Overwritten in place: the Page keeps its key and so its Blocks.
-            rs.moveFirst();
-            rs.find("Nr = " + std::to_string(vorher.nrZeile));
-        } else {
-            rs.addNew();
+        try {
+            SchreibEinheit e(con);
+            if (!(lesen(m, lngSeitenNr, strName) == vorher)) continue;
+            if (vorher.nrZeile != 0) {
+                // Overwritten in place: the Page keeps its key and so its Blocks.
+                rs.moveFirst();
+                rs.find("Nr = " + std::to_string(vorher.nrZeile));
+            } else {
+                rs.addNew();
+            }
+            rs.setValue("seitenNr", static_cast<long long>(lngSeitenNr));
+            rs.setValue("SeitenName", strName);
+            rs.setValue("NrTblOrdner", static_cast<long long>(o->Nr));
+            rs.update();
+            e.commit();
+        } catch (const sql::Error& fehler) {
+            // On a catalogue server another workstation may take the number
+            // between the look and the write (the server's unique key then
+            // refuses ours), or its unit and ours crossed: look again and
+            // ask as if it had been there.
+            if (!verlorenesRennen(fehler)) throw;
+            if (rs.editing()) rs.cancelUpdate();
+            continue;
         }
-        rs.setValue("seitenNr", static_cast<long long>(lngSeitenNr));
-        rs.setValue("SeitenName", strName);
-        rs.setValue("NrTblOrdner", static_cast<long long>(o->Nr));
-        rs.update();
-        e.commit();
         return fctSeiteInCboEinlesen(z, m);
     }
     return false;
@@ -130,9 +146,21 @@ bool fctSeiteAnlegenOhneKontrolle(ProgrammZustand& z, NavigationsModell& m, long
         std::string name;
         for (const char c : strSeitenname)
             name += c == '\'' ? std::string("''") : std::string(1, c);
-        m.datenbank().con.execute(
-            "INSERT INTO tblSeiten (SeitenNr, SeitenName, NrTblOrdner) VALUES (" +
-            std::to_string(lngSeitenNr) + ", '" + name + "', " + std::to_string(o->Nr) + ")");
+        for (int versuch = 1;; ++versuch) {
+            try {
+                m.datenbank().con.execute(
+                    "INSERT INTO tblSeiten (SeitenNr, SeitenName, NrTblOrdner) VALUES (" +
+                    std::to_string(lngSeitenNr) + ", '" + name + "', " + std::to_string(o->Nr) +
+                    ")");
+                break;
+            } catch (const sql::Error& fehler) {
+                // Another workstation filling the same Folder made this Page
+                // first (a catalogue server's unique key says so): it is the
+                // Page wanted, so it is used.
+                if (fehler.number() == 3022) break;
+                if (!verlorenesRennen(fehler) || versuch >= kVersuche) throw;
+            }
+        }
         return fctSeiteInCboEinlesen(z, m);
     });
 }

@@ -111,6 +111,20 @@ TEST_F(ServerCatalogue, FoldersMadeAtOnceEachGetACodeOfTheirOwn) {
     EXPECT_EQ(codes.size(), 36u);
 }
 
+// Workstations adding the same Page numbers to one Folder at once: one that
+// loses the race looks again and (answered Yes) overwrites, never fails and
+// never leaves a number twice.
+TEST_F(ServerCatalogue, PagesMadeAtOnceInOneFolderAreThereOnce) {
+    ASSERT_EQ((run("server push " + (dir / "pg").string()), code), 0);
+    const std::string skript = "for i in 1 2 3 4 5 6; do (for j in 11 12 13 14 15; do " + cli +
+                               " page add " + mdb("pg") +
+                               " Elektrotechnik $j S$i-$j 2>&1 || echo fehlgeschlagen; done) & "
+                               "done; wait";
+    EXPECT_EQ(befehlsAusgabe("bash -c '" + skript + "'"), "");
+    EXPECT_EQ(server.psql("kat", "SELECT count(*) FROM \"tblSeiten\" WHERE \"SeitenNr\" > 10"),
+              "5\n");
+}
+
 // Twenty workstations at once, each making a Folder, reading drawings into
 // it as Blocks (with the Pages they need: 100 each, TESSARA_SERVER_BLOECKE
 // sets another number) and deleting a tenth of them;
