@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "authoring/datei_layout.h"
+#include "captions/meldungen.h"
 #include "cli/cli.h"
 #include "db/jet_opener.h"
 #include "exchange/ordner_austausch.h"
@@ -84,8 +85,18 @@ class Bibliothek {
         const std::string voll = fs::absolute(pfad, ec).string();
         if (!fs::exists(voll, ec)) return fehler(pfad + ": no such file");
         m_.fctCodeTabelleLesen(tessara::fctCodeTabelleDatei(z_.strAppPfad));
-        if (!m_.fctDatenbankOeffnen(platform::programPath(voll)) || !m_.OrdnerInArrayEinlesen())
-            return fehler(pfad + ": cannot open the library: " + m_.fehlerText());
+        if (!m_.fctDatenbankOeffnen(platform::programPath(voll))) {
+            // A catalogue server's failure: the message the window shows,
+            // then the server's own words.
+            std::string grund = m_.fehlerText();
+            if (m_.lngServerMeldung())
+                grund = tessara::fctBeschriftMsgboxZuordnen(z_, m_.lngServerMeldung(),
+                                                            tessara::kGruppeAllg) +
+                        " (" + grund + ")";
+            return fehler(pfad + ": cannot open the library: " +
+                          (grund.empty() ? "no reason given, see " + z_.strErrorDatei : grund));
+        }
+        if (!m_.OrdnerInArrayEinlesen()) return fehler(pfad + ": cannot read the folders");
         tessara::fctOrdnerReihenfolgeLesen(z_, m_, false);
         return m_.OrdnerInArrayEinlesen() || fehler(pfad + ": cannot read the folders");
     }

@@ -40,5 +40,12 @@ inline constexpr long kMsgLayerOhneLayer = 608;
 inline constexpr long kMsgVersionsHistorieFehlt = 609;     // then the path
 inline constexpr long kMsgVersionsHistorieCodepage = 610;  // then the path
 inline constexpr long kMsgLayerNameVergeben = 611;
+// Why a library's catalogue server could not be opened.
+inline constexpr long kMsgServerAntwortetNicht = 640;
+inline constexpr long kMsgServerStartet = 641;
+inline constexpr long kMsgServerAnmeldung = 642;
+inline constexpr long kMsgServerOhneDatenbank = 643;
+inline constexpr long kMsgServerOhneKatalog = 644;
+inline constexpr long kMsgServerOhneTreiber = 645;
 
 }  // namespace tessara

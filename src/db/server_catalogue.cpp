@@ -77,9 +77,9 @@ bool serverDriverBuilt() { return false; }
 
 std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server, bool,
                                                   sql::PathMapper) {
-    throw sql::Error("The catalogue is on the server " + server.describe() +
-                         ", and this build of Tessara has no PostgreSQL driver.",
-                     sql::errors::kIntegrity, 3000);
+    throw ServerError(ServerFault::NoDriver, "The catalogue is on the server " + server.describe() +
+                                                 ", and this build of Tessara has no PostgreSQL "
+                                                 "driver.");
 }
 #endif
 

@@ -7,9 +7,33 @@
 #include <string>
 
 #include "jet/sql/engine_storage.h"
+#include "jet/sql/error.h"
 #include "jet/sql/storage.h"
 
 namespace db {
+
+// Why a catalogue server could not be opened, told apart so that the user
+// gets a message that says what to do about it. The error's own text adds
+// the server and its words, for the log and for administrators.
+enum class ServerFault {
+    Unreachable,  // nothing answers at host and port: server down or address wrong
+    Starting,     // the server answers but takes no sessions (starting, stopping)
+    Login,        // user or password refused
+    NoDatabase,   // the login works, the database does not exist
+    NoCatalogue,  // the database holds no catalogue tables
+    NoDriver,     // this build has no PostgreSQL driver
+};
+
+class ServerError : public sql::Error {
+  public:
+    // Jet's "ODBC--connection failed" is what a server library's open gave.
+    ServerError(ServerFault fault, const std::string& message)
+        : sql::Error(message, sql::errors::kIntegrity, 3151), fault_(fault) {}
+    ServerFault fault() const { return fault_; }
+
+  private:
+    ServerFault fault_;
+};
 
 struct ServerCatalogue {
     std::string host;
@@ -23,7 +47,7 @@ struct ServerCatalogue {
 // catalogue file at nativePath; nullopt when the file or section is absent.
 std::optional<ServerCatalogue> serverBeside(const std::string& nativePath);
 
-// Connects; throws sql::Error with one line saying what failed. With
+// Connects; throws ServerError with one line saying what failed. With
 // needCatalogue, a database without the catalogue's tables is such a
 // failure too. IN '<file>' clauses open Jet files through mapper.
 std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server, bool needCatalogue,

@@ -81,8 +81,9 @@ typOeffnenErgebnis BibliothekSitzung::verbinden(const std::string& strDb) {
     p.step("Datenbank öffnen");
     if (!modell_.fctDatenbankOeffnen(strDb))
         return {kMsgBibliothekNichtOeffnen, strDb,
-                modell_.lngFehlerNr() == jet::errnum::kLocked ? kMsgDatenbankGesperrt
-                                                              : kMsgDateiBeschaedigt};
+                modell_.lngServerMeldung()                      ? modell_.lngServerMeldung()
+                : modell_.lngFehlerNr() == jet::errnum::kLocked ? kMsgDatenbankGesperrt
+                                                                : kMsgDateiBeschaedigt};
     strDbVerzeichnis_ = dir;
     z_.strAktuelleDb = strDb;
     booSchreibschutz_ = geschuetzt;

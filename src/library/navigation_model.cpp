@@ -10,6 +10,8 @@
 #include "authoring/datei_layout.h"
 #include "authoring/slide_library.h"
 #include "captions/meldungen.h"
+#include "captions/meldungs_nummern.h"
+#include "db/server_catalogue.h"
 #include "jet/format/error.h"
 #include "jet/sql/text_rules.h"
 #include "library/schema.h"
@@ -36,6 +38,24 @@ std::string dreiZeichen(std::string s) {
 
 bool offenMitZeilen(const db::Recordset& rs) {
     return rs.state() == db::adStateOpen && rs.recordCount() > 0;
+}
+
+long fctServerMeldung(db::ServerFault f) {
+    switch (f) {
+        case db::ServerFault::Unreachable:
+            return kMsgServerAntwortetNicht;
+        case db::ServerFault::Starting:
+            return kMsgServerStartet;
+        case db::ServerFault::Login:
+            return kMsgServerAnmeldung;
+        case db::ServerFault::NoDatabase:
+            return kMsgServerOhneDatenbank;
+        case db::ServerFault::NoCatalogue:
+            return kMsgServerOhneKatalog;
+        case db::ServerFault::NoDriver:
+            return kMsgServerOhneTreiber;
+    }
+    return 0;
 }
 
 }  // namespace
@@ -123,6 +143,7 @@ bool NavigationsModell::fctDatenbankOeffnen(const std::string& strPfad) {
     subSchliessen();
     fehlerText_.clear();
     lngFehlerNr_ = 0;
+    lngServerMeldung_ = 0;
     try {
         p.step("Verbindung öffnen");
         db_.con.provider = "Microsoft.Jet.OLEDB.4.0";
@@ -156,6 +177,8 @@ bool NavigationsModell::fctDatenbankOeffnen(const std::string& strPfad) {
     } catch (const std::exception& e) {
         fehlerText_ = e.what();
         if (const auto* j = dynamic_cast<const jet::Error*>(&e)) lngFehlerNr_ = j->number();
+        if (const auto* f = dynamic_cast<const db::ServerError*>(&e))
+            lngServerMeldung_ = fctServerMeldung(f->fault());
         p.fehler(e, true);
         subSchliessen();
         return false;

@@ -195,6 +195,9 @@ class NavigationsModell {
     // Jet's error number of the last failed opening (jet::errnum), 0 when
     // the failure had none.
     long lngFehlerNr() const { return lngFehlerNr_; }
+    // The message that says why a catalogue server could not be opened
+    // (kMsgServerAntwortetNicht …), 0 when the last failure was no such.
+    long lngServerMeldung() const { return lngServerMeldung_; }
     typDatenbank& datenbank() { return db_; }
     // Finds done in rsBlockInfo0 since the model was made (for the tests of
     // "only the current Page is looked up").
@@ -213,6 +216,7 @@ class NavigationsModell {
     std::string strBasis_;
     std::string fehlerText_;
     long lngFehlerNr_ = 0;
+    long lngServerMeldung_ = 0;
     std::vector<std::string> codeTabelle_;  // the whole file, read once
     std::vector<std::string> aryCodes_;     // the slot-code table, sized for the Page
     std::vector<typOrdnerEintrag> aryOrdner_;

@@ -12,9 +12,15 @@
 #include <sstream>
 
 #include "befehl.h"
+#include "captions/meldungen.h"
+#include "captions/meldungs_nummern.h"
+#include "db/jet_opener.h"
 #include "frisches_verzeichnis.h"
 #include "jet/sql/executor.h"
+#include "library/bibliothek_sitzung.h"
 #include "pg_server.h"
+#include "platform/environment.h"
+#include "startup/benutzer.h"
 
 namespace fs = std::filesystem;
 using tessara::test::befehlsAusgabe;
@@ -245,26 +251,49 @@ TEST_F(ServerCatalogue, FolderRightsAreKeptByTheServerItself) {
     EXPECT_NE(folders["bernd"].find("Elektrotechnik"), std::string::npos);
 }
 
-TEST_F(ServerCatalogue, BadConnectionDataGivesOneClearLine) {
-    const std::string ini = (dir / "pg" / "dbTessara.ini").string();
-    const std::string good = server.iniSection("kat");
-    const std::string port = std::to_string(server.port());
+// Bad connection data, and the server down: the window's library session
+// answers with the message that says what is wrong, tessara-cli with one
+// line that names it, and the other libraries open as before.
+TEST_F(ServerCatalogue, BadConnectionDataGivesOneClearMessage) {
+    ASSERT_EQ(server.createDatabase("leer"), "");
+    ASSERT_EQ((run("server push " + (dir / "pg").string()), code), 0);
+    tessara::ProgrammZustand z;
+    tessara::SkriptBenutzer benutzer;
+    z.benutzer = &benutzer;
+    z.strErrorDatei = platform::programPath((dir / "fehler.txt").string());
+    tessara::BibliothekSitzung sitzung(z, db::jetOpener(platform::nativePath));
+    const std::string port = std::to_string(server.port()), pw = tessara::test::PgServer::kPassword;
     struct Case {
-        std::string ini, password, says;
+        std::string port, database, password;
+        long meldung;
     } cases[] = {
-        {good.substr(0, good.find(port)) + "1" + good.substr(good.find(port) + port.size()),
-         tessara::test::PgServer::kPassword, "cannot be reached: Connection refused"},
-        {good, "falsch", "cannot be reached: FATAL:  password authentication failed"},
-        {good, tessara::test::PgServer::kPassword, "holds no Tessara catalogue"},
+        {"1", "kat", pw, tessara::kMsgServerAntwortetNicht},
+        {port, "kat", "falsch", tessara::kMsgServerAnmeldung},
+        {port, "fehlt", pw, tessara::kMsgServerOhneDatenbank},
+        {port, "leer", pw, tessara::kMsgServerOhneKatalog},
+        {port, "kat", pw, tessara::kMsgServerAntwortetNicht},  // after the server stopped
     };
     for (const auto& c : cases) {
-        std::ofstream(ini, std::ios::binary) << c.ini;
+        if (&c == &cases[4]) ASSERT_EQ(server.stopFast(), "");
+        std::ofstream(dir / "pg" / "dbTessara.ini", std::ios::binary)
+            << "[Server]\r\nhost=127.0.0.1\r\nport=" << c.port << "\r\ndatabase=" << c.database
+            << "\r\nuser=tessara\r\n";
         ::setenv("PGPASSWORD", c.password.c_str(), 1);
+        const auto r = sitzung.fctOeffnen(platform::programPath(mdb("pg")));
+        EXPECT_EQ(r.lngGrund, c.meldung) << c.database << " " << c.password;
         const std::string said = run("folder list " + mdb("pg"));
         EXPECT_NE(code, 0);
-        EXPECT_NE(said.find(c.says), std::string::npos) << said;
+        EXPECT_NE(said.find(" (The "), std::string::npos) << said;
         EXPECT_EQ(said.find('\n'), said.size() - 1) << said;
+        EXPECT_TRUE(sitzung.fctOeffnen(platform::programPath(mdb("mdb"))).ok());
+        EXPECT_EQ(sitzung.modell().aryOrdner().size(), 5u);
     }
+    z.strAppPfad = platform::programPath(TESSARA_SOURCE_DIR "/data");
+    z.strSprache = "deutsch";
+    for (const auto& c : cases)  // the German text, not "[Meldung …]"
+        EXPECT_NE(tessara::fctBeschriftMsgboxZuordnen(z, c.meldung, 1).find("Katalog-Server"),
+                  std::string::npos)
+            << c.meldung;
 }
 
 }  // namespace

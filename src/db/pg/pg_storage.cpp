@@ -947,17 +947,33 @@ std::shared_ptr<sql::Storage> openStorage(const ServerCatalogue& server, bool ne
         // libpq's message starts with the address it tried; the reason is last.
         const auto colon = why.rfind("failed: ");
         if (colon != std::string::npos) why = why.substr(colon + 8);
+        // The reason's words may be in the server's or the client's
+        // language; what went wrong is told by asking again instead.
+        ServerFault fault = ServerFault::Login;
+        const PGPing ping = PQpingParams(keys, values, 0);
+        if (ping == PQPING_NO_RESPONSE || ping == PQPING_NO_ATTEMPT)
+            fault = ServerFault::Unreachable;
+        else if (ping == PQPING_REJECT)
+            fault = ServerFault::Starting;
+        else if (c && !PQconnectionNeedsPassword(c)) {
+            // The same login into a database every cluster has: when that
+            // works, only the catalogue's database is missing.
+            values[2] = "template1";
+            PGconn* probe = PQconnectdbParams(keys, values, 0);
+            if (probe && PQstatus(probe) == CONNECTION_OK) fault = ServerFault::NoDatabase;
+            PQfinish(probe);
+        }
         PQfinish(c);
-        throw sql::Error("The catalogue server " + server.describe() + " cannot be reached: " + why,
-                         sql::errors::kIntegrity, 3000);
+        throw ServerError(
+            fault, "The catalogue server " + server.describe() + " cannot be reached: " + why);
     }
     auto s = std::make_shared<PgStorage>(c, std::move(mapper));
     s->server().exec("SET client_min_messages = warning");
     if (needCatalogue && !s->table("tblOrdner"))
-        throw sql::Error(
-            "The database " + server.describe() +
-                " holds no Tessara catalogue (tessara-cli server push puts one there).",
-            sql::errors::kIntegrity, 3000);
+        throw ServerError(ServerFault::NoCatalogue,
+                          "The database " + server.describe() +
+                              " holds no Tessara catalogue (tessara-cli server push puts one "
+                              "there).");
     return s;
 }
 
