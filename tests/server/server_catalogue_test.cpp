@@ -249,6 +249,18 @@ TEST_F(ServerCatalogue, FolderRightsAreKeptByTheServerItself) {
     EXPECT_EQ(folders["anna"], run("folder list " + mdb("mdb")));
     EXPECT_EQ(folders["bernd"].find("Verbindungselemente"), std::string::npos);
     EXPECT_NE(folders["bernd"].find("Elektrotechnik"), std::string::npos);
+    // A key Bernd writes by hand below a hidden row's leaves the next
+    // autonumber past them all.
+    const std::string hoechste = server.psql(
+        "kat",
+        "UPDATE \"tblSeiten\" SET \"Nr\" = 2000 WHERE \"Nr\" = (SELECT max(\"Nr\") FROM "
+        "\"tblSeiten\"); SELECT setval('\"tblSeiten_Nr_seq\"', 2000)");
+    EXPECT_EQ(
+        (run("sql " + mdb("pg") + " \"INSERT INTO tblSeiten (Nr, NrTblOrdner) VALUES (1000, 1)\""),
+         code),
+        0);
+    EXPECT_EQ(server.psql("kat", "SELECT pg_sequence_last_value('\"tblSeiten_Nr_seq\"')"),
+              hoechste);
 }
 
 // Bad connection data, and the server down: the window's library session

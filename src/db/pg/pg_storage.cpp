@@ -767,11 +767,16 @@ class PgStorage : public sql::Storage, public std::enable_shared_from_this<PgSto
     int reads_ = 0;
     std::set<std::pair<std::string, std::string>> keysWritten_;
 
+    // Only ever forwards: a login that Folder rights keep from some rows
+    // sees a smaller highest key than there is, and must not move the
+    // sequence back onto keys in use.
     void moveSequences() {
-        for (const auto& [t, c] : keysWritten_)
-            server_.exec("SELECT setval(pg_get_serial_sequence(" + literal(ident(t)) + ", " +
-                         literal(c) + "), greatest((SELECT max(" + ident(c) + ") FROM " + ident(t) +
-                         "), 1))");
+        for (const auto& [t, c] : keysWritten_) {
+            const std::string seq =
+                "pg_get_serial_sequence(" + literal(ident(t)) + ", " + literal(c) + ")";
+            server_.exec("SELECT setval(" + seq + ", greatest((SELECT max(" + ident(c) + ") FROM " +
+                         ident(t) + "), pg_sequence_last_value(" + seq + "::regclass), 1))");
+        }
         keysWritten_.clear();
     }
 };
