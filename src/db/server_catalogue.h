@@ -1,7 +1,9 @@
 #pragma once
 // A library whose catalogue lives on a PostgreSQL server: its directory's
 // "dbTessara.ini" names the server in section "Server". The password is
-// never kept there; libpq takes it from ~/.pgpass or PGPASSWORD.
+// never kept there; libpq takes it from ~/.pgpass or PGPASSWORD. Without a
+// "user" key each workstation logs in under PGUSER or its own login name,
+// so that the server's Folder rights apply to each person.
 #include <memory>
 #include <optional>
 #include <string>

@@ -8,7 +8,9 @@ namespace db::pg {
 // - Each name in the list (separated by ";", blanks around it dropped) is a
 //   PostgreSQL login role, compared with the session's role without regard
 //   to case, as the program compares the login name. A list that is empty
-//   or holds "Alle" lets everybody in, as the window does.
+//   or holds "Alle" lets everybody in, as the window does. A library whose
+//   dbTessara.ini names no user logs each workstation in under PGUSER or
+//   its login name, the name the window's own filter compares.
 // - The role that owns the tables (the one that pushed the catalogue) sees
 //   every row: the server exempts a table's owner from its row policies, so
 //   push, pull and repairs always see the whole catalogue. Superusers too.
