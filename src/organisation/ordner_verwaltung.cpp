@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <map>
+#include <set>
 
 #include "authoring/code_tabelle.h"
 #include "authoring/datei_layout.h"
@@ -163,6 +164,10 @@ bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& s
         db::Recordset& rs = d.rsOrdner;
         Ergebnis r = Ergebnis::Ok;
         std::string code;
+        // Codes the server's key refused: also those of Folders that the
+        // server's Folder rights hide from this login, which no look here
+        // can find.
+        std::set<std::string> abgewiesen;
         // On a catalogue server the unit does not keep other workstations
         // out: one may take the same code in between, and the server's unique
         // key refuses the second (or gives up one of two crossing units). The
@@ -186,7 +191,8 @@ bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& s
                     while (r == Ergebnis::Ok) {
                         if (!codesBis(z, k + 1, codes)) {
                             r = Ergebnis::Codetabelle;
-                        } else if (!fctRsFind(z, rs, "OrdnerNr", codes[k])) {
+                        } else if (!abgewiesen.count(codes[k]) &&
+                                   !fctRsFind(z, rs, "OrdnerNr", codes[k])) {
                             code = codes[k];
                             break;
                         } else if (++k - start > kCodeTabelleLaenge) {
@@ -211,6 +217,7 @@ bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& s
                 if ((fehler.number() != kDoppelterSchluessel && fehler.number() != kGesperrt) ||
                     versuch >= kVersuche)
                     throw;
+                if (fehler.number() == kDoppelterSchluessel) abgewiesen.insert(code);
                 if (rs.editing()) rs.cancelUpdate();
             }
         switch (r) {
