@@ -21,6 +21,13 @@ namespace db::pg {
 //   Blocks) stay visible, as they are in the file.
 // - A row written by such a role must stay within Folders it may use: a
 //   Page or Block cannot be put into a Folder it does not see.
+// - The policies look at each row as it is, so Folders made and rights
+//   changed after the push are kept the same way, and whatever the
+//   workstation's longRechteverwaltung says: that switch only steers what
+//   the window lists.
+// - tblMarkierteBloecke (a workstation's marks, by block number) and
+//   tblDefMenue belong to no Folder and stay open; changes of the tables
+//   themselves (a column the program adds on use) remain the owner's.
 // The Folders that are closed to a role are looked up by functions that run
 // as the owner, since a policy's own look at tblOrdner would see only the
 // Folders that are open, and hidden ones would seem not to exist.
