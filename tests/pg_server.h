@@ -27,8 +27,8 @@ class PgServer {
     // Makes a database owned by kUser; answers "" or the failure.
     std::string createDatabase(const std::string& name);
     // psql -At with the statement on the database, as user; its output.
-    std::string psql(const std::string& database, const std::string& statement,
-                     int* code = nullptr, const std::string& user = kUser);
+    std::string psql(const std::string& database, const std::string& statement, int* code = nullptr,
+                     const std::string& user = kUser);
     // Stops the server at once (fast shutdown: sessions are cut off, open
     // units rolled back) and starts it again on the same port.
     std::string stopFast();
