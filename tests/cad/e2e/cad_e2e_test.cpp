@@ -16,7 +16,6 @@
 #include "authoring/slide.h"
 #include "cad/block_einfuegen.h"
 #include "cad/cad_verbindung.h"
-#include "cad/layer_verwaltung.h"
 #include "cad/lt_skript.h"
 #include "e2e_hilfen.h"
 #include "platform/platform.h"
@@ -89,22 +88,6 @@ TEST_F(SimHostE2E, SlideErscheint) {
         EXPECT_NE(l.find(zeile), std::string::npos) << zeile << "\n" << l;
 }
 
-// The layer manager through the script channel: the configuration set by
-// -LAYER, then read back from the listing the host writes to its log file.
-TEST_F(SimHostE2E, LayerKonfigurationAnwendenUndLesen) {
-    ltHostVerbinden();
-    const typLayerKonfiguration k{
-        "Plot",
-        {{"0", 7, "Continuous", true, false, false}, {"Wände", 1, "DASHED", false, false, true}}};
-    ASSERT_TRUE(fctLayerKonfigurationAnwenden(z, v, e, k));
-    ASSERT_TRUE(warteAufLog(log, "LAYER ENDE")) << lesen(log);
-    for (const char* zeile : {"LAYER NEU Wände", "LAYER Wände aus", "LAYER Wände gesperrt"})
-        EXPECT_NE(lesen(log).find(zeile), std::string::npos) << zeile << "\n" << lesen(log);
-    const auto r = fctLayerVomHostLesen(z, v, e);
-    ASSERT_TRUE(r.booOk) << r.strFehler << "\n" << lesen(log);
-    EXPECT_EQ(r.layer, k.layer);
-}
-
 LtEinfuegung ventil() {
     LtEinfuegung ein;
     ein.strBibliothek = "c:\\Bib\\";
@@ -115,28 +98,6 @@ LtEinfuegung ventil() {
     ein.auftrag.block.Layer = "Armaturen";
     ein.optionen.checkBlock = 1;
     return ein;
-}
-
-TEST_F(SimHostE2E, EinfuegungMitKlick) {
-    zeichnungAnlegen("Bib/001/Block/0010A0.dwg", "Zeichnung");
-    ltHostVerbinden();
-    std::thread nutzer([&] {
-        if (warteAufLog(log, "INSERT WARTET AUF PUNKT")) klicken(1, 120, 150);
-    });
-    const auto r = ACadLtBlockEinfuegen(z, v, e, ventil());
-    nutzer.join();
-    ASSERT_EQ(r, LtErgebnis::Eingefuegt);
-    ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
-    const std::string l = lesen(log);
-    EXPECT_NE(l.find("SETVAR EXPERT=2"), std::string::npos) << l;
-    // The point is where the host saw the click.
-    const std::string punkt = zeilenRest(l, "PUNKT ");
-    ASSERT_FALSE(punkt.empty()) << l;
-    EXPECT_NE(l.find("INSERT block=Ventil0 datei=c:\\Bib\\001\\Block\\0010A0.dwg punkt=" + punkt +
-                     " x=1 y=1 winkel=0 layer=Armaturen"),
-              std::string::npos)
-        << l;
-    EXPECT_NE(l.find("SETVAR' FILEDIA=1"), std::string::npos) << l;
 }
 
 TEST_F(SimHostE2E, EinfuegungEscape) {
@@ -178,55 +139,6 @@ TEST_F(SimHostE2E, XrefOhneLayersteuerungAusDerEinstellungsdatei) {
         EXPECT_NE(l.find(da), std::string::npos) << da << "\n" << l;
     for (const char* nicht : {"LAYER AKTUELL", "INSERT block="})
         EXPECT_EQ(l.find(nicht), std::string::npos) << nicht << "\n" << l;
-}
-
-// The user picks the base point, then the diagonal of the host's frame
-// (drawing point 320,200 is root pixel 320,199: the window sits at the
-// origin, drawing y counts up from its lower edge), then ends the selection
-// with the right button.
-TEST_F(SimHostE2E, NeuerBlockMitRechtsklick) {
-    ltHostVerbinden();
-    std::thread nutzer([&] {
-        if (!warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) return;
-        klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
-        klickenBis(1, 320, 199, "GEWAEHLT ");
-        klickenBis(3, 300, 200, "WBLOCK c:");
-    });
-    const auto r =
-        ACadLtBlockNeu(z, v, e, LtBlockNeu{"c:\\Bib\\", "001", "0010C", 0, false, {}, {}});
-    nutzer.join();
-    EXPECT_TRUE(r.booDateiBesteht);
-    EXPECT_FALSE(r.booZeitAbgelaufen);
-    const auto block = verzeichnis / "c" / "Bib" / "001" / "Block";
-    EXPECT_EQ(lesen(block / "0010C0.dwg"),
-              "SIMHOST ZEICHNUNG\nBASIS 200,100,0\nOBJEKT 5 LINIE farbe=3 layer=0\n"
-              "LINIE 200 100 440 300 3\n");
-    EXPECT_EQ(slide::readSlideFile((block / "0010C0.sld").string()).elements.size(), 5u);
-    ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
-    EXPECT_NE(lesen(log).find("SKRIPT [._-wblock ]"), std::string::npos);
-}
-
-// Enter ends a selection without objects; the host asks again, "j" lets the
-// user pick once more.
-TEST_F(SimHostE2E, NeuerBlockKeinObjektWiederholt) {
-    ltHostVerbinden();
-    std::thread nutzer([&] {
-        if (!warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) return;
-        klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
-        Hand().enter();
-        if (!warteAufLog(log, "FRAGE Sie haben kein Objekt gewählt! Wiederholen? [<J>/N]:")) return;
-        Hand().buchstabe('j');
-        Hand().enter();
-        if (!warteAufLog(log, "EINGABE [j]\nWBLOCK WAEHLT OBJEKTE")) return;
-        klickenBis(1, 441, 200, "GEWAEHLT ");
-        klickenBis(3, 300, 200, "WBLOCK c:");
-    });
-    const auto r =
-        ACadLtBlockNeu(z, v, e, LtBlockNeu{"c:\\Bib\\", "001", "0010D", 0, false, {}, {}});
-    nutzer.join();
-    EXPECT_TRUE(r.booDateiBesteht) << lesen(log);
-    const std::string dwg = lesen(verzeichnis / "c" / "Bib" / "001" / "Block" / "0010D0.dwg");
-    EXPECT_NE(dwg.find("\nOBJEKT 2 LINIE"), std::string::npos) << dwg;
 }
 
 }  // namespace
