@@ -115,6 +115,19 @@ TEST_F(FakeEinfuegen, Faelle) {
              a.auftraege[0].nummerEinfuegepkt = 2;
              block().Einfuegepunkte[0][0] = {"10", "-2.5", "0"};
          }},
+        // Point C of View 0: in at 0,0,0, then moved by C onto the pick.
+        {"Einfuegepunkt C",
+         [&] {
+             a.auftraege[0].nummerEinfuegepkt = 4;
+             block().Einfuegepunkte[0][2] = {"40", "20", "0"};
+         }},
+        {"XRef ohne Layersteuerung im Skriptkanal",
+         [&] {
+             ltHost();
+             desktop.setKeyDown(Key::LeftButton, true);
+             o.longXRef = 1;
+             e.sOhneLayersteuerung = "1";
+         }},
         {"Ansicht 3, Punkt ohne Winkel",
          [&] {
              a.auftraege[0].ansicht = a.auftraege[0].nummerEinfuegepkt = 3;
