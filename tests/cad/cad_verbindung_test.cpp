@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
+
 #include "cad_umgebung.h"
 #include "fake_acad.h"
 #include "tabelle.h"
@@ -41,132 +44,61 @@ class Verbindung : public CadUmgebung {
     FakeAutomation automation;
 };
 
-struct Fall {
-    const char* name;
-    bool nurAutomation = false, ohneMeldung = false, lt = false;
-};
-
-// Each case sets up the running hosts and windows; what the connection then
-// found, showed and activated is in golden/verbindung.txt ("== case").
+// The cases of golden/verbindung.txt: the hosts running and the windows on
+// the desktop, how the connection is called, and what it then found, showed
+// and activated.
 TEST_F(Verbindung, Faelle) {
-    std::string schluessel;
-    const std::vector<std::pair<Fall, std::function<void()>>> faelle{
-        // The title is what comes before the first hyphen, the blank kept.
-        {{"Automation mit bekannter Version"},
-         [&] {
-             autocadLaeuft("16.1s (LMS Tech)", "AutoCAD 2005 - [a-b.dwg]");
-             desktop.addWindow("Editor");
-             desktop.addWindow("AutoCAD 2005 - [a-b.dwg]");
-         }},
-        {{"unbekannte Version meldet"},
-         [&] {
-             autocadLaeuft("15.0s (LMS Tech)", "AutoCAD 2000 - [a.dwg]");
-             v.typAcadVersionInfo.strACadVersion = "vorher";
-             desktop.addWindow("AutoCAD LT 2000");  // never reached: the message ends it
-         }},
-        {{"Version 2007 faellt zur Titelsuche durch"},
-         [&] {
-             autocadLaeuft("2007", "AutoCAD 2008 - [a.dwg]");
-             desktop.addWindow("AutoCAD LT 2008 - [Plan.dwg]");
-         }},
-        {{"Version 2008 faellt zur Titelsuche durch"},
-         [&] {
-             autocadLaeuft("2008", "AutoCAD 2008 - [a.dwg]");
-             desktop.addWindow("AutoCAD LT 2008 - [Plan.dwg]");
-         }},
-        {{"nur Automation, ohne Host", true},
-         [&] { desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]"); }},
-        {{"LT gewaehlt probiert zuerst AutoCAD", false, false, true},
-         [&] {
-             autocadLaeuft("20.0s (LMS Tech)", "AutoCAD 2015 - [a.dwg]");
-             desktop.addWindow("AutoCAD 2015 - [a.dwg]");
-         }},
-        // Automation fails: the title route must not take a plain
-        // "AutoCAD ..." window as full AutoCAD. The user cancels the list.
-        {{"ohne LT-Wahl keine AutoCAD-Titelprobe"},
-         [&] {
-             desktop.addWindow("AutoCAD 2015 - [a.dwg]");
-             v.booFensterlisteAnbieten = true;
-         }},
-        {{"der erste Treffer der Titelliste gewinnt"},
-         [&] {
-             for (const char* t : {"ZWCAD 2012", "Bricscad Pro V10 - [Plan.dwg]", "Easy Sketch"})
-                 desktop.addWindow(t);
-         }},
-        {{"Aktivierungsfehler fuehrt zum naechsten Kandidaten"},
-         [&] {
-             desktop.refuseActivation(desktop.addWindow("AutoCAD LT 2015"));
-             desktop.addWindow("ZWCAD 2012");
-         }},
-        {{"Fensterliste"},
-         [&] {
-             desktop.addWindow("Notepad");
-             desktop.addWindow("MeinCAD 7 - [Plan.dwg]");
-             v.booFensterlisteAnbieten = true;
-             benutzer.wahlen = {"MeinCAD 7 - [Plan.dwg]"};
-         }},
-        {{"Fensterliste unterdrueckt"},
-         [&] {
-             desktop.addWindow("MeinCAD 7");
-             v.fctMsgboxNichtMehrAnzeigen = [&](const std::string& k) {
-                 schluessel = k;
-                 return false;
-             };
-             v.booFensterlisteAnbieten = true;
-             benutzer.wahlen = {"MeinCAD 7"};
-         }},
-        {{"kein Host, ohne Meldung", false, true}, [&] { desktop.addWindow("Notepad"); }},
-        {{"kein Host, mit Meldung"}, [&] { desktop.addWindow("Notepad"); }},
-        {{"erfolgloser Aufruf laesst den Satz stehen", false, true},
-         [&] {
-             const auto h = desktop.addWindow("AutoCAD LT 2015");
-             bool lt = false;
-             ASSERT_TRUE(ACAD_Connect(z, v, false, false, lt));
-             desktop.removeWindow(h);
-         }},
-    };
-    std::vector<std::string> ist;
-    for (const auto& [f, vorher] : faelle) {
+    for (const auto& f : tabelle("cad/golden/verbindung.txt")) {
+        SCOPED_TRACE(f.at(2) + " " + f.at(3));
+        const auto pfeil = std::find(f.begin(), f.end(), "=>");
+        ASSERT_EQ(pfeil - f.begin(), 5);
         automation = {};
         desktop = platform::MemoryDesktop{&uhr};
         benutzer = {};
-        schluessel.clear();
         v = {};
         SetUp();
-        vorher();
-        bool lt = f.lt;
-        ist.push_back(std::string("== ") + f.name);
-        const bool ok = ACAD_Connect(z, v, f.nurAutomation, f.ohneMeldung, lt);
-        ist.push_back("verbunden: " + std::to_string(ok) +
-                      " automation: " + std::to_string(v.acadApp != nullptr) +
-                      " lt: " + std::to_string(fctIstAutoCadLt(v)));
-        ist.push_back("satz: " + satz());
-        std::string aktiviert = "aktiviert:";
-        for (auto h : desktop.activations()) aktiviert += " " + std::to_string(h);
-        ist.push_back(aktiviert);
-        for (const auto& g : benutzer.gezeigt)
-            ist.push_back("gezeigt: " + g.text + " | " + g.titel + " | " +
-                          std::to_string(static_cast<int>(g.symbol)));
-        for (const auto& l : benutzer.listen) {
-            ist.push_back("liste: " + l.titel + " | " + l.frage);
-            for (const auto& e : l.eintraege) ist.push_back("  " + e);
+        if (!f[0].empty()) autocadLaeuft(f[0], f[1]);
+        std::vector<platform::WindowHandle> fenster;
+        std::istringstream titel(f[2]);
+        for (std::string t; std::getline(titel, t, ';');) {
+            fenster.push_back(desktop.addWindow(t.substr(t[0] == '~')));
+            if (t[0] == '~') desktop.refuseActivation(fenster.back());
         }
-        if (!schluessel.empty()) ist.push_back("nicht mehr zeigen? " + schluessel);
-    }
-    goldenVergleich("verbindung.txt", ist);
-}
-
-TEST_F(Verbindung, TitelUndNurFensterMarke) {
-    for (const auto& f : tabelle("cad/golden/host_titel.txt")) {
-        SCOPED_TRACE(f.at(0));
-        desktop = platform::MemoryDesktop{&uhr};
-        v = {};
-        v.automation = &automation;
-        desktop.addWindow("Explorer");
-        const auto h = desktop.addWindow(f[0]);
-        bool lt = false;
-        ASSERT_TRUE(ACAD_Connect(z, v, false, false, lt));
-        EXPECT_EQ(satz(), "AutoCAD LT|" + f.at(1) + "|" + std::to_string(h) + "|" + f.at(2));
+        auto nr = [&](platform::WindowHandle h) {
+            const auto i = std::find(fenster.begin(), fenster.end(), h) - fenster.begin();
+            return std::to_string(i == static_cast<long>(fenster.size()) ? 0 : i + 1);
+        };
+        auto art = [&](char c) { return f[3].find(c) != std::string::npos; };
+        std::string nichtMehr;
+        v.booFensterlisteAnbieten = art('F') || art('N');
+        if (art('N'))
+            v.fctMsgboxNichtMehrAnzeigen = [&](const std::string& k) {
+                nichtMehr = "nicht mehr: " + k;
+                return false;
+            };
+        if (art('V')) v.typAcadVersionInfo.strACadVersion = "vorher";
+        if (!f[4].empty()) benutzer.wahlen = {f[4]};
+        bool lt = art('L');
+        if (art('Z')) {
+            ASSERT_TRUE(ACAD_Connect(z, v, false, false, lt));
+            desktop.removeWindow(fenster.back());
+            desktop.clearRecords();
+        }
+        const bool ok = ACAD_Connect(z, v, art('A'), art('S'), lt);
+        const auto& i = v.typAcadVersionInfo;
+        std::vector<std::string> ist{std::to_string(ok) + std::to_string(v.acadApp != nullptr) +
+                                         std::to_string(fctIstAutoCadLt(v)),
+                                     i.strACadVersion + "," + i.strAcadTitel + "," +
+                                         nr(i.lngAcadHwnd) + "," + std::to_string(v.bytNurFenster),
+                                     "", "", nichtMehr};
+        for (auto h : desktop.activations()) ist[2] += nr(h);
+        for (const auto& g : benutzer.gezeigt)
+            ist[3] += g.text + "," + g.titel + "," + std::to_string(static_cast<int>(g.symbol));
+        for (const auto& l : benutzer.listen) {
+            ist[4] += l.titel + "," + l.frage;
+            for (const auto& e : l.eintraege) ist[4] += "," + e;
+        }
+        EXPECT_EQ(ist, std::vector<std::string>(pfeil + 1, f.end()));
     }
 }
 
