@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <map>
 #include <sstream>
 
 #include "cad/einfuege_texte.h"
@@ -15,6 +15,7 @@ namespace tessara::test {
 namespace {
 
 using platform::Key;
+using O = typEinfuegeOptionen;
 
 class FakeEinfuegen : public CadUmgebung {
   protected:
@@ -31,34 +32,104 @@ class FakeEinfuegen : public CadUmgebung {
         a.auftraege[0].block.Block = "0010A";
         a.auftraege[0].block.OrdnerNr = "001";
         a.auftraege[0].block.BlkName[0] = "Ventil:DN50";
+        a.auftraege[0].block.Layer = "Armaturen";
     }
-    // The connection found an AutoCAD LT window: the script channel.
-    void ltHost() {
-        v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
-        desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+
+    // One setting of a case: "name=value", or a name alone.
+    void setzen(const std::string& s) {
+        static const std::map<std::string, std::uint8_t O::*> haken{
+            {"checkBlock", &O::checkBlock},   {"checkXFrage", &O::checkXFrage},
+            {"checkYFrage", &O::checkYFrage}, {"checkWinkel", &O::checkWinkel},
+            {"checkMehr", &O::checkMehr},     {"checkAttribute", &O::checkAttribute},
+            {"checkReihe", &O::checkReihe},   {"checkUrsprung", &O::checkUrsprung},
+            {"checkBruch", &O::checkBruch}};
+        static const std::map<std::string, long O::*> schalter{
+            {"longEinfuegenLayer0", &O::longEinfuegenLayer0},
+            {"longXRef", &O::longXRef},
+            {"lonLispVarUebergeben", &O::lonLispVarUebergeben},
+            {"longVariantenfrage", &O::longVariantenfrage},
+            {"longBruchFrage", &O::longBruchFrage},
+            {"longMassstabskontrolle", &O::longMassstabskontrolle},
+            {"longStuecklisteEinfuegen", &O::longStuecklisteEinfuegen}};
+        const auto gleich = s.find('=');
+        const std::string k = s.substr(0, gleich), w = gleich == s.npos ? "" : s.substr(gleich + 1);
+        auto& auftrag = a.auftraege[0];
+        if (haken.count(k)) {
+            a.optionen.*haken.at(k) = 1;
+        } else if (schalter.count(k)) {
+            a.optionen.*schalter.at(k) = 1;
+        } else if (k == "LT") {  // the connection found an AutoCAD LT window: the script channel
+            v.typAcadVersionInfo = {"AutoCAD LT", 0, "AutoCAD LT"};
+            desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
+        } else if (k == "Escape" || k == "Klick") {  // held down from the start
+            desktop.setKeyDown(k == "Escape" ? Key::Escape : Key::LeftButton, true);
+        } else if (k == "Escape ab Abfrage") {
+            desktop.pressAfterQueries(Key::Escape, std::stoi(w));
+        } else if (k == "Antworten") {  // to each run of the script: a pick (K) or Escape (E)
+            desktop.onKeys = [this, w, n = std::size_t{0}](const auto& t) mutable {
+                desktop.setKeyDown(Key::LeftButton, false);
+                desktop.setKeyDown(Key::Escape, false);
+                if (t.keys.find("script\r") == std::string::npos) return;
+                ASSERT_LT(n, w.size()) << "more runs than the user answered";
+                desktop.setKeyDown(w[n++] == 'K' ? Key::LeftButton : Key::Escape, true);
+            };
+        } else if (k == "Nein") {
+            benutzer.antworten = {Antwort::Nein};
+        } else if (k == "Hostfehler") {
+            app->dokument->sendCommandWirftAb = 0;
+        } else if (k == "ohne Verbindung") {
+            v.acadApp.reset();
+        } else if (k == "Ortho nicht deaktivieren") {
+            e.OrthoNichtDeaktivieren = "1";
+        } else if (k == "ohne Layersteuerung") {
+            e.sOhneLayersteuerung = "1";
+        } else if (k == "Einstellungsdatei") {  // the overload that reads the Settings file
+            anlegen(z.strIniDatei, "[AllgemeineDaten]\r\n" + w + "\r\n");
+            einstellungenLesen = true;
+        } else if (k == "Datei") {
+            anlegen(w);
+        } else if (k == "Variable") {
+            app->dokument->variablen[w.substr(0, w.find(':'))] = w.substr(w.find(':') + 1);
+        } else if (k == "markiert") {  // a second marked block
+            a.auftraege.push_back(auftrag);
+            a.auftraege[1].block.Block = "0010B";
+            a.auftraege[1].block.BlkName[0] = "Flansch";
+            a.booMarkiert = true;
+        } else if (k == "Ansicht") {
+            a.auftraege[0].ansicht = std::stoi(w);
+        } else if (k == "Punkt") {
+            a.auftraege[0].nummerEinfuegepkt = std::stoi(w);
+        } else if (k[0] == 'P') {  // "P<View>.<point>=x,y,z": a stored insertion point
+            auto& p = a.auftraege[0].block.Einfuegepunkte.at(k[1] - '0').at(k[3] - '0');
+            std::istringstream xyz(w);
+            std::getline(std::getline(std::getline(xyz, p.x, ','), p.y, ','), p.z);
+        } else if (k[0] == 'M') {
+            a.auftraege[0].block.M.at(std::stoi(k.substr(1))) = w;
+        } else if (k == "BlkName3") {
+            a.auftraege[0].block.BlkName[3] = w;
+        } else if (k == "Variante") {  // "name:file"
+            a.auftraege[0].varianten.push_back(
+                {w.substr(0, w.find(':')), w.substr(w.find(':') + 1)});
+        } else if (k == "gewaehlt") {  // the Variant window's answer: a Variant's place, or "-"
+            a.variantenAuswahl = [this,
+                                  w](const typEinfuegeAuftrag& x) -> std::optional<typVariante> {
+                extra.push_back("Variante gefragt: " + x.block.Block);
+                if (w == "-") return std::nullopt;
+                return x.varianten.at(std::stoul(w));
+            };
+        } else {
+            ADD_FAILURE() << "unknown setting " << s;
+        }
     }
-    void zweiterMarkierterBlock() {
-        a.auftraege.push_back(a.auftraege[0]);
-        a.auftraege[1].block.Block = "0010B";
-        a.auftraege[1].block.BlkName[0] = "Flansch";
-        a.booMarkiert = true;
-    }
-    // The Variant window: records that it was asked, answers with Variant n.
-    void varianteWaehlen(std::optional<std::size_t> n) {
-        a.variantenAuswahl = [this, n](const typEinfuegeAuftrag& x) -> std::optional<typVariante> {
-            extra.push_back("Variante gefragt: " + x.block.Block);
-            if (!n) return std::nullopt;
-            return x.varianten.at(*n);
-        };
-    }
+
     // Everything the insertion did that a user or the host could see.
-    std::vector<std::string> protokoll(const EinfuegeErgebnis& r) {
+    void protokoll(const EinfuegeErgebnis& r, std::vector<std::string>& ist) {
         std::string erledigt;
         for (const auto& b : r.erledigteBloecke) erledigt += " " + b;
-        std::vector<std::string> ist{"ergebnis: eingefuegt=" + std::to_string(r.eingefuegt) +
-                                     " abgebrochen=" + std::to_string(r.booAbgebrochen) +
-                                     " fehler=" + std::to_string(r.booFehler) + " markierenAus=" +
-                                     std::to_string(r.booMarkierenAus) + " erledigt:" + erledigt};
+        ist.push_back("ergebnis: eingefuegt=" + std::to_string(r.eingefuegt) + " abgebrochen=" +
+                      std::to_string(r.booAbgebrochen) + " fehler=" + std::to_string(r.booFehler) +
+                      " markierenAus=" + std::to_string(r.booMarkierenAus) +
+                      " erledigt:" + erledigt);
         ist.insert(ist.end(), log->eintraege.begin(), log->eintraege.end());
         for (const auto& t : getippt()) ist.push_back("getippt: " + t);
         for (const auto& g : benutzer.gezeigt) ist.push_back("gefragt: " + g.text);
@@ -75,175 +146,23 @@ class FakeEinfuegen : public CadUmgebung {
         if (std::filesystem::exists(datei("c:\\temp\\insert.lsp")))
             ist.push_back("insert.lsp geschrieben");
         ist.insert(ist.end(), extra.begin(), extra.end());
-        return ist;
     }
 
     std::shared_ptr<FakeAcadLog> log;
     std::shared_ptr<FakeAnwendung> app;
     EinfuegeAnfrage a;
     typCadEinstellungen e;
-    bool einstellungenLesen = false;  // the overload that reads the Settings file
+    bool einstellungenLesen = false;
     std::vector<std::string> extra;
 };
 
-// Each case changes the one pending block of SetUp or the host; what the
-// insertion did, case by case, is in golden/einfuegen.txt ("== case").
+// The cases of golden/einfuegen.txt: each "== name | setting | ..." line
+// changes the one pending block of SetUp or the host, and the lines up to the
+// next case are what the insertion then did.
 TEST_F(FakeEinfuegen, Faelle) {
-    auto& o = a.optionen;
-    // Not references: each case starts on a fresh request and host.
-    auto block = [&]() -> typBlockDaten& { return a.auftraege[0].block; };
-    auto var = [&]() -> auto& { return app->dokument->variablen; };
-    const std::vector<std::pair<std::string, std::function<void()>>> faelle{
-        {"ohne Schalter", [] {}},
-        {"Befehlsweg mit allen Folgebefehlen",
-         [&] {
-             o.checkBlock = o.checkXFrage = o.checkAttribute = o.checkUrsprung = 1;
-             o.checkReihe = o.checkBruch = o.longEinfuegenLayer0 = 1;
-         }},
-        {"Ortho bleibt", [&] { e.OrthoNichtDeaktivieren = "1"; }},
-        {"Escape bricht ab",
-         [&] {
-             o.checkAttribute = 1;
-             desktop.setKeyDown(Key::Escape, true);
-         }},
-        // Not down at the first poll, down after the messages were processed.
-        {"Escape nach DoEvents", [&] { desktop.pressAfterQueries(Key::Escape, 2); }},
-        {"Fehler des Hosts", [&] { app->dokument->sendCommandWirftAb = 0; }},
-        {"Einfuegepunkt 2 mit Winkel",
-         [&] {
-             o.checkBlock = o.checkWinkel = 1;
-             a.auftraege[0].nummerEinfuegepkt = 2;
-             block().Einfuegepunkte[0][0] = {"10", "-2.5", "0"};
-         }},
-        // Point C of View 0: in at 0,0,0, then moved by C onto the pick.
-        {"Einfuegepunkt C",
-         [&] {
-             a.auftraege[0].nummerEinfuegepkt = 4;
-             block().Einfuegepunkte[0][2] = {"40", "20", "0"};
-         }},
-        {"XRef ohne Layersteuerung im Skriptkanal",
-         [&] {
-             ltHost();
-             desktop.setKeyDown(Key::LeftButton, true);
-             o.longXRef = 1;
-             e.sOhneLayersteuerung = "1";
-         }},
-        {"Ansicht 3, Punkt ohne Winkel",
-         [&] {
-             a.auftraege[0].ansicht = a.auftraege[0].nummerEinfuegepkt = 3;
-             block().BlkName[3] = "Ventil oben";
-             block().Einfuegepunkte[3][1] = {"1", "2", "3"};
-         }},
-        {"unbekannter Einfuegepunkt", [&] { a.auftraege[0].nummerEinfuegepkt = 9; }},
-        {"ohne Verbindung", [&] { v.acadApp.reset(); }},
-        {"AutoLISP-Weg aus der Einstellungsdatei",
-         [&] {
-             anlegen(z.strIniDatei, "[AllgemeineDaten]\r\nNewInsertRoutine=1\r\n");
-             einstellungenLesen = true;
-             o.checkBlock = o.checkXFrage = o.checkYFrage = o.checkAttribute = 1;
-         }},
-        {"markierte Bloecke", [&] { zweiterMarkierterBlock(); }},
-        {"Variante unter ihrem Namen",
-         [&] {
-             o.checkBlock = o.longVariantenfrage = 1;
-             a.auftraege[0].varianten = {{"Ventil DN80", "V0010A_1"}, {"Ventil/DN100", "V0010A_2"}};
-             varianteWaehlen(1);
-         }},
-        {"Variantenfrage aus",
-         [&] {
-             a.auftraege[0].varianten = {{"Ventil DN80", "V0010A_1"}};
-             varianteWaehlen(0);
-         }},
-        {"Variantenfrage ohne Varianten",
-         [&] {
-             o.longVariantenfrage = 1;
-             varianteWaehlen(0);
-         }},
-        {"Variantenauswahl abgebrochen",
-         [&] {
-             o.longVariantenfrage = 1;
-             a.auftraege[0].varianten = {{"Ventil DN80", "V0010A_1"}};
-             varianteWaehlen(std::nullopt);
-         }},
-        {"Variante im Skriptkanal",
-         [&] {
-             ltHost();
-             desktop.setKeyDown(Key::LeftButton, true);
-             o.checkBlock = o.longVariantenfrage = 1;
-             a.auftraege[0].varianten = {{"Ventil DN80", "V0010A_1"}};
-             varianteWaehlen(0);
-         }},
-        // Escape polls: 1, 2 after the first insertion; 3 (waiting), 4, 5
-        // before the second; 6, 7 after it; the 8th, while waiting again,
-        // ends the series.
-        {"mehrfach bis Escape",
-         [&] {
-             o.checkMehr = o.checkAttribute = 1;
-             var()["CMDACTIVE"] = "0";
-             desktop.pressAfterQueries(Key::Escape, 8);
-         }},
-        {"Lisp-Variablen nach den Folgebefehlen",
-         [&] {
-             o.lonLispVarUebergeben = o.checkReihe = 1;
-             block().M[0] = "DN50";
-         }},
-        {"mehrfach im Skriptkanal je markiertem Block",
-         [&] {
-             ltHost();
-             zweiterMarkierterBlock();
-             o.checkMehr = 1;
-             // The user's answer to each run of the script: a pick or Escape.
-             desktop.onKeys = [&, n = std::size_t{0}](const auto& t) mutable {
-                 const Key antworten[] = {Key::LeftButton, Key::LeftButton, Key::Escape,
-                                          Key::LeftButton, Key::Escape};
-                 desktop.setKeyDown(Key::LeftButton, false);
-                 desktop.setKeyDown(Key::Escape, false);
-                 if (t.keys.find("script\r") == std::string::npos) return;
-                 ASSERT_LT(n, std::size(antworten)) << "more runs than the user answered";
-                 desktop.setKeyDown(antworten[n++], true);
-             };
-         }},
-        {"Escape ohne mehrfach im Skriptkanal",
-         [&] {
-             ltHost();
-             desktop.setKeyDown(Key::Escape, true);
-         }},
-        {"ohne Layersteuerung", [&] { e.sOhneLayersteuerung = "1"; }},
-        {"Linie brechen", [&] { o.checkBruch = 1; }},
-        {"Linie brechen nach Frage, Nein",
-         [&] {
-             o.checkBruch = o.longBruchFrage = 1;
-             benutzer.antworten = {Antwort::Nein};
-         }},
-        {"Linie brechen nach Frage, Ja", [&] { o.checkBruch = o.longBruchFrage = 1; }},
-        {"Massstab der Zeichnung, Ja",
-         [&] {
-             o.longMassstabskontrolle = 1;
-             var()["DIMSCALE"] = "50";
-         }},
-        {"Massstab der Zeichnung, Nein",
-         [&] {
-             o.longMassstabskontrolle = 1;
-             var()["DIMSCALE"] = "50";
-             benutzer.antworten = {Antwort::Nein};
-         }},
-        {"Massstab wie die Zeichnung",
-         [&] {
-             o.longMassstabskontrolle = 1;
-             var()["DIMSCALE"] = "1.0";
-         }},
-        {"Stueckliste",
-         [&] {
-             o.longStuecklisteEinfuegen = 1;
-             var()["DWGPREFIX"] = "c:\\Plaene\\";
-             var()["DWGNAME"] = "Anlage.dwg";
-             block().M[0] = "Ventil; DN 50";
-             block().M[9] = "Stück";
-         }},
-        {"Blockprogramm", [&] { anlegen("c:\\Bib\\001\\Block\\0010A.lsp"); }},
-    };
     std::vector<std::string> ist;
-    for (const auto& [name, vorher] : faelle) {
+    for (const auto& zeile : goldenZeilen("einfuegen.txt")) {
+        if (zeile.rfind("== ", 0) != 0) continue;
         TearDown();
         a = {};
         e = {};
@@ -253,12 +172,16 @@ TEST_F(FakeEinfuegen, Faelle) {
         einstellungenLesen = false;
         extra.clear();
         SetUp();
-        a.auftraege[0].block.Layer = "Armaturen";
-        vorher();
+        std::istringstream teile(zeile.substr(3));
+        std::string teil;
+        std::getline(teile, teil, '|');
+        SCOPED_TRACE(teil);
+        while (std::getline(teile, teil, '|'))
+            setzen(teil.substr(1, teil.size() - 1 - (teil.back() == ' ')));
         const auto r =
             einstellungenLesen ? fctBlockEinfuegen(z, v, a) : fctBlockEinfuegen(z, v, e, a);
-        ist.push_back("== " + name);
-        for (const auto& zeile : protokoll(r)) ist.push_back(zeile);
+        ist.push_back(zeile);
+        protokoll(r, ist);
     }
     goldenVergleich("einfuegen.txt", ist);
 }
