@@ -46,133 +46,106 @@ class LtKanal : public CadUmgebung {
         host = desktop.addWindow("AutoCAD LT 2015 - [Zeichnung1.dwg]");
         v.typAcadVersionInfo = {"AutoCAD LT", host, "AutoCAD LT"};
         v.meldungsText = [](int nr) { return "Meldung " + std::to_string(nr); };
-    }
-    LtEinfuegung einfuegung() const {
-        LtEinfuegung ein;
+        ein = {};
         ein.strBibliothek = "c:\\Bib\\";
         ein.strKopieVerzeichnis = "c:\\temp\\Kopie\\";
         ein.auftrag.block.Block = "0010A";
         ein.auftrag.block.OrdnerNr = "001";
         ein.auftrag.block.BlkName[0] = "Ventil";
         ein.auftrag.ansicht = 2;
-        return ein;
+    }
+    // One step of a case: a setting ("name=value" or a name) or a command of
+    // the channel, whose outcome goes to `ist`.
+    void schritt(const std::string& s, std::vector<std::string>& ist) {
+        const auto gleich = s.find('=');
+        const std::string k = s.substr(0, gleich), w = gleich == s.npos ? "" : s.substr(gleich + 1);
+        auto neu = [&](bool variante) {
+            const auto r = ACadLtBlockNeu(
+                z, v, e, {"c:\\Bib\\", "001", variante ? "Var7" : "0010C", 0, variante});
+            ist.push_back(k + ": " + r.strZeichnung +
+                          " besteht=" + std::to_string(r.booDateiBesteht) +
+                          " abgebrochen=" + std::to_string(r.booAbgebrochen) +
+                          " Zeit abgelaufen=" + std::to_string(r.booZeitAbgelaufen));
+        };
+        if (k == "Escape ab Abfrage" || k == "Klick ab Abfrage") {
+            desktop.pressAfterQueries(
+                k[0] == 'E' ? platform::Key::Escape : platform::Key::LeftButton, std::stoi(w));
+        } else if (k == "Klick" || k == "Rechtsklick") {  // held down from the start
+            desktop.setKeyDown(
+                k == "Klick" ? platform::Key::LeftButton : platform::Key::RightButton, true);
+        } else if (k == "Host weist ab") {
+            desktop.refuseActivation(host);
+        } else if (k == "Host weg") {
+            desktop.removeWindow(host);
+        } else if (k == "checkWinkel" || k == "checkXFrage" || k == "checkBlock") {
+            (k == "checkWinkel"   ? ein.optionen.checkWinkel
+             : k == "checkXFrage" ? ein.optionen.checkXFrage
+                                  : ein.optionen.checkBlock) = 1;
+        } else if (k == "Name") {
+            ein.optionen.strExpliziterBlockName = w;
+        } else if (k == "CTemp") {
+            z.strCTemp = w;
+        } else if (k == "Datei") {  // "path:content"
+            anlegen(w.substr(0, w.find(':', 2)), w.substr(w.find(':', 2) + 1));
+        } else if (k == "Ordner") {
+            std::filesystem::create_directories(datei(w));
+        } else if (k == "Zeichnung kommt") {  // during the second pause after the right click
+            desktop.onPump = [this, n = 0]() mutable {
+                if (desktop.sleeps().size() == 2 && n++ == 0)
+                    anlegen("c:\\Bib\\001\\Block\\0010C0.dwg", "AC1015");
+            };
+        } else if (k == "Uhr laeuft") {  // each pass of a loop takes 100 ms
+            desktop.onPump = [this] { uhr.advanceMs(100); };
+        } else if (k == "Slide") {
+            ist.push_back(
+                k + ": " +
+                std::to_string(fctSlideMitLTErstellen(z, v, e, "c:\\Bib\\001\\0010A0.sld")));
+        } else if (k == "Oeffnen") {
+            ist.push_back(k + ": " + std::to_string(fctOpenFileMitLT(z, v, e, "c:\\x.dwg")));
+        } else if (k == "Einfuegen") {
+            ist.push_back(k + ": " +
+                          std::to_string(static_cast<int>(ACadLtBlockEinfuegen(z, v, e, ein))));
+        } else if (k == "Neu" || k == "Neu Variante") {
+            neu(k != "Neu");
+        } else if (k == "Inhalt" || k == "Ordner da") {
+            std::istringstream text(
+                k == "Inhalt" ? lesen(w) : std::to_string(std::filesystem::is_directory(datei(w))));
+            for (std::string zeile; std::getline(text, zeile);) ist.push_back(s + ": " + zeile);
+        } else {
+            ADD_FAILURE() << "unknown step " << s;
+        }
     }
     platform::WindowHandle host = 0;
     typCadEinstellungen e;
+    LtEinfuegung ein;
 };
 
-// Each case sets up the host's answers and runs one command of the channel;
-// its outcome, the keys typed, the pauses, the clock and the script written
-// are in golden/lt_kanal.txt ("== case").
+// The cases of golden/lt_kanal.txt: each "== name | step | ..." line sets up
+// the host's answers and runs commands of the channel; the lines up to the
+// next case are their outcomes, the keys typed, the pauses, the fake clock,
+// the messages and the script last written.
 TEST_F(LtKanal, Faelle) {
-    auto einfuegen = [&](std::uint8_t winkel, std::uint8_t xFrage) {
-        auto ein = einfuegung();
-        ein.optionen.checkWinkel = winkel;
-        ein.optionen.checkXFrage = xFrage;
-        desktop.pressAfterQueries(platform::Key::LeftButton, 3);
-        return std::to_string(static_cast<int>(ACadLtBlockEinfuegen(z, v, e, ein)));
-    };
-    auto neu = [&](bool variante = false) {
-        const auto r =
-            ACadLtBlockNeu(z, v, e, {"c:\\Bib\\", "001", variante ? "Var7" : "0010C", 0, variante});
-        return r.strZeichnung + " besteht=" + std::to_string(r.booDateiBesteht) +
-               " abgebrochen=" + std::to_string(r.booAbgebrochen) +
-               " Zeit abgelaufen=" + std::to_string(r.booZeitAbgelaufen);
-    };
-    const std::vector<std::pair<std::string, std::function<std::string()>>> faelle{
-        {"Slide, Escape bricht",
-         [&] {
-             desktop.pressAfterQueries(platform::Key::Escape, 5);
-             const bool ok = fctSlideMitLTErstellen(z, v, e, "c:\\Bib\\001\\0010A0.sld");
-             return std::to_string(ok) + " nach Escape-Abfragen " +
-                    std::to_string(desktop.queries(platform::Key::Escape));
-         }},
-        // Only the insertion tells the user, and ends the program.
-        {"ohne Hostfenster",
-         [&] {
-             desktop.refuseActivation(host);
-             std::string r = std::to_string(fctOpenFileMitLT(z, v, e, "c:\\x.dwg"));
-             desktop.removeWindow(host);
-             r += std::to_string(fctSlideMitLTErstellen(z, v, e, "c:\\Bib\\001\\0010A0.sld"));
-             r += " gezeigt " + std::to_string(benutzer.gezeigt.size()) + ", Ergebnis ";
-             return r +
-                    std::to_string(static_cast<int>(ACadLtBlockEinfuegen(z, v, e, einfuegung())));
-         }},
-        {"einfuegen", [&] { return einfuegen(0, 0); }},
-        {"einfuegen, Winkel gefragt", [&] { return einfuegen(1, 0); }},
-        {"einfuegen, Winkel und X gefragt: der Winkel gewinnt", [&] { return einfuegen(1, 1); }},
-        {"einfuegen, X gefragt", [&] { return einfuegen(0, 1); }},
-        // The library drawing is missing, so the copy fails: the library path.
-        // Then it is there and the copy is inserted.
-        {"expliziter Name kopiert die Zeichnung wenn es sie gibt",
-         [&] {
-             auto ein = einfuegung();
-             ein.optionen.checkBlock = 1;
-             ein.optionen.strExpliziterBlockName = "Flansch, DN50 ";
-             desktop.setKeyDown(platform::Key::LeftButton, true);
-             std::string r = std::to_string(static_cast<int>(ACadLtBlockEinfuegen(z, v, e, ein)));
-             r += " " + lesen("c:\\temp\\bv8LT.scr");
-             anlegen("c:\\Bib\\001\\Block\\0010A2.dwg", "AC1015 Zeichnung");
-             std::filesystem::create_directories(datei("c:\\temp\\Kopie\\"));
-             r += std::to_string(static_cast<int>(ACadLtBlockEinfuegen(z, v, e, ein)));
-             return r + lesen("c:\\temp\\Kopie\\Flansch_ DN50.dwg");
-         }},
-        {"c:\\temp wird angelegt",
-         [&] {
-             z.strCTemp = "c:\\anders\\";
-             const bool ok = fctOpenFileMitLT(z, v, e, "c:\\x.dwg");
-             return std::to_string(ok) + " " +
-                    std::to_string(std::filesystem::is_directory(datei("c:\\temp"))) + " " +
-                    lesen("c:\\anders\\bv8LT.scr");
-         }},
-        // Right button, no drawing: a second of pause, two more seconds of
-        // looking, then the host command is cancelled before the UNDO back.
-        {"neue Variante unter Varia",
-         [&] {
-             desktop.setKeyDown(platform::Key::RightButton, true);
-             const auto r = neu(true);
-             return r + " Varia angelegt " +
-                    std::to_string(
-                        std::filesystem::is_directory(datei("c:\\Bib\\001\\Block\\Varia")));
-         }},
-        // The drawing shows up during the second pause after the right
-        // click: no cancel.
-        {"Zeichnung kommt in der Nachfrist",
-         [&] {
-             desktop.setKeyDown(platform::Key::RightButton, true);
-             desktop.onPump = [&, n = 0]() mutable {
-                 if (desktop.sleeps().size() == 2 && n++ == 0)
-                     anlegen("c:\\Bib\\001\\Block\\0010C0.dwg", "AC1015");
-             };
-             return neu();
-         }},
-        // Nothing happens in the host; each pass of the loop takes 100 ms.
-        {"vierzig Sekunden begrenzen",
-         [&] {
-             desktop.onPump = [&] { uhr.advanceMs(100); };
-             return neu();
-         }},
-        {"Escape bricht das Anlegen",
-         [&] {
-             desktop.pressAfterQueries(platform::Key::Escape, 3);
-             return neu();
-         }},
-    };
     std::vector<std::string> ist;
-    for (const auto& [name, fall] : faelle) {
+    for (const auto& zeile : goldenZeilen("lt_kanal.txt")) {
+        if (zeile.rfind("== ", 0) != 0) continue;
         TearDown();
         desktop = platform::MemoryDesktop{&uhr};
         uhr = {};
         benutzer = {};
         SetUp();
-        ist.push_back("== " + name);
-        std::istringstream ergebnis(fall());
-        for (std::string zeile; std::getline(ergebnis, zeile);) ist.push_back("Ergebnis: " + zeile);
+        ist.push_back(zeile);
+        std::istringstream teile(zeile.substr(3));
+        std::string teil;
+        std::getline(teile, teil, '|');
+        SCOPED_TRACE(teil);
+        while (std::getline(teile, teil, '|'))
+            schritt(teil.substr(1, teil.size() - 1 - (teil.back() == ' ')), ist);
         for (const auto& t : getippt()) ist.push_back("getippt: " + t);
         std::string pausen = "Pausen:";
         for (int ms : desktop.sleeps()) pausen += " " + std::to_string(ms);
         ist.push_back(pausen + ", Uhr " + std::to_string(uhr.tickMs()) + ", Nachrichten " +
-                      std::to_string(desktop.pumps()));
+                      std::to_string(desktop.pumps()) + ", Escape-Abfragen " +
+                      std::to_string(desktop.queries(platform::Key::Escape)));
         for (const auto& g : benutzer.gezeigt) ist.push_back("gezeigt: " + g.text);
         std::istringstream skript(lesen("c:\\temp\\bv8LT.scr"));
         for (std::string zeile; std::getline(skript, zeile);) ist.push_back("Skript: " + zeile);
