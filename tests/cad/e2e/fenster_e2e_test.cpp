@@ -75,28 +75,20 @@ int gruenePixel(platform::WindowHandle fenster, const fs::path& png) {
     return gruen;
 }
 
-class FensterE2E : public ::testing::Test {
+// The host test's directory, desktop and host, and the window program beside
+// them; both processes map "c:\" to the same directory.
+class FensterE2E : public HostTest {
   protected:
     void SetUp() override {
-        verzeichnis =
-            fs::temp_directory_path() / ("tessara_fenster_e2e_" + std::to_string(getpid()));
-        fs::remove_all(verzeichnis);
-        fs::create_directories(verzeichnis / "c");
+        HostTest::SetUp();
         fs::create_directories(verzeichnis / "run");
         fs::permissions(verzeichnis / "run", fs::perms::owner_all);
         fs::create_directories(verzeichnis / "common" / "Tessara");
-        // Both processes map "c:\" to the same directory.
-        setenv("TESSARA_DRIVE_C", (verzeichnis / "c").c_str(), 1);
-        log = verzeichnis / "simhost.log";
         ausgabe = verzeichnis / "tessara.txt";
-        ASSERT_TRUE(desktop.connected()) << "no X server";
-        ASSERT_TRUE(desktop.canType()) << "no XTest extension";
     }
     void TearDown() override {
         prozessBeenden(programm);
-        prozessBeenden(host);
-        std::error_code ec;
-        fs::remove_all(verzeichnis, ec);
+        HostTest::TearDown();
     }
 
     // The window program with private places for everything it writes.
@@ -160,9 +152,8 @@ class FensterE2E : public ::testing::Test {
         return lesen(log);
     }
 
-    fs::path verzeichnis, log, ausgabe;
-    pid_t host = 0, programm = 0;
-    platform::X11Desktop desktop;
+    fs::path ausgabe;
+    pid_t programm = 0;
 };
 
 TEST_F(FensterE2E, EnterFuegtDenGewaehltenBlockEin) {
