@@ -32,6 +32,17 @@ inline std::vector<std::string> goldenZeilen(const std::string& name) {
     return zeilen;
 }
 
+// Compares lines with a golden file; TESSARA_UPDATE_GOLDEN=1 writes the file
+// anew after an intended change, and its diff is the review.
+inline void goldenVergleich(const std::string& name, const std::vector<std::string>& ist) {
+    if (std::getenv("TESSARA_UPDATE_GOLDEN")) {
+        std::ofstream aus(std::filesystem::path(TESSARA_SOURCE_DIR) / "tests/cad/golden" / name,
+                          std::ios::binary);
+        for (const auto& z : ist) aus << z << '\n';
+    }
+    EXPECT_EQ(ist, goldenZeilen(name));
+}
+
 class CadUmgebung : public ::testing::Test {
   protected:
     void SetUp() override {

@@ -12,74 +12,62 @@ namespace {
 
 class CadEinstellungsDatei : public CadUmgebung {};
 
-TEST_F(CadEinstellungsDatei, AusDerEinstellungsdatei) {
-    // No file: every key empty.
-    auto e = fctCadEinstellungenLesen(z);
-    EXPECT_EQ(
-        e.sReplaceBackslash + e.sOhneLayersteuerung + e.NewInsertRoutine + e.OrthoNichtDeaktivieren,
-        "");
-    // Only "AllgemeineDaten" counts.
+TEST_F(CadEinstellungsDatei, NurAllgemeineDatenZaehlen) {
+    auto text = [](const typCadEinstellungen& e) {
+        return e.sReplaceBackslash + "|" + e.sOhneLayersteuerung + "|" + e.NewInsertRoutine + "|" +
+               e.OrthoNichtDeaktivieren;
+    };
+    EXPECT_EQ(text(fctCadEinstellungenLesen(z)), "|||") << "no file";
     anlegen(z.strIniDatei,
             "[Position]\r\nsReplaceBackslash=falsch\r\n"
             "[AllgemeineDaten]\r\nDbVerzeichnis0=0\r\nsReplaceBackslash=/\r\n"
             "sOhneLayersteuerung=1\r\nNewInsertRoutine=1\r\nOrthoNichtDeaktivieren=2\r\n");
-    e = fctCadEinstellungenLesen(z);
-    EXPECT_EQ(e.sReplaceBackslash, "/");
-    EXPECT_EQ(e.sOhneLayersteuerung, "1");
-    EXPECT_EQ(e.NewInsertRoutine, "1");
-    EXPECT_EQ(e.OrthoNichtDeaktivieren, "2");
+    EXPECT_EQ(text(fctCadEinstellungenLesen(z)), "/|1|1|2");
 }
 
-TEST(EinfuegeOptionenAusSetup, JedeOptionAufIhrFeld) {
-    // Each stored switch, alone, sets exactly its check box.
-    struct Fall {
-        std::int32_t typSetupWerte::*wert;
-        std::uint8_t typEinfuegeOptionen::*feld;
+// Each stored switch, alone, sets exactly its option; the scales go as they are.
+TEST(EinfuegeOptionenAusSetup, JederSchalterAufSeinFeld) {
+    using S = typSetupWerte;
+    std::int32_t S::*const schalter[] = {&S::longBlockAusBibliothek,
+                                         &S::longAbfrageXFaktor,
+                                         &S::longAbfrageYFaktor,
+                                         &S::longAbfrageZFaktor,
+                                         &S::longAbfrageEinfuegewinkel,
+                                         &S::longAbfrageAttributeBeimEinfuegen,
+                                         &S::longUrsprungBeimEinfuegen,
+                                         &S::longReihe,
+                                         &S::longMehrfacheinfuegen,
+                                         &S::longBruchOption,
+                                         &S::longEinfuegenLayer0,
+                                         &S::longXRef,
+                                         &S::lonLispVarUebergeben,
+                                         &S::longVariantenfrage,
+                                         &S::longBruchFrage,
+                                         &S::longMassstabskontrolle,
+                                         &S::longStuecklisteEinfuegen};
+    auto ziffern = [](const typEinfuegeOptionen& o) {
+        std::string s;
+        for (long x :
+             {long{o.checkBlock}, long{o.checkXFrage}, long{o.checkYFrage}, long{o.checkZFrage},
+              long{o.checkWinkel}, long{o.checkAttribute}, long{o.checkUrsprung},
+              long{o.checkReihe}, long{o.checkMehr}, long{o.checkBruch}, o.longEinfuegenLayer0,
+              o.longXRef, o.lonLispVarUebergeben, o.longVariantenfrage, o.longBruchFrage,
+              o.longMassstabskontrolle, o.longStuecklisteEinfuegen})
+            s += std::to_string(x);
+        return s + "|" + o.strMassstabX + "|" + o.strMassstabY + "|" + o.strMassstabZ;
     };
-    const Fall faelle[] = {
-        {&typSetupWerte::longBlockAusBibliothek, &typEinfuegeOptionen::checkBlock},
-        {&typSetupWerte::longAbfrageXFaktor, &typEinfuegeOptionen::checkXFrage},
-        {&typSetupWerte::longAbfrageYFaktor, &typEinfuegeOptionen::checkYFrage},
-        {&typSetupWerte::longAbfrageZFaktor, &typEinfuegeOptionen::checkZFrage},
-        {&typSetupWerte::longAbfrageEinfuegewinkel, &typEinfuegeOptionen::checkWinkel},
-        {&typSetupWerte::longAbfrageAttributeBeimEinfuegen, &typEinfuegeOptionen::checkAttribute},
-        {&typSetupWerte::longUrsprungBeimEinfuegen, &typEinfuegeOptionen::checkUrsprung},
-        {&typSetupWerte::longReihe, &typEinfuegeOptionen::checkReihe},
-        {&typSetupWerte::longMehrfacheinfuegen, &typEinfuegeOptionen::checkMehr},
-        {&typSetupWerte::longBruchOption, &typEinfuegeOptionen::checkBruch},
-    };
-    for (const auto& f : faelle) {
-        typSetupWerte aus;
-        for (const auto& g : faelle) aus.*(g.wert) = 0;
-        typSetupWerte an = aus;
-        an.*(f.wert) = 1;
-        const auto oAus = fctEinfuegeOptionenAusSetup(aus);
-        const auto oAn = fctEinfuegeOptionenAusSetup(an);
-        EXPECT_EQ(oAus.*(f.feld), 0);
-        EXPECT_EQ(oAn.*(f.feld), 1);
-        for (const auto& g : faelle) {
-            if (g.feld != f.feld) {
-                EXPECT_EQ(oAn.*(g.feld), 0);
-            }
-        }
+    for (std::size_t i = 0; i < std::size(schalter); ++i) {
+        S w;
+        for (auto feld : schalter) w.*feld = 0;
+        w.*schalter[i] = 1;
+        w.strMassstabX = "2.5";
+        w.strMassstabY = "0.5";
+        w.strMassstabZ = std::to_string(i);
+        std::string erwartet(std::size(schalter), '0');
+        erwartet[i] = '1';
+        EXPECT_EQ(ziffern(fctEinfuegeOptionenAusSetup(w)),
+                  erwartet + "|2.5|0.5|" + std::to_string(i));
     }
-}
-
-TEST(EinfuegeOptionenAusSetup, WerteUnveraendert) {
-    typSetupWerte w;
-    w.strMassstabX = "2.5";
-    w.strMassstabY = "0.5";
-    w.strMassstabZ = "3";
-    w.longXRef = w.longEinfuegenLayer0 = w.lonLispVarUebergeben = 1;
-    w.longVariantenfrage = 0;
-    w.longBruchFrage = w.longStuecklisteEinfuegen = 1;
-    const auto o = fctEinfuegeOptionenAusSetup(w);
-    EXPECT_EQ(o.strMassstabX + "|" + o.strMassstabY + "|" + o.strMassstabZ, "2.5|0.5|3");
-    EXPECT_EQ(std::to_string(o.longXRef) + std::to_string(o.longEinfuegenLayer0) +
-                  std::to_string(o.lonLispVarUebergeben) + std::to_string(o.longVariantenfrage) +
-                  std::to_string(o.longBruchFrage) + std::to_string(o.longMassstabskontrolle) +
-                  std::to_string(o.longStuecklisteEinfuegen),
-              "1110101");
 }
 
 }  // namespace

@@ -36,29 +36,6 @@ TEST_F(SimHostBefehle, SkriptNurMitFiledia0) {
     EXPECT_EQ(host.variable("FILEDIA"), "1") << "the script sets it back";
 }
 
-TEST_F(SimHostBefehle, FehlendeZeichnungWirdNichtEingefuegt) {
-    host.eingabe("._-insert");
-    host.eingabe("\"a=c:\\fehlt.dwg\"");
-    EXPECT_TRUE(enthaelt("FEHLER DATEI NICHT GEFUNDEN c:\\fehlt.dwg")) << log.str();
-    EXPECT_EQ(host.prompt(), "Befehl:");
-}
-
-TEST_F(SimHostBefehle, UndoZurueckZurMarke) {
-    const auto vorher = host.objekte().size();
-    for (const char* t :
-         {"_undo", "_m", "._zoom", "2x", "._-wblock", "\"c:\\B\\neu.dwg\"", "", "0,0"})
-        host.eingabe(t);
-    std::filesystem::create_directories(datei("c:\\B\\"));
-    host.eingabe("alle");
-    host.rechtsklick();
-    EXPECT_TRUE(host.objekte().empty());
-    EXPECT_EQ(lesen("c:\\B\\neu.dwg").rfind("SIMHOST ZEICHNUNG\n", 0), 0u);
-    host.eingabe("_undo");
-    host.eingabe("_b");
-    EXPECT_EQ(host.objekte().size(), vorher);
-    EXPECT_TRUE(enthaelt("UNDO ZURUECK ansicht=0,0 639,399")) << log.str();
-}
-
 // Sessions from a golden transcript: "> text" is typed, "@L x,y" and "@R"
 // click, "@D file" shows a written drawing, "@S file" a slide's vectors;
 // every other line is what the host logs in between

@@ -116,36 +116,47 @@ class StartAblauf : public ::testing::Test {
     std::shared_ptr<platform::MemoryInstanceBus> bus;
 };
 
-TEST_F(StartAblauf, ErsterStartOhneIniDateiNimmtDenGemeinsamenOrdner) {
-    auto p = prozess("");
-    EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
-    EXPECT_EQ(p->z.strIniDatei, common() + "\\Tessara\\Tessara9.0.ini");
-    EXPECT_EQ(p->z.strCTemp, common() + "\\Tessara\\");
-    EXPECT_TRUE(fs::is_directory(root / "common" / "Tessara"));
-    EXPECT_EQ(p->z.strErrorDatei, common() + "\\Tessara\\txtErrorTessara9.0.txt");
-    EXPECT_EQ(p->z.strSprache, "deutsch");
-    EXPECT_EQ(p->z.strVersionInfoDatei, app() + "\\InfoVersion.lis");
-    EXPECT_EQ(p->fenster.ereignisse, std::vector<std::string>{"laden"});
-    EXPECT_EQ(p->start.aufrufe(), 1);
-    EXPECT_TRUE(p->benutzer.gezeigt.empty());
-}
-
-TEST_F(StartAblauf, IniDateiImProgrammverzeichnisUndTempAusSCTemp) {
-    std::ofstream(root / "app" / "Tessara9.0.ini") << "[AllgemeineDaten]\r\nSprache=deutsch\r\n";
-    auto p = prozess("");
-    EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
-    EXPECT_EQ(p->z.strIniDatei, app() + "\\Tessara9.0.ini");
-    EXPECT_EQ(p->z.strCTemp, "c:\\temp\\");
-    EXPECT_TRUE(fs::is_directory(root / "drive_c" / "temp"));
-
+// The starts of golden/starts.txt, each the only instance: the Settings file
+// in the program directory, the command line and the user's answers, and
+// what the start then set, did and asked; {app}, {common} and {root} stand
+// for the directories of the test.
+TEST_F(StartAblauf, StartsOhneLaufendeInstanz) {
+    fs::create_directories(root / "mit blank");
     fs::create_directories(root / "eigenTemp");
-    std::ofstream(root / "app" / "Tessara9.0.ini", std::ios::trunc)
-        << "[AllgemeineDaten]\r\nsCTemp=" << platform::programPath((root / "eigenTemp").string())
-        << "\r\n";
-    auto q = prozess("");
-    bus->names.clear();
-    EXPECT_EQ(q->main(), MainErgebnis::Laeuft);
-    EXPECT_EQ(q->z.strCTemp, platform::programPath((root / "eigenTemp").string()) + "\\");
+    auto pfade = [&](std::string t) {
+        for (const auto& [platz, pfad] : {std::pair{"{app}", app()},
+                                          {"{common}", common()},
+                                          {"{root}", platform::programPath(root.string())}})
+            for (auto p = t.find(platz); p != std::string::npos; p = t.find(platz))
+                t.replace(p, std::string(platz).size(), pfad);
+        return t;
+    };
+    for (const auto& f : test::tabelle("entry/golden/starts.txt")) {
+        SCOPED_TRACE(f.at(0) + f.at(1) + f.at(2));
+        ASSERT_EQ(f.size(), 13u);
+        fs::remove(root / "app" / "Tessara9.0.ini");
+        if (!f[0].empty()) std::ofstream(root / "app" / "Tessara9.0.ini") << pfade(f[0]);
+        bus->names.clear();
+        auto p = prozess(f[1]);
+        for (char c : f[2]) p->benutzer.antworten.push_back(c == 'j' ? Antwort::Ja : Antwort::Nein);
+        p->benutzer.ordner = {pfade(f[3])};
+        std::vector<std::string> ist{
+            p->main() == MainErgebnis::Laeuft ? "laeuft" : "endet",
+            p->z.strIniDatei,
+            p->z.strCTemp,
+            p->z.strErrorDatei + "," + p->z.strSprache + "," + p->z.strVersionInfoDatei,
+            "",
+            "",
+            "",
+            IniGetValue(p->z, p->z.strIniDatei, "AllgemeineDaten", "sCTemp")};
+        for (const auto& e : p->fenster.ereignisse) ist[4] += e + ",";
+        for (const auto& b : p->fenster.bloecke) ist[5] += b + ",";
+        for (const auto& g : p->benutzer.gezeigt) ist[6] += g.text + ",";
+        std::vector<std::string> erwartet(f.begin() + 5, f.end());
+        for (auto& e : erwartet) e = pfade(e);
+        EXPECT_EQ(ist, erwartet);
+        EXPECT_TRUE(fs::is_directory(platform::nativePath(p->z.strCTemp)));
+    }
 }
 
 TEST_F(StartAblauf, OhneBeschriftungsdateiEndetDerStart) {
@@ -153,58 +164,21 @@ TEST_F(StartAblauf, OhneBeschriftungsdateiEndetDerStart) {
     auto p = prozess("");
     EXPECT_EQ(p->main(), MainErgebnis::ProzessEnde);
     ASSERT_EQ(p->benutzer.gezeigt.size(), 1u);
-    EXPECT_EQ(p->benutzer.gezeigt[0].text,
-              "Es konnte keine Beschriftungsdatei gefunden werden.\r\rTessara kann nicht "
+    EXPECT_EQ(p->benutzer.gezeigt[0].titel + ": " + p->benutzer.gezeigt[0].text,
+              "Info: Es konnte keine Beschriftungsdatei gefunden werden.\r\rTessara kann nicht "
               "gestartet werden.");
-    EXPECT_EQ(p->benutzer.gezeigt[0].titel, "Info");
     EXPECT_TRUE(p->fenster.ereignisse.empty());
-}
-
-TEST_F(StartAblauf, TempPfadMitLeerzeichen) {
-    fs::create_directories(root / "mit blank");
-    const std::string blank = platform::programPath((root / "mit blank").string());
-    const std::string ohne = platform::programPath((root / "ohne").string());
-    for (bool ja : {true, false}) {
-        SCOPED_TRACE(ja);
-        std::ofstream(root / "app" / "Tessara9.0.ini", std::ios::trunc)
-            << "[AllgemeineDaten]\r\nsCTemp=" << blank << "\r\n";
-        bus->names.clear();
-        auto p = prozess("");
-        p->benutzer.antworten = {ja ? Antwort::Ja : Antwort::Nein};
-        p->benutzer.ordner = {ohne};
-        EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
-        ASSERT_GE(p->benutzer.gezeigt.size(), 1u);
-        EXPECT_EQ(p->benutzer.gezeigt[0].text,
-                  "ist auf Ihrem Computer noch Windows XP installiert?\r(oder schon Vista oder "
-                  "Windows 7)");
-        if (ja) {
-            EXPECT_EQ(p->z.strCTemp, "c:\\temp\\");
-            EXPECT_EQ(p->benutzer.gezeigt.size(), 1u);
-        } else {
-            EXPECT_EQ(p->z.strCTemp, ohne + "\\");
-            ASSERT_EQ(p->benutzer.gezeigt.size(), 2u);
-            EXPECT_EQ(p->benutzer.gezeigt[1].text.rfind(
-                          "Ihr temporärPfad für Tessara beinhaltet Leerzeichen: ", 0),
-                      0u);
-        }
-        EXPECT_EQ(IniGetValue(p->z, app() + "\\Tessara9.0.ini", "AllgemeineDaten", "sCTemp"),
-                  p->z.strCTemp);
-    }
-    // A start that only hands its request on asks neither this nor about debug mode.
-    bus->names.clear();
-    auto erste = prozess("");
-    ASSERT_EQ(erste->main(), MainErgebnis::Laeuft);
-    std::ofstream(root / "app" / "Tessara9.0.ini", std::ios::trunc)
-        << "[AllgemeineDaten]\r\nsCTemp=" << blank << "\r\nstrDebug=1\r\n";
-    auto zweite = prozess("/s 0010017;A");
-    EXPECT_EQ(zweite->main(), MainErgebnis::ProzessEnde);
-    EXPECT_TRUE(zweite->benutzer.gezeigt.empty()) << zweite->benutzer.gezeigt[0].text;
 }
 
 TEST_F(StartAblauf, ZweiteKopieReichtDieAnfrageWeiterUndHoltDasFensterNachVorne) {
     auto erste = prozess("");
     ASSERT_EQ(erste->main(), MainErgebnis::Laeuft);
-
+    // A start that only hands its request on asks neither about a blank in
+    // the temp path nor about debug mode.
+    fs::create_directories(root / "mit blank");
+    std::ofstream(root / "app" / "Tessara9.0.ini")
+        << "[AllgemeineDaten]\r\nsCTemp=" << platform::programPath((root / "mit blank").string())
+        << "\r\nstrDebug=1\r\n";
     for (const auto& f : test::tabelle("entry/golden/zweite_kopie.txt")) {
         SCOPED_TRACE(f.at(0));
         bus->sent.clear();
@@ -224,70 +198,20 @@ TEST_F(StartAblauf, ZweiteKopieReichtDieAnfrageWeiterUndHoltDasFensterNachVorne)
         EXPECT_EQ(gesendet, erwartet);
         EXPECT_EQ(zweite->desktop.activations(), std::vector<platform::WindowHandle>{fenster});
         EXPECT_TRUE(zweite->fenster.ereignisse.empty());
+        EXPECT_TRUE(zweite->benutzer.gezeigt.empty());
     }
     // The first instance takes what was handed over, in order.
     EXPECT_FALSE(erste->kanal.receive().empty());
 }
 
-TEST_F(StartAblauf, WiedereintrittFuehrtUebergebeneAnfragenAus) {
+TEST_F(StartAblauf, AufrufzaehlerBleibtAmEndeStehenAbbruchEndetDenProzess) {
     auto p = prozess("");
-    ASSERT_EQ(p->main(), MainErgebnis::Laeuft);
-    p->fenster.ereignisse.clear();
-    p->fenster.handle = p->desktop.addWindow("Tessara 1.9.0");
-
-    p->start.anfrageAusfuehren(p->z, p->fenster, "StartForm2", {"0010017", "a"});
-    EXPECT_EQ(p->fenster.bloecke, std::vector<std::string>{"0010017;a"});
-    EXPECT_TRUE(p->z.strUebergabeBlock.empty());
-    EXPECT_EQ(p->fenster.ereignisse, (std::vector<std::string>{"zeigen", "block", "timer 1000"}));
-    EXPECT_EQ(p->desktop.activations(), std::vector<platform::WindowHandle>{p->fenster.handle});
-
-    p->fenster.ereignisse.clear();
-    p->start.anfrageAusfuehren(p->z, p->fenster, "ChangeDb", {"TestDb"});
-    EXPECT_EQ(p->fenster.ereignisse, std::vector<std::string>{"timer 1000"});
-    p->z.strUebergabeDb.clear();
-
-    p->fenster.ereignisse.clear();
-    fs::create_directories(root / "drive_c" / "lib");
-    p->start.anfrageAusfuehren(p->z, p->fenster, "ChangeDb", {"c:/lib/dbTessara.mdb"});
-    EXPECT_EQ(p->fenster.ereignisse,
-              (std::vector<std::string>{"db c:\\lib\\dbTessara.mdb", "timer 1000"}));
-    EXPECT_TRUE(p->z.strUebergabeDb.empty());
-
-    // LBlkEinfuegen inserts the block handled last once more.
-    p->fenster.ereignisse.clear();
-    p->start.anfrageAusfuehren(p->z, p->fenster, "LBlkEinfuegen", {});
-    EXPECT_EQ(p->fenster.bloecke, (std::vector<std::string>{"0010017;a", "0010017;a"}));
-
-    p->fenster.ereignisse.clear();
-    p->fenster.nurVorne = true;
-    p->z.strUebergabeBlock = "0010018";
-    p->start.anfrageAusfuehren(p->z, p->fenster, "LBlkEinfuegen", {});
-    EXPECT_EQ(p->fenster.ereignisse, std::vector<std::string>{"zeigen"});
-
-    p->start.anfrageAusfuehren(p->z, p->fenster, "ClassNameUebergeben", {"X.Y"});
-    EXPECT_EQ(p->start.klasse(), "X.Y");
-}
-
-TEST_F(StartAblauf, EigeneKommandozeileOhneLaufendeInstanzWirdNachDemLadenAusgefuehrt) {
-    auto p = prozess("/s 0010017;B");
-    EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
-    EXPECT_EQ(p->fenster.ereignisse,
-              (std::vector<std::string>{"laden", "zeigen", "block", "timer 1000"}));
-    EXPECT_EQ(p->fenster.bloecke, std::vector<std::string>{"0010017;b"});
-}
-
-TEST_F(StartAblauf, AufrufzaehlerBleibtAmEndeStehen) {
-    auto p = prozess("");
-    ASSERT_EQ(p->main(), MainErgebnis::Laeuft);
     for (int i = 0; i < 300; ++i) EXPECT_EQ(p->main(), MainErgebnis::Laeuft);
     EXPECT_EQ(p->start.aufrufe(), 255);
     EXPECT_EQ(std::count(p->fenster.ereignisse.begin(), p->fenster.ereignisse.end(), "laden"), 1);
-}
-
-TEST_F(StartAblauf, AbgebrochenerStartEndetDenProzess) {
-    auto p = prozess("");
-    p->fenster.abbrechen = true;
-    EXPECT_EQ(p->main(), MainErgebnis::ProzessEnde);
+    auto q = prozess("");
+    q->fenster.abbrechen = true;
+    EXPECT_EQ(q->main(), MainErgebnis::ProzessEnde);
 }
 
 TEST_F(StartAblauf, TitelDesLaufendenFensters) {
@@ -302,6 +226,7 @@ TEST_F(StartAblauf, clsTessaraStartFuehrtJedeAnfrageUeberMainAus) {
     fs::create_directories(root / "drive_c" / "lib" / "neu");
     auto p = prozess("");
     ASSERT_EQ(p->main(), MainErgebnis::Laeuft);
+    p->fenster.handle = p->desktop.addWindow("Tessara 1.9.0");
     for (const auto& f : test::tabelle("entry/golden/tessara_start.txt")) {
         SCOPED_TRACE(f.at(0));
         const auto pfeil = std::find(f.begin(), f.end(), "=>");
@@ -312,6 +237,7 @@ TEST_F(StartAblauf, clsTessaraStartFuehrtJedeAnfrageUeberMainAus) {
         p->fenster.ereignisse.clear();
         p->fenster.bloecke.clear();
         p->benutzer.gezeigt.clear();
+        p->desktop.clearRecords();
         const auto aufrufe = p->start.aufrufe();
         const bool ok = clsTessaraStart(p->z, p->start, p->fenster).anfrage({f[0], args});
         auto liste = [](const std::vector<std::string>& v) {
@@ -322,6 +248,10 @@ TEST_F(StartAblauf, clsTessaraStartFuehrtJedeAnfrageUeberMainAus) {
         EXPECT_EQ(liste(p->fenster.ereignisse), pfeil[1]);
         EXPECT_EQ(liste(p->fenster.bloecke), pfeil[2]);
         EXPECT_EQ(std::to_string(p->benutzer.gezeigt.size()), pfeil[3]);
+        // Shown means brought to the front.
+        EXPECT_EQ(p->desktop.activations(),
+                  std::vector<platform::WindowHandle>(pfeil[1].find("zeigen") != std::string::npos,
+                                                      p->fenster.handle));
         // Refused: Main is not entered. The class name only is kept.
         EXPECT_EQ(ok, p->start.aufrufe() > aufrufe || p->start.klasse() == f[1]);
         EXPECT_TRUE(p->z.strUebergabeBlock.empty());

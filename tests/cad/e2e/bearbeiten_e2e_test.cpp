@@ -119,27 +119,30 @@ class BearbeitenE2E : public HostTest {
         for (const auto& e : b.entries()) r.push_back(e.name);
         return r;
     }
-    // A Block with a second View and a Variant, each picked in the host.
-    void blockMitAnsichtUndVariante() {
-        auto hand = waehlt({{320, 199}}, 1);
-        ASSERT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
-        hand.join();
-        hand = waehlt({{441, 200}}, 2);
-        ASSERT_NE(neu(NeuArt::Ansicht), kNichtsGeaendert) << lesen(log);
-        hand.join();
-        benutzer.namen = {"Kreuz"};
-        hand = waehlt({{320, 100}}, 3);
-        ASSERT_NE(neu(NeuArt::Variante), kNichtsGeaendert) << lesen(log);
-        hand.join();
-    }
-
     std::unique_ptr<BibliothekSitzung> sitzung;
 };
 
 // "Neu": the host writes the drawing and the slide, the library holds "0A",
-// the record stands in the slot, the working directory is gone.
+// the record stands in the slot, the working directory is gone. The free
+// slot still held the files of a record deleted by hand: the new Block's
+// drawing and library take their place. The user first ends the selection
+// with Enter and nothing picked: the host asks, "j" lets the user pick again,
+// and the Block is made from the second selection.
 TEST_F(BearbeitenE2E, NeuerBlock) {
-    auto hand = waehlt({{320, 199}});
+    fs::create_directories(bib() / "000" / "Block");
+    std::ofstream(bib() / "000" / "Block" / (nr() + "0.dwg")) << "ALT";
+    std::ofstream(bib() / "000" / (nr() + "0.slb")) << "ALT";
+    std::thread hand([&] {
+        if (!warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) return;
+        klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
+        Hand().enter();
+        if (!warteAufLog(log, "FRAGE Sie haben kein Objekt gewählt! Wiederholen? [<J>/N]:")) return;
+        Hand().buchstabe('j');
+        Hand().enter();
+        warteAufAnzahl("WBLOCK WAEHLT OBJEKTE", 2);
+        klickenBis(1, 320, 199, "GEWAEHLT ");
+        Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
+    });
     EXPECT_EQ(neu(NeuArt::Block), kSeiteGeaendert | kAnsichtenGeaendert) << lesen(log);
     hand.join();
     const std::string n = nr();
@@ -152,19 +155,6 @@ TEST_F(BearbeitenE2E, NeuerBlock) {
     EXPECT_TRUE(sitzung->modell().seitenSlots()[1].booBelegt);
     EXPECT_FALSE(fs::exists(verzeichnis / "c" / "temp" / "TessaraNeu"));
     ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
-}
-
-// A free slot may still hold the files of a record deleted by hand: the new
-// Block's drawing and library take their place.
-TEST_F(BearbeitenE2E, NeuerBlockErsetztVerwaisteDateien) {
-    fs::create_directories(bib() / "000" / "Block");
-    std::ofstream(bib() / "000" / "Block" / (nr() + "0.dwg")) << "ALT";
-    std::ofstream(bib() / "000" / (nr() + "0.slb")) << "ALT";
-    auto hand = waehlt({{320, 199}});
-    EXPECT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
-    hand.join();
-    EXPECT_EQ(lesen(bib() / "000" / "Block" / (nr() + "0.dwg")).rfind("SIMHOST ZEICHNUNG", 0), 0u);
-    EXPECT_EQ(eintraege(bib() / "000" / (nr() + "0.slb")), std::vector<std::string>{"0A"});
 }
 
 // However the user or the host ends the flow early, the library stays as it
@@ -207,85 +197,31 @@ TEST_F(BearbeitenE2E, AbbruchLaesstBibliothekUnveraendert) {
     }
 }
 
-// A second View: drawing "1", library "1A", BlkName1.
-TEST_F(BearbeitenE2E, AnsichtNeu) {
-    blockMitAnsichtUndVariante();
+// A Block with a second View and a Variant, each picked in the host: the
+// View's drawing "1", library "1A", BlkName1; the Variant's drawing below
+// "Block\Varia\", its row and its record. The View marked in the strip is
+// then the one inserted: its drawing, its name.
+TEST_F(BearbeitenE2E, AnsichtUndVarianteNeuMarkierteAnsichtEingefuegt) {
+    for (const auto& [art, x, y] :
+         std::vector<std::tuple<NeuArt, int, int>>{{NeuArt::Block, 320, 199},
+                                                   {NeuArt::Ansicht, 441, 200},
+                                                   {NeuArt::Variante, 320, 100}}) {
+        if (art == NeuArt::Variante) benutzer.namen = {"Kreuz"};
+        auto hand = waehlt({{x, y}}, static_cast<int>(art) + 1);
+        ASSERT_NE(neu(art), kNichtsGeaendert) << lesen(log);
+        hand.join();
+    }
     const std::string n = nr();
     EXPECT_EQ(eintraege(bib() / "000" / (n + "1.slb")), std::vector<std::string>{"1A"});
     EXPECT_NE(lesen(bib() / "000" / "Block" / (n + "1.dwg")).find("OBJEKT 2 LINIE"),
               std::string::npos);
     EXPECT_EQ(zeilen("SELECT BlkName1 FROM tblBlockInfo"), std::vector<std::string>{n + "_1"});
-}
-
-// A Variant: its drawing below "Block\Varia\", its row and its record.
-TEST_F(BearbeitenE2E, VarianteNeu) {
-    blockMitAnsichtUndVariante();
-    const std::string n = nr();
     EXPECT_EQ(zeilen("SELECT BlockName, BlockDateiName FROM tblVariationBloecke"),
               std::vector<std::string>{"Kreuz|" + n + "_1"});
     EXPECT_NE(lesen(bib() / "000" / "Block" / "Varia" / (n + "_10.dwg")).find("SIMHOST ZEICHNUNG"),
               std::string::npos);
     EXPECT_EQ(fs::file_size(bib() / "000" / "Block" / "Varia" / (n + ".dat")), 248u);
-}
 
-// The Variant choice runs before the insertion; the host inserts the
-// Variant's drawing, named after the Variant.
-TEST_F(BearbeitenE2E, VarianteWirdVorDemEinfuegenGewaehlt) {
-    blockMitAnsichtUndVariante();
-    const std::string n = nr();
-    EinfuegeAnfrage a;
-    a.strBibliothek = "c:\\Bib\\";
-    a.optionen.longVariantenfrage = 1;
-    typEinfuegeAuftrag auftrag;
-    auftrag.block.Block = n;
-    auftrag.block.OrdnerNr = "000";
-    auftrag.block.BlkName[0] = n;
-    auftrag.varianten = fctVariantenLesen(z, sitzung->modell(), n);
-    a.auftraege = {auftrag};
-    std::vector<std::string> angeboten;
-    a.variantenAuswahl = [&](const typEinfuegeAuftrag& x) -> std::optional<typVariante> {
-        for (const auto& va : x.varianten) angeboten.push_back(va.BlockName);
-        return x.varianten.at(0);
-    };
-    std::thread hand([&] {
-        if (warteAufLog(log, "INSERT WARTET AUF PUNKT"))
-            Hand().klick(1, 120, 150, desktop.haltenBisGesehen(platform::Key::LeftButton));
-    });
-    const auto r = fctBlockEinfuegen(z, v, typCadEinstellungen{}, a);
-    hand.join();
-    EXPECT_EQ(r.eingefuegt, 1);
-    EXPECT_EQ(angeboten, std::vector<std::string>{"Kreuz"});
-    ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
-    EXPECT_NE(lesen(log).find("datei=c:\\Bib\\000\\Block\\Varia\\" + n + "_10.dwg"),
-              std::string::npos)
-        << lesen(log);
-}
-
-// Enter with nothing picked: the host asks, "j" lets the user pick again,
-// and the Block is made from the second selection.
-TEST_F(BearbeitenE2E, KeinObjektGewaehltWiederholt) {
-    std::thread hand([&] {
-        if (!warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) return;
-        klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
-        Hand().enter();
-        if (!warteAufLog(log, "FRAGE Sie haben kein Objekt")) return;
-        Hand().buchstabe('j');
-        Hand().enter();
-        warteAufAnzahl("WBLOCK WAEHLT OBJEKTE", 2);
-        klickenBis(1, 441, 200, "GEWAEHLT ");
-        Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
-    });
-    EXPECT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
-    hand.join();
-    EXPECT_NE(lesen(bib() / "000" / "Block" / (nr() + "0.dwg")).find("OBJEKT 2 LINIE"),
-              std::string::npos)
-        << lesen(log);
-}
-
-// The View marked in the strip is the one inserted: its drawing, its name.
-TEST_F(BearbeitenE2E, MarkierteAnsichtWirdEingefuegt) {
-    blockMitAnsichtUndVariante();
-    const std::string n = nr();
     sitzung->setEinzufuegendeAnsicht(1);
     auto auftrag = EinzufuegendeAnsichtBestimmenUndRsEinlesen(z, *sitzung);
     ASSERT_TRUE(auftrag);
@@ -305,78 +241,6 @@ TEST_F(BearbeitenE2E, MarkierteAnsichtWirdEingefuegt) {
         lesen(log).find("INSERT block=" + n + "_11 datei=c:\\Bib\\000\\Block\\" + n + "1.dwg"),
         std::string::npos)
         << lesen(log);
-}
-
-// AutoCAD's automation server cannot run here: this document types each
-// command into the simulated host's command line, as AutoCAD hands the text
-// of SendCommand to its own, and answers the variables the route reads.
-class TastaturDokument : public AcadDokument {
-  public:
-    explicit TastaturDokument(platform::Desktop& d) : d_(d) {}
-    std::string GetVariable(const std::string& name) override {
-        return name == "CMDACTIVE" ? "0" : "1";
-    }
-    void SetVariable(const std::string&, const std::string&) override {}
-    void SendCommand(const std::string& text) override { d_.sendKeys(fctTastenSchuetzen(text)); }
-    std::string WindowTitle() override { return "Zeichnung1.dwg"; }
-    std::uintptr_t hwnd() override { return 0; }
-    void Close() override {}
-    long AuswahlAmBildschirm(const std::string&) override { return 0; }
-    void AuswahlAusblenden(const std::string&) override {}
-    std::string GetString(const std::string&) override { return {}; }
-    std::string GetPoint(const std::string&) override { return {}; }
-
-  private:
-    platform::Desktop& d_;
-};
-
-class TastaturAnwendung : public AcadAnwendung {
-  public:
-    explicit TastaturAnwendung(platform::Desktop& d)
-        : dok_(std::make_shared<TastaturDokument>(d)) {}
-    std::string Version() override { return "20.0s (LMS Tech)"; }
-    std::string Caption() override { return "AutoCAD 2015 - [Zeichnung1.dwg]"; }
-    std::string Name() override { return "AutoCAD"; }
-    std::string Path() override { return {}; }
-    long DocumentsCount() override { return 1; }
-    std::shared_ptr<AcadDokument> ActiveDocument() override { return dok_; }
-    std::string SupportPath() override { return {}; }
-
-  private:
-    std::shared_ptr<TastaturDokument> dok_;
-};
-
-// The command route of full AutoCAD with Insertion point C, chosen from the
-// points the View has: the block goes in at 0,0,0 and moves by C onto the
-// user's pick, so C lands under the cursor.
-TEST_F(BearbeitenE2E, EinfuegenMitPunktC_AutomationGefaelscht) {
-    auto hand = waehlt({{320, 199}});
-    ASSERT_NE(neu(NeuArt::Block), kNichtsGeaendert) << lesen(log);
-    hand.join();
-    typEinfuegepunkte punkte;
-    punkte[2] = {"40", "20", "0"};
-    ASSERT_TRUE(subEinfuegepunkteSchreiben(z, sitzung->modell(), nr(), 0, punkte));
-    auto auftrag = EinzufuegendeAnsichtBestimmenUndRsEinlesen(z, *sitzung);
-    ASSERT_TRUE(auftrag);
-    benutzer.wahlen = {"C"};
-    auftrag->nummerEinfuegepkt = VariaEinfuegepktBestimmen(z, sitzung->modell(), nr(), 0);
-    EXPECT_EQ(auftrag->nummerEinfuegepkt, 4);
-
-    v.acadApp = std::make_shared<TastaturAnwendung>(desktop);
-    v.typAcadVersionInfo.strACadVersion = "AutoCAD 2015";
-    EinfuegeAnfrage a;
-    a.strBibliothek = "c:\\Bib\\";
-    a.auftraege = {*auftrag};
-    std::thread ziel([&] {
-        if (warteAufLog(log, "MOVE WARTET AUF ZIEL")) klickenBis(1, 300, 249, " ziel=");
-    });
-    const auto r = fctBlockEinfuegen(z, v, typCadEinstellungen{}, a);
-    ziel.join();
-    EXPECT_EQ(r.eingefuegt, 1);
-    ASSERT_TRUE(warteAufLog(log, " ziel=")) << lesen(log);
-    const std::string l = lesen(log);
-    EXPECT_NE(l.find("punkt=0,0 "), std::string::npos) << l;
-    EXPECT_NE(l.find(" basis=40,20 ziel=300,150"), std::string::npos) << l;
 }
 
 }  // namespace

@@ -75,28 +75,20 @@ int gruenePixel(platform::WindowHandle fenster, const fs::path& png) {
     return gruen;
 }
 
-class FensterE2E : public ::testing::Test {
+// The host test's directory, desktop and host, and the window program beside
+// them; both processes map "c:\" to the same directory.
+class FensterE2E : public HostTest {
   protected:
     void SetUp() override {
-        verzeichnis =
-            fs::temp_directory_path() / ("tessara_fenster_e2e_" + std::to_string(getpid()));
-        fs::remove_all(verzeichnis);
-        fs::create_directories(verzeichnis / "c");
+        HostTest::SetUp();
         fs::create_directories(verzeichnis / "run");
         fs::permissions(verzeichnis / "run", fs::perms::owner_all);
         fs::create_directories(verzeichnis / "common" / "Tessara");
-        // Both processes map "c:\" to the same directory.
-        setenv("TESSARA_DRIVE_C", (verzeichnis / "c").c_str(), 1);
-        log = verzeichnis / "simhost.log";
         ausgabe = verzeichnis / "tessara.txt";
-        ASSERT_TRUE(desktop.connected()) << "no X server";
-        ASSERT_TRUE(desktop.canType()) << "no XTest extension";
     }
     void TearDown() override {
         prozessBeenden(programm);
-        prozessBeenden(host);
-        std::error_code ec;
-        fs::remove_all(verzeichnis, ec);
+        HostTest::TearDown();
     }
 
     // The window program with private places for everything it writes.
@@ -132,33 +124,45 @@ class FensterE2E : public ::testing::Test {
         return vorn ? fenster : 0;
     }
 
-    fs::path verzeichnis, log, ausgabe;
-    pid_t host = 0, programm = 0;
-    platform::X11Desktop desktop;
+    // The batch tool's demo library without its marked blocks (they would go
+    // in instead of the selection), then the statements given.
+    std::string demoBibliothek(std::vector<std::string> sql = {}) {
+        const std::string db = (verzeichnis / "c" / "Bib" / "dbTessara.mdb").string();
+        EXPECT_FALSE(cli("make-demo-library " + (verzeichnis / "c" / "Bib").string()).empty());
+        sql.insert(sql.begin(), "DELETE FROM tblMarkierteBloecke");
+        for (const auto& s : sql) EXPECT_FALSE(cli("sql " + db + " \"" + s + "\"").empty()) << s;
+        return db;
+    }
+    // The user brings the window forward (slot 0 of the first Folder's first
+    // Page is selected after start), presses Enter, walks `runter` down the
+    // Variant list when it comes, and picks the point; the pick is held until
+    // the host has the insertion: the program types its answers only once it
+    // has seen the button down. The host's log then.
+    std::string enterUndKlick(int runter = -1) {
+        EXPECT_NE(nachVorne(), 0u);
+        Hand().enter();
+        if (runter >= 0) {
+            EXPECT_NE(warteAufFenster(desktop, "Variante wählen"), 0u) << lesen(ausgabe);
+            for (int i = 0; i < runter; ++i) Hand().runter();
+            Hand().enter();
+        }
+        EXPECT_TRUE(warteAufLog(log, "INSERT WARTET AUF PUNKT")) << lesen(log) << lesen(ausgabe);
+        Hand().klick(1, 120, 150, [&] { warteAufLog(log, "INSERT block="); });
+        EXPECT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
+        return lesen(log);
+    }
+
+    fs::path ausgabe;
+    pid_t programm = 0;
 };
 
 TEST_F(FensterE2E, EnterFuegtDenGewaehltenBlockEin) {
-    const fs::path bib = verzeichnis / "c" / "Bib";
-    const std::string db = (bib / "dbTessara.mdb").string();
-    ASSERT_FALSE(cli("make-demo-library " + bib.string()).empty());
-    // Marked blocks go in instead of the selection; the demo library has some.
-    ASSERT_FALSE(cli("sql " + db + " \"DELETE FROM tblMarkierteBloecke\"").empty());
-    const auto block = ersteZeile(
-        cli("sql " + db + " \"SELECT BlkName0, Layer FROM tblBlockInfo WHERE Block = '0000000'\""));
+    const auto block =
+        ersteZeile(cli("sql " + demoBibliothek() +
+                       " \"SELECT BlkName0, Layer FROM tblBlockInfo WHERE Block = '0000000'\""));
     ASSERT_EQ(block.size(), 2u);
     ASSERT_NO_FATAL_FAILURE(starten());
-
-    // The user brings the window forward (slot 0 of the first Folder's first
-    // Page is selected after start) and presses Enter.
-    ASSERT_NE(nachVorne(), 0u);
-    Hand().enter();
-    ASSERT_TRUE(warteAufLog(log, "INSERT WARTET AUF PUNKT")) << lesen(log) << lesen(ausgabe);
-    // The pick is held until the host has the insertion: the program types
-    // its answers only once it has seen the button down.
-    Hand().klick(1, 120, 150, [&] { warteAufLog(log, "INSERT block="); });
-
-    ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
-    const std::string l = lesen(log);
+    const std::string l = enterUndKlick();
     const std::string punkt = zeilenRest(l, "PUNKT ");
     ASSERT_FALSE(punkt.empty()) << l;
     EXPECT_NE(l.find("INSERT block=" + block[0] +
@@ -216,28 +220,15 @@ TEST_F(FensterE2E, NeuImFensterLegtDenBlockAn) {
 // down to the Variant, and the host inserts the Variant's drawing under its
 // name (and the View digit, as every block taken from the library).
 TEST_F(FensterE2E, VarianteWirdVorDemEinfuegenGewaehlt) {
-    const fs::path bib = verzeichnis / "c" / "Bib";
-    const std::string db = (bib / "dbTessara.mdb").string();
-    ASSERT_FALSE(cli("make-demo-library " + bib.string()).empty());
-    ASSERT_FALSE(cli("sql " + db + " \"DELETE FROM tblMarkierteBloecke\"").empty());
-    ASSERT_FALSE(cli("sql " + db +
-                     " \"INSERT INTO tblVariationBloecke (BlockName, BlockID, BlockDateiName) "
-                     "SELECT 'Ventil flach', Nr, '00000000_1' FROM tblBlockInfo WHERE Block = "
-                     "'0000000'\"")
-                     .empty());
-    fs::create_directories(bib / "000" / "Block" / "Varia");
-    std::ofstream(bib / "000" / "Block" / "Varia" / "00000000_10.dwg") << "SIMHOST ZEICHNUNG\n";
+    demoBibliothek(
+        {"INSERT INTO tblVariationBloecke (BlockName, BlockID, BlockDateiName) SELECT "
+         "'Ventil flach', Nr, '00000000_1' FROM tblBlockInfo WHERE Block = '0000000'"});
+    const fs::path varia = verzeichnis / "c" / "Bib" / "000" / "Block" / "Varia";
+    fs::create_directories(varia);
+    std::ofstream(varia / "00000000_10.dwg") << "SIMHOST ZEICHNUNG\n";
     ASSERT_NO_FATAL_FAILURE(starten());
-    ASSERT_NE(nachVorne(), 0u);
-    Hand().enter();
-    ASSERT_NE(warteAufFenster(desktop, "Variante wählen"), 0u) << lesen(ausgabe);
-    Hand().runter();
-    Hand().enter();
-    ASSERT_TRUE(warteAufLog(log, "INSERT WARTET AUF PUNKT")) << lesen(log) << lesen(ausgabe);
-    Hand().klick(1, 120, 150, [&] { warteAufLog(log, "INSERT block="); });
-    ASSERT_TRUE(warteAufLog(log, "INSERT block=")) << lesen(log);
-    EXPECT_NE(lesen(log).find("INSERT block=Ventil flach0 datei=c:\\Bib\\000\\Block\\Varia\\"
-                              "00000000_10.dwg"),
+    EXPECT_NE(enterUndKlick(1).find(
+                  "INSERT block=Ventil flach0 datei=c:\\Bib\\000\\Block\\Varia\\00000000_10.dwg"),
               std::string::npos)
         << lesen(log);
 }
