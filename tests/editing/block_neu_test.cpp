@@ -225,7 +225,9 @@ TEST_F(BlockNeuTest, BlockprogrammNachFrage) {
         ASSERT_TRUE(neu(NeuArt::Block).booAngelegt);
         EXPECT_EQ(fs::exists(ziel), frage == 1);
         EXPECT_EQ(gezeigt().size(), static_cast<std::size_t>(frage));
-        if (frage == 1) EXPECT_EQ(dateiInhalt(ziel), "(defun c:tuer () (princ))");
+        if (frage == 1) {
+            EXPECT_EQ(dateiInhalt(ziel), "(defun c:tuer () (princ))");
+        }
         TearDown();
     }
 }

@@ -201,7 +201,9 @@ TEST_F(ServerCatalogue, KilledPushLeavesNothingAndARerunCompletesIt) {
         const std::string tables =
             server.psql(db, "SELECT count(*) FROM pg_tables WHERE schemaname = 'public'");
         EXPECT_TRUE(tables == "0\n" || tables == "7\n") << nach << ": " << tables;
-        if (tables == "0\n") EXPECT_EQ((run("server push " + lib), code), 0) << nach;
+        if (tables == "0\n") {
+            EXPECT_EQ((run("server push " + lib), code), 0) << nach;
+        }
         EXPECT_EQ(server.psql(db, "SELECT count(*) FROM \"tblBlockInfo\""), "194\n") << nach;
     }
 }
@@ -248,7 +250,9 @@ TEST_F(ServerCatalogue, BadConnectionDataGivesOneClearMessage) {
         {port, "kat", pw, tessara::kMsgServerAntwortetNicht},  // after the server stopped
     };
     for (const auto& c : cases) {
-        if (&c == &cases[4]) ASSERT_EQ(server.stopFast(), "");
+        if (&c == &cases[4]) {
+            ASSERT_EQ(server.stopFast(), "");
+        }
         std::ofstream(dir / "pg" / "dbTessara.ini", std::ios::binary)
             << "[Server]\r\nhost=127.0.0.1\r\nport=" << c.port << "\r\ndatabase=" << c.database
             << "\r\nuser=tessara\r\n";
