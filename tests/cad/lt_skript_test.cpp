@@ -61,7 +61,8 @@ class LtKanal : public CadUmgebung {
         const std::string k = s.substr(0, gleich), w = gleich == s.npos ? "" : s.substr(gleich + 1);
         auto neu = [&](bool variante) {
             const auto r = ACadLtBlockNeu(
-                z, v, e, {"c:\\Bib\\", "001", variante ? "Var7" : "0010C", 0, variante});
+                z, v, e,
+                {"c:\\Bib\\", "001", variante ? "Var7" : "0010C", 0, variante, {}, {}, false});
             ist.push_back(k + ": " + r.strZeichnung +
                           " besteht=" + std::to_string(r.booDateiBesteht) +
                           " abgebrochen=" + std::to_string(r.booAbgebrochen) +
@@ -148,7 +149,7 @@ TEST_F(LtKanal, Faelle) {
                       std::to_string(desktop.queries(platform::Key::Escape)));
         for (const auto& g : benutzer.gezeigt) ist.push_back("gezeigt: " + g.text);
         std::istringstream skript(lesen("c:\\temp\\bv8LT.scr"));
-        for (std::string zeile; std::getline(skript, zeile);) ist.push_back("Skript: " + zeile);
+        for (std::string l; std::getline(skript, l);) ist.push_back("Skript: " + l);
     }
     goldenVergleich("lt_kanal.txt", ist);
 }
