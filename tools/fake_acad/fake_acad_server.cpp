@@ -1,7 +1,8 @@
 // A fake AutoCAD automation server for the tests under wine: real AutoCAD
 // cannot run here, so this local server stands in for "AutoCAD.Application"
 // over real COM. It answers the members the CAD bridge uses with fixed
-// values of an AutoCAD 2015, and appends every call it receives to
+// values of an AutoCAD 2015, fires AutoCAD's application and drawing events
+// through connection points, and appends every call it receives to
 // <dir>\aufrufe.log for the test to compare.
 //
 //   fake_acad_server.exe --verzeichnis DIR [-Embedding]
