@@ -248,8 +248,24 @@ TEST_F(AcadUeberComMitFakeServer, HostEreignisseInReihenfolgeBisZumEnde) {
     v.acadApp->EreignisseAbbestellen();
 }
 
+// The program's menu goes to the host through MenuGroups.Load, its
+// AutoLISP file through the command line.
+TEST_F(AcadUeberComMitFakeServer, MenueDateienUeberMenuGroupsGeladen) {
+    serverLaeuft();
+    std::filesystem::create_directories("c:\\tessara_prog");
+    z.strAppPfad = "c:\\tessara_prog";
+    z.strExeName = "tessara.exe";
+    ASSERT_TRUE(fctMenueDateienLaden(z, v));
+    EXPECT_EQ(neueAufrufe(),
+              "Application.MenuGroups\n"
+              "MenuGroups.Load(\"c:\\tessara_prog\\tessara.mnu\")\n"
+              "Application.ActiveDocument\n"
+              "Document.SendCommand(\"(load \"c:\\\\tessara_prog\\\\tessara.mnl\") \")\n");
+}
+
 // After unsubscribing, the host's receivers are gone (its log shows each
-// Unadvise) and a drawing activated again tells nobody.
+// Unadvise) and a drawing activated again tells nobody. A host killed while
+// subscribed is let go without waiting.
 TEST_F(AcadUeberComMitFakeServer, AbbestellenBeendetDieEreignisse) {
     serverLaeuft();
     int gehoert = 0;
@@ -264,21 +280,15 @@ TEST_F(AcadUeberComMitFakeServer, AbbestellenBeendetDieEreignisse) {
     pumpenBis([] { return true; });
     EXPECT_EQ(gehoert, 1);
     EXPECT_EQ(neueAufrufe(), lesen(toWide(TESSARA_WINDOWS_GOLDEN) + L"\\acad_com_ereignisse.txt"));
-}
-
-// The program's menu goes to the host through MenuGroups.Load, its
-// AutoLISP file through the command line.
-TEST_F(AcadUeberComMitFakeServer, MenueDateienUeberMenuGroupsGeladen) {
-    serverLaeuft();
-    std::filesystem::create_directories("c:\\tessara_prog");
-    z.strAppPfad = "c:\\tessara_prog";
-    z.strExeName = "tessara.exe";
-    ASSERT_TRUE(fctMenueDateienLaden(z, v));
-    EXPECT_EQ(neueAufrufe(),
-              "Application.MenuGroups\n"
-              "MenuGroups.Load(\"c:\\tessara_prog\\tessara.mnu\")\n"
-              "Application.ActiveDocument\n"
-              "Document.SendCommand(\"(load \"c:\\\\tessara_prog\\\\tessara.mnl\") \")\n");
+    ASSERT_TRUE(v.acadApp->EreignisseAbonnieren([&](AcadEreignis, const std::string&) {}));
+    DWORD pid = 0;
+    GetWindowThreadProcessId(FindWindowW(L"TessaraFakeAcad", nullptr), &pid);
+    const HANDLE host = OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, pid);
+    ASSERT_NE(host, nullptr);
+    TerminateProcess(host, 9);
+    WaitForSingleObject(host, INFINITE);
+    CloseHandle(host);
+    v.acadApp->EreignisseAbbestellen();
 }
 
 }  // namespace
