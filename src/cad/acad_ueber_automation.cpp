@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstdio>
+#include <map>
 
 namespace tessara {
 
@@ -135,9 +136,53 @@ class Dokument : public AcadDokument {
     std::shared_ptr<AutomationObject> d_;
 };
 
+// AutoCAD's outgoing interfaces, _DAcadApplicationEvents and
+// _DAcadDocumentEvents, and the numbers of the members the program follows,
+// as AutoCAD's type library declares them.
+constexpr const char* kAnwendungsEreignisse = "{2974A76E-A19B-11D1-A2B0-080009DC639A}";
+constexpr const char* kDokumentEreignisse = "{976858E1-0B7B-11D0-89DF-00805FC2FBBA}";
+constexpr long kBeginQuit = 0x08, kEndOpen = 0x16;
+constexpr long kActivate = 0x0C, kBeginClose = 0x21;
+
+// One subscription to a host: its application's events and those of every
+// drawing open in it. Document events are the drawing's own, so each drawing
+// opened later is subscribed as its EndOpen arrives, and a drawing's
+// subscription ends with its BeginClose.
+struct Abonnement {
+    AcadEreignisEmpfaenger empfaenger;
+    std::unique_ptr<platform::AutomationEvents> anwendung;
+    std::map<int, std::unique_ptr<platform::AutomationEvents>> dokumente;
+    int naechstes = 0;
+
+    void melden(AcadEreignis e, const std::string& datei) {
+        // A copy: the receiver may end this subscription.
+        const auto an = empfaenger;
+        if (an) an(e, datei);
+    }
+
+    static void dokument(const std::shared_ptr<Abonnement>& abo,
+                         const std::shared_ptr<AutomationObject>& d, const std::string& datei) {
+        const int nr = abo->naechstes++;
+        std::weak_ptr<Abonnement> w = abo;
+        abo->dokumente[nr] =
+            d->connectEvents(kDokumentEreignisse, [w, nr, datei](long id, const auto&) {
+                auto a = w.lock();
+                if (!a) return;
+                if (id == kActivate) {
+                    a->melden(AcadEreignis::DokumentAktiviert, datei);
+                } else if (id == kBeginClose) {
+                    auto ende = std::move(a->dokumente[nr]);
+                    a->dokumente.erase(nr);
+                    a->melden(AcadEreignis::DokumentGeschlossen, datei);
+                }
+            });
+    }
+};
+
 class Anwendung : public AcadAnwendung {
   public:
     explicit Anwendung(std::shared_ptr<AutomationObject> a) : a_(std::move(a)) {}
+    ~Anwendung() override { EreignisseAbbestellen(); }
     std::string Version() override { return text("Version"); }
     std::string Caption() override { return text("Caption"); }
     std::string Name() override { return text("Name"); }
@@ -169,7 +214,59 @@ class Anwendung : public AcadAnwendung {
         });
     }
 
+    bool EreignisseAbonnieren(AcadEreignisEmpfaenger empfaenger) override {
+        EreignisseAbbestellen();
+        auto abo = std::make_shared<Abonnement>();
+        abo->empfaenger = std::move(empfaenger);
+        std::weak_ptr<Abonnement> w = abo;
+        try {
+            abo->anwendung = a_->connectEvents(
+                kAnwendungsEreignisse, [w, app = a_](long id, const std::vector<Variant>& args) {
+                    auto a = w.lock();
+                    if (!a) return;
+                    if (id == kEndOpen) {
+                        const std::string datei = args.empty() ? "" : fctVariantText(args[0]);
+                        try {
+                            Abonnement::dokument(
+                                a, objekt(app->get("ActiveDocument"), "ActiveDocument"), datei);
+                        } catch (const std::exception&) {
+                            // The drawing's own events stay unheard; the
+                            // opening is still told.
+                        }
+                        a->melden(AcadEreignis::DokumentGeoeffnet, datei);
+                    } else if (id == kBeginQuit) {
+                        a->melden(AcadEreignis::AnwendungEnde, "");
+                    }
+                });
+        } catch (const platform::AutomationError& e) {
+            if (e.number() == 438) return false;  // a host without events
+            throw AcadFehler(e.what(), e.number());
+        }
+        haltFehler([&] {
+            auto docs = objekt(a_->get("Documents"), "Documents");
+            const long n = static_cast<long>(docs->get("Count").integer);
+            for (long i = 0; i < n; ++i) {
+                auto d = objekt(
+                    docs->call("Item", {Variant::fromInt(static_cast<std::int32_t>(i))}), "Item");
+                Abonnement::dokument(abo, d, fctVariantText(d->get("FullName")));
+            }
+            return 0;
+        });
+        abo_ = std::move(abo);
+        return true;
+    }
+    void EreignisseAbbestellen() override {
+        // Ends every subscription, each telling the host; a host that has
+        // died is not waited for.
+        auto abo = std::move(abo_);
+        if (!abo) return;
+        abo->empfaenger = nullptr;
+        abo->dokumente.clear();
+        abo->anwendung.reset();
+    }
+
   private:
+    std::shared_ptr<Abonnement> abo_;
     std::string text(const char* eigenschaft) {
         return haltFehler([&] { return fctVariantText(a_->get(eigenschaft)); });
     }

@@ -4,6 +4,7 @@
 // with a small set of argument and result types. On Windows it runs over
 // IDispatch (win32/com_automation.h); tests fake AutomationObject.
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -78,6 +79,18 @@ class AutomationError : public std::runtime_error {
     long number_;
 };
 
+// One subscription to an object's outgoing events. Destroying it ends the
+// subscription; after that the handler is never called again, even by a
+// source that still holds on to it.
+class AutomationEvents {
+  public:
+    virtual ~AutomationEvents() = default;
+};
+
+// An event as the source fires it: the member's number in the event
+// interface and its arguments in declaration order.
+using AutomationEventHandler = std::function<void(long member, const std::vector<Variant>& args)>;
+
 class AutomationObject {
   public:
     virtual ~AutomationObject() = default;
@@ -85,6 +98,16 @@ class AutomationObject {
     virtual Variant get(const std::string& property, const std::vector<Variant>& args = {}) = 0;
     virtual void put(const std::string& property, const Variant& value) = 0;
     virtual Variant call(const std::string& method, const std::vector<Variant>& args = {}) = 0;
+    // Subscribes to the outgoing interface named by its identifier
+    // ("{xxxxxxxx-...}"), as VB's WithEvents does. The handler runs on the
+    // thread that subscribed, while it waits for messages. An object without
+    // that interface throws error 438.
+    virtual std::unique_ptr<AutomationEvents> connectEvents(const std::string& interfaceId,
+                                                            AutomationEventHandler handler) {
+        (void)interfaceId;
+        (void)handler;
+        throw AutomationError("Object doesn't support events", 438);
+    }
 };
 
 class AutomationHost {

@@ -1,7 +1,8 @@
 // A fake AutoCAD automation server for the tests under wine: real AutoCAD
 // cannot run here, so this local server stands in for "AutoCAD.Application"
 // over real COM. It answers the members the CAD bridge uses with fixed
-// values of an AutoCAD 2015, and appends every call it receives to
+// values of an AutoCAD 2015, fires AutoCAD's application and drawing events
+// through connection points, and appends every call it receives to
 // <dir>\aufrufe.log for the test to compare.
 //
 //   fake_acad_server.exe --verzeichnis DIR [-Embedding]
@@ -14,6 +15,7 @@
 // windows.h first: the OLE headers build on it.
 #include <ole2.h>
 #include <oleauto.h>
+#include <olectl.h>
 #include <shellapi.h>
 
 #include <cwchar>
@@ -92,9 +94,49 @@ void zahl(VARIANT* ergebnis, LONG n, VARTYPE typ = VT_I4) {
     }
 }
 
+class Objekt;
+
+// An outgoing interface of an object: the receivers that advised it, to whom
+// the events go. It lives as long as its object and counts that object's
+// references.
+class Verbindungspunkt : public IConnectionPoint {
+  public:
+    Verbindungspunkt(Objekt& besitzer, const IID& iid) : besitzer_(besitzer), iid_(iid) {}
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** aus) override {
+        if (!aus) return E_POINTER;
+        if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IConnectionPoint)) {
+            *aus = static_cast<IConnectionPoint*>(this);
+            AddRef();
+            return S_OK;
+        }
+        *aus = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override;
+    ULONG STDMETHODCALLTYPE Release() override;
+    HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID* iid) override {
+        *iid = iid_;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(IConnectionPointContainer** c) override;
+    HRESULT STDMETHODCALLTYPE Advise(IUnknown* empfaenger, DWORD* nummer) override;
+    HRESULT STDMETHODCALLTYPE Unadvise(DWORD nummer) override;
+    HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
+    // Calls every receiver; one that advises or unadvises meanwhile does not
+    // disturb the round.
+    void feuern(DISPID id, const std::string& name, std::vector<VARIANT>& args);
+
+  private:
+    Objekt& besitzer_;
+    IID iid_;
+    std::map<DWORD, IDispatch*> empfaenger_;
+    DWORD naechste_ = 1;
+};
+
 // One automation object: its members by name, each answering with the
-// arguments in call order (IDispatch hands them over last to first).
-class Objekt : public IDispatch {
+// arguments in call order (IDispatch hands them over last to first), and
+// the outgoing interfaces it fires events through.
+class Objekt : public IDispatch, public IConnectionPointContainer {
   public:
     using Mitglied = std::function<HRESULT(const std::vector<VARIANT*>& args, VARIANT* ergebnis)>;
 
@@ -112,8 +154,34 @@ class Objekt : public IDispatch {
             AddRef();
             return S_OK;
         }
+        if (IsEqualIID(iid, IID_IConnectionPointContainer) && !punkte_.empty()) {
+            *aus = static_cast<IConnectionPointContainer*>(this);
+            AddRef();
+            return S_OK;
+        }
         *aus = nullptr;
         return E_NOINTERFACE;
+    }
+    const std::string& name() const { return name_; }
+    Verbindungspunkt* quelle(const IID& iid) {
+        punkte_.push_back(std::make_unique<Verbindungspunkt>(*this, iid));
+        punkte_iids_.push_back(iid);
+        return punkte_.back().get();
+    }
+    HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints**) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID iid, IConnectionPoint** aus) override {
+        if (!aus) return E_POINTER;
+        *aus = nullptr;
+        for (std::size_t i = 0; i < punkte_.size(); ++i) {
+            if (IsEqualIID(iid, punkte_iids_[i])) {
+                *aus = punkte_[i].get();
+                (*aus)->AddRef();
+                return S_OK;
+            }
+        }
+        return CONNECT_E_NOCONNECTION;
     }
     ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++zaehler_); }
     ULONG STDMETHODCALLTYPE Release() override {
@@ -165,8 +233,64 @@ class Objekt : public IDispatch {
     std::string name_;
     std::vector<std::wstring> namen_;
     std::vector<Mitglied> mitglieder_;
+    std::vector<std::unique_ptr<Verbindungspunkt>> punkte_;
+    std::vector<IID> punkte_iids_;
     long zaehler_ = 1;
 };
+
+ULONG Verbindungspunkt::AddRef() { return besitzer_.AddRef(); }
+ULONG Verbindungspunkt::Release() { return besitzer_.Release(); }
+
+HRESULT Verbindungspunkt::GetConnectionPointContainer(IConnectionPointContainer** c) {
+    return besitzer_.QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(c));
+}
+
+HRESULT Verbindungspunkt::Advise(IUnknown* empfaenger, DWORD* nummer) {
+    if (!empfaenger || !nummer) return E_POINTER;
+    // The receiver is asked for the event interface, as AutoCAD asks; here,
+    // with no type library registered to marshal it between processes, its
+    // IDispatch serves as well, since every event is dispatched.
+    IDispatch* d = nullptr;
+    if (FAILED(empfaenger->QueryInterface(iid_, reinterpret_cast<void**>(&d))) || !d) {
+        d = nullptr;
+        if (FAILED(empfaenger->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&d))) || !d)
+            return CONNECT_E_CANNOTCONNECT;
+    }
+    *nummer = naechste_++;
+    empfaenger_[*nummer] = d;
+    schreib(besitzer_.name() + ".Advise");
+    return S_OK;
+}
+
+HRESULT Verbindungspunkt::Unadvise(DWORD nummer) {
+    const auto it = empfaenger_.find(nummer);
+    if (it == empfaenger_.end()) return CONNECT_E_NOCONNECTION;
+    IDispatch* d = it->second;
+    empfaenger_.erase(it);
+    schreib(besitzer_.name() + ".Unadvise");
+    d->Release();
+    return S_OK;
+}
+
+void Verbindungspunkt::feuern(DISPID id, const std::string& name, std::vector<VARIANT>& args) {
+    std::vector<IDispatch*> alle;
+    for (const auto& [nummer, d] : empfaenger_) {
+        d->AddRef();
+        alle.push_back(d);
+    }
+    if (alle.empty()) return;
+    schreib("EREIGNIS " + besitzer_.name() + "." + name);
+    // IDispatch takes the arguments last to first.
+    std::vector<VARIANT> umgekehrt(args.rbegin(), args.rend());
+    DISPPARAMS p{umgekehrt.empty() ? nullptr : umgekehrt.data(), nullptr,
+                 static_cast<UINT>(umgekehrt.size()), 0};
+    for (IDispatch* d : alle) {
+        // A receiver that has gone answers with an error; the others still hear.
+        d->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &p, nullptr, nullptr,
+                  nullptr);
+        d->Release();
+    }
+}
 
 HRESULT objektZurueck(VARIANT* ergebnis, Objekt* o) {
     if (!ergebnis) return S_OK;
@@ -203,7 +327,59 @@ struct Modell {
     // and DWGPREFIX as text.
     std::map<std::wstring, std::wstring> variablen;
     std::map<std::wstring, Objekt*> auswahlsaetze;
+    Objekt* saetze = nullptr;
+    Objekt* werkzeug = nullptr;
+    Verbindungspunkt* anwendungsEreignisse = nullptr;
+    // The open drawings, the first one's window title "Zeichnung1.dwg".
+    std::vector<Objekt*> dokumente;
+    std::map<Objekt*, Verbindungspunkt*> dokumentEreignisse;
+    Objekt* aktiv = nullptr;
 };
+
+// AutoCAD's outgoing interfaces, _DAcadApplicationEvents and
+// _DAcadDocumentEvents, and the numbers of the events the fake fires, as
+// AutoCAD's type library declares them.
+constexpr IID kAnwendungsEreignisse = {
+    0x2974a76e, 0xa19b, 0x11d1, {0xa2, 0xb0, 0x08, 0x00, 0x09, 0xdc, 0x63, 0x9a}};
+constexpr IID kDokumentEreignisse = {
+    0x976858e1, 0x0b7b, 0x11d0, {0x89, 0xdf, 0x00, 0x80, 0x5f, 0xc2, 0xfb, 0xba}};
+constexpr DISPID kBeginQuit = 0x08, kEndOpen = 0x16, kActivate = 0x0C, kBeginClose = 0x21;
+constexpr UINT kEreignisNachricht = WM_APP + 1;
+
+// An event goes out from the message loop after the call that caused it has
+// returned, as AutoCAD tells of a drawing once it is open.
+struct Ereignis {
+    Verbindungspunkt* punkt;
+    DISPID id;
+    std::string name;
+    std::wstring datei;  // EndOpen's argument
+};
+
+void ereignisSenden(Verbindungspunkt* punkt, DISPID id, std::string name, std::wstring datei = {}) {
+    punkt->AddRef();
+    PostMessageW(
+        fenster, kEreignisNachricht, 0,
+        reinterpret_cast<LPARAM>(new Ereignis{punkt, id, std::move(name), std::move(datei)}));
+}
+
+void ereignisFeuern(Ereignis& e) {
+    std::vector<VARIANT> args;
+    VARIANT_BOOL abbrechen = VARIANT_FALSE;  // BeginQuit's "Cancel", never set by this program
+    VARIANT v;
+    VariantInit(&v);
+    if (e.id == kEndOpen) {
+        v.vt = VT_BSTR;
+        v.bstrVal = SysAllocString(e.datei.c_str());
+        args.push_back(v);
+    } else if (e.id == kBeginQuit) {
+        v.vt = VT_BOOL | VT_BYREF;
+        v.pboolVal = &abbrechen;
+        args.push_back(v);
+    }
+    e.punkt->feuern(e.id, e.name, args);
+    for (auto& a : args) VariantClear(&a);
+    e.punkt->Release();
+}
 
 std::wstring gross(std::wstring s) {
     for (auto& c : s) c = static_cast<wchar_t>(std::towupper(c));
@@ -272,14 +448,12 @@ void dateiBefehle(const std::wstring& text) {
     }
 }
 
-Objekt* modellBauen(Modell& m) {
-    m.variablen = {{L"FILEDIA", L"1"},         {L"ATTREQ", L"1"},
-                   {L"ORTHOMODE", L"1"},       {L"CMDECHO", L"1"},
-                   {L"CMDACTIVE", L"0"},       {L"EXPERT", L"0"},
-                   {L"EXTMIN", L"10,20,0"},    {L"EXTMAX", L"410,317,0"},
-                   {L"INSBASE", L"12.5,20,0"}, {L"DWGPREFIX", m.verzeichnis + L"\\Zeichnungen\\"}};
-
+// A drawing: its members answer for the whole session (the system
+// variables, selection sets and command-line answers are the host's), its
+// title and full name are its own.
+Objekt* dokumentBauen(Modell& m, const std::wstring& voll) {
     auto* dokument = new Objekt("Document");
+    const std::wstring titel = voll.substr(voll.find_last_of(L'\\') + 1);
     dokument->mitglied(L"GetVariable", [&m](const auto& args, VARIANT* e) {
         const auto it = m.variablen.find(gross(argText(args, 0)));
         if (it == m.variablen.end()) return DISP_E_EXCEPTION;
@@ -300,7 +474,45 @@ Objekt* modellBauen(Modell& m) {
         dateiBefehle(argText(args, 0));
         return S_OK;
     });
-    auto* saetze = new Objekt("SelectionSets");
+    dokument->mitglied(L"SelectionSets",
+                       [&m](const auto&, VARIANT* e) { return objektZurueck(e, m.saetze); });
+    dokument->mitglied(L"Utility",
+                       [&m](const auto&, VARIANT* e) { return objektZurueck(e, m.werkzeug); });
+    dokument->mitglied(L"WindowTitle", [titel](const auto&, VARIANT* e) {
+        text(e, titel);
+        return S_OK;
+    });
+    dokument->mitglied(L"hwnd", [](const auto&, VARIANT* e) {
+        zahl(e, static_cast<LONG>(reinterpret_cast<LONG_PTR>(fenster)));
+        return S_OK;
+    });
+    dokument->mitglied(L"FullName", [voll](const auto&, VARIANT* e) {
+        text(e, voll);
+        return S_OK;
+    });
+    auto* ereignisse = m.dokumentEreignisse[dokument] = dokument->quelle(kDokumentEreignisse);
+    dokument->mitglied(L"Activate", [&m, dokument, ereignisse](const auto&, VARIANT*) {
+        m.aktiv = dokument;
+        ereignisSenden(ereignisse, kActivate, "Activate");
+        return S_OK;
+    });
+    // The first drawing stays open in the model, so that the calls after a
+    // Close still find one.
+    dokument->mitglied(L"Close", [&m, dokument, ereignisse](const auto&, VARIANT*) {
+        ereignisSenden(ereignisse, kBeginClose, "BeginClose");
+        if (dokument != m.dokumente.front()) {
+            std::erase(m.dokumente, dokument);
+            if (m.aktiv == dokument) m.aktiv = m.dokumente.back();
+        }
+        return S_OK;
+    });
+    m.dokumente.push_back(dokument);
+    m.aktiv = dokument;
+    return dokument;
+}
+
+Objekt* modellBauen(Modell& m) {
+    auto* saetze = m.saetze = new Objekt("SelectionSets");
     saetze->mitglied(L"Add", [&m](const auto& args, VARIANT* e) {
         const std::wstring name = gross(argText(args, 0));
         if (m.auswahlsaetze.count(name)) return DISP_E_EXCEPTION;  // AutoCAD refuses a name in use
@@ -310,10 +522,8 @@ Objekt* modellBauen(Modell& m) {
         const auto it = m.auswahlsaetze.find(gross(argText(args, 0)));
         return it == m.auswahlsaetze.end() ? DISP_E_EXCEPTION : objektZurueck(e, it->second);
     });
-    dokument->mitglied(L"SelectionSets",
-                       [saetze](const auto&, VARIANT* e) { return objektZurueck(e, saetze); });
     // The user's answers on the command line.
-    auto* werkzeug = new Objekt("Utility");
+    auto* werkzeug = m.werkzeug = new Objekt("Utility");
     werkzeug->mitglied(L"GetString", [](const auto&, VARIANT* e) {
         text(e, L"j");
         return S_OK;
@@ -323,23 +533,36 @@ Objekt* modellBauen(Modell& m) {
         punkt(e, n++ % 2 ? L"320.5,240,0" : L"120.5,80,0");
         return S_OK;
     });
-    dokument->mitglied(L"Utility",
-                       [werkzeug](const auto&, VARIANT* e) { return objektZurueck(e, werkzeug); });
-    dokument->mitglied(L"WindowTitle", [](const auto&, VARIANT* e) {
-        text(e, L"Zeichnung1.dwg");
-        return S_OK;
-    });
-    dokument->mitglied(L"hwnd", [](const auto&, VARIANT* e) {
-        zahl(e, static_cast<LONG>(reinterpret_cast<LONG_PTR>(fenster)));
-        return S_OK;
-    });
-    dokument->mitglied(L"Close", [](const auto&, VARIANT*) { return S_OK; });
 
+    m.variablen = {{L"FILEDIA", L"1"},         {L"ATTREQ", L"1"},
+                   {L"ORTHOMODE", L"1"},       {L"CMDECHO", L"1"},
+                   {L"CMDACTIVE", L"0"},       {L"EXPERT", L"0"},
+                   {L"EXTMIN", L"10,20,0"},    {L"EXTMAX", L"410,317,0"},
+                   {L"INSBASE", L"12.5,20,0"}, {L"DWGPREFIX", m.verzeichnis + L"\\Zeichnungen\\"}};
+
+    dokumentBauen(m, m.verzeichnis + L"\\Zeichnungen\\Zeichnung1.dwg");
     auto* dokumente = new Objekt("Documents");
-    dokumente->mitglied(L"Count", [](const auto&, VARIANT* e) {
-        zahl(e, 1);
+    dokumente->mitglied(L"Count", [&m](const auto&, VARIANT* e) {
+        zahl(e, static_cast<LONG>(m.dokumente.size()));
         return S_OK;
     });
+    dokumente->mitglied(L"Item", [&m](const auto& args, VARIANT* e) {
+        const long i = _wtol(argText(args, 0).c_str());
+        if (i < 0 || static_cast<std::size_t>(i) >= m.dokumente.size()) return DISP_E_EXCEPTION;
+        return objektZurueck(e, m.dokumente[static_cast<std::size_t>(i)]);
+    });
+    // Opening tells the application's receivers (EndOpen), then the new
+    // drawing's own (Activate), as it becomes the active one.
+    dokumente->mitglied(L"Open", [&m](const auto& args, VARIANT* e) {
+        const std::wstring voll = argText(args, 0);
+        Objekt* d = dokumentBauen(m, voll);
+        ereignisSenden(m.anwendungsEreignisse, kEndOpen, "EndOpen", voll);
+        ereignisSenden(m.dokumentEreignisse[d], kActivate, "Activate");
+        return objektZurueck(e, d);
+    });
+    // MenuGroups.Load adds a menu group; the fake keeps none.
+    auto* menues = new Objekt("MenuGroups");
+    menues->mitglied(L"Load", [](const auto&, VARIANT*) { return S_OK; });
 
     auto* dateien = new Objekt("Files");
     dateien->mitglied(L"SupportPath", [&m](const auto&, VARIANT* e) {
@@ -370,11 +593,17 @@ Objekt* modellBauen(Modell& m) {
     app->mitglied(L"Documents",
                   [dokumente](const auto&, VARIANT* e) { return objektZurueck(e, dokumente); });
     app->mitglied(L"ActiveDocument",
-                  [dokument](const auto&, VARIANT* e) { return objektZurueck(e, dokument); });
+                  [&m](const auto&, VARIANT* e) { return objektZurueck(e, m.aktiv); });
+    app->mitglied(L"MenuGroups",
+                  [menues](const auto&, VARIANT* e) { return objektZurueck(e, menues); });
     app->mitglied(L"Preferences", [einstellungen](const auto&, VARIANT* e) {
         return objektZurueck(e, einstellungen);
     });
-    app->mitglied(L"Quit", [](const auto&, VARIANT*) {
+    m.anwendungsEreignisse = app->quelle(kAnwendungsEreignisse);
+    // BeginQuit goes out before the loop ends: the quit message comes after
+    // every posted one.
+    app->mitglied(L"Quit", [&m](const auto&, VARIANT*) {
+        ereignisSenden(m.anwendungsEreignisse, kBeginQuit, "BeginQuit");
         PostQuitMessage(0);
         return S_OK;
     });
@@ -409,6 +638,11 @@ class Fabrik : public IClassFactory {
 };
 
 LRESULT CALLBACK fensterProzedur(HWND h, UINT msg, WPARAM w, LPARAM l) {
+    if (msg == kEreignisNachricht) {
+        std::unique_ptr<Ereignis> e(reinterpret_cast<Ereignis*>(l));
+        ereignisFeuern(*e);
+        return 0;
+    }
     if (msg == WM_TIMER && w == leerlauf) {
         schreib("LEERLAUF");
         PostQuitMessage(0);
@@ -455,7 +689,8 @@ int main() {
     const CLSID clsid = tessara::test::kFakeAcadClsid;
     HRESULT hr =
         CoRegisterClassObject(clsid, &fabrik, CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &klasse);
-    if (SUCCEEDED(hr)) hr = RegisterActiveObject(app, clsid, ACTIVEOBJECT_STRONG, &aktiv);
+    if (SUCCEEDED(hr))
+        hr = RegisterActiveObject(static_cast<IDispatch*>(app), clsid, ACTIVEOBJECT_STRONG, &aktiv);
     if (FAILED(hr)) {
         schreib("FEHLER Registrierung");
         return 1;

@@ -4,6 +4,7 @@
 // windows.h first: the OLE headers build on it.
 #include <ole2.h>
 #include <oleauto.h>
+#include <olectl.h>
 
 #include "platform/win32/utf16.h"
 
@@ -43,6 +44,102 @@ struct VariantHolder {
     VariantHolder& operator=(const VariantHolder&) = delete;
 };
 
+Variant fromVariant(VARIANT& raw);
+
+// COM interfaces have no virtual destructors: objects end through Release.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+// The receiving end of one subscription: the source calls its Invoke, which
+// hands the event on. It is detached when the subscription ends, so that a
+// source calling late, or the stub of a host that died and never releases
+// it, finds nothing to call.
+class EventSink final : public IDispatch {
+  public:
+    EventSink(const IID& iid, AutomationEventHandler handler)
+        : iid_(iid), handler_(std::make_shared<AutomationEventHandler>(std::move(handler))) {}
+    void detach() { handler_.reset(); }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+        if (!out) return E_POINTER;
+        // The source asks for its own event interface: a dispinterface,
+        // which this IDispatch serves.
+        if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) ||
+            IsEqualIID(iid, iid_)) {
+            *out = static_cast<IDispatch*>(this);
+            AddRef();
+            return S_OK;
+        }
+        *out = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override {
+        return static_cast<ULONG>(InterlockedIncrement(&refs_));
+    }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const LONG n = InterlockedDecrement(&refs_);
+        if (n == 0) delete this;
+        return static_cast<ULONG>(n);
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* n) override {
+        if (n) *n = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return DISP_E_UNKNOWNNAME;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* params, VARIANT*,
+                                     EXCEPINFO*, UINT*) override {
+        // A copy: the handler may end this very subscription.
+        const auto handler = handler_;
+        if (!handler) return S_OK;
+        std::vector<Variant> args;
+        for (UINT i = params ? params->cArgs : 0; i-- > 0;) {
+            try {
+                args.push_back(fromVariant(params->rgvarg[i]));
+            } catch (const AutomationError&) {
+                args.emplace_back();  // an argument of a type this program does not read
+            }
+        }
+        try {
+            (*handler)(id, args);
+        } catch (...) {
+            // Nothing may unwind into the host's call; the handler reports
+            // its own failures.
+        }
+        return S_OK;
+    }
+
+  private:
+    IID iid_;
+    std::shared_ptr<AutomationEventHandler> handler_;
+    LONG refs_ = 1;
+};
+#pragma GCC diagnostic pop
+
+class ComEvents : public AutomationEvents {
+  public:
+    ComEvents(IConnectionPoint* point, EventSink* sink, DWORD cookie)
+        : point_(point), sink_(sink), cookie_(cookie) {}
+    ~ComEvents() override {
+        sink_->detach();
+        // A host that has died answers with an error at once; there is
+        // nothing left to undo then.
+        point_->Unadvise(cookie_);
+        // Drops the references that the host's side still holds on the sink.
+        CoDisconnectObject(sink_, 0);
+        sink_->Release();
+        point_->Release();
+    }
+    ComEvents(const ComEvents&) = delete;
+    ComEvents& operator=(const ComEvents&) = delete;
+
+  private:
+    IConnectionPoint* point_;
+    EventSink* sink_;
+    DWORD cookie_;
+};
+
 class ComObject : public AutomationObject {
   public:
     explicit ComObject(IDispatch* d) : disp_(d) {}  // takes over one reference
@@ -65,6 +162,8 @@ class ComObject : public AutomationObject {
     Variant call(const std::string& method, const std::vector<Variant>& args) override {
         return invoke(method, DISPATCH_METHOD | DISPATCH_PROPERTYGET, args, nullptr);
     }
+    std::unique_ptr<AutomationEvents> connectEvents(const std::string& interfaceId,
+                                                    AutomationEventHandler handler) override;
 
   private:
     Variant invoke(const std::string& name, WORD flags, const std::vector<Variant>& args, void*);
@@ -244,6 +343,34 @@ Variant ComObject::invoke(const std::string& name, WORD flags, const std::vector
         throw AutomationError(text, number);
     }
     return fromVariant(result.v);
+}
+
+std::unique_ptr<AutomationEvents> ComObject::connectEvents(const std::string& interfaceId,
+                                                           AutomationEventHandler handler) {
+    IID iid;
+    std::wstring text = toWide(interfaceId);
+    if (FAILED(IIDFromString(text.data(), &iid)))
+        throw AutomationError("Invalid interface identifier: " + interfaceId, 5);
+    IConnectionPointContainer* container = nullptr;
+    IConnectionPoint* point = nullptr;
+    if (SUCCEEDED(disp_->QueryInterface(IID_IConnectionPointContainer,
+                                        reinterpret_cast<void**>(&container))) &&
+        container) {
+        if (FAILED(container->FindConnectionPoint(iid, &point))) point = nullptr;
+        container->Release();
+    }
+    if (!point) throw AutomationError("Object doesn't support events", kNoSuchMember);
+    auto* sink = new EventSink(iid, std::move(handler));
+    DWORD cookie = 0;
+    const HRESULT hr = point->Advise(static_cast<IDispatch*>(sink), &cookie);
+    if (FAILED(hr)) {
+        sink->detach();
+        CoDisconnectObject(sink, 0);
+        sink->Release();
+        point->Release();
+        throw AutomationError(systemText(hr), hr);
+    }
+    return std::make_unique<ComEvents>(point, sink, cookie);
 }
 
 CLSID classOf(const std::string& progId) {

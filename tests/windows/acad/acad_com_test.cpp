@@ -20,6 +20,7 @@
 #include "cad/acad_ueber_automation.h"
 #include "cad/block_einfuegen.h"
 #include "cad/cad_verbindung.h"
+#include "cad/menue_dateien.h"
 #include "db/jet_opener.h"
 #include "editing/block_befehle.h"
 #include "library/bibliothek_sitzung.h"
@@ -118,6 +119,16 @@ class AcadUeberComMitFakeServer : public ::testing::Test {
         protokollAnfang = protokoll().size();
     }
     std::string protokoll() const { return lesen(verzeichnis + L"\\aufrufe.log"); }
+    // Lets COM deliver the host's calls, as the program's event loop does,
+    // until the condition holds; false when the host stays silent.
+    static bool pumpenBis(const std::function<bool()>& fertig) {
+        const auto ende = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        for (MSG msg; !fertig(); MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT)) {
+            if (std::chrono::steady_clock::now() > ende) return false;
+            while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&msg);
+        }
+        return true;
+    }
     std::string neueAufrufe() const { return protokoll().substr(protokollAnfang); }
 
     platform::ComAutomationHost com;
@@ -209,6 +220,75 @@ TEST_F(AcadUeberComMitFakeServer, NeuerBlockUeberDieAutomation) {
     EXPECT_TRUE(fs::exists("c:\\tessara_bib\\000\\Block\\" + nr + "0.dwg"));
     EXPECT_FALSE(fs::exists("c:\\tessara_temp\\TessaraNeu"));
     EXPECT_EQ(neueAufrufe(), lesen(toWide(TESSARA_WINDOWS_GOLDEN) + L"\\acad_com_block_neu.txt"));
+}
+
+// The host's events over real COM, driven through the host's own methods
+// (Open, Close, Activate, Quit): application and drawing events reach the
+// receiver in the host's order, on the subscribing thread; the host quits
+// while subscribed, and unsubscribing from it afterwards returns.
+TEST_F(AcadUeberComMitFakeServer, HostEreignisseInReihenfolgeBisZumEnde) {
+    serverLaeuft();
+    std::vector<std::string> gehoert;
+    const DWORD faden = GetCurrentThreadId();
+    ASSERT_TRUE(v.acadApp->EreignisseAbonnieren([&](AcadEreignis e, const std::string& datei) {
+        EXPECT_EQ(GetCurrentThreadId(), faden);
+        gehoert.push_back(std::to_string(static_cast<int>(e)) + " " + datei);
+    }));
+    auto app = com.getActiveObject(kAcadProgId);
+    auto dokumente = app->get("Documents").object;
+    dokumente->call("Open", {platform::Variant::fromString("c:\\Pläne\\B.dwg")});
+    app->get("ActiveDocument").object->call("Close");
+    dokumente->call("Item", {platform::Variant::fromInt(0)}).object->call("Activate");
+    app->call("Quit");
+    ASSERT_TRUE(pumpenBis([&] { return gehoert.size() >= 5; })) << neueAufrufe();
+    EXPECT_EQ(gehoert, (std::vector<std::string>{
+                           "0 c:\\Pläne\\B.dwg", "1 c:\\Pläne\\B.dwg", "2 c:\\Pläne\\B.dwg",
+                           "1 " + toUtf8(verzeichnis) + "\\Zeichnungen\\Zeichnung1.dwg", "3 "}));
+    ASSERT_TRUE(serverBeenden());
+    v.acadApp->EreignisseAbbestellen();
+}
+
+// The program's menu goes to the host through MenuGroups.Load, its
+// AutoLISP file through the command line.
+TEST_F(AcadUeberComMitFakeServer, MenueDateienUeberMenuGroupsGeladen) {
+    serverLaeuft();
+    std::filesystem::create_directories("c:\\tessara_prog");
+    z.strAppPfad = "c:\\tessara_prog";
+    z.strExeName = "tessara.exe";
+    ASSERT_TRUE(fctMenueDateienLaden(z, v));
+    EXPECT_EQ(neueAufrufe(),
+              "Application.MenuGroups\n"
+              "MenuGroups.Load(\"c:\\tessara_prog\\tessara.mnu\")\n"
+              "Application.ActiveDocument\n"
+              "Document.SendCommand(\"(load \"c:\\\\tessara_prog\\\\tessara.mnl\") \")\n");
+}
+
+// After unsubscribing, the host's receivers are gone (its log shows each
+// Unadvise) and a drawing activated again tells nobody. A host killed while
+// subscribed is let go without waiting.
+TEST_F(AcadUeberComMitFakeServer, AbbestellenBeendetDieEreignisse) {
+    serverLaeuft();
+    int gehoert = 0;
+    ASSERT_TRUE(
+        v.acadApp->EreignisseAbonnieren([&](AcadEreignis, const std::string&) { ++gehoert; }));
+    auto app = com.getActiveObject(kAcadProgId);
+    app->get("ActiveDocument").object->call("Activate");
+    ASSERT_TRUE(pumpenBis([&] { return gehoert == 1; })) << neueAufrufe();
+    v.acadApp->EreignisseAbbestellen();
+    app->get("ActiveDocument").object->call("Activate");
+    app->get("Name");  // the host has sent what it posted before answering
+    pumpenBis([] { return true; });
+    EXPECT_EQ(gehoert, 1);
+    EXPECT_EQ(neueAufrufe(), lesen(toWide(TESSARA_WINDOWS_GOLDEN) + L"\\acad_com_ereignisse.txt"));
+    ASSERT_TRUE(v.acadApp->EreignisseAbonnieren([&](AcadEreignis, const std::string&) {}));
+    DWORD pid = 0;
+    GetWindowThreadProcessId(FindWindowW(L"TessaraFakeAcad", nullptr), &pid);
+    const HANDLE host = OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, pid);
+    ASSERT_NE(host, nullptr);
+    TerminateProcess(host, 9);
+    WaitForSingleObject(host, INFINITE);
+    CloseHandle(host);
+    v.acadApp->EreignisseAbbestellen();
 }
 
 }  // namespace
