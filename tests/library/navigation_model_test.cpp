@@ -10,6 +10,7 @@
 #include "library/schema.h"
 #include "organisation/bibliothek.h"
 #include "platform/environment.h"
+#include "tabelle.h"
 
 namespace tessara {
 namespace {
@@ -309,21 +310,10 @@ TEST_F(Navigation, SessionEachLibraryComesBackWhereItWasLeft) {
 TEST_F(Navigation, SessionArrowKeysHomeAndEndStayOnThePage) {
     ASSERT_TRUE(sitzung().fctOeffnen(bibliothek("a")).ok());
     ASSERT_TRUE(s.modell().BilderAnzeigenBeiGeaenderterBilderanzahl(2));  // 16 slots, 4 a row
-    struct Fall {
-        int von;
-        RasterTaste taste;
-        int nach;
-    };
-    const Fall faelle[] = {
-        {5, RasterTaste::Links, 4},    {5, RasterTaste::Rechts, 6},   {5, RasterTaste::Hoch, 1},
-        {5, RasterTaste::Runter, 9},   {5, RasterTaste::Anfang, 0},   {5, RasterTaste::Ende, 15},
-        {0, RasterTaste::Links, 0},    {2, RasterTaste::Hoch, 2},     {15, RasterTaste::Rechts, 15},
-        {13, RasterTaste::Runter, 13}, {11, RasterTaste::Runter, 15},
-    };
-    for (const auto& f : faelle) {
-        s.modell().subPositionSetzen(f.von);
-        EXPECT_EQ(s.fctRasterZiel(f.taste), f.nach)
-            << "from " << f.von << " key " << static_cast<int>(f.taste);
+    for (const auto& f : test::tabelle("library/golden/rastertasten.txt")) {
+        s.modell().subPositionSetzen(std::stoi(f.at(0)));
+        EXPECT_EQ(s.fctRasterZiel(static_cast<RasterTaste>(std::stoi(f.at(1)))), std::stoi(f.at(2)))
+            << "from " << f[0] << " key " << f[1];
     }
 }
 
