@@ -8,6 +8,7 @@
 
 #include "befehl.h"
 #include "slide_test_data.h"
+#include "tabelle.h"
 #include "temp_verzeichnis.h"
 
 using slidetest::testdaten;
@@ -90,29 +91,10 @@ TEST_F(SlideCli, MakeDemoLibraryListsTheBlocksAndCataloguesThem) {
     EXPECT_GT(weiss, 500);
     EXPECT_LT(weiss, bild.width() * bild.height() / 20);
 
-    // The default Folder became the first demo Folder; Pages by number.
-    ASSERT_EQ(
-        lauf("sql " + mdb + "\"SELECT SeitenNr, SeitenName FROM tblSeiten WHERE NrTblOrdner = 1\"",
-             &text),
-        0);
-    EXPECT_EQ(text,
-              "SeitenNr,SeitenName\n1,\"Übersicht\"\n2,\"Ventile\"\n3,\"Klappen und Hähne\"\n"
-              "4,\"Flansche\"\n5,\"Pumpen\"\n");
-    ASSERT_EQ(
-        lauf("sql " + mdb + "\"SELECT Ordnername FROM tblOrdner WHERE OrdnerNr = '000'\"", &text),
-        0);
-    EXPECT_EQ(text, "Ordnername\n\"Armaturen und Flansche\"\n");
-    ASSERT_EQ(lauf("sql " + mdb +
-                       "\"SELECT Block, BlkName0, M0, M1, M2, M3, Layer FROM tblBlockInfo WHERE "
-                       "Block IN (SELECT BlockNr FROM tblMarkierteBloecke) AND OrdnerID = 1\"",
-                   &text),
-              0);
-    EXPECT_EQ(text,
-              "Block,BlkName0,M0,M1,M2,M3,Layer\n"
-              "\"0000029\",\"Kugelhahn_DN50\",\"Kugelhahn DN 50\",\"DN 50\",\"PN 16\",\"Messing\","
-              "\"ARMATUREN\"\n"
-              "\"0000050\",\"Vorschweissflansch_DN100\",\"Vorschweißflansch DN 100\",\"DN 100\","
-              "\"PN 16\",\"P250GH\",\"ARMATUREN\"\n");
+    for (const auto& f : tessara::test::tabelle("authoring/golden/demo_bibliothek.txt")) {
+        ASSERT_EQ(lauf("sql " + mdb + "\"" + f.at(0) + "\"", &text), 0);
+        EXPECT_EQ(text, f.at(1));
+    }
 }
 
 TEST_F(SlideCli, DwgPreviewWritesThePictureAsPng) {

@@ -1,6 +1,6 @@
-// The fuzz targets' properties on a fixed set of mutated inputs, so that a
-// plain test run guards what the fuzzers found: every input is read or
-// refused with SlideError, nothing else escapes, and what is read is sound.
+// The fuzz targets run on a fixed set of mutated inputs, so that a plain
+// test run guards what the fuzzers found: every input is read or refused
+// with SlideError, nothing else escapes, and what is read is sound.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -12,11 +12,16 @@
 using namespace tessara::slide;
 using slidetest::testdaten;
 
+// The fuzz targets themselves (fuzz/slide_reader.cpp, fuzz/slide_library_reader.cpp),
+// built into this test under these names: they abort when a property fails.
+extern "C" int fuzzDia(const std::uint8_t* data, std::size_t size);
+extern "C" int fuzzBibliothek(const std::uint8_t* data, std::size_t size);
+
 namespace {
 
 std::vector<std::vector<std::uint8_t>> saaten() {
-    std::vector<std::vector<std::uint8_t>> out = {slidetest::beispielDia(),
-                                                  slidetest::beispielDiaHighByteFirst()};
+    std::vector<std::vector<std::uint8_t>> out = {slidetest::dia("beispiel"),
+                                                  slidetest::dia("beispiel_gross")};
     for (const char* n : {"slide_up.sld", "slide_kz.sld", "mylib.slb"})
         out.push_back(readFileBytes(testdaten(n)));
     for (const char* ordner : {"slide_reader", "slide_library_reader"}) {
@@ -54,36 +59,6 @@ std::vector<std::uint8_t> mutiert(std::vector<std::uint8_t> d, std::mt19937& zuf
     return d;
 }
 
-void pruefeDia(std::span<const std::uint8_t> d) {
-    Slide s;
-    try {
-        s = readSlide(d);
-    } catch (const SlideError&) {
-        return;
-    }
-    for (const auto& e : s.elements) ASSERT_LE(e.first + e.count, s.points.size());
-    try {
-        Slide wieder = readSlide(writeSlide(s));
-        ASSERT_TRUE(sameDrawing(s, wieder));
-    } catch (const SlideError&) {
-    }
-}
-
-void pruefeBibliothek(const std::vector<std::uint8_t>& d) {
-    try {
-        auto lib = SlideLibrary::read(d);
-        for (const auto& e : lib.entries()) {
-            ASSERT_LE(std::size_t(e.address) + e.size, d.size());
-            ASSERT_NE(lib.find(e.name), nullptr);
-            try {
-                (void)lib.slide(e.name);
-            } catch (const SlideError&) {
-            }
-        }
-    } catch (const SlideError&) {
-    }
-}
-
 }  // namespace
 
 TEST(SlideFuzzRegression, MutatedInputsAreReadOrRefused) {
@@ -92,12 +67,8 @@ TEST(SlideFuzzRegression, MutatedInputsAreReadOrRefused) {
     ASSERT_GE(basis.size(), 8u);
     for (int i = 0; i < 20000; ++i) {
         auto d = mutiert(basis[static_cast<std::size_t>(i) % basis.size()], zufall);
-        pruefeDia(d);
-        pruefeBibliothek(d);
-        if (HasFatalFailure()) {
-            ADD_FAILURE() << "input " << i;
-            return;
-        }
+        fuzzDia(d.data(), d.size());
+        fuzzBibliothek(d.data(), d.size());
     }
 }
 
@@ -107,15 +78,10 @@ TEST(SlideFuzzRegression, CraftedLibraries) {
     auto lib = writeSlideLibrary({{"A", dia}, {"B", dia}});
     auto zweimal = lib;
     std::copy(zweimal.begin() + 32 + 32, zweimal.begin() + 32 + 36, zweimal.begin() + 68 + 32);
-    pruefeBibliothek(zweimal);
+    fuzzBibliothek(zweimal.data(), zweimal.size());
     auto amEnde = lib;
     std::uint32_t letzte = static_cast<std::uint32_t>(amEnde.size() - 1);
     for (int k = 0; k < 4; ++k) amEnde[32 + 32 + k] = (letzte >> (8 * k)) & 0xFF;
     auto gelesen = SlideLibrary::read(amEnde);
     EXPECT_THROW(gelesen.slide("A"), SlideError);
-    // A fill start record claiming 32767 vertices followed by the end of data.
-    auto kopf = dia;
-    kopf.resize(31);
-    kopf.insert(kopf.end(), {0x00, 0xFD, 0xFF, 0x7F, 0xFF, 0xFF});
-    EXPECT_THROW(readSlide(kopf), SlideError);
 }

@@ -1,9 +1,13 @@
 #pragma once
-// Shared helpers of the slide tests: the slides made elsewhere, and the
-// annotated example of the published slide format, byte for byte.
+// Shared helpers of the slide tests: the slides made elsewhere, the slides
+// of golden/dias.txt byte for byte, and a slide as one line of text.
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
+
+#include "authoring/slide.h"
+#include "tabelle.h"
 
 namespace slidetest {
 
@@ -11,41 +15,32 @@ inline std::string testdaten(const std::string& name) {
     return std::string(TESSARA_TESTDATA) + "/slides/" + name;
 }
 
-// The published example: header (572 x 292 pixels, aspect 1.46, low byte
-// first), a white diagonal, a green vertical line, and a small red rectangle
-// drawn with one offset vector and three common-endpoint vectors.
-inline std::vector<std::uint8_t> beispielDia() {
-    return {0x41, 0x75, 0x74, 0x6F, 0x43, 0x41, 0x44, 0x20, 0x53, 0x6C, 0x69, 0x64, 0x65, 0x0D,
-            0x0A, 0x1A, 0x00, 0x56, 0x02, 0x3C, 0x02, 0x24, 0x01, 0x0B, 0x80, 0xDF, 0x00, 0x02,
-            0x00, 0x34, 0x12, 0x07, 0xFF, 0x3C, 0x02, 0x24, 0x01, 0x00, 0x00, 0x00, 0x00, 0x03,
-            0xFF, 0x0F, 0x00, 0x32, 0x00, 0x0F, 0x00, 0x13, 0x00, 0x01, 0xFF, 0x12, 0xFB, 0xE7,
-            0x12, 0xCE, 0xDF, 0xFE, 0x00, 0x00, 0xFE, 0xE7, 0x21, 0xFE, 0x00, 0x00, 0xFC};
+// A slide of golden/dias.txt; "beispiel" is the published example: 572 x
+// 292 pixels, aspect 1.46, low byte first, a white diagonal, a green
+// vertical line and a small red rectangle drawn with one offset vector and
+// three common-endpoint vectors.
+inline std::vector<std::uint8_t> dia(const std::string& name) {
+    for (const auto& f : tessara::test::tabelle("authoring/golden/dias.txt"))
+        if (f.at(0) == name) return {f.at(1).begin(), f.at(1).end()};
+    ADD_FAILURE() << "no slide " << name;
+    return {};
 }
+inline std::vector<std::uint8_t> beispielDia() { return dia("beispiel"); }
 
-// The same slide written high byte first: every 2-byte field swapped, the
-// aspect ratio (always low byte first) and the 1-byte fields left alone.
-inline std::vector<std::uint8_t> beispielDiaHighByteFirst() {
-    auto d = beispielDia();
-    auto swap = [&](std::size_t i) { std::swap(d[i], d[i + 1]); };
-    for (std::size_t i : {19, 21, 27, 29}) swap(i);
-    std::size_t pos = 31;
-    while (pos < d.size()) {
-        std::uint8_t type = d[pos + 1];
-        if (type <= 0x7F) {
-            for (std::size_t k = 0; k < 8; k += 2) swap(pos + k);
-            pos += 8;
-        } else if (type == 0xFB) {
-            swap(pos);
-            pos += 5;
-        } else if (type == 0xFE) {
-            swap(pos);
-            pos += 3;
-        } else {
-            swap(pos);
-            pos += 2;
-        }
+// The header, the record counts and every element with its colour and points.
+inline std::string beschreibung(const tessara::slide::Slide& s) {
+    char k[120];
+    const auto& r = s.records;
+    std::snprintf(k, sizeof k, "L%d %s %dx%d %.7g F%d R%d,%d,%d,%d,%d,%d", s.level,
+                  s.bigEndian ? "HL" : "LH", s.highX, s.highY, s.aspectRatio, s.hardwareFill,
+                  r.vectors, r.offsetVectors, r.commonEndpoints, r.fills, r.colours, r.endOfFile);
+    std::string t = k;
+    for (const auto& e : s.elements) {
+        t += e.kind == tessara::slide::Element::Kind::Fill ? " F" : " V";
+        t += std::to_string(e.colour);
+        for (auto p : s.pointsOf(e)) t += ":" + std::to_string(p.x) + "," + std::to_string(p.y);
     }
-    return d;
+    return t;
 }
 
 }  // namespace slidetest

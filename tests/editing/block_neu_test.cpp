@@ -23,13 +23,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<std::string> golden(const std::string& name) {
-    std::ifstream in(fs::path(TESSARA_SOURCE_DIR) / "tests/editing/golden" / name);
-    std::vector<std::string> zeilen;
-    for (std::string s; std::getline(in, s);) zeilen.push_back(s);
-    return zeilen;
-}
-
 class BlockNeuTest : public orgtest::Bibliothek {
   public:
     void SetUp() override {
@@ -114,16 +107,17 @@ TEST_F(BlockNeuTest, NeuerBlockUeberAutomation) {
 
     ASSERT_TRUE(r.booAngelegt);
     EXPECT_EQ(benutzer.abgelehnt, std::vector<long>{304});
-    std::vector<std::string> log;
+    std::string log;
     for (auto e : protokoll->eintraege) {
         for (auto p = e.find(z.strCTemp); p != std::string::npos; p = e.find(z.strCTemp))
             e.replace(p, z.strCTemp.size(), "<TEMP>\\");
         for (auto p = e.find_first_of("\r\x1b"); p != std::string::npos;
              p = e.find_first_of("\r\x1b"))
             e.replace(p, 1, e[p] == '\r' ? "^M" : "^[");
-        log.push_back(e);
+        log += e + "\n";
     }
-    EXPECT_EQ(log, golden("neuer_block_automation.txt"));
+    EXPECT_EQ(log, dateiInhalt(fs::path(TESSARA_SOURCE_DIR) /
+                               "tests/editing/golden/neuer_block_automation.txt"));
     const std::string nr = blockNr();
     EXPECT_EQ(zeilen("SELECT Block, SlideLib, BlkName0, M0, M1, M2, AX0, AY0, AZ0, BX0 FROM "
                      "tblBlockInfo"),

@@ -3,12 +3,12 @@
 #include "exchange/ordner_austausch.h"
 
 #include <fstream>
-#include <iterator>
 
 #include "authoring/datei_layout.h"
 #include "befehl.h"
 #include "db/catalog.h"
 #include "editing/varianten_datei.h"
+#include "frisches_verzeichnis.h"
 #include "library/datenbank.h"
 #include "library/schema.h"
 #include "organisation/bibliothek.h"
@@ -24,8 +24,7 @@ using orgtest::Bibliothek;
 namespace fs = std::filesystem;
 
 std::string lesen(const std::string& programmPfad) {
-    std::ifstream in(platform::nativePath(programmPfad), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+    return test::dateiInhalt(platform::nativePath(programmPfad));
 }
 void schreiben(const std::string& programmPfad, const std::string& text) {
     fs::create_directories(fs::path(platform::nativePath(programmPfad)).parent_path());
@@ -101,7 +100,6 @@ TEST_F(OrdnerAustausch, RoundTripIntoASecondLibraryRecodesBlocksFilesAndVariants
     EXPECT_FALSE(fs::exists(platform::nativePath(datei + ".tmp")));
 
     // The second library already holds Blocks, so the imported ones get other keys.
-    const std::string ersteBasis = basis;
     db = platform::programPath((wurzel / "lib2" / "dbTessara.mdb").string());
     basis = platform::programPath((wurzel / "lib2").string()) + "\\";
     fs::create_directories(wurzel / "lib2");
@@ -161,7 +159,6 @@ TEST_F(OrdnerAustausch, RoundTripIntoASecondLibraryRecodesBlocksFilesAndVariants
     EXPECT_EQ(zeilen("SELECT Count(*) FROM tblOrdner WHERE OrdnerName = 'Lieferant'"),
               std::vector<std::string>{"1"});
     EXPECT_EQ(zeilen("SELECT Count(*) FROM tblBlockInfo"), std::vector<std::string>{"307"});
-    (void)ersteBasis;
 }
 
 TEST_F(OrdnerAustausch, CancelledWorkLeavesNothingHalfAndARerunCompletes) {

@@ -3,9 +3,9 @@
 #include "exchange/verzeichnis_austausch.h"
 
 #include <fstream>
-#include <iterator>
 
 #include "authoring/datei_layout.h"
+#include "frisches_verzeichnis.h"
 #include "organisation/bibliothek.h"
 #include "platform/environment.h"
 #include "startup/einstellungen.h"
@@ -16,10 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string lesen(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
+using test::dateiInhalt;
 
 class Zeichnungen : public orgtest::Bibliothek {
   protected:
@@ -58,7 +55,7 @@ TEST_F(Zeichnungen, EveryDrawingBecomesABlockInTheNextFreeSlotWithPagesAsNeeded)
     const auto nummern =
         zeilen("SELECT Block FROM tblBlockInfo WHERE OrdnerID = " + n + " AND M0 = 'V007'");
     ASSERT_EQ(nummern.size(), 1u);
-    EXPECT_EQ(lesen(zeichnung(nummern[0])), "dwg 7");
+    EXPECT_EQ(dateiInhalt(zeichnung(nummern[0])), "dwg 7");
     const long seiten = (200 + proSeite - 1) / proSeite;
     const auto namen =
         zeilen("SELECT SeitenName FROM tblSeiten WHERE NrTblOrdner = " + n + " ORDER BY SeitenNr");
@@ -93,10 +90,10 @@ TEST_F(Zeichnungen, WrittenOutUnderTheirAttributeWithoutOverwritingAndWithACsv) 
     fs::create_directories(aus);
     std::ofstream(aus / "V002.dwg") << "fremd";
     EXPECT_EQ(fctZeichnungenAusgeben(z, *modell, code(), platform::programPath(aus.string())), 3);
-    EXPECT_EQ(lesen(aus / "V002.dwg"), "fremd");
-    EXPECT_EQ(lesen(aus / "V002 (2).dwg"), "dwg 2");
-    EXPECT_EQ(lesen(aus / "Kugel;hahn (2).dwg"), "dwg 1");
-    const std::string csv = lesen(aus / "Ventile.csv");
+    EXPECT_EQ(dateiInhalt(aus / "V002.dwg"), "fremd");
+    EXPECT_EQ(dateiInhalt(aus / "V002 (2).dwg"), "dwg 2");
+    EXPECT_EQ(dateiInhalt(aus / "Kugel;hahn (2).dwg"), "dwg 1");
+    const std::string csv = dateiInhalt(aus / "Ventile.csv");
     EXPECT_EQ(csv.substr(0, 3), "\xEF\xBB\xBF");
     EXPECT_NE(csv.find("\r\n\"Kugel;hahn (2).dwg\";" + code() + "0001;V001;\"Kugel;hahn\";;"),
               std::string::npos)

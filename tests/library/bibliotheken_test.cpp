@@ -19,6 +19,7 @@
 #include "library/datenbank.h"
 #include "library/schema.h"
 #include "library/zugriff.h"
+#include "organisation/bibliothek.h"
 #include "platform/environment.h"
 #include "search/datenbank_suche.h"
 #include "startup/benutzer.h"
@@ -31,22 +32,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Bibliotheken : public ::testing::Test {
+class Bibliotheken : public orgtest::Bibliothek {
   protected:
     void SetUp() override {
-        wurzel = test::frischesVerzeichnis("bib");
-        fs::create_directories(wurzel / "prog");
-        z.benutzer = &benutzer;
+        Bibliothek::SetUp();
+        fehlerErwartet = true;  // the log holds the debug labels
         z.booDebug = true;
-        z.strCTemp = pfad(wurzel) + "\\";
-        z.strErrorDatei = z.strCTemp + "fehler.txt";
-        z.strAppPfad = pfad(wurzel / "prog");
-        z.strIniDatei = z.strAppPfad + "\\Tessara9.0.ini";
-        std::ofstream(wurzel / "prog" / "txtPrefix.txt", std::ios::binary) << fctCodeTabelleText();
         z.aryDbVerzeichnis = {"0"};
     }
-    void TearDown() override { fs::remove_all(wurzel); }
-
     static std::string pfad(const fs::path& p) { return platform::programPath(p.string()); }
     std::string verzeichnis(const std::string& name) {
         return fs::create_directories(wurzel / name), pfad(wurzel / name);
@@ -55,9 +48,9 @@ class Bibliotheken : public ::testing::Test {
         return IniGetValue(z, z.strIniDatei, "AllgemeineDaten",
                            "DbVerzeichnis" + std::to_string(i));
     }
-    std::vector<std::string> spalte(const std::string& db, const std::string& sql) {
+    std::vector<std::string> spalte(const std::string& mdb, const std::string& sql) {
         db::Connection con(oeffner);
-        con.open(fctJetVerbindung(db));
+        con.open(fctJetVerbindung(mdb));
         db::Recordset rs;
         rs.open(sql, con);
         std::vector<std::string> r;
@@ -71,9 +64,9 @@ class Bibliotheken : public ::testing::Test {
     // paths are absolute.
     std::string alteBibliothek(const std::string& dir, const std::string& datei,
                                bool inventor = false) {
-        const std::string db = dir + "\\" + datei;
+        const std::string mdb = dir + "\\" + datei;
         db::Catalog kat;
-        kat.create(fctJetVerbindung(db), oeffner);
+        kat.create(fctJetVerbindung(mdb), oeffner);
         auto tabelle = [&](const std::string& name, std::vector<typSpalte> spalten) {
             db::CatalogTable t;
             t.name = name;
@@ -95,7 +88,7 @@ class Bibliotheken : public ::testing::Test {
                                                      : typSpalte{"SlideLib", db::adVarWChar, 144});
         tabelle(inventor ? "tblBlockInfoInventor" : "tblBlockInfo", spalten);
         db::Connection con(oeffner);
-        con.open(fctJetVerbindung(db));
+        con.open(fctJetVerbindung(mdb));
         con.execute("INSERT INTO tblOrdner (Nr, OrdnerNr, Ordnername) VALUES (5, '007', 'Alt')");
         con.execute("INSERT INTO tblSeiten (SeitenNr, NrTblOrdner) VALUES (1, 5)");
         con.execute("INSERT INTO tblDefMenue (global) VALUES (1)");
@@ -106,7 +99,7 @@ class Bibliotheken : public ::testing::Test {
                     "', 5, 'Kugelhahn', 'x')");
         con.execute("INSERT INTO " + t + " (Block, " + c + ", OrdnerID, M0) VALUES ('0070009', '" +
                     (inventor ? "Nabe" : dir + "\\007\\00700090.sld") + "', 5, 'Schieber')");
-        return db;
+        return mdb;
     }
     BibliothekSitzung& sitzung() {
         EXPECT_TRUE(s.modell().fctCodeTabelleLesen(z.strAppPfad + "\\txtPrefix.txt"));
@@ -114,10 +107,6 @@ class Bibliotheken : public ::testing::Test {
     }
     std::string log() const { return test::dateiInhalt(fctNativerPfad(z.strErrorDatei)); }
 
-    fs::path wurzel;
-    SkriptBenutzer benutzer;
-    ProgrammZustand z;
-    db::StorageOpener oeffner = db::jetOpener(platform::nativePath);
     BibliothekSitzung s{z, oeffner};
 };
 
@@ -172,7 +161,7 @@ TEST_F(Bibliotheken, AStartOpensTheCurrentDatabaseOrTheFirstListedOneThatIsThere
     const std::string a = verzeichnis("a"), fehlt = pfad(wurzel / "fehlt");
     struct Fall {
         std::vector<std::string> liste;
-        std::string aktuell, db, fehlt;
+        std::string aktuell, mdb, fehlt;
     } faelle[] = {
         {{a}, a + "\\dbTessara.mdb", a + "\\dbTessara.mdb", ""},
         {{fehlt, a}, fehlt + "\\dbTessara.mdb", a + "\\dbTessara.mdb", fehlt},
@@ -183,7 +172,7 @@ TEST_F(Bibliotheken, AStartOpensTheCurrentDatabaseOrTheFirstListedOneThatIsThere
         z.aryDbVerzeichnis = f.liste;
         z.strAktuelleDb = f.aktuell;
         const typDbSuche r = fctVorhandeneDbSuchen(z);
-        EXPECT_EQ(r.strDb, f.db) << f.aktuell;
+        EXPECT_EQ(r.strDb, f.mdb) << f.aktuell;
         EXPECT_EQ(r.strFehlt, f.fehlt) << f.aktuell;
     }
 }
@@ -202,29 +191,29 @@ TEST_F(Bibliotheken, SlidePathsAreMadeRelativeToTheFolder) {
 
 TEST_F(Bibliotheken, AnOlderLibraryGetsItsMissingTablesColumnsAndRelativePathsOnOpen) {
     const std::string dir = verzeichnis("alt");
-    const std::string db = alteBibliothek(dir, "dbTessara.mdb");
-    ASSERT_TRUE(sitzung().fctOeffnen(db).ok());
-    EXPECT_EQ(spalte(db, "SELECT SlideLib FROM tblBlockInfo ORDER BY Block"),
+    const std::string mdb = alteBibliothek(dir, "dbTessara.mdb");
+    ASSERT_TRUE(sitzung().fctOeffnen(mdb).ok());
+    EXPECT_EQ(spalte(mdb, "SELECT SlideLib FROM tblBlockInfo ORDER BY Block"),
               (std::vector<std::string>{"007\\00700000.slb", "007\\00700090.sld"}));
     EXPECT_EQ(benutzer.fortschritte.size(), 2u);  // told, then closed
     for (const char* sql :
          {"SELECT Layer, LyColor, BlkName4, FZ4 FROM tblBlockInfo",
           "SELECT BlockNr FROM tblMarkierteBloecke", "SELECT BlockID FROM tblVariationBloecke",
           "SELECT OrdnerRechte FROM tblOrdner", "SELECT Benennung10 FROM tblDefMenue"})
-        EXPECT_NO_THROW(spalte(db, sql)) << sql;
+        EXPECT_NO_THROW(spalte(mdb, sql)) << sql;
     ASSERT_TRUE(s.modell().fctOrdnerWaehlen("007"));
     EXPECT_EQ(s.modell().seitenSlots()[0].strBeschriftung, "Kugelhahn");
     EXPECT_TRUE(s.modell().fctMarkierungSetzen(9, true));
     // Opened again, nothing is left to add or rewrite.
-    EXPECT_EQ(fctDatenbankAktualisieren(z, oeffner, db), 0);
-    ASSERT_TRUE(s.fctOeffnen(db).ok());
+    EXPECT_EQ(fctDatenbankAktualisieren(z, oeffner, mdb), 0);
+    ASSERT_TRUE(s.fctOeffnen(mdb).ok());
     EXPECT_EQ(benutzer.fortschritte.size(), 2u);
 }
 
 TEST_F(Bibliotheken, AnInventorLibraryOpensBrowsesAndSearchesItsOwnTable) {
     const std::string dir = verzeichnis("inv");
-    const std::string db = alteBibliothek(dir, "dbTessara.mdb", true);
-    ASSERT_TRUE(sitzung().fctOeffnen(db).ok());
+    const std::string mdb = alteBibliothek(dir, "dbTessara.mdb", true);
+    ASSERT_TRUE(sitzung().fctOeffnen(mdb).ok());
     EXPECT_EQ(z.strTblBlockInfo, "tblBlockInfoInventor");
     ASSERT_TRUE(s.modell().fctOrdnerWaehlen("007"));
     const auto& slot = s.modell().seitenSlots()[9];
@@ -248,20 +237,20 @@ TEST_F(Bibliotheken, AnOlderVersionsDatabaseIsImportedIntoANewCatalogueWhenTheUs
     const auto vorher = test::dateiInhalt(fctNativerPfad(alt));
     ASSERT_TRUE(sitzung().fctAnhaengen(dir).ok());
     EXPECT_NE(benutzer.gezeigt.at(0).text.find(alt), std::string::npos);
-    const std::string db = dir + "\\dbTessara.mdb";
-    EXPECT_EQ(spalte(db, "SELECT OrdnerNr FROM tblOrdner"), std::vector<std::string>{"007"});
-    EXPECT_EQ(spalte(db,
+    const std::string mdb = dir + "\\dbTessara.mdb";
+    EXPECT_EQ(spalte(mdb, "SELECT OrdnerNr FROM tblOrdner"), std::vector<std::string>{"007"});
+    EXPECT_EQ(spalte(mdb,
                      "SELECT Bemerkung FROM tblBlockInfo WHERE OrdnerID = 5 AND M0 = "
                      "'Kugelhahn' AND Layer IS NULL"),
               std::vector<std::string>{"x"});
-    EXPECT_EQ(spalte(db, "SELECT SlideLib FROM tblBlockInfo ORDER BY Block").at(0),
+    EXPECT_EQ(spalte(mdb, "SELECT SlideLib FROM tblBlockInfo ORDER BY Block").at(0),
               "007\\00700000.slb");
     EXPECT_EQ(test::dateiInhalt(fctNativerPfad(alt)), vorher);
     // New rows take keys after the imported ones.
     db::Connection con(oeffner);
-    con.open(fctJetVerbindung(db));
+    con.open(fctJetVerbindung(mdb));
     con.execute("INSERT INTO tblOrdner (OrdnerNr) VALUES ('008')");
-    EXPECT_EQ(spalte(db, "SELECT Nr FROM tblOrdner WHERE OrdnerNr = '008'"),
+    EXPECT_EQ(spalte(mdb, "SELECT Nr FROM tblOrdner WHERE OrdnerNr = '008'"),
               std::vector<std::string>{"6"});
     // No: an empty catalogue beside the older file; a damaged file is no catalogue.
     std::ofstream(wurzel / "leer" / "kaputt.mdb", std::ios::binary) << std::string(4096, 'x');

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <sstream>
 
 #include "befehl.h"
@@ -141,6 +142,40 @@ TEST_F(EchteDatei, DatensaetzeUeberlebenDasWiederoeffnen) {
     auto jetDb = jet::Database::open(datei.string());
     EXPECT_EQ(jet::checkDatabase(*jetDb), std::vector<std::string>{});
     EXPECT_EQ(zeilen(exportiert("tblBlockInfo")).size(), 201u);
+}
+
+// A Folder's Blocks read through tblBlockInfo's index OrdnerID DESC: the rows
+// a scan finds, before and after inserts; mdbtools reads the index as descending.
+TEST_F(EchteDatei, BloeckeEinesOrdnersWieOhneIndex) {
+    ASSERT_TRUE(Mk_Datenbank(z, oeffner, programmPfad));
+    {
+        db::Connection con(oeffner);
+        con.open(fctJetVerbindung(programmPfad));
+        auto nummern = [&](const std::string& bedingung) {
+            db::Recordset rs;
+            rs.open("SELECT Nr, Block FROM tblBlockInfo WHERE " + bedingung, con);
+            std::set<long long> out;
+            for (; !rs.eof(); rs.moveNext()) out.insert(rs.value("Nr").asInt());
+            return out;
+        };
+        for (int i = 0; i < 150; ++i) {
+            con.execute("INSERT INTO tblBlockInfo (Block, OrdnerID, M0) VALUES ('00" +
+                        std::to_string(10000 + i) + "', " + std::to_string(1 + i % 3) +
+                        ", 'Ventil')");
+            if (i != 59 && i != 149) continue;
+            EXPECT_EQ(nummern("OrdnerID = 2").size(), (i + 1) / 3u);
+            for (int ordner : {1, 2, 3, 7})
+                EXPECT_EQ(nummern("OrdnerID = " + std::to_string(ordner)),
+                          nummern("OrdnerID+0 = " + std::to_string(ordner)))
+                    << ordner;
+        }
+    }
+
+    auto jetDb = jet::Database::open(datei.string());
+    EXPECT_EQ(jet::checkDatabase(*jetDb), std::vector<std::string>{});
+    const std::string schema =
+        test::befehlsAusgabe("mdb-schema -T tblBlockInfo '" + datei.string() + "' postgres 2>&1");
+    EXPECT_NE(schema.find("(\"ordnerid\" DESC)"), std::string::npos) << schema;
 }
 
 }  // namespace

@@ -1,39 +1,26 @@
 // The navigation model and the library session over real .mdb files made by
 // Mk_Datenbank in a temporary directory, with the shipped code table.
-#include <gtest/gtest.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 
 #include "authoring/code_tabelle.h"
 #include "db/jet_opener.h"
 #include "db/recordset.h"
-#include "frisches_verzeichnis.h"
 #include "library/bibliothek_sitzung.h"
 #include "library/schema.h"
+#include "organisation/bibliothek.h"
 #include "platform/environment.h"
-#include "startup/benutzer.h"
+#include "tabelle.h"
 
 namespace tessara {
 namespace {
 
 namespace fs = std::filesystem;
 
-class Navigation : public ::testing::Test {
+class Navigation : public orgtest::Bibliothek {
   protected:
     void SetUp() override {
-        wurzel = tessara::test::frischesVerzeichnis("nav");
-        fs::create_directories(wurzel / "prog");
-        fs::create_directories(wurzel / "lib");
-        z.benutzer = &benutzer;
-        z.strCTemp = platform::programPath(wurzel.string()) + "\\";
-        z.strErrorDatei = z.strCTemp + "fehler.txt";
-        z.strAppPfad = platform::programPath((wurzel / "prog").string());
-        z.strIniDatei = z.strAppPfad + "\\Tessara9.0.ini";
-        std::ofstream(wurzel / "prog" / "txtPrefix.txt", std::ios::binary) << fctCodeTabelleText();
-        db = platform::programPath((wurzel / "lib" / "dbTessara.mdb").string());
-        ASSERT_TRUE(Mk_Datenbank(z, oeffner, db));
+        Bibliothek::SetUp();
         // Folder 1 "000" comes with the database; Folder 2 "001" holds Blocks
         // at absolute slots 0, 9 and 17, slot 9 marked.
         ausfuehren(
@@ -46,13 +33,6 @@ class Navigation : public ::testing::Test {
         for (auto [nr, name] : {std::pair{1, "Zeta"}, {2, "Alpha"}, {3, "10"}})
             ausfuehren("INSERT INTO tblSeiten (SeitenNr, SeitenName, NrTblOrdner) VALUES (" +
                        std::to_string(nr) + ", '" + name + "', 2)");
-    }
-    void TearDown() override { fs::remove_all(wurzel); }
-
-    void ausfuehren(const std::string& sql) {
-        db::Connection con(oeffner);
-        con.open(fctJetVerbindung(db));
-        con.execute(sql);
     }
     void block(const std::string& nr, const std::string& slideLib, const std::string& m0) {
         ausfuehren("INSERT INTO tblBlockInfo (Block, SlideLib, OrdnerID, BlkName0, M0) VALUES ('" +
@@ -67,7 +47,6 @@ class Navigation : public ::testing::Test {
         EXPECT_TRUE(m.BilderAnzeigenBeiGeaenderterBilderanzahl(bilder));
         return m;
     }
-    std::string basis() const { return platform::programPath((wurzel / "lib").string()) + "\\"; }
     static std::string pfad(const fs::path& p) { return platform::programPath(p.string()); }
     // A further library directory holding a new catalogue.
     std::string bibliothek(const std::string& name) {
@@ -82,11 +61,6 @@ class Navigation : public ::testing::Test {
         return s;
     }
 
-    fs::path wurzel;
-    SkriptBenutzer benutzer;
-    ProgrammZustand z;
-    db::StorageOpener oeffner = db::jetOpener(platform::nativePath);
-    std::string db;
     NavigationsModell m{z, oeffner};
     BibliothekSitzung s{z, oeffner};
 };
@@ -124,7 +98,7 @@ TEST_F(Navigation, BlocksLandByTheirAbsoluteSlotUnderEverySlotCount) {
         const auto& s = m.seitenSlots()[f.position];
         EXPECT_TRUE(s.booBelegt) << f.block;
         EXPECT_EQ(s.strBlockNr, f.block);
-        EXPECT_EQ(s.strBildname, basis() + f.bild);
+        EXPECT_EQ(s.strBildname, basis + f.bild);
         EXPECT_EQ(s.booMarkiert, f.block == "0010009");
         EXPECT_EQ(m.lisBlockBenennungAktualisieren()[f.position], f.block);
     }
@@ -215,10 +189,10 @@ TEST_F(Navigation, PagingKeepsTheSlotOnlyWhenSetAndMissingSlidesAreToldOnce) {
     }
     ASSERT_TRUE(m.subSeiteNeuAnzeigen());
     ASSERT_EQ(benutzer.gezeigt.size(), 2u);
-    EXPECT_NE(benutzer.gezeigt[0].text.find("0010009  " + basis() + "001\\00100090.sld"),
+    EXPECT_NE(benutzer.gezeigt[0].text.find("0010009  " + basis + "001\\00100090.sld"),
               std::string::npos)
         << benutzer.gezeigt[0].text;
-    EXPECT_NE(benutzer.gezeigt[1].text.find("0010000  " + basis() + "001\\00100000.slb(0A)"),
+    EXPECT_NE(benutzer.gezeigt[1].text.find("0010000  " + basis + "001\\00100000.slb(0A)"),
               std::string::npos)
         << benutzer.gezeigt[1].text;
     EXPECT_TRUE(m.seitenSlots()[0].booDiaFehlt);
@@ -262,17 +236,19 @@ TEST_F(Navigation, FoldersFollowTheSortSettingAndTheUsersRights) {
 }
 
 TEST_F(Navigation, BadInputIsRefusedWithoutThrowing) {
+    fehlerErwartet = true;
     std::ofstream(wurzel / "prog" / "kurz.txt") << "000\r\n001\r\n";
     EXPECT_FALSE(m.fctCodeTabelleLesen(z.strAppPfad + "\\kurz.txt"));
     EXPECT_FALSE(m.fctCodeTabelleLesen(z.strAppPfad + "\\fehlt.txt"));
     std::ofstream(wurzel / "lib" / "kaputt.mdb", std::ios::binary) << std::string(4096, '\xff');
-    EXPECT_FALSE(m.fctDatenbankOeffnen(basis() + "kaputt.mdb"));
+    EXPECT_FALSE(m.fctDatenbankOeffnen(basis + "kaputt.mdb"));
     EXPECT_FALSE(m.fehlerText().empty());
     EXPECT_FALSE(m.offen());
     EXPECT_FALSE(m.combutVor());
 }
 
 TEST_F(Navigation, SessionAFailedOpeningIsToldByNumberAndLeavesNoLibraryOpen) {
+    fehlerErwartet = true;
     const std::string fehlt = pfad(wurzel / "gibtsnicht");
     typOeffnenErgebnis r = sitzung().fctOeffnen(fehlt + "\\dbTessara.mdb");
     EXPECT_EQ(r.lngMeldung, kMsgVerzeichnisFehlt);
@@ -334,21 +310,10 @@ TEST_F(Navigation, SessionEachLibraryComesBackWhereItWasLeft) {
 TEST_F(Navigation, SessionArrowKeysHomeAndEndStayOnThePage) {
     ASSERT_TRUE(sitzung().fctOeffnen(bibliothek("a")).ok());
     ASSERT_TRUE(s.modell().BilderAnzeigenBeiGeaenderterBilderanzahl(2));  // 16 slots, 4 a row
-    struct Fall {
-        int von;
-        RasterTaste taste;
-        int nach;
-    };
-    const Fall faelle[] = {
-        {5, RasterTaste::Links, 4},    {5, RasterTaste::Rechts, 6},   {5, RasterTaste::Hoch, 1},
-        {5, RasterTaste::Runter, 9},   {5, RasterTaste::Anfang, 0},   {5, RasterTaste::Ende, 15},
-        {0, RasterTaste::Links, 0},    {2, RasterTaste::Hoch, 2},     {15, RasterTaste::Rechts, 15},
-        {13, RasterTaste::Runter, 13}, {11, RasterTaste::Runter, 15},
-    };
-    for (const auto& f : faelle) {
-        s.modell().subPositionSetzen(f.von);
-        EXPECT_EQ(s.fctRasterZiel(f.taste), f.nach)
-            << "from " << f.von << " key " << static_cast<int>(f.taste);
+    for (const auto& f : test::tabelle("library/golden/rastertasten.txt")) {
+        s.modell().subPositionSetzen(std::stoi(f.at(0)));
+        EXPECT_EQ(s.fctRasterZiel(static_cast<RasterTaste>(std::stoi(f.at(1)))), std::stoi(f.at(2)))
+            << "from " << f[0] << " key " << f[1];
     }
 }
 

@@ -27,7 +27,6 @@ void Bibliothek::SetUp() {
     std::ofstream(wurzel / "prog" / "txtPrefix.txt", std::ios::binary) << fctCodeTabelleText();
     basis = platform::programPath((wurzel / "lib").string()) + "\\";
     db = basis + "dbTessara.mdb";
-    oeffner = db::jetOpener(platform::nativePath);
     ASSERT_TRUE(Mk_Datenbank(z, oeffner, db));
     oeffnen();
 }

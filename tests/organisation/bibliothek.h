@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "db/connection.h"
+#include "db/jet_opener.h"
 #include "library/navigation_model.h"
+#include "platform/environment.h"
 #include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
 
@@ -43,7 +45,7 @@ class Bibliothek : public ::testing::Test {
     std::string basis;  // library directory, with a trailing backslash
     SkriptBenutzer benutzer;
     ProgrammZustand z;
-    db::StorageOpener oeffner;
+    db::StorageOpener oeffner = db::jetOpener(platform::nativePath);
     std::unique_ptr<NavigationsModell> modell;
 };
 
