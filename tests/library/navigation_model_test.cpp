@@ -71,10 +71,10 @@ TEST_F(Navigation, EveryPictureSizeOfAnEmptyFolderIsAFullGridOfFreeSlots) {
     for (long i = 0; i < 8; ++i) {
         ASSERT_TRUE(m.BilderAnzeigenBeiGeaenderterBilderanzahl(i));
         ASSERT_EQ(m.seitenSlots().size(), static_cast<std::size_t>(erwartet[i])) << "index " << i;
-        for (const auto& s : m.seitenSlots()) {
-            EXPECT_FALSE(s.booBelegt);
-            EXPECT_EQ(s.strBeschriftung, "*****Frei*****");
-            EXPECT_EQ(s.strBildname, z.strAppPfad + "\\frei2.sld");
+        for (const auto& slot : m.seitenSlots()) {
+            EXPECT_FALSE(slot.booBelegt);
+            EXPECT_EQ(slot.strBeschriftung, "*****Frei*****");
+            EXPECT_EQ(slot.strBildname, z.strAppPfad + "\\frei2.sld");
         }
     }
 }
@@ -95,11 +95,11 @@ TEST_F(Navigation, BlocksLandByTheirAbsoluteSlotUnderEverySlotCount) {
     for (const auto& f : faelle) {
         ASSERT_TRUE(m.BilderAnzeigenBeiGeaenderterBilderanzahl(f.bilder));
         ASSERT_TRUE(m.GeheZuSeite(f.seite));
-        const auto& s = m.seitenSlots()[f.position];
-        EXPECT_TRUE(s.booBelegt) << f.block;
-        EXPECT_EQ(s.strBlockNr, f.block);
-        EXPECT_EQ(s.strBildname, basis + f.bild);
-        EXPECT_EQ(s.booMarkiert, f.block == "0010009");
+        const auto& slot = m.seitenSlots()[f.position];
+        EXPECT_TRUE(slot.booBelegt) << f.block;
+        EXPECT_EQ(slot.strBlockNr, f.block);
+        EXPECT_EQ(slot.strBildname, basis + f.bild);
+        EXPECT_EQ(slot.booMarkiert, f.block == "0010009");
         EXPECT_EQ(m.lisBlockBenennungAktualisieren()[f.position], f.block);
     }
 }
