@@ -105,7 +105,9 @@ TEST_F(RegistryWerte, FenstergeometrieUnterSetup) {
         const typFensterGeometrie r = fctFensterGeometrieLesen(z);
         EXPECT_EQ(std::tie(r.booPosition, r.booGroesse, r.lonFrmHeight, r.lonFrmWidth),
                   std::tuple(mitPosition, true, 700, 900));
-        if (mitPosition) EXPECT_EQ(std::tie(r.longCurrentX, r.longCurrentY), std::tuple(-1200, 40));
+        if (mitPosition) {
+            EXPECT_EQ(std::tie(r.longCurrentX, r.longCurrentY), std::tuple(-1200, 40));
+        }
     }
     EXPECT_EQ(aufz.readDword(Hive::CurrentUser, setup, "longCurrentX"), 0xFFFFFFFFu - 1199u);
 }
