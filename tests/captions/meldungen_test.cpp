@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 
 #include "captions/umgebung.h"
 #include "startup/einstellungen.h"
@@ -43,11 +44,8 @@ TEST_F(Meldungen, InfoFamilieVerbindetZeilen) {
         f.aufruf();
         ASSERT_EQ(benutzer.gezeigt.size(), 1u) << f.text;
         const auto& g = benutzer.gezeigt[0];
-        EXPECT_EQ(g.text, f.text);
-        EXPECT_EQ(g.titel, "Info-Titel");
-        EXPECT_EQ(g.symbol, Symbol::Information);
-        EXPECT_EQ(g.knoepfe, Knoepfe::Ok);
-        EXPECT_EQ(g.kaestchen, "");
+        EXPECT_EQ(std::tie(g.text, g.titel, g.symbol, g.knoepfe, g.kaestchen),
+                  std::make_tuple(f.text, "Info-Titel", Symbol::Information, Knoepfe::Ok, ""));
     }
 }
 
@@ -61,10 +59,9 @@ TEST_F(Meldungen, FrageIstWahrNurBeiJa) {
         benutzer.antworten = {antwort};
         EXPECT_EQ(fctMsgboxFrageZweizeilig2(z, 10, 11), erwartet);
         ASSERT_EQ(benutzer.gezeigt.size(), 1u);
-        EXPECT_EQ(benutzer.gezeigt[0].text, "eins\r\rzwei");
-        EXPECT_EQ(benutzer.gezeigt[0].titel, "Frage-Titel");
-        EXPECT_EQ(benutzer.gezeigt[0].symbol, Symbol::Frage);
-        EXPECT_EQ(benutzer.gezeigt[0].knoepfe, Knoepfe::JaNein);
+        const auto& g = benutzer.gezeigt[0];
+        EXPECT_EQ(std::tie(g.text, g.titel, g.symbol, g.knoepfe),
+                  std::make_tuple("eins\r\rzwei", "Frage-Titel", Symbol::Frage, Knoepfe::JaNein));
     }
 }
 

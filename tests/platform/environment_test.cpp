@@ -20,29 +20,17 @@ namespace {
 namespace fs = std::filesystem;
 
 // Sets environment variables for one test and puts the old values back.
-class EnvGuard {
-  public:
+struct EnvGuard {
+    std::map<std::string, std::optional<std::string>> saved;
     void set(const std::string& name, const std::optional<std::string>& value) {
-        if (!saved_.count(name)) {
-            const char* old = std::getenv(name.c_str());
-            saved_[name] = old ? std::optional<std::string>(old) : std::nullopt;
-        }
-        if (value)
-            setenv(name.c_str(), value->c_str(), 1);
-        else
-            unsetenv(name.c_str());
+        const char* old = std::getenv(name.c_str());
+        saved.try_emplace(name, old ? std::optional<std::string>(old) : std::nullopt);
+        value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
     }
     ~EnvGuard() {
-        for (const auto& [name, value] : saved_) {
-            if (value)
-                setenv(name.c_str(), value->c_str(), 1);
-            else
-                unsetenv(name.c_str());
-        }
+        for (const auto& [name, value] : saved)
+            value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
     }
-
-  private:
-    std::map<std::string, std::optional<std::string>> saved_;
 };
 
 class PathTest : public ::testing::Test {

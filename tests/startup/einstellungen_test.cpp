@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "einstellungen_umgebung.h"
 #include "startup/ini_datei.h"
 #include "tabelle.h"
@@ -74,23 +76,22 @@ TEST_F(Einstellungen, MeldungNichtMehrAnzeigen) {
     EXPECT_TRUE(fctIniDateiNeuAnlegen(z, "AutoCadTitel", 1));
 }
 
-TEST_F(Einstellungen, VerzeichnisVorgabeModusEins) {
-    subVerzeichnisVorgabeAktualisieren(z, "c:\\Bibliothek", 1);
-    EXPECT_EQ(z.strVerzeichnisVorgabe, "c:\\Bibliothek\\");
-    EXPECT_EQ(IniGetValue(z, z.strIniDatei, kAllgemeineDaten, "VerzeichnisVorgabe"),
-              "c:\\Bibliothek\\");
-    // The same directory again is no change: nothing is written.
-    fs::remove(ini());
-    subVerzeichnisVorgabeAktualisieren(z, "c:\\Bibliothek\\", 1);
-    EXPECT_FALSE(fs::exists(ini()));
-    EXPECT_EQ(z.strVerzeichnisVorgabe, "c:\\Bibliothek\\");
-    subVerzeichnisVorgabeAktualisieren(z, "d:\\Bib\\Elektro\\dbTessara.mdb", 0);
-    EXPECT_EQ(z.strVerzeichnisVorgabe, "d:\\Bib\\Elektro\\");
-    EXPECT_EQ(IniGetValue(z, z.strIniDatei, kAllgemeineDaten, "VerzeichnisVorgabe"),
-              "d:\\Bib\\Elektro\\");
-    fs::remove(ini());
-    subVerzeichnisVorgabeAktualisieren(z, "d:\\Bib\\Elektro\\anders.mdb", 2);
-    EXPECT_FALSE(fs::exists(ini()));  // unchanged: not written
+TEST_F(Einstellungen, VerzeichnisVorgabe) {
+    // Path, mode, the default directory then, whether the file is written
+    // (the same directory again is no change, and is not written).
+    const std::tuple<const char*, int, const char*, bool> faelle[] = {
+        {"c:\\Bibliothek", 1, "c:\\Bibliothek\\", true},
+        {"c:\\Bibliothek\\", 1, "c:\\Bibliothek\\", false},
+        {"d:\\Bib\\Elektro\\dbTessara.mdb", 0, "d:\\Bib\\Elektro\\", true},
+        {"d:\\Bib\\Elektro\\anders.mdb", 2, "d:\\Bib\\Elektro\\", false}};
+    for (const auto& [pfad, modus, vorgabe, geschrieben] : faelle) {
+        fs::remove(ini());
+        subVerzeichnisVorgabeAktualisieren(z, pfad, modus);
+        EXPECT_EQ(z.strVerzeichnisVorgabe, vorgabe) << pfad;
+        EXPECT_EQ(IniGetValue(z, z.strIniDatei, kAllgemeineDaten, "VerzeichnisVorgabe"),
+                  geschrieben ? vorgabe : "")
+            << pfad;
+    }
 }
 
 TEST_F(Einstellungen, DatenbanklisteLesen) {
@@ -141,14 +142,11 @@ TEST_F(Einstellungen, DbPositionSchreibenUndLesen) {
     EXPECT_EQ(lesen(wurzel / "bib" / "dbTessara.ini"),
               "[Position]\r\nstrAktuelleOrdnerNr=00A\r\ns1=-3\r\nPos=123456789\r\n");
     const typDbPosition gelesen = fctDbPositionLesen(z, bib);
-    EXPECT_EQ(gelesen.strAktuelleOrdnerNr, "00A");
-    EXPECT_EQ(gelesen.s1, -3);
-    EXPECT_EQ(gelesen.Pos, 123456789);
+    EXPECT_EQ(std::tie(gelesen.strAktuelleOrdnerNr, gelesen.s1, gelesen.Pos),
+              std::make_tuple("00A", -3, 123456789));
     // A library without the file starts at the beginning.
     const typDbPosition leer = fctDbPositionLesen(z, prog(wurzel / "andere"));
-    EXPECT_EQ(leer.strAktuelleOrdnerNr, "");
-    EXPECT_EQ(leer.s1, 0);
-    EXPECT_EQ(leer.Pos, 0);
+    EXPECT_EQ(std::tie(leer.strAktuelleOrdnerNr, leer.s1, leer.Pos), std::make_tuple("", 0, 0));
 }
 
 }  // namespace

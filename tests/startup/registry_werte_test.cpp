@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+#include <tuple>
+
 #include "einstellungen_umgebung.h"
+#include "platform/case_fold.h"
 #include "tabelle.h"
 
 namespace tessara::einstellungentest {
@@ -12,38 +16,31 @@ namespace {
 
 using platform::Hive;
 
-// Records every write in the order it reaches the registry.
+// Records every write in the order it reaches the registry, as
+// "HIVE key!name|type=value" lines (type s a string, d a DWORD; the key in
+// one case, as the registry compares keys).
 class AufzeichnendeRegistry : public platform::MemoryRegistry {
   public:
-    struct Schreiben {
-        Hive hive;
-        std::string schluessel, name;
-        char typ;  // 's' string, 'd' DWORD
-    };
-    std::vector<Schreiben> geschrieben;
-
+    std::string protokoll;
     bool writeString(Hive h, const std::string& k, const std::string& n,
                      const std::string& v) override {
-        geschrieben.push_back({h, k, n, 's'});
+        protokoll += (h == Hive::CurrentUser ? "HKCU " : "HKLM ") + platform::foldCase(k) + "!" +
+                     n + "|s=" + v + "\n";
         return MemoryRegistry::writeString(h, k, n, v);
     }
     bool writeDword(Hive h, const std::string& k, const std::string& n, std::uint32_t v) override {
-        geschrieben.push_back({h, k, n, 'd'});
+        protokoll += (h == Hive::CurrentUser ? "HKCU " : "HKLM ") + platform::foldCase(k) + "!" +
+                     n + "|d=" + std::to_string(v) + "\n";
         return MemoryRegistry::writeDword(h, k, n, v);
     }
+    std::string abholen() { return std::exchange(protokoll, {}); }
 };
 
-// The values in the order the program writes them; the CAD host version
-// text is stored as "strACadVersion".
-std::vector<std::string> reihenfolge() {
-    std::vector<std::string> namen;
-    for (const auto& f : test::tabelle("startup/golden/setup_reihenfolge.txt"))
-        namen.push_back(f.at(0));
-    return namen;
-}
-
-char typNachName(const std::string& name) {
-    return name.rfind("lon", 0) == 0 ? 'd' : 's';  // "lon" covers "long" too
+// A setup value as text, whatever its type.
+std::string alsText(const typSetupWerte& w, const typSetupEintrag& e) {
+    if (auto* zahl = std::get_if<std::int32_t typSetupWerte::*>(&e.feld))
+        return std::to_string(w.**zahl);
+    return w.*std::get<std::string typSetupWerte::*>(e.feld);
 }
 
 class RegistryWerte : public EinstellungenUmgebung {
@@ -56,46 +53,28 @@ class RegistryWerte : public EinstellungenUmgebung {
     AufzeichnendeRegistry aufz;
 };
 
-TEST_F(RegistryWerte, SetupWerteInReihenfolgeUndTyp) {
-    typSetupWerte w;
-    w.Eintrag1 = "c:\\Bib\\dbTessara.mdb";
-    w.strACadVersion = "AutoCAD LT";
-    ASSERT_TRUE(SetupInRegistrierdatenbankSpeichern(z, w));
-    std::vector<std::string> namen;
-    for (const auto& s : aufz.geschrieben) {
-        EXPECT_EQ(s.hive, Hive::CurrentUser);
-        EXPECT_EQ(s.schluessel, setup);
-        EXPECT_EQ(s.typ, typNachName(s.name)) << s.name;
-        namen.push_back(s.name);
+TEST_F(RegistryWerte, SetupWerteInReihenfolgeUndTypOhnePositionsflagOhnePosition) {
+    for (const int flag : {1, 0}) {
+        typSetupWerte w;
+        w.longFensterpositionSpeichern = flag;
+        ASSERT_TRUE(SetupInRegistrierdatenbankSpeichern(z, w));
+        std::string soll, ist;
+        for (const auto& f : test::tabelle("startup/golden/setup_reihenfolge.txt"))
+            if (flag || f.at(0).rfind("longCurrent", 0) != 0)
+                soll += "HKCU " + platform::foldCase(setup) + "!" + f[0] + "|" + f.at(1) + "\n";
+        std::istringstream zeilen(aufz.abholen());
+        for (std::string zeile; std::getline(zeilen, zeile);)
+            ist += zeile.substr(0, zeile.find('=')) + "\n";  // without the value
+        EXPECT_EQ(ist, soll) << flag;
     }
-    EXPECT_EQ(namen, reihenfolge());
-    // The stored types, as another reader sees them.
-    EXPECT_EQ(aufz.readString(Hive::CurrentUser, setup, "Eintrag1"), "c:\\Bib\\dbTessara.mdb");
-    EXPECT_EQ(aufz.readDword(Hive::CurrentUser, setup, "longAnzahlDerBilder"), 2u);
-    EXPECT_FALSE(aufz.readString(Hive::CurrentUser, setup, "longAnzahlDerBilder"));
-    EXPECT_EQ(aufz.readString(Hive::CurrentUser, setup, "strMassstabX"), "1");
-    EXPECT_FALSE(aufz.readDword(Hive::CurrentUser, setup, "strMassstabX"));
-    EXPECT_EQ(aufz.readString(Hive::CurrentUser, setup, "strACadVersion"), "AutoCAD LT");
-    EXPECT_EQ(aufz.valueNames(Hive::CurrentUser, setup), reihenfolge());
-}
-
-TEST_F(RegistryWerte, OhnePositionsflagKeinePosition) {
-    typSetupWerte w;
-    w.longFensterpositionSpeichern = 0;
-    ASSERT_TRUE(SetupInRegistrierdatenbankSpeichern(z, w));
-    std::vector<std::string> erwartet;
-    for (const auto& n : reihenfolge())
-        if (n != "longCurrentX" && n != "longCurrentY") erwartet.push_back(n);
-    EXPECT_EQ(aufz.valueNames(Hive::CurrentUser, setup), erwartet);
 }
 
 TEST_F(RegistryWerte, SetupWerteZurueckgelesen) {
     typSetupWerte w;
     int n = 0;
     for (const auto& e : fctSetupEintraege()) {
-        ++n;
         if (auto* zahl = std::get_if<std::int32_t typSetupWerte::*>(&e.feld))
-            w.** zahl = n * 7 - 100;  // negative values too (window position)
+            w.** zahl = ++n * 7 - 100;  // negative values too (window position)
         else
             w.*std::get<std::string typSetupWerte::*>(e.feld) =
                 std::string("Wert ") + e.name + " ä";
@@ -103,48 +82,33 @@ TEST_F(RegistryWerte, SetupWerteZurueckgelesen) {
     ASSERT_TRUE(SetupInRegistrierdatenbankSpeichern(z, w));
     typSetupWerte r;
     ASSERT_TRUE(SetupEinstellungenZuweisen(z, r));
-    for (const auto& e : fctSetupEintraege()) {
-        if (auto* zahl = std::get_if<std::int32_t typSetupWerte::*>(&e.feld))
-            EXPECT_EQ(r.**zahl, w.**zahl) << e.name;
-        else
-            EXPECT_EQ(r.*std::get<std::string typSetupWerte::*>(e.feld),
-                      w.*std::get<std::string typSetupWerte::*>(e.feld))
-                << e.name;
-    }
+    for (const auto& e : fctSetupEintraege()) EXPECT_EQ(alsText(r, e), alsText(w, e)) << e.name;
 }
 
 TEST_F(RegistryWerte, OhneSetupSchluesselBleibenDieVorgaben) {
     typSetupWerte r;
     r.longDoppelklick = 1;
     EXPECT_FALSE(SetupEinstellungenZuweisen(z, r));
-    EXPECT_EQ(r.longDoppelklick, 1);
-    EXPECT_EQ(r.longAnzahlDerBilder, 2);
+    EXPECT_EQ(std::tie(r.longDoppelklick, r.longAnzahlDerBilder), std::tuple(1, 2));
     // A value of the wrong type keeps the default as well.
     aufz.writeString(Hive::CurrentUser, setup, "longAnzahlDerBilder", "5");
     aufz.writeDword(Hive::CurrentUser, setup, "longXRef", 1);
     typSetupWerte s;
     EXPECT_TRUE(SetupEinstellungenZuweisen(z, s));
-    EXPECT_EQ(s.longAnzahlDerBilder, 2);
-    EXPECT_EQ(s.longXRef, 1);
+    EXPECT_EQ(std::tie(s.longAnzahlDerBilder, s.longXRef), std::tuple(2, 1));
 }
 
 TEST_F(RegistryWerte, FenstergeometrieUnterSetup) {
-    typFensterGeometrie g;
-    g.longCurrentX = -1200;
-    g.longCurrentY = 40;
-    g.lonFrmHeight = 700;
-    g.lonFrmWidth = 900;
-    ASSERT_TRUE(subFensterGeometrieSpeichern(z, g, false));
-    typFensterGeometrie r = fctFensterGeometrieLesen(z);
-    EXPECT_FALSE(r.booPosition);
-    EXPECT_TRUE(r.booGroesse);
-    EXPECT_EQ(r.lonFrmHeight, 700);
-    ASSERT_TRUE(subFensterGeometrieSpeichern(z, g, true));
-    r = fctFensterGeometrieLesen(z);
-    EXPECT_TRUE(r.booPosition);
-    EXPECT_EQ(r.longCurrentX, -1200);
-    EXPECT_EQ(r.longCurrentY, 40);
-    EXPECT_EQ(r.lonFrmWidth, 900);
+    const typFensterGeometrie g{-1200, 40, 700, 900};
+    for (const bool mitPosition : {false, true}) {
+        ASSERT_TRUE(subFensterGeometrieSpeichern(z, g, mitPosition));
+        const typFensterGeometrie r = fctFensterGeometrieLesen(z);
+        EXPECT_EQ(std::tie(r.booPosition, r.booGroesse, r.lonFrmHeight, r.lonFrmWidth),
+                  std::tuple(mitPosition, true, 700, 900));
+        if (mitPosition) {
+            EXPECT_EQ(std::tie(r.longCurrentX, r.longCurrentY), std::tuple(-1200, 40));
+        }
+    }
     EXPECT_EQ(aufz.readDword(Hive::CurrentUser, setup, "longCurrentX"), 0xFFFFFFFFu - 1199u);
 }
 
@@ -152,14 +116,11 @@ TEST_F(RegistryWerte, EintraegeBeimSchliessen) {
     z.strAktuelleDb = "c:\\Bib\\dbTessara.mdb";
     z.strVerzeichnisVorgabe = "c:\\Bib\\";
     ASSERT_TRUE(subRegistryEintraegeSpeichern(z));
-    ASSERT_EQ(aufz.geschrieben.size(), 2u);
-    EXPECT_EQ(aufz.geschrieben[0].name, "Eintrag1");
-    EXPECT_EQ(aufz.geschrieben[1].name, "strVerzeichnisVorgabe");
-    EXPECT_EQ(aufz.readString(Hive::CurrentUser, z.strRegRoot, "Eintrag1"), z.strAktuelleDb);
-    EXPECT_EQ(aufz.readString(Hive::CurrentUser, z.strRegRoot, "strVerzeichnisVorgabe"),
-              "c:\\Bib\\");
     EXPECT_TRUE(fctEintrag1Speichern(z, "d:\\X\\dbTessara.mdb"));
-    EXPECT_EQ(aufz.readString(Hive::CurrentUser, z.strRegRoot, "Eintrag1"), "d:\\X\\dbTessara.mdb");
+    const std::string k = "HKCU " + platform::foldCase(z.strRegRoot) + "!";
+    EXPECT_EQ(aufz.abholen(), k + "Eintrag1|s=c:\\Bib\\dbTessara.mdb\n" + k +
+                                  "strVerzeichnisVorgabe|s=c:\\Bib\\\n" + k +
+                                  "Eintrag1|s=d:\\X\\dbTessara.mdb\n");
 }
 
 TEST_F(RegistryWerte, AktuelleDatenbankAusEintrag1) {
@@ -174,27 +135,21 @@ TEST_F(RegistryWerte, AktuelleDatenbankAusEintrag1) {
 }
 
 TEST_F(RegistryWerte, DatenbankenFuerAlleBenutzer) {
-    const std::string v8 = "Software\\Tessara\\Version_8";
     z.aryDbVerzeichnis = {"0"};
     EXPECT_TRUE(EintraegeInRegistrierdatenbank(z));
-    EXPECT_TRUE(aufz.geschrieben.empty()) << "no database, nothing to enter";
+    EXPECT_EQ(aufz.abholen(), "") << "no database, nothing to enter";
     z.aryDbVerzeichnis = {"c:\\A", "d:\\B\\"};
     z.strAktuelleDb = "d:\\B\\dbTessara.mdb";
-    for (int lauf = 0; lauf < 2; ++lauf) {
-        aufz.geschrieben.clear();
-        ASSERT_TRUE(EintraegeInRegistrierdatenbank(z));
-        std::string namen;
-        for (const auto& w : aufz.geschrieben)
-            namen += (w.hive == Hive::LocalMachine ? "" : "HKCU!") + w.name + " ";
-        // The Setup key with the application data only while the key is new.
-        EXPECT_EQ(namen, lauf == 0 ? "Anwendungsdaten Eintrag2 Eintrag3 Eintrag1 "
-                                   : "Eintrag2 Eintrag3 Eintrag1 ");
-    }
-    EXPECT_EQ(aufz.readString(Hive::LocalMachine, v8 + "\\Setup", "Anwendungsdaten"),
-              env.commonAppData());
-    EXPECT_EQ(aufz.readString(Hive::LocalMachine, v8, "Eintrag2"), "c:\\A\\dbTessara.mdb");
-    EXPECT_EQ(aufz.readString(Hive::LocalMachine, v8, "Eintrag3"), "d:\\B\\dbTessara.mdb");
-    EXPECT_EQ(aufz.readString(Hive::LocalMachine, v8, "Eintrag1"), z.strAktuelleDb);
+    const std::string v8 = "HKLM software\\tessara\\version_8";
+    const std::string eintraege = v8 + "!Eintrag2|s=c:\\A\\dbTessara.mdb\n" + v8 +
+                                  "!Eintrag3|s=d:\\B\\dbTessara.mdb\n" + v8 +
+                                  "!Eintrag1|s=d:\\B\\dbTessara.mdb\n";
+    // The Setup key with the application data only while the key is new.
+    ASSERT_TRUE(EintraegeInRegistrierdatenbank(z));
+    EXPECT_EQ(aufz.abholen(),
+              v8 + "\\setup!Anwendungsdaten|s=" + env.commonAppData() + "\n" + eintraege);
+    ASSERT_TRUE(EintraegeInRegistrierdatenbank(z));
+    EXPECT_EQ(aufz.abholen(), eintraege);
     aufz.setReadOnly(true);
     EXPECT_FALSE(EintraegeInRegistrierdatenbank(z)) << "a user without the rights";
 }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "einstellungen_umgebung.h"
+#include "tabelle.h"
 
 namespace tessara::einstellungentest {
 namespace {
@@ -30,30 +31,15 @@ TEST_F(VersionsHistorieTest, MitgelieferteDateiLaufendeVersionMarkiert) {
 TEST_F(VersionsHistorieTest, FehlendeOderFalscheCodepage) {
     z.strVersionInfoDatei = prog(wurzel / "app" / "InfoVersion.lis");
     EXPECT_EQ(fctVersionsHistorieLesen(z).lngMeldung, 609);
-    struct Fall {
-        std::string bytes;
-        long meldung;
-        std::size_t eintraege;
-        std::string ersteZeile;
-    };
-    const Fall faelle[] = {
-        {"Kopf\r\nVersion 9.0.0 (1.1.2027)\r\n- Gr\xF6\xDF"
-         "e\r\n\r\nVersion 1\r\nx",
-         0, 2, "Größe"},
-        {"Version 9.0.0\n- Gr\xC3\xB6\xC3\x9F"
-         "e\n",
-         610, 1, "Größe"},
-        {"\xEF\xBB\xBFVersion 9.0.0\n- a\n", 610, 1, "a"},
-        {"\xFF\xFEV\0e\0r\0", 610, 0, ""},
-        {std::string("Version 9.0.0 (\0\n", 17), 610, 0, ""},
-        {"Version (\n-\nVersion 9\x81", 0, 2, ""},
-    };
-    for (const auto& f : faelle) {
-        schreiben(wurzel / "app" / "InfoVersion.lis", f.bytes);
+    for (const auto& f : test::tabelle("startup/golden/versions_historie.txt")) {
+        SCOPED_TRACE(f.at(0));
+        schreiben(wurzel / "app" / "InfoVersion.lis", f[0]);
         const auto h = fctVersionsHistorieLesen(z);
-        EXPECT_EQ(h.lngMeldung, f.meldung) << f.bytes;
-        ASSERT_EQ(h.eintraege.size(), f.eintraege) << f.bytes;
-        if (!f.ersteZeile.empty()) EXPECT_EQ(h.eintraege[0].zeilen.at(0), f.ersteZeile);
+        EXPECT_EQ(h.lngMeldung, std::stol(f.at(1)));
+        ASSERT_EQ(h.eintraege.size(), std::stoul(f.at(2)));
+        if (!f.at(3).empty()) {
+            EXPECT_EQ(h.eintraege[0].zeilen.at(0), f[3]);
+        }
     }
 }
 

@@ -5,43 +5,25 @@
 # commit, and the Linux build must read the file as it was before.
 #
 #   cli_under_wine.sh LINUX_CLI WINDOWS_CLI_EXE WINE TESTDATA_MDB_DIR
-#
-# WINEPREFIX, WINEDEBUG and WINEDLLOVERRIDES come from the caller.
-set -u
 lin=$1 exe=$2 wine=$3 data=$4
-[ -x "$wine" ] || { echo "FAIL: wine is missing ($wine); scripts/setup-deps installs wine64"; exit 1; }
-[ -f "$exe" ] || { echo "FAIL: $exe is missing; make windows builds it"; exit 1; }
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+. "$(dirname "$0")/wine_gemeinsam.sh"
+braucht "$exe"
 mkdir "$work/linux" "$work/windows"
-failures=0
 compared=0
-
-fail() {
-    echo "FAIL: $*"
-    failures=$((failures + 1))
-}
 
 # Runs one command in both directories (on relative file names, so no path
 # differs) and compares stdout, stderr and the exit code.
 both() {
-    local what="$*"
     (cd "$work/linux" && "$lin" "$@" >out 2>err; echo $? >rc)
     (cd "$work/windows" && "$wine" "$exe" "$@" >out 2>err; echo $? >rc)
-    local f
     compared=$((compared + 1))
+    local f
     for f in rc out err; do
-        if ! cmp -s "$work/linux/$f" "$work/windows/$f"; then
-            fail "$what: $f differs"
-            diff <(head -c 2000 "$work/linux/$f") <(head -c 2000 "$work/windows/$f") | head -n 10
-        fi
+        cmp -s "$work/linux/$f" "$work/windows/$f" && continue
+        fail "$*: $f differs"
+        diff <(head -c 2000 "$work/linux/$f") <(head -c 2000 "$work/windows/$f") | head -n 10
     done
-    [ "$(cat "$work/linux/rc")" = 0 ] || fail "$what: exit $(cat "$work/linux/rc") ($(head -c 300 "$work/linux/err"))"
-}
-
-copy() {
-    cp "$data/$1" "$work/linux/$1" && cp "$data/$1" "$work/windows/$1"
-    chmod u+w "$work/linux/$1" "$work/windows/$1"
+    [ "$(cat "$work/linux/rc")" = 0 ] || fail "$*: exit $(cat "$work/linux/rc") ($(head -c 300 "$work/linux/err"))"
 }
 
 # A new prefix is made by the first run and says so on stderr.
@@ -49,28 +31,25 @@ copy() {
 
 for path in "$data"/*.mdb; do
     f=$(basename "$path")
-    copy "$f"
+    for d in linux windows; do cp "$path" "$work/$d/$f" && chmod u+w "$work/$d/$f"; done
     both tables "$f"
-    tables=$(cat "$work/linux/out")
     while IFS= read -r t; do
         [ -n "$t" ] && both export "$f" "$t"
-    done <<<"$tables"
+    done <<<"$(cat "$work/linux/out")"
     both schema "$f"
     both check "$f"
 done
 
-# Writing: rows added, changed and removed, indexes kept.
+# Writing: rows added, changed and removed, indexes kept; and a catalogue
+# each build creates, written to and read back.
 for statement in \
     "INSERT INTO Table1 (id, otherfk1, otherfk2, data, otherfk3) VALUES (7, 1, 11, 'neu', 0)" \
     "UPDATE Table1 SET data = 'geändert' WHERE id = 2" \
-    "DELETE FROM Table1 WHERE id = 0"; do
+    "DELETE FROM Table1 WHERE id = 0" "SELECT * FROM Table1 ORDER BY id"; do
     both sql indexTestV2000.mdb "$statement"
 done
-both sql indexTestV2000.mdb "SELECT * FROM Table1 ORDER BY id"
 both export indexTestV2000.mdb Table1
 both check indexTestV2000.mdb
-
-# A catalogue each build creates, written to and read back.
 both create-db katalog.mdb
 both tables katalog.mdb
 both sql katalog.mdb "INSERT INTO tblOrdner (OrdnerNr, Ordnername, NrTblDefMenue) VALUES ('001', 'Ventile', 1)"
@@ -84,14 +63,10 @@ cp "$work/windows/indexTestV2000.mdb" "$work/before.mdb"
     "INSERT INTO Table1 (id, otherfk1, otherfk2, data, otherfk3) VALUES (8, 1, 11, 'halb', 0)" \
     >halt.out 2>halt.err) &
 pid=$!
-for _ in $(seq 600); do
-    grep -q "halted at journal-synced" "$work/windows/halt.err" 2>/dev/null && break
-    kill -0 $pid 2>/dev/null || break
-    sleep 0.1
-done
+erscheint "$work/windows/halt.err" "halted at journal-synced" 1 60
+kill -9 $pid 2>/dev/null
+wait $pid 2>/dev/null
 if grep -q "halted at journal-synced" "$work/windows/halt.err"; then
-    kill -9 $pid 2>/dev/null
-    wait $pid 2>/dev/null
     [ -f "$work/windows/indexTestV2000.mdb-journal" ] || fail "no journal left by the killed unit"
     (cd "$work/windows" && "$lin" export indexTestV2000.mdb Table1 >after.csv 2>after.err) ||
         fail "Linux build cannot read the file left by the killed unit: $(cat "$work/windows/after.err")"
@@ -100,12 +75,6 @@ if grep -q "halted at journal-synced" "$work/windows/halt.err"; then
     [ ! -f "$work/windows/indexTestV2000.mdb-journal" ] || fail "the journal was not rolled back"
     cmp -s "$work/before.mdb" "$work/windows/indexTestV2000.mdb" || fail "the file is not as before the killed unit"
 else
-    kill -9 $pid 2>/dev/null
     fail "the Windows build never reached its halt ($(head -c 300 "$work/windows/halt.err"))"
 fi
-
-if [ $failures -gt 0 ]; then
-    echo "$failures comparison(s) failed"
-    exit 1
-fi
-echo "tessara-cli.exe under wine printed what the Linux build printed for $compared commands; a unit killed in its commit rolled back"
+fertig "tessara-cli.exe under wine printed what the Linux build printed for $compared commands; a unit killed in its commit rolled back"

@@ -10,14 +10,10 @@
 # WINEPREFIX (removed and made again), WINEDEBUG and WINEDLLOVERRIDES come
 # from the caller, DISPLAY names an X server of the test's own. The setup is
 # checked against the folder it was made from, Tessara/ beside it.
-set -u
 wine=$1 setup=$2
-[ -x "$wine" ] || { echo "FAIL: wine is missing ($wine); scripts/setup-deps installs wine64"; exit 1; }
-[ -f "$setup" ] || { echo "FAIL: $setup is missing; make windows builds it"; exit 1; }
-[ -n "${WINEPREFIX:-}" ] || { echo "FAIL: no WINEPREFIX given"; exit 1; }
-wineserver=$(dirname "$wine")/wineserver
-[ -x "$wineserver" ] || wineserver=$(command -v wineserver) ||
-    { echo "FAIL: wineserver is missing beside $wine"; exit 1; }
+. "$(dirname "$0")/wine_gemeinsam.sh"
+braucht "$setup"
+[ -n "${WINEPREFIX:-}" ] || abbruch "no WINEPREFIX given"
 version=$(basename "$setup" .exe)
 version=${version#Tessara-Setup-}
 folder=$(dirname "$setup")/Tessara
@@ -30,15 +26,6 @@ menu="$c/ProgramData/Microsoft/Windows/Start Menu/Programs/Tessara"
 daten=$c/ProgramData/Tessara
 ini=$daten/Tessara9.0.ini
 key='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Tessara'
-failures=0
-work=$(mktemp -d)
-trap '"$wineserver" -k 2>/dev/null; rm -rf "$work"' EXIT
-
-fail() {
-    echo "FAIL: $*"
-    failures=$((failures + 1))
-}
-
 # Runs a Windows program and waits until wine has ended, as the uninstaller
 # goes on after its first process returns.
 w() {
@@ -55,21 +42,17 @@ ini_ist() {
 }
 
 rm -rf "$WINEPREFIX"
-w wineboot -i >/dev/null 2>&1 || { echo "FAIL: wine could not make a prefix in $WINEPREFIX"; exit 1; }
+w wineboot -i >/dev/null 2>&1 || abbruch "wine could not make a prefix in $WINEPREFIX"
 
 # --- 1: install with the choices on the command line ------------------------
 w "$setup" /S /SPRACHE=englisch '/BIBLIOTHEK=C:\Bibliotheken\Müller' || fail "the setup ended with $?"
 lib="$c/Bibliotheken/Müller"
 
 [ -f "$prog/uninstall.exe" ] || fail "no uninstaller in Program Files"
-diff -rq -x Demo -x uninstall.exe "$folder" "$prog" >"$work/diff" || {
-    fail "Program Files differs from the Windows folder"
-    head -n 10 "$work/diff"
-}
-diff -rq "$folder/Demo" "$lib" >"$work/diff" || {
-    fail "the first library is not a copy of the demo library"
-    head -n 10 "$work/diff"
-}
+diff -rq -x Demo -x uninstall.exe "$folder" "$prog" >"$work/diff" ||
+    fail "Program Files differs from the Windows folder: $(head -n 10 "$work/diff")"
+diff -rq "$folder/Demo" "$lib" >"$work/diff" ||
+    fail "the first library is not a copy of the demo library: $(head -n 10 "$work/diff")"
 # Windows-1252 as the program reads it, CRLF.
 ini_ist englisch 'C:\Bibliotheken\M'$'\xfc''ller' "install with options"
 
@@ -79,17 +62,10 @@ grep -aq 'tessara\.exe' "$menu/Tessara.lnk" 2>/dev/null || fail "no Start-menu e
 grep -alq 'uninstall\.exe' "${links[@]}" 2>/dev/null || fail "no Start-menu entry for the uninstaller"
 
 "$wine" reg query "$key" 2>/dev/null | tr -d '\r' | sed 's/^ *//' >"$work/key"
-for eintrag in \
-    "DisplayName    REG_SZ    Tessara" \
-    "DisplayVersion    REG_SZ    $version" \
-    "Publisher    REG_SZ    Vendel" \
-    'InstallLocation    REG_SZ    C:\Program Files\Tessara' \
-    'UninstallString    REG_SZ    "C:\Program Files\Tessara\uninstall.exe"' \
-    'QuietUninstallString    REG_SZ    "C:\Program Files\Tessara\uninstall.exe" /S' \
-    "NoModify    REG_DWORD    0x1" \
-    "NoRepair    REG_DWORD    0x1"; do
+# The lines of the uninstall key as reg.exe prints them.
+while IFS= read -r eintrag; do
     grep -Fxq "$eintrag" "$work/key" || fail "uninstall key lacks: $eintrag"
-done
+done < <(sed "s/{version}/$version/" "$(dirname "$0")/golden/uninstall_key.txt")
 groesse=$(sed -n 's/^EstimatedSize    REG_DWORD    //p' "$work/key")
 kb=$(du -sk --apparent-size "$prog" | cut -f1)
 if [ -z "$groesse" ] || [ $((groesse)) -lt $((kb * 9 / 10)) ] || [ $((groesse)) -gt $((kb * 11 / 10)) ]; then
@@ -100,15 +76,9 @@ fi
 # chose. Its message about the missing AutoCAD connection is switched off
 # as its "do not show again" box does.
 printf '[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\n' >>"$ini"
-: >"$work/out"
 "$wine" 'C:\Program Files\Tessara\tessara.exe' >"$work/out" 2>"$work/err" &
-pid=$!
-disown $pid  # ended by wineserver -k below; its death is no news
-for _ in $(seq 600); do
-    grep -q '^bereit: ' "$work/out" && break
-    kill -0 $pid 2>/dev/null || break
-    sleep 0.1
-done
+disown $!  # ended by wineserver -k below; its death is no news
+erscheint "$work/out" 'bereit: ' 1 60
 bereit=$(grep '^bereit: ' "$work/out" | tr -d '\r')
 [ "$bereit" = 'bereit: C:\Bibliotheken\Müller\dbTessara.mdb' ] ||
     fail "the installed program did not open its library (${bereit:-$(tail -n 6 "$daten/txtErrorTessara9.0.txt" 2>/dev/null | tr -s '\r\n' ' ')})"
@@ -149,8 +119,4 @@ w "$setup" /S || fail "the third setup ended with $?"
 ini_ist deutsch 'C:\ProgramData\Tessara\Demo' "install without options"
 diff -rq "$folder/Demo" "$daten/Demo" >/dev/null || fail "the demo library is not in C:\\ProgramData\\Tessara\\Demo"
 
-if [ $failures -gt 0 ]; then
-    echo "$failures check(s) failed"
-    exit 1
-fi
-echo "Tessara-Setup-$version.exe installed, started the program on its library and uninstalled under wine, leaving the user's data"
+fertig "Tessara-Setup-$version.exe installed, started the program on its library and uninstalled under wine, leaving the user's data"

@@ -84,13 +84,12 @@ TEST_F(Win32DesktopTest, KeyStateFollowsInjectedInput) {
     INPUT in{};
     in.type = INPUT_KEYBOARD;
     in.ki.wVk = VK_ESCAPE;
-    SendInput(1, &in, sizeof in);
-    desktop_.pumpMessages();
-    EXPECT_TRUE(desktop_.isKeyDown(Key::Escape));
-    in.ki.dwFlags = KEYEVENTF_KEYUP;
-    SendInput(1, &in, sizeof in);
-    desktop_.pumpMessages();
-    EXPECT_FALSE(desktop_.isKeyDown(Key::Escape));
+    for (bool unten : {true, false}) {
+        in.ki.dwFlags = unten ? 0 : KEYEVENTF_KEYUP;
+        SendInput(1, &in, sizeof in);
+        desktop_.pumpMessages();
+        EXPECT_EQ(desktop_.isKeyDown(Key::Escape), unten);
+    }
 }
 
 }  // namespace

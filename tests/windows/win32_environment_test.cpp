@@ -20,20 +20,15 @@ fs::path native(const std::string& programPath) {
 
 TEST(Win32Environment, DirectoriesAreRealAndInProgramForm) {
     Win32Environment e;
-    std::string app = e.applicationDirectory();
-    ASSERT_FALSE(app.empty());
-    EXPECT_NE(app.back(), '\\');
-    EXPECT_TRUE(fs::exists(native(app) / "test_windows.exe")) << app;
-
-    std::string common = e.commonAppData();
-    ASSERT_FALSE(common.empty());
-    EXPECT_NE(common.back(), '\\');
-    EXPECT_TRUE(fs::is_directory(native(common))) << common;
-
-    std::string temp = e.temporaryDirectory();
-    ASSERT_FALSE(temp.empty());
-    EXPECT_EQ(temp.back(), '\\');
-    EXPECT_TRUE(fs::is_directory(native(temp))) << temp;
+    // Only the temporary directory ends in a backslash, as the program joins it.
+    for (const auto& [dir, schraegstrich] : {std::pair{e.applicationDirectory(), false},
+                                             {e.commonAppData(), false},
+                                             {e.temporaryDirectory(), true}}) {
+        ASSERT_FALSE(dir.empty());
+        EXPECT_EQ(dir.back() == '\\', schraegstrich) << dir;
+        EXPECT_TRUE(fs::is_directory(native(dir))) << dir;
+    }
+    EXPECT_TRUE(fs::exists(native(e.applicationDirectory()) / "test_windows.exe"));
 }
 
 TEST(Win32Environment, CommandLineAfterTheProgramName) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -163,24 +164,19 @@ TEST_F(X11DesktopTest, FindsActivatesAndTypesIntoAWindowByTitle) {
 TEST_F(X11DesktopTest, ReadsKeyAndButtonState) {
     Display* d = XOpenDisplay(nullptr);
     ASSERT_NE(d, nullptr);
-    KeyCode esc = XKeysymToKeycode(d, XK_Escape);
-    EXPECT_FALSE(desktop_.isKeyDown(platform::Key::Escape));
-    XTestFakeKeyEvent(d, esc, True, CurrentTime);
-    XSync(d, False);
-    EXPECT_TRUE(desktop_.isKeyDown(platform::Key::Escape));
-    XTestFakeKeyEvent(d, esc, False, CurrentTime);
-    XSync(d, False);
-    EXPECT_FALSE(desktop_.isKeyDown(platform::Key::Escape));
-
-    for (auto [button, key] :
-         {std::pair{1u, platform::Key::LeftButton}, std::pair{3u, platform::Key::RightButton}}) {
-        EXPECT_FALSE(desktop_.isKeyDown(key));
-        XTestFakeButtonEvent(d, button, True, CurrentTime);
-        XSync(d, False);
-        EXPECT_TRUE(desktop_.isKeyDown(key));
-        XTestFakeButtonEvent(d, button, False, CurrentTime);
-        XSync(d, False);
-        EXPECT_FALSE(desktop_.isKeyDown(key));
+    const KeyCode esc = XKeysymToKeycode(d, XK_Escape);
+    const std::pair<std::function<void(Bool)>, platform::Key> faelle[] = {
+        {[&](Bool unten) { XTestFakeKeyEvent(d, esc, unten, CurrentTime); }, platform::Key::Escape},
+        {[&](Bool unten) { XTestFakeButtonEvent(d, 1, unten, CurrentTime); },
+         platform::Key::LeftButton},
+        {[&](Bool unten) { XTestFakeButtonEvent(d, 3, unten, CurrentTime); },
+         platform::Key::RightButton}};
+    for (const auto& [druecken, key] : faelle) {
+        for (const Bool unten : {True, False}) {
+            druecken(unten);
+            XSync(d, False);
+            EXPECT_EQ(desktop_.isKeyDown(key), unten == True);
+        }
     }
     XCloseDisplay(d);
 }
