@@ -106,51 +106,6 @@ TEST_F(RowWrites, InsertedRowsReadBackEverywhere) {
     }
 }
 
-// Rows enough for new pages, allocated in one unit and in one unit each:
-// the pages are entered in the usage maps and both readers agree. Many
-// rows with indexes are many_writes_test.cpp's.
-TEST_F(RowWrites, ManyInsertsAllocatePages) {
-    struct Case {
-        const char* file;
-        const char* table;
-        int count;
-        bool batch;  // one unit around all inserts, else one unit each
-        std::function<Row(int)> make;
-    } cases[] = {
-        // Rows of a few bytes: a page numbers at most 256 rows.
-        {"delTestV2000.mdb", "Table", 1000, true, [](int) { return Row(2); }},
-        {"overflowTestV2000.mdb", "Table1", 300, false,
-         [](int i) {
-             Row r(9);
-             r[1] = std::to_string(i) + std::string(45, 'y');
-             return r;
-         }},
-    };
-    for (Case& c : cases) {
-        SCOPED_TRACE(std::string(c.file) + " " + c.table + " x" + std::to_string(c.count));
-        const std::string path = scratch.copy(c.file);
-        const std::size_t pagesBefore = std::filesystem::file_size(path) / kPageSize;
-        const std::size_t before = exportRows(path, c.table).size();
-        {
-            auto db = openWritable(path);
-            Writer w(db);
-            if (c.batch) db->begin();
-            for (int i = 0; i < c.count; ++i) {
-                Row r = c.make(i);
-                w.insert(c.table, r);
-            }
-            if (c.batch) db->commit();
-            EXPECT_EQ(faults(*db), "");
-        }
-        auto db = Database::open(path);
-        EXPECT_EQ(db->tableDef(c.table)->rowCount, before + std::size_t(c.count));
-        EXPECT_GT(db->table(c.table).dataPages().size(), 1u);
-        EXPECT_GT(std::filesystem::file_size(path) / kPageSize, pagesBefore);
-        EXPECT_EQ(faults(*db), "");
-        expectExportMatches(path, c.table);
-    }
-}
-
 TEST_F(RowWrites, UpdatesInPlaceAndBehindOverflowPointers) {
     const std::string path = scratch.copy("overflowTestV2000.mdb");
     auto db = openWritable(path);
