@@ -54,7 +54,7 @@ jet::UsageMap mapOf(jet::Database& db, std::uint32_t pointer) {
 struct Expect {
     std::uint32_t pointer;
     Pages pages;
-    int type;  // -1: either
+    int type;
 };
 
 // A new page marked in a table's inline map is what every row write does,
@@ -167,6 +167,13 @@ TEST_P(UsageMapWriterTest, ReadsBackAndChecksClean) {
     TempDir dir;
     std::string path = dir.copy(prm.file);
     std::vector<Expect> expects;
+    auto expectMaps = [&](jet::Database& db) {
+        for (const Expect& e : expects) {
+            const jet::UsageMap m = mapOf(db, e.pointer);
+            EXPECT_EQ(m.pages, e.pages);
+            EXPECT_EQ(int(m.type), e.type);
+        }
+    };
     int applied = 0;
     {
         auto db = jet::Database::open(path, {.writable = true});
@@ -175,23 +182,12 @@ TEST_P(UsageMapWriterTest, ReadsBackAndChecksClean) {
             SCOPED_TRACE(t);
             if (apply(*db, t, prm.c.op, expects)) ++applied;
         }
-        for (const Expect& e : expects) {
-            jet::UsageMap m = mapOf(*db, e.pointer);
-            EXPECT_EQ(m.pages, e.pages);
-        }
+        expectMaps(*db);
         db->commit();
     }
-    if (prm.c.op != Op::Rebase) {
-        ASSERT_GT(applied, 0) << "no table of the file allowed the case";
-    }
+    ASSERT_GT(applied, 0) << "no table of the file allowed the case";
     auto db = jet::Database::open(path);
-    for (const Expect& e : expects) {
-        jet::UsageMap m = mapOf(*db, e.pointer);
-        EXPECT_EQ(m.pages, e.pages);
-        if (e.type >= 0) {
-            EXPECT_EQ(int(m.type), e.type);
-        }
-    }
+    expectMaps(*db);
     EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
     if (prm.c.op == Op::ClearAndRestore) {
         // As before, but for the commit counted in the header page.
@@ -210,7 +206,9 @@ std::vector<Param> params() {
     std::vector<Param> out;
     for (const char* f : {"testV2000.mdb", "delTestV2000.mdb", "indexTestV2000.mdb",
                           "bigIndexTestV2000.mdb", "overflowTestV2000.mdb"})
-        for (const Case& c : cases) out.push_back({f, c});
+        for (const Case& c : cases)
+            // testV2000's tables lie too low for the window to move.
+            if (c.op != Op::Rebase || std::string(f) != "testV2000.mdb") out.push_back({f, c});
     return out;
 }
 
@@ -219,23 +217,6 @@ INSTANTIATE_TEST_SUITE_P(AccessFiles, UsageMapWriterTest, ::testing::ValuesIn(pa
                              std::string f = p.param.file;
                              return f.substr(0, f.find('.')) + "_" + p.param.c.name;
                          });
-
-// Re-basing must happen on at least one of the files (where the table's
-// pages lie high enough for the window to move).
-TEST(UsageMapWriterRebase, HappensOnSomeFile) {
-    int applied = 0;
-    for (const char* f : {"delTestV2000.mdb", "indexTestV2000.mdb", "bigIndexTestV2000.mdb",
-                          "overflowTestV2000.mdb"}) {
-        TempDir dir;
-        auto db = jet::Database::open(dir.copy(f), {.writable = true});
-        db->begin();
-        std::vector<Expect> ignored;
-        for (const std::string& t : db->tableNames(true))
-            if (apply(*db, t, Op::Rebase, ignored)) ++applied;
-        db->rollback();
-    }
-    EXPECT_GT(applied, 0);
-}
 
 TEST(UsageMapWriterErrors, RefusedOutsideAUnitAndOnBadRows) {
     TempDir dir;
@@ -253,10 +234,6 @@ TEST(UsageMapWriterErrors, RefusedOutsideAUnitAndOnBadRows) {
     EXPECT_THROW(jet::setUsageMapBit(*db, def->freePages, 3, true), jet::Error);
     db->rollback();
 }
-
-}  // namespace
-
-namespace {
 
 // A page this engine appends leaves Jet's free list on page 1, whether that
 // map is inline or, as in larger files, a reference to usage-map pages:
