@@ -83,7 +83,7 @@ TEST_F(RowWrites, InsertedRowsReadBackEverywhere) {
     for (Case& c : cases) {
         SCOPED_TRACE(std::string(c.file) + " " + c.table);
         const std::string path = scratch.copy(c.file);
-        const std::size_t before = exportRows(path, c.table).size();
+        const std::size_t before = Database::open(path)->tableDef(c.table)->rowCount;
         std::vector<std::pair<RowId, Row>> written;
         {
             auto db = openWritable(path);
@@ -100,7 +100,7 @@ TEST_F(RowWrites, InsertedRowsReadBackEverywhere) {
         auto db = Database::open(path);
         for (const auto& [id, r] : written) EXPECT_EQ(db->table(c.table).read(id), r);
         EXPECT_EQ(faults(*db), "");
-        EXPECT_EQ(exportRows(path, c.table).size(), before + c.rows.size());
+        EXPECT_EQ(allRows(*db, c.table).size(), before + c.rows.size());
         expectExportMatches(path, c.table);
         EXPECT_FALSE(journalLeft(path));
     }
@@ -211,7 +211,6 @@ TEST_F(RowWrites, DeletesAndSlotsReused) {
     EXPECT_EQ(db->tableDef("Kopie")->rowCount, 3u);
     EXPECT_EQ(faults(*db), "");
     db.reset();
-    EXPECT_EQ(exportRows(path, "Kopie").size(), 3u);
     expectExportMatches(path, "Kopie");
 }
 
