@@ -21,11 +21,7 @@ using namespace txtest;
 void growTables(jet::Database& db) {
     for (const std::string& name : db.tableNames()) {
         auto def = db.tableDef(name);
-        std::uint32_t n = db.allocatePage(jet::PageType::Data);
-        jet::PageBytes p = *db.pages().page(n);
-        jet::put16(p.data() + jet::datapage::kFreeSpace, std::uint16_t(jet::kPageSize - 14));
-        jet::put32(p.data() + jet::datapage::kTdefPage, def->page);
-        db.pages().put(n, p);
+        const std::uint32_t n = newDataPage(db, def->page);
         jet::setUsageMapBit(db, def->usedPages, n, true);
         jet::setUsageMapBit(db, def->freePages, n, true);
     }

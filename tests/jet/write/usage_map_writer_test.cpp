@@ -31,16 +31,6 @@ Pages without(Pages p, std::uint32_t n) {
     return p;
 }
 
-// An empty data page owned by the table, as the row writer makes them.
-std::uint32_t newDataPage(jet::Database& db, const jet::TableDef& def) {
-    std::uint32_t n = db.allocatePage(jet::PageType::Data);
-    jet::PageBytes p = *db.pages().page(n);
-    jet::put16(p.data() + jet::datapage::kFreeSpace, std::uint16_t(jet::kPageSize - 14));
-    jet::put32(p.data() + jet::datapage::kTdefPage, def.page);
-    db.pages().put(n, p);
-    return n;
-}
-
 // Pages that belong to nobody, so that the next page lies at least at `at`.
 void growTo(jet::Database& db, std::uint32_t at) {
     while (db.pages().pageCount() < at) db.allocatePage(jet::PageType::UsageMap);
@@ -96,7 +86,7 @@ bool apply(jet::Database& db, const std::string& table, Op op, std::vector<Expec
             if (target < used.startPage + kInlineReach || db.pages().pageCount() > target)
                 return false;
             growTo(db, target);
-            const std::uint32_t n = newDataPage(db, *def);
+            const std::uint32_t n = newDataPage(db, def->page);
             EXPECT_EQ(n, target);
             jet::setUsageMapBit(db, def->usedPages, n, true);
             const jet::UsageMap after = mapOf(db, def->usedPages);
@@ -109,7 +99,7 @@ bool apply(jet::Database& db, const std::string& table, Op op, std::vector<Expec
         case Op::BeyondInlineReach: {
             if (used.type != 0 || used.pages.empty()) return false;
             growTo(db, used.pages.front() + kInlineReach + 3);
-            const std::uint32_t n = newDataPage(db, *def);
+            const std::uint32_t n = newDataPage(db, def->page);
             jet::setUsageMapBit(db, def->usedPages, n, true);
             jet::UsageMap after = mapOf(db, def->usedPages);
             EXPECT_EQ(after.type, 1);
@@ -137,7 +127,7 @@ bool apply(jet::Database& db, const std::string& table, Op op, std::vector<Expec
             db.pages().put(r.pageNumber, page);
             EXPECT_TRUE(mapOf(db, def->freePages).pages.empty());
             const std::uint32_t before = db.pages().pageCount();
-            const std::uint32_t n = newDataPage(db, *def);
+            const std::uint32_t n = newDataPage(db, def->page);
             jet::setUsageMapBit(db, def->freePages, n, true);
             jet::UsageMap after = mapOf(db, def->freePages);
             EXPECT_EQ(after.type, 1);

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 
 #include "jet/format/error.h"
@@ -349,22 +348,15 @@ TEST_F(RowWrites, LongValuesAndAutonumber) {
 // retyped as a Memo that allows compression.
 TEST_F(RowWrites, MemoValuesReadByMdbExport) {
     const std::string path = scratch.copy("indexTestV2000.mdb");
-    std::uint32_t tdefPage = 0;
     {
-        auto db = Database::open(path);
+        auto db = openWritable(path);
         auto def = db->tableDef("MSysNameMap");
         ASSERT_TRUE(def->realIndexes.empty());
-        tdefPage = def->page;
-    }
-    {
-        std::fstream f(path, std::ios::in | std::ios::out | std::ios::binary);
-        std::vector<char> page(kPageSize);
-        f.seekg(std::streamoff(tdefPage) * kPageSize);
-        f.read(page.data(), kPageSize);
+        db->begin();
+        PageBytes page = *db->pages().page(def->page);
         bool patched = false;
         for (std::size_t i = 0; i < 5; ++i) {
-            std::uint8_t* e = reinterpret_cast<std::uint8_t*>(page.data()) + tdef::kBlockEnd +
-                              tdef::kColumnEntry * i;
+            std::uint8_t* e = page.data() + tdef::kBlockEnd + tdef::kColumnEntry * i;
             if (e[0] == std::uint8_t(ColumnType::OLE) && u16(e + 5) == 4) {
                 e[0] = std::uint8_t(ColumnType::Memo);
                 e[16] |= colmisc::kCompressedUnicode;
@@ -372,8 +364,8 @@ TEST_F(RowWrites, MemoValuesReadByMdbExport) {
             }
         }
         ASSERT_TRUE(patched);
-        f.seekp(std::streamoff(tdefPage) * kPageSize);
-        f.write(page.data(), kPageSize);
+        db->pages().put(def->page, page);
+        db->commit();
     }
     const std::string memos[] = {
         "",
