@@ -29,12 +29,6 @@ bool nichtImFenster(const std::string& name) {
 
 class FrmOptionenTest : public FensterTest {
   protected:
-    template <typename T>
-    T* kind(QWidget& f, const char* name) {
-        auto* w = f.findChild<T*>(QString::fromLatin1(name));
-        EXPECT_NE(w, nullptr) << name;
-        return w;
-    }
     // A click on the box itself: without its caption (the caption files are
     // not loaded here) the middle of the control is empty space.
     static void ankreuzen(QCheckBox* c) {
@@ -60,11 +54,11 @@ TEST_F(FrmOptionenTest, EveryValueHasItsControlInItsFrame) {
         ++gezeigt;
     }
     EXPECT_EQ(gezeigt, 33);
-    EXPECT_EQ(kind<QComboBox>(f, "longAnzahlDerBilder")->count(), 8);
-    EXPECT_EQ(kind<QComboBox>(f, "longDoppelklick")->count(), 4);
-    EXPECT_EQ(kind<QCheckBox>(f, "longXRef")->parentWidget()->objectName(), "fraEinfuegen");
+    EXPECT_EQ(kind<QComboBox>(&f, "longAnzahlDerBilder")->count(), 8);
+    EXPECT_EQ(kind<QComboBox>(&f, "longDoppelklick")->count(), 4);
+    EXPECT_EQ(kind<QCheckBox>(&f, "longXRef")->parentWidget()->objectName(), "fraEinfuegen");
     EXPECT_EQ(f.findChild<QWidget*>("lonOldView"), nullptr);
-    EXPECT_EQ(kind<QCheckBox>(f, "longRechteverwaltung")->parentWidget()->objectName(),
+    EXPECT_EQ(kind<QCheckBox>(&f, "longRechteverwaltung")->parentWidget()->objectName(),
               "fraErzeugen");
 
     // German captions of about 40 characters fit the room the window keeps
@@ -77,8 +71,8 @@ TEST_F(FrmOptionenTest, EveryValueHasItsControlInItsFrame) {
     for (auto* cb : f.findChildren<QComboBox*>())
         for (int i = 0; i < cb->count(); ++i)
             cb->setItemText(i, QString::fromUtf8("72 Bilder (12 × 6)"));
-    kind<QPushButton>(f, "cmbOk")->setText("OK");
-    kind<QPushButton>(f, "cmbAbbrechen")->setText("Abbrechen");
+    kind<QPushButton>(&f, "cmbOk")->setText("OK");
+    kind<QPushButton>(&f, "cmbAbbrechen")->setText("Abbrechen");
     EXPECT_LE(f.sizeHint().width(), ohneText.width());
     f.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&f));
@@ -93,15 +87,15 @@ TEST_F(FrmOptionenTest, OkSavesWhatWasChosen) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&f));
     bildschirmfoto(&f, "frmOptionen");
 
-    EXPECT_TRUE(kind<QCheckBox>(f, "longBlockAusBibliothek")->isChecked());
-    EXPECT_FALSE(kind<QCheckBox>(f, "longXRef")->isChecked());
-    ankreuzen(kind<QCheckBox>(f, "longXRef"));
-    ankreuzen(kind<QCheckBox>(f, "longStuecklisteEinfuegen"));
-    kind<QComboBox>(f, "longAnzahlDerBilder")->setCurrentIndex(7);
-    auto* y = kind<QLineEdit>(f, "strMassstabY");
+    EXPECT_TRUE(kind<QCheckBox>(&f, "longBlockAusBibliothek")->isChecked());
+    EXPECT_FALSE(kind<QCheckBox>(&f, "longXRef")->isChecked());
+    ankreuzen(kind<QCheckBox>(&f, "longXRef"));
+    ankreuzen(kind<QCheckBox>(&f, "longStuecklisteEinfuegen"));
+    kind<QComboBox>(&f, "longAnzahlDerBilder")->setCurrentIndex(7);
+    auto* y = kind<QLineEdit>(&f, "strMassstabY");
     y->clear();
     QTest::keyClicks(y, "0,5x");  // the letter is refused, the comma becomes a point
-    QTest::mouseClick(kind<QPushButton>(f, "cmbOk"), Qt::LeftButton);
+    QTest::mouseClick(kind<QPushButton>(&f, "cmbOk"), Qt::LeftButton);
 
     EXPECT_EQ(f.result(), QDialog::Accepted);
     EXPECT_EQ(werte.longXRef, 1);
@@ -122,10 +116,10 @@ TEST_F(FrmOptionenTest, CancelWritesNothing) {
     FrmOptionen f(z, werte);
     f.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&f));
-    ankreuzen(kind<QCheckBox>(f, "longXRef"));
-    ASSERT_TRUE(kind<QCheckBox>(f, "longXRef")->isChecked());
-    kind<QComboBox>(f, "longDoppelklick")->setCurrentIndex(3);
-    QTest::mouseClick(kind<QPushButton>(f, "cmbAbbrechen"), Qt::LeftButton);
+    ankreuzen(kind<QCheckBox>(&f, "longXRef"));
+    ASSERT_TRUE(kind<QCheckBox>(&f, "longXRef")->isChecked());
+    kind<QComboBox>(&f, "longDoppelklick")->setCurrentIndex(3);
+    QTest::mouseClick(kind<QPushButton>(&f, "cmbAbbrechen"), Qt::LeftButton);
 
     EXPECT_EQ(f.result(), QDialog::Rejected);
     EXPECT_EQ(werte.longXRef, 0);
@@ -141,15 +135,15 @@ TEST_F(FrmOptionenTest, NonsenseShowsAsDefaultAndIsMendedOnOkOnly) {
     werte.lonFrmHeight = -40;
     {
         FrmOptionen f(z, werte);
-        EXPECT_EQ(kind<QComboBox>(f, "longAnzahlDerBilder")->currentIndex(), 2);
-        EXPECT_EQ(kind<QComboBox>(f, "longDoppelklick")->currentIndex(), 0);
-        EXPECT_EQ(kind<QLineEdit>(f, "strMassstabX")->text(), "1");
+        EXPECT_EQ(kind<QComboBox>(&f, "longAnzahlDerBilder")->currentIndex(), 2);
+        EXPECT_EQ(kind<QComboBox>(&f, "longDoppelklick")->currentIndex(), 0);
+        EXPECT_EQ(kind<QLineEdit>(&f, "strMassstabX")->text(), "1");
         f.reject();
         EXPECT_EQ(werte.longAnzahlDerBilder, 12);
         EXPECT_EQ(werte.strMassstabX, "abc");
     }
     FrmOptionen f(z, werte);
-    QTest::mouseClick(kind<QPushButton>(f, "cmbOk"), Qt::LeftButton);
+    QTest::mouseClick(kind<QPushButton>(&f, "cmbOk"), Qt::LeftButton);
     typSetupWerte w = gespeichert();
     EXPECT_EQ(w.longAnzahlDerBilder, 2);
     EXPECT_EQ(w.longDoppelklick, 0);

@@ -26,6 +26,13 @@ class FensterTest : public ::testing::Test {
     void TearDown() override;
     // The error log's text (empty when nothing went wrong).
     std::string protokoll() const;
+    // A child of a window by object name; fails the test when missing.
+    template <class T>
+    T* kind(QObject* in, const QString& name) {
+        auto* w = in->template findChild<T*>(name);
+        EXPECT_NE(w, nullptr) << name.toStdString();
+        return w;
+    }
 
     std::filesystem::path wurzel;
     platform::MemoryRegistry registry;
@@ -43,13 +50,6 @@ class HauptfensterTest : public FensterTest {
     // Stores the setup values, makes the window and runs its load until its
     // first Page is painted.
     FrmBlockverwaltung& hauptfensterLaden(const typSetupWerte& w = {});
-    // A child of the window by object name; fails the test when missing.
-    template <class T>
-    T* kind(QObject* in, const QString& name) {
-        auto* w = in->template findChild<T*>(name);
-        EXPECT_NE(w, nullptr) << name.toStdString();
-        return w;
-    }
 
     std::string bib;  // the library directory, program form
     SkriptBenutzer benutzer;

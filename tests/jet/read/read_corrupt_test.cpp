@@ -200,47 +200,34 @@ TEST(JetCorrupt, DamagedCopiesAreReadOrReported) {
     EXPECT_GT(reported, mutants / 2);
 }
 
-// Damage of each file: cuts at fixed offsets, and random byte changes.
+// Damage of each file: cuts at fixed offsets, and random byte changes with
+// a fixed seed aimed at the pages that matter most (catalogue definition,
+// index and data pages near the start) and anywhere in the file.
 class Damaged : public ::testing::TestWithParam<std::string> {};
 
-TEST_P(Damaged, TruncatedAtSeveralOffsetsGivesCorruptPageOrReads) {
+TEST_P(Damaged, CutsAndByteFlipsReadOrGiveJetErrors) {
     const auto whole = jettest::fileImage(GetParam());
     ASSERT_GT(whole.size(), 5 * kPageSize);
     const std::size_t P = kPageSize, n = whole.size();
     for (std::size_t cut : {std::size_t(0), std::size_t(1), std::size_t(0x18), P - 1, P, 2 * P,
                             2 * P + 100, 3 * P, 5 * P + 7, n / 2, n - P, n - 1}) {
         SCOPED_TRACE(cut);
-        std::vector<std::uint8_t> part(whole.begin(), whole.begin() + std::ptrdiff_t(cut));
         std::string msg;
-        Outcome o = tryRead(part, &msg);
-        EXPECT_NE(o, Outcome::OtherError) << msg;
-        if (cut < 3 * kPageSize) {
-            EXPECT_EQ(o, Outcome::JetError);  // not even the catalogue is there
-        }
-        if (o == Outcome::JetError && cut >= kPageSize) {
+        Outcome o = tryRead({whole.begin(), whole.begin() + std::ptrdiff_t(cut)}, &msg);
+        // Below three pages not even the catalogue is there.
+        EXPECT_TRUE(o == Outcome::JetError || (o == Outcome::Read && cut >= 3 * P)) << msg;
+        if (o == Outcome::JetError && cut >= P) {
             EXPECT_NE(msg.find("corrupt page"), std::string::npos) << msg;
         }
     }
-}
-
-// Random byte changes with a fixed seed, aimed at the pages that matter
-// most (catalogue definition, index and data pages near the start) and
-// anywhere in the file.
-TEST_P(Damaged, RandomByteFlipsNeverCrash) {
-    const auto whole = jettest::fileImage(GetParam());
     std::mt19937 rng(20261122u);
     std::size_t read = 0, rejected = 0;
     for (int round = 0; round < 150; ++round) {
         auto bytes = whole;
-        int flips = 1 + int(rng() % 8);
-        for (int f = 0; f < flips; ++f) {
-            std::size_t at;
-            if (round % 3 == 0)
-                at = 2 * kPageSize + rng() % kPageSize;  // MSysObjects' definition
-            else if (round % 3 == 1)
-                at = rng() % std::min<std::size_t>(bytes.size(), 40 * kPageSize);
-            else
-                at = rng() % bytes.size();
+        for (int f = 1 + int(rng() % 8); f > 0; --f) {
+            const std::size_t at = round % 3 == 0   ? 2 * P + rng() % P  // MSysObjects' definition
+                                   : round % 3 == 1 ? rng() % std::min(n, 40 * P)
+                                                    : rng() % n;
             bytes[at] ^= std::uint8_t(1u << (rng() % 8));
             if (rng() % 4 == 0) bytes[at] = std::uint8_t(rng());
         }

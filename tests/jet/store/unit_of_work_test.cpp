@@ -45,21 +45,33 @@ std::uint32_t addCounterPage(const std::string& path) {
     return n;
 }
 
-TEST(UnitOfWorkTest, PagesAreSeenInsideTheUnitAndReachTheFileOnlyAtCommit) {
+// Pages of a unit are seen inside it and reach the file only at the
+// outermost commit; a rollback, also one inside a nested unit, drops the
+// unit's pages and allocations and releases the lock.
+TEST(UnitOfWorkTest, CommitRollbackAndNesting) {
     TempDir dir;
     std::string path = dir.copy("delTestV2000.mdb");
     const std::uint32_t page = addCounterPage(path);
     auto db = jet::Database::open(path, {.writable = true});
     const auto before = fileBytes(path);
     db->begin();
+    setCounter(*db, page, 7);
+    db->allocatePage(jet::PageType::Data);
+    db->rollback();
+    EXPECT_FALSE(db->inTransaction());
+    EXPECT_EQ(counterOf(*db, page), 0u);
+    EXPECT_EQ(db->pages().pageCount(), page + 1);
+    EXPECT_TRUE(fileBytes(path) == before);
+    db->begin();
+    db->begin();
     setCounter(*db, page, 41);
-    std::uint32_t added = db->allocatePage(jet::PageType::UsageMap);
-    EXPECT_EQ(added, page + 1);
+    EXPECT_EQ(db->allocatePage(jet::PageType::UsageMap), page + 1);
     EXPECT_EQ(db->allocatePage(jet::PageType::UsageMap), page + 2) << "pending pages are counted";
     EXPECT_EQ(db->pages().pageCount(), page + 3);
-    EXPECT_EQ(counterOf(*db, page), 41u);
     db->reload();  // a definition change mid-unit must not lose the unit's pages
     EXPECT_EQ(counterOf(*db, page), 41u);
+    db->commit();
+    EXPECT_TRUE(db->inTransaction());
     EXPECT_TRUE(fileBytes(path) == before);
     EXPECT_FALSE(journalLive(path));
     db->commit();
@@ -67,9 +79,15 @@ TEST(UnitOfWorkTest, PagesAreSeenInsideTheUnitAndReachTheFileOnlyAtCommit) {
     EXPECT_EQ(fileCounter(path, page), 41u);
     EXPECT_EQ(fileBytes(path).size(), std::size_t(page + 3) * jet::kPageSize);
     EXPECT_FALSE(journalLive(path));
-    auto again = jet::Database::open(path);
-    EXPECT_EQ(counterOf(*again, page), 41u);
-    EXPECT_EQ(jet::checkDatabase(*again), std::vector<std::string>{});
+    EXPECT_EQ(jet::checkDatabase(*jet::Database::open(path)), std::vector<std::string>{});
+    db->begin();
+    db->begin();
+    setCounter(*db, page, 9);
+    db->rollback();
+    EXPECT_FALSE(db->inTransaction());
+    db->commit();  // the outer caller's commit finds nothing to do
+    EXPECT_EQ(fileCounter(path, page), 41u);
+    EXPECT_EQ(counterOf(*db, page), 41u);
     db.reset();  // the idle journal goes with its writer
     EXPECT_FALSE(exists(jet::journalPath(path)));
 }
@@ -100,53 +118,6 @@ TEST(UnitOfWorkTest, ScanSeesTheUnitsPagesAndKeepsHeldPages) {
     }
     EXPECT_EQ(seen, want);
     for (const auto& [k, pg] : held) EXPECT_EQ(jet::u32(pg->data() + kCounter), expected(k));
-}
-
-TEST(UnitOfWorkTest, RollbackDropsPagesAndAllocations) {
-    TempDir dir;
-    std::string path = dir.copy("delTestV2000.mdb");
-    const std::uint32_t page = addCounterPage(path);
-    auto db = jet::Database::open(path, {.writable = true});
-    const auto before = fileBytes(path);
-    db->begin();
-    setCounter(*db, page, 7);
-    db->allocatePage(jet::PageType::Data);
-    db->rollback();
-    EXPECT_FALSE(db->inTransaction());
-    EXPECT_EQ(counterOf(*db, page), 0u);
-    EXPECT_EQ(db->pages().pageCount(), page + 1);
-    EXPECT_TRUE(fileBytes(path) == before);
-    // The lock went with the unit: another unit can start and commit.
-    db->begin();
-    setCounter(*db, page, 8);
-    db->commit();
-    EXPECT_EQ(fileCounter(path, page), 8u);
-}
-
-TEST(UnitOfWorkTest, OnlyTheOutermostCommitEndsTheUnit) {
-    TempDir dir;
-    std::string path = dir.copy("delTestV2000.mdb");
-    const std::uint32_t page = addCounterPage(path);
-    auto db = jet::Database::open(path, {.writable = true});
-    db->begin();
-    db->begin();
-    setCounter(*db, page, 5);
-    db->commit();
-    EXPECT_TRUE(db->inTransaction());
-    EXPECT_EQ(fileCounter(path, page), 0u);
-    setCounter(*db, page, 6);
-    db->commit();
-    EXPECT_FALSE(db->inTransaction());
-    EXPECT_EQ(fileCounter(path, page), 6u);
-    // A rollback inside a nested unit abandons the whole unit.
-    db->begin();
-    db->begin();
-    setCounter(*db, page, 9);
-    db->rollback();
-    EXPECT_FALSE(db->inTransaction());
-    db->commit();  // the outer caller's commit finds nothing to do
-    EXPECT_EQ(fileCounter(path, page), 6u);
-    EXPECT_EQ(counterOf(*db, page), 6u);
 }
 
 TEST(UnitOfWorkTest, WritingNeedsAWritableDatabaseAndAUnit) {

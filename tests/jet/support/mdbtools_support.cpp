@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
+#include <utility>
 
 #include "befehl.h"
 #include "jet/format/error.h"
@@ -48,12 +50,7 @@ std::vector<std::string> testFiles() {
 
 std::string quote(const std::string& arg) {
     std::string out = "'";
-    for (char c : arg) {
-        if (c == '\'')
-            out += "'\\''";
-        else
-            out += c;
-    }
+    for (char c : arg) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
     return out + "'";
 }
 
@@ -69,13 +66,8 @@ bool haveMdbTools() {
 
 std::vector<std::string> lines(const std::string& text) {
     std::vector<std::string> out;
-    std::size_t at = 0;
-    while (at < text.size()) {
-        std::size_t nl = text.find('\n', at);
-        if (nl == std::string::npos) nl = text.size();
-        out.push_back(text.substr(at, nl - at));
-        at = nl + 1;
-    }
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) out.push_back(line);
     return out;
 }
 
@@ -83,47 +75,26 @@ std::vector<CsvRow> parseCsv(const std::string& s) {
     std::vector<CsvRow> rows;
     CsvRow row;
     Cell cell;
-    std::size_t i = 0;
-    bool any = false;
-    while (i < s.size()) {
-        char c = s[i];
-        if (c == '"' && cell.text.empty() && !cell.quoted) {
-            cell.quoted = true;
-            ++i;
-            while (i < s.size()) {
-                if (s[i] == '"') {
-                    if (i + 1 < s.size() && s[i + 1] == '"') {
-                        cell.text += '"';
-                        i += 2;
-                        continue;
-                    }
-                    ++i;
-                    break;
-                }
-                cell.text += s[i++];
-            }
+    bool inQuotes = false, any = false;  // any: the last line has something
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        const char c = s[i];
+        if (inQuotes) {
+            if (c != '"')
+                cell.text += c;
+            else if (i + 1 < s.size() && s[i + 1] == '"')
+                cell.text += s[++i];
+            else
+                inQuotes = false;
+        } else if (c == '"' && cell.text.empty() && !cell.quoted) {
+            cell.quoted = inQuotes = any = true;
+        } else if (c == ',' || c == '\n') {
+            row.push_back(std::exchange(cell, Cell{}));
+            any = c == ',';
+            if (c == '\n') rows.push_back(std::exchange(row, CsvRow{}));
+        } else {
+            cell.text += c;
             any = true;
-            continue;
         }
-        if (c == ',') {
-            row.push_back(std::move(cell));
-            cell = Cell{};
-            ++i;
-            any = true;
-            continue;
-        }
-        if (c == '\n') {
-            row.push_back(std::move(cell));
-            cell = Cell{};
-            rows.push_back(std::move(row));
-            row.clear();
-            any = false;
-            ++i;
-            continue;
-        }
-        cell.text += c;
-        any = true;
-        ++i;
     }
     if (any) {
         row.push_back(std::move(cell));

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "jet/format/format.h"
+#include "jet/read/database.h"
 
 namespace txtest {
 
@@ -64,6 +65,17 @@ inline bool exists(const std::string& path) { return fs::exists(path); }
 inline bool journalLive(const std::string& databasePath) {
     auto j = fileBytes(databasePath + "-journal");
     return j.size() >= 8 && std::string(j.begin(), j.begin() + 8) == "TJETJRNL";
+}
+
+// An empty data page owned by the table at tdefPage, as the row writer
+// makes them, allocated in the open unit; its number.
+inline std::uint32_t newDataPage(jet::Database& db, std::uint32_t tdefPage) {
+    std::uint32_t n = db.allocatePage(jet::PageType::Data);
+    jet::PageBytes p = *db.pages().page(n);
+    jet::put16(p.data() + jet::datapage::kFreeSpace, std::uint16_t(jet::kPageSize - 14));
+    jet::put32(p.data() + jet::datapage::kTdefPage, tdefPage);
+    db.pages().put(n, p);
+    return n;
 }
 
 // Starts body in a child process without waiting; the child's pid.

@@ -43,55 +43,45 @@ TEST(CreateDbCommand, RefusesExistingFilesAndBadArguments) {
 // mdbtools, passes the structure check, and takes tables, rows and
 // relations afterwards (the catalogue schema is the heaviest such use).
 TEST(CreateDbCommand, NewDatabasesReadBackEverywhere) {
-    namespace fs = std::filesystem;
     txtest::TempDir dir;
-    const std::string cli = jettest::quote(TESSARA_CLI);
-    const fs::path empty = dir.path() / "leer.mdb";
+    const std::string empty = jettest::quote((dir.path() / "leer.mdb").string());
+    const std::string catalogue = jettest::quote((dir.path() / "dbTessara.mdb").string());
     int status = 1;
-    std::string out = jettest::run(
-        cli + " create-db --empty " + jettest::quote(empty.string()) + " 2>&1", &status);
-    ASSERT_EQ(status, 0) << out;
-    EXPECT_EQ(fs::file_size(empty) % 4096, 0u);
+    auto cli = [&](const std::string& args) {
+        return jettest::run(jettest::quote(TESSARA_CLI) + " " + args + " 2>&1", &status);
+    };
+    auto ok = [&](const std::string& args, const std::string& out) {
+        EXPECT_EQ(cli(args), out) << args;
+        EXPECT_EQ(status, 0) << args;
+    };
+    ok("create-db --empty " + empty, "");
+    EXPECT_EQ(std::filesystem::file_size(dir.path() / "leer.mdb") % 4096, 0u);
     EXPECT_EQ(
-        lines(jettest::run("mdb-tables -S -1 " + jettest::quote(empty.string()), &status)),
+        lines(jettest::run("mdb-tables -S -1 " + empty)),
         (std::vector<std::string>{"MSysObjects", "MSysACEs", "MSysQueries", "MSysRelationships"}));
-    EXPECT_EQ(jettest::run("mdb-tables -1 " + jettest::quote(empty.string()), &status), "");
+    EXPECT_EQ(jettest::run("mdb-tables -1 " + empty), "");
     // Binary columns as hex: MSysDb's properties hold line breaks.
-    const auto objects = lines(jettest::run(
-        "mdb-export -b hex " + jettest::quote(empty.string()) + " MSysObjects", &status));
+    const auto objects = lines(jettest::run("mdb-export -b hex " + empty + " MSysObjects"));
     ASSERT_EQ(objects.size(), 9u);
     EXPECT_EQ(objects[1].rfind("251658241,251658240,\"Tables\",3,", 0), 0u) << objects[1];
     EXPECT_EQ(objects[5].rfind("2,251658241,\"MSysObjects\",1,", 0), 0u) << objects[5];
-    out = jettest::run(cli + " check " + jettest::quote(empty.string()) + " 2>&1", &status);
-    EXPECT_EQ(status, 0) << out;
+    ok("check " + empty, "no faults found\n");
 
-    const fs::path catalogue = dir.path() / "dbTessara.mdb";
-    out = jettest::run(cli + " create-db " + jettest::quote(catalogue.string()) + " 2>&1", &status);
-    ASSERT_EQ(status, 0) << out;
-    EXPECT_EQ(lines(jettest::run("mdb-tables -1 " + jettest::quote(catalogue.string()), &status)),
+    ok("create-db " + catalogue, "");
+    EXPECT_EQ(lines(jettest::run("mdb-tables -1 " + catalogue)),
               (std::vector<std::string>{"tblBlockInfo", "tblDefMenue", "tblOrdner", "tblSeiten",
                                         "tblMarkierteBloecke", "tblVariationBloecke"}));
-    out = jettest::run(cli + " check " + jettest::quote(catalogue.string()) + " 2>&1", &status);
-    EXPECT_EQ(status, 0) << out;
-
+    ok("check " + catalogue, "no faults found\n");
     // sql writes through the same engine and reports Jet's errors.
-    out = jettest::run(cli + " sql " + jettest::quote(catalogue.string()) +
-                           " \"INSERT INTO tblOrdner (OrdnerNr, Ordnername) VALUES ('042', "
-                           "'Armaturen')\" 2>&1",
-                       &status);
-    EXPECT_EQ(status, 0) << out;
-    EXPECT_EQ(out, "1\n");
-    out = jettest::run(cli + " sql " + jettest::quote(catalogue.string()) +
-                           " \"SELECT Ordnername FROM tblOrdner WHERE OrdnerNr = '042'\" 2>&1",
-                       &status);
-    EXPECT_EQ(out, "Ordnername\n\"Armaturen\"\n");
-    out = jettest::run(
-        cli + " sql " + jettest::quote(catalogue.string()) + " \"SELECT Nope FROM tblOrdner\" 2>&1",
-        &status);
+    ok("sql " + catalogue +
+           " \"INSERT INTO tblOrdner (OrdnerNr, Ordnername) VALUES ('042', 'Armaturen')\"",
+       "1\n");
+    ok("sql " + catalogue + " \"SELECT Ordnername FROM tblOrdner WHERE OrdnerNr = '042'\"",
+       "Ordnername\n\"Armaturen\"\n");
+    const std::string out = cli("sql " + catalogue + " \"SELECT Nope FROM tblOrdner\"");
     EXPECT_NE(status, 0);
     EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 1) << out;
-    out = jettest::run(cli + " check " + jettest::quote(catalogue.string()) + " 2>&1", &status);
-    EXPECT_EQ(status, 0) << out;
+    ok("check " + catalogue, "no faults found\n");
 }
 
 }  // namespace

@@ -186,6 +186,7 @@ TEST_F(Relationships, CreatedLikeAccessCreatesThem) {
             {"Table2Table4", "Table4", {"t2"}, "Table2", {"id"}, true, false, true});
         w.createRelationship(
             {"Table3Table4", "Table4", {"id"}, "Table3", {"id"}, true, true, false, false});
+        w.createRelationship({"Table3Table2", "Table2", {"id"}, "Table3", {"id"}, false});
     }
     auto db = Database::open(path);
     EXPECT_EQ(describe(*db, "Table4", "Table2Table4"),
@@ -197,9 +198,18 @@ TEST_F(Relationships, CreatedLikeAccessCreatesThem) {
               "referring to Table3..rD, cascading updates, shares index PrimaryKey, unique");
     EXPECT_EQ(grbitOf(*db, "Table2Table4"), relflag::kCascadeDeletes);
     EXPECT_EQ(grbitOf(*db, "Table3Table4"), relflag::kCascadeUpdates | relflag::kOneToOne);
+    EXPECT_EQ(grbitOf(*db, "Table3Table2"), relflag::kNoIntegrity);
+    EXPECT_EQ(db->relationships().size(), 7u);  // the four Access made, and ours
     EXPECT_EQ(faults(*db), "");
     db.reset();
     EXPECT_EQ(exported(path, "Table4", 2), "11:2");
+    // An independent reader sees the documented relationship as not enforced.
+    const std::string schema =
+        jettest::run("mdb-schema --relations " + jettest::quote(path) + " postgres 2>&1");
+    EXPECT_NE(schema.find("Relationship from \"Table2\" (\"id\") to \"Table3\"(\"id\") does "
+                          "not enforce integrity"),
+              std::string::npos)
+        << schema;
     // The new relationship works like Access's: Table2's row 2 takes Table4's row with it.
     EXPECT_EQ(run(path, "DELETE FROM Table2 WHERE id = 2"), std::make_pair(0L, std::string()));
     EXPECT_EQ(exported(path, "Table4", 2), "");
@@ -263,6 +273,9 @@ TEST_F(Relationships, RefusedCreationsLeaveTheFileUntouched) {
          "need referential integrity"},
         {{"R", "Table1", {"otherfk3"}, "Table2", {"id"}, true, false, true, true}, "not both"},
         {{"Table2Table1", "Table1", {"otherfk3"}, "Table2", {"id"}, true}, "already exists"},
+        {{"R", "Table2", {"nope"}, "Table3", {"id"}, false}, "no such column: Table2.nope"},
+        {{"R", "Nope", {"id"}, "Table3", {"id"}, false}, "Nope"},
+        {{"R", "Table2", {"id"}, "Table3", {}, false}, "as many columns"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.message);

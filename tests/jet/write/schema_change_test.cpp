@@ -1,6 +1,7 @@
 // Schema changes on Access-made files: columns added to a table holding
 // rows (old rows read the new columns as Null, new rows carry values) and
-// documented relationships, each read back by our reader and by mdbtools.
+// new tables, each read back by our reader and by mdbtools. Relationships
+// are relationship_test.cpp's.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -108,46 +109,6 @@ TEST(AddColumn, OldRowsReadNullAndNewRowsKeepValues) {
     for (const jet::ColumnSpec& c : added)
         EXPECT_NE(schema.find("[" + c.name + "]"), std::string::npos) << c.name;
     EXPECT_NE(schema.find("[NewText]\t\t\tText (20)"), std::string::npos) << schema;
-}
-
-TEST(CreateRelationship, DocumentedRelationReadsBackEverywhere) {
-    TempCopy copy("indexTestV2000.mdb");
-    {
-        auto db = jet::Database::open(copy.path(), {.writable = true});
-        jet::Writer w(db);
-        w.createRelationship({"Table3Table2", "Table2", {"id"}, "Table3", {"id"}, false});
-        // Names that do not exist; other refusals are relationship_test.cpp's.
-        for (const jet::RelationshipSpec& bad :
-             std::vector<jet::RelationshipSpec>{{"R", "Table2", {"nope"}, "Table3", {"id"}, false},
-                                                {"R", "Nope", {"id"}, "Table3", {"id"}, false},
-                                                {"R", "Table2", {"id"}, "Table3", {}, false}})
-            EXPECT_THROW(w.createRelationship(bad), jet::Error)
-                << bad.table << " " << bad.columns.size();
-    }
-    auto db = jet::Database::open(copy.path());
-    int found = 0;
-    for (const jet::Relationship& r : db->relationships()) {
-        if (r.name != "Table3Table2") continue;
-        ++found;
-        EXPECT_EQ(r.table, "Table2");
-        EXPECT_EQ(r.columns, std::vector<std::string>{"id"});
-        EXPECT_EQ(r.relatedTable, "Table3");
-        EXPECT_EQ(r.relatedColumns, std::vector<std::string>{"id"});
-        EXPECT_EQ(r.flags, 2);
-    }
-    EXPECT_EQ(found, 1);
-    EXPECT_EQ(db->relationships().size(), 5u);  // the four Access made, and ours
-    EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
-    ASSERT_TRUE(jettest::haveMdbTools()) << "mdbtools is installed by scripts/setup-deps";
-    int status = 0;
-    std::string schema = jettest::run(
-        "mdb-schema --relations " + jettest::quote(copy.path()) + " postgres 2>&1", &status);
-    EXPECT_EQ(status, 0);
-    // mdbtools reads grbit 0x2 as "not enforced" and says so.
-    EXPECT_NE(schema.find("Relationship from \"Table2\" (\"id\") to \"Table3\"(\"id\") does "
-                          "not enforce integrity"),
-              std::string::npos)
-        << schema;
 }
 
 TEST(CreateTable, EveryColumnTypeWithKeysTakesRowsThatMdbtoolsReads) {

@@ -31,16 +31,6 @@ Pages without(Pages p, std::uint32_t n) {
     return p;
 }
 
-// An empty data page owned by the table, as the row writer makes them.
-std::uint32_t newDataPage(jet::Database& db, const jet::TableDef& def) {
-    std::uint32_t n = db.allocatePage(jet::PageType::Data);
-    jet::PageBytes p = *db.pages().page(n);
-    jet::put16(p.data() + jet::datapage::kFreeSpace, std::uint16_t(jet::kPageSize - 14));
-    jet::put32(p.data() + jet::datapage::kTdefPage, def.page);
-    db.pages().put(n, p);
-    return n;
-}
-
 // Pages that belong to nobody, so that the next page lies at least at `at`.
 void growTo(jet::Database& db, std::uint32_t at) {
     while (db.pages().pageCount() < at) db.allocatePage(jet::PageType::UsageMap);
@@ -54,7 +44,7 @@ jet::UsageMap mapOf(jet::Database& db, std::uint32_t pointer) {
 struct Expect {
     std::uint32_t pointer;
     Pages pages;
-    int type;  // -1: either
+    int type;
 };
 
 // A new page marked in a table's inline map is what every row write does,
@@ -96,7 +86,7 @@ bool apply(jet::Database& db, const std::string& table, Op op, std::vector<Expec
             if (target < used.startPage + kInlineReach || db.pages().pageCount() > target)
                 return false;
             growTo(db, target);
-            const std::uint32_t n = newDataPage(db, *def);
+            const std::uint32_t n = newDataPage(db, def->page);
             EXPECT_EQ(n, target);
             jet::setUsageMapBit(db, def->usedPages, n, true);
             const jet::UsageMap after = mapOf(db, def->usedPages);
@@ -109,7 +99,7 @@ bool apply(jet::Database& db, const std::string& table, Op op, std::vector<Expec
         case Op::BeyondInlineReach: {
             if (used.type != 0 || used.pages.empty()) return false;
             growTo(db, used.pages.front() + kInlineReach + 3);
-            const std::uint32_t n = newDataPage(db, *def);
+            const std::uint32_t n = newDataPage(db, def->page);
             jet::setUsageMapBit(db, def->usedPages, n, true);
             jet::UsageMap after = mapOf(db, def->usedPages);
             EXPECT_EQ(after.type, 1);
@@ -137,7 +127,7 @@ bool apply(jet::Database& db, const std::string& table, Op op, std::vector<Expec
             db.pages().put(r.pageNumber, page);
             EXPECT_TRUE(mapOf(db, def->freePages).pages.empty());
             const std::uint32_t before = db.pages().pageCount();
-            const std::uint32_t n = newDataPage(db, *def);
+            const std::uint32_t n = newDataPage(db, def->page);
             jet::setUsageMapBit(db, def->freePages, n, true);
             jet::UsageMap after = mapOf(db, def->freePages);
             EXPECT_EQ(after.type, 1);
@@ -167,6 +157,13 @@ TEST_P(UsageMapWriterTest, ReadsBackAndChecksClean) {
     TempDir dir;
     std::string path = dir.copy(prm.file);
     std::vector<Expect> expects;
+    auto expectMaps = [&](jet::Database& db) {
+        for (const Expect& e : expects) {
+            const jet::UsageMap m = mapOf(db, e.pointer);
+            EXPECT_EQ(m.pages, e.pages);
+            EXPECT_EQ(int(m.type), e.type);
+        }
+    };
     int applied = 0;
     {
         auto db = jet::Database::open(path, {.writable = true});
@@ -175,23 +172,12 @@ TEST_P(UsageMapWriterTest, ReadsBackAndChecksClean) {
             SCOPED_TRACE(t);
             if (apply(*db, t, prm.c.op, expects)) ++applied;
         }
-        for (const Expect& e : expects) {
-            jet::UsageMap m = mapOf(*db, e.pointer);
-            EXPECT_EQ(m.pages, e.pages);
-        }
+        expectMaps(*db);
         db->commit();
     }
-    if (prm.c.op != Op::Rebase) {
-        ASSERT_GT(applied, 0) << "no table of the file allowed the case";
-    }
+    ASSERT_GT(applied, 0) << "no table of the file allowed the case";
     auto db = jet::Database::open(path);
-    for (const Expect& e : expects) {
-        jet::UsageMap m = mapOf(*db, e.pointer);
-        EXPECT_EQ(m.pages, e.pages);
-        if (e.type >= 0) {
-            EXPECT_EQ(int(m.type), e.type);
-        }
-    }
+    expectMaps(*db);
     EXPECT_EQ(jet::checkDatabase(*db), std::vector<std::string>{});
     if (prm.c.op == Op::ClearAndRestore) {
         // As before, but for the commit counted in the header page.
@@ -210,7 +196,9 @@ std::vector<Param> params() {
     std::vector<Param> out;
     for (const char* f : {"testV2000.mdb", "delTestV2000.mdb", "indexTestV2000.mdb",
                           "bigIndexTestV2000.mdb", "overflowTestV2000.mdb"})
-        for (const Case& c : cases) out.push_back({f, c});
+        for (const Case& c : cases)
+            // testV2000's tables lie too low for the window to move.
+            if (c.op != Op::Rebase || std::string(f) != "testV2000.mdb") out.push_back({f, c});
     return out;
 }
 
@@ -219,23 +207,6 @@ INSTANTIATE_TEST_SUITE_P(AccessFiles, UsageMapWriterTest, ::testing::ValuesIn(pa
                              std::string f = p.param.file;
                              return f.substr(0, f.find('.')) + "_" + p.param.c.name;
                          });
-
-// Re-basing must happen on at least one of the files (where the table's
-// pages lie high enough for the window to move).
-TEST(UsageMapWriterRebase, HappensOnSomeFile) {
-    int applied = 0;
-    for (const char* f : {"delTestV2000.mdb", "indexTestV2000.mdb", "bigIndexTestV2000.mdb",
-                          "overflowTestV2000.mdb"}) {
-        TempDir dir;
-        auto db = jet::Database::open(dir.copy(f), {.writable = true});
-        db->begin();
-        std::vector<Expect> ignored;
-        for (const std::string& t : db->tableNames(true))
-            if (apply(*db, t, Op::Rebase, ignored)) ++applied;
-        db->rollback();
-    }
-    EXPECT_GT(applied, 0);
-}
 
 TEST(UsageMapWriterErrors, RefusedOutsideAUnitAndOnBadRows) {
     TempDir dir;
@@ -253,10 +224,6 @@ TEST(UsageMapWriterErrors, RefusedOutsideAUnitAndOnBadRows) {
     EXPECT_THROW(jet::setUsageMapBit(*db, def->freePages, 3, true), jet::Error);
     db->rollback();
 }
-
-}  // namespace
-
-namespace {
 
 // A page this engine appends leaves Jet's free list on page 1, whether that
 // map is inline or, as in larger files, a reference to usage-map pages:
