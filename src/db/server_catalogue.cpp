@@ -5,11 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "jet/sql/error.h"
-
-#ifdef TESSARA_WITH_PG
 #include "db/pg/pg_storage.h"
-#endif
+#include "jet/sql/error.h"
 
 namespace db {
 
@@ -61,27 +58,12 @@ std::optional<ServerCatalogue> serverBeside(const std::string& nativePath) {
     return s;
 }
 
-#ifdef TESSARA_WITH_PG
-bool serverDriverBuilt() { return true; }
-
 std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server, bool needCatalogue,
                                                   sql::PathMapper mapper) {
     return pg::openStorage(server, needCatalogue, std::move(mapper));
 }
 
 void enforceFolderRights(sql::Storage& server) { pg::enforceFolderRights(server); }
-#else
-void enforceFolderRights(sql::Storage&) {}
-
-bool serverDriverBuilt() { return false; }
-
-std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server, bool,
-                                                  sql::PathMapper) {
-    throw ServerError(ServerFault::NoDriver, "The catalogue is on the server " + server.describe() +
-                                                 ", and this build of Tessara has no PostgreSQL "
-                                                 "driver.");
-}
-#endif
 
 }  // namespace db
 

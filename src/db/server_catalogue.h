@@ -23,7 +23,7 @@ enum class ServerFault {
     Login,        // user or password refused
     NoDatabase,   // the login works, the database does not exist
     NoCatalogue,  // the database holds no catalogue tables
-    NoDriver,     // this build has no PostgreSQL driver
+    NoDriver,     // libpq cannot be had (Windows: no libpq.dll found)
 };
 
 class ServerError : public sql::Error {
@@ -59,9 +59,6 @@ std::shared_ptr<sql::Storage> openServerCatalogue(const ServerCatalogue& server,
 // listed can neither read nor change the Folder's rows. Run by the role
 // that owns the catalogue, once its tables are filled.
 void enforceFolderRights(sql::Storage& server);
-
-// Whether this build carries the PostgreSQL driver.
-bool serverDriverBuilt();
 
 }  // namespace db
 

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # tessara-cli.exe (the MinGW build, run under wine) against the Linux build:
 # the same commands on copies of the same files must print the same bytes.
-# Then a unit of work of the Windows build is killed in the middle of its
+# A library on a catalogue server is refused in one line where no libpq.dll
+# is to be had. Then a unit of work of the Windows build is killed in the middle of its
 # commit, and the Linux build must read the file as it was before.
 #
 #   cli_under_wine.sh LINUX_CLI WINDOWS_CLI_EXE WINE TESTDATA_MDB_DIR
@@ -55,6 +56,15 @@ both tables katalog.mdb
 both sql katalog.mdb "INSERT INTO tblOrdner (OrdnerNr, Ordnername, NrTblDefMenue) VALUES ('001', 'Ventile', 1)"
 both export katalog.mdb tblOrdner
 both check katalog.mdb
+
+# A library whose catalogue is on a server: without a PostgreSQL client's
+# libpq.dll the Windows build says so in one line and exits.
+"$lin" make-demo-library "$work/server" >/dev/null
+printf '[Server]\r\nhost=127.0.0.1\r\nport=1\r\ndatabase=katalog\r\nuser=tessara\r\n' >"$work/server/dbTessara.ini"
+(cd "$work/server" && "$wine" "$exe" folder list dbTessara.mdb >out 2>err; echo $? >rc)
+[ "$(cat "$work/server/rc")" = 1 ] && [ "$(wc -l <"$work/server/err")" -le 1 ] &&
+    grep -q "libpq.dll is neither in Tessara's program directory nor on PATH" "$work/server/err" ||
+    fail "server library without libpq.dll: exit $(cat "$work/server/rc"): $(head -c 300 "$work/server/err")"
 
 # Killed in its commit: the Windows build halts once its journal is on the
 # disk, before the first page of the file is written.

@@ -12,6 +12,7 @@
 #include <set>
 #include <utility>
 
+#include "db/pg/pg_driver.h"
 #include "db/pg/pg_render.h"
 #include "db/pg/pg_rights.h"
 #include "jet/format/value.h"
@@ -850,7 +851,10 @@ void PgTable::read(const std::vector<RowId>& ids, const std::vector<bool>* neede
                    const std::function<void(RowId, const Row&)>& visit) {
     if (ids.empty()) return;
     std::string list;
-    for (RowId id : ids) list += (list.empty() ? "" : ",") + std::to_string(id);
+    for (RowId id : ids) {
+        if (!list.empty()) list += ',';
+        list += std::to_string(id);
+    }
     std::map<RowId, Row> rows;
     select(" WHERE " + ident(meta_->idColumn) + " IN (" + list + ")", nullptr, needed,
            [&](RowId id, const Row& r) {
@@ -935,6 +939,7 @@ void enforceFolderRights(sql::Storage& storage) {
 
 std::shared_ptr<sql::Storage> openStorage(const ServerCatalogue& server, bool needCatalogue,
                                           sql::PathMapper mapper) {
+    requireDriver();
     const char* keys[] = {
         "host", "port", "dbname", "user", "connect_timeout", "client_encoding", "application_name",
         nullptr};
