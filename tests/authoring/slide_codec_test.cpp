@@ -24,22 +24,6 @@ TEST(SlideReader, HandMadeSlidesDecodeToTheirAnnotatedPoints) {
     }
 }
 
-TEST(SlideReader, FillsOfTheTestSlideAreTrianglesClosedByTheirStopRecord) {
-    Slide s = readSlideFile(testdaten("slide_kz.sld"));
-    std::vector<const Element*> fills;
-    for (const auto& e : s.elements)
-        if (e.kind == Element::Kind::Fill) fills.push_back(&e);
-    ASSERT_EQ(static_cast<int>(fills.size()), s.records.fills);
-    EXPECT_GE(fills.size(), 30u);
-    for (const auto* e : fills) EXPECT_EQ(e->count, 3u);
-    // The first fill: (602,725) (591,736) (280,470), drawn in colour 7.
-    auto p = s.pointsOf(*fills[0]);
-    EXPECT_EQ(p[0], (Point{0x25a, 0x2d5}));
-    EXPECT_EQ(p[1], (Point{0x24f, 0x2e0}));
-    EXPECT_EQ(p[2], (Point{0x118, 0x1d6}));
-    EXPECT_EQ(fills[0]->colour, 7);
-}
-
 TEST(SlideReader, BrokenInputIsRefusedWithAMessage) {
     for (const auto& f : tessara::test::tabelle("authoring/golden/dias_kaputt.txt")) {
         SCOPED_TRACE(f.at(1));

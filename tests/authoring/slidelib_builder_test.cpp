@@ -64,6 +64,9 @@ TEST_F(SlidelibBuilder, CommandLineBuildsALibraryFromAList) {
     ASSERT_EQ(gelesen.entries().size(), 2u);
     EXPECT_EQ(gelesen.entries()[0].name, "0A");
     EXPECT_EQ(gelesen.entries()[1].name, "1A");
+    // A 32-byte header, then 3 entries of 36 bytes (two and the closing one).
+    EXPECT_EQ(gelesen.entries()[0].address, 32u + 3 * 36u);
+    EXPECT_EQ(lesen(lib).substr(0, 25), "AutoCAD Slide Library 1.0");
     auto bytes = gelesen.slideBytes("1a");
     EXPECT_EQ(std::vector<std::uint8_t>(bytes.begin(), bytes.end()),
               slide::readFileBytes(testdaten("slide_kz.sld")));
