@@ -88,19 +88,13 @@ TEST(SlideWriter, TestDataSlidesReadAndRoundTripToTheSameVectors) {
     EXPECT_EQ(bytes, beispielDia());
 }
 
+// A negative coordinate, a fill of two vertices, a slide without a size.
 TEST(SlideWriter, RefusesWhatTheFormatCannotHold) {
-    Slide s;
-    s.highX = 100;
-    s.highY = 100;
-    s.addVector(1, {-1, 0}, {5, 5});
-    EXPECT_THROW(writeSlide(s), SlideError);
-    Slide f;
-    f.highX = 100;
-    f.highY = 100;
-    f.addFill(1, {{1, 1}, {2, 2}});
-    EXPECT_THROW(writeSlide(f), SlideError);
-    Slide leer;
-    EXPECT_THROW(writeSlide(leer), SlideError);
+    Slide s[3];
+    s[0].highX = s[0].highY = s[1].highX = s[1].highY = 100;
+    s[0].addVector(1, {-1, 0}, {5, 5});
+    s[1].addFill(1, {{1, 1}, {2, 2}});
+    for (const auto& f : s) EXPECT_THROW(writeSlide(f), SlideError);
 }
 
 TEST(SlideWriter, FileWriteGoesThroughATemporaryAndLeavesNoTrace) {
