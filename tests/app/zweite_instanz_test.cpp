@@ -104,7 +104,7 @@ class ZweiteInstanz : public ::testing::Test {
     }
 
     static std::string lesen(const fs::path& p) { return tessara::test::dateiInhalt(p); }
-    // A path below the test directory as the program writes it, with "\\".
+    // A path below the test directory as the program writes it, with backslashes.
     std::string dos(const fs::path& relativ) const {
         std::string s = (dir / relativ).string();
         std::replace(s.begin(), s.end(), '/', '\\');
