@@ -54,19 +54,17 @@ TEST(SlideReader, EveryPrefixIsReadOrRefusedNeverMisread) {
 // Each slide of the test data reads with its points inside the drawing area
 // and comes back from our writer with the same drawing.
 TEST(SlideWriter, TestDataSlidesReadAndRoundTripToTheSameVectors) {
-    struct Fall {
-        const char* datei;
-        bool fuellungen;
-    };
-    for (auto f : {Fall{"slide_up.sld", false}, Fall{"slide_dn.sld", false},
-                   Fall{"slide_kss.sld", false}, Fall{"slide_kz.sld", true}}) {
-        SCOPED_TRACE(f.datei);
-        Slide s = readSlideFile(testdaten(f.datei));
+    for (auto [datei, fuellungen] : {std::pair{"slide_up.sld", false},
+                                     {"slide_dn.sld", false},
+                                     {"slide_kss.sld", false},
+                                     {"slide_kz.sld", true}}) {
+        SCOPED_TRACE(datei);
+        Slide s = readSlideFile(testdaten(datei));
         EXPECT_EQ(s.level, 2);
         EXPECT_FALSE(s.bigEndian);
         EXPECT_EQ(s.records.endOfFile, 1);
         EXPECT_GT(s.records.vectors, 0);
-        EXPECT_EQ(s.records.fills > 0, f.fuellungen);
+        EXPECT_EQ(s.records.fills > 0, fuellungen);
         for (const auto& e : s.elements)
             for (auto p : s.pointsOf(e))
                 EXPECT_TRUE(p.x >= 0 && p.x <= s.highX && p.y >= 0 && p.y <= s.highY)
