@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -45,19 +46,16 @@ class ZweiteInstanz : public ::testing::Test {
             "HOME=" + dir.string(), "XDG_RUNTIME_DIR=" + (dir / "run").string(),
             "XDG_CONFIG_HOME=" + (dir / "cfg").string(),
             "TESSARA_COMMON_APPDATA=" + (dir / "common").string()};
-        for (char** e = environ; *e; ++e) {
-            const std::string v = *e;
-            bool ersetzt = false;
-            for (const auto& x : eigene)
-                if (v.compare(0, x.find('=') + 1, x, 0, x.find('=') + 1) == 0) ersetzt = true;
-            if (!ersetzt) env.push_back(v);
-        }
-        env.insert(env.end(), eigene.begin(), eigene.end());
+        env = eigene;
+        for (char** e = environ; *e; ++e)
+            if (std::none_of(eigene.begin(), eigene.end(), [v = std::string(*e)](auto& x) {
+                    return v.starts_with(x.substr(0, x.find('=') + 1));
+                }))
+                env.push_back(*e);
         // A library to open, and the boxes that would wait for a hand on
         // the mouse switched off as a user switches them off.
-        fs::create_directories(dir / "bib");
-        fs::create_directories(dir / "bib2");
-        fs::create_directories(dir / "common" / "Tessara");
+        for (const char* d : {"bib", "bib2", "bib3", "common/Tessara"})
+            fs::create_directories(dir / d);
         std::ofstream(dir / "common" / "Tessara" / "Tessara9.0.ini")
             << "[AllgemeineDaten]\r\nDbVerzeichnis0=" << (dir / "bib").string()
             << "\r\n[MsgboxAnzeigen]\r\nAcadVerbindung=1\r\nKeinBlock=1\r\nTessaraBeenden=1\r\n"
@@ -106,6 +104,18 @@ class ZweiteInstanz : public ::testing::Test {
     }
 
     static std::string lesen(const fs::path& p) { return tessara::test::dateiInhalt(p); }
+    // A path below the test directory as the program writes it, with backslashes.
+    std::string dos(const fs::path& relativ) const {
+        std::string s = (dir / relativ).string();
+        std::replace(s.begin(), s.end(), '/', '\\');
+        return s;
+    }
+    // Starts a later program and expects it to end by itself with 0.
+    void zweite(const std::vector<std::string>& args, const std::string& programm = "tessara") {
+        const fs::path aus = dir / ("z" + std::to_string(++gestartet) + ".txt");
+        EXPECT_EQ(warten(starten(args, aus, programm), 20s), 0) << lesen(aus);
+    }
+    int gestartet = 0;
 
     // Waits until the file holds the text `anzahl` times.
     static bool erscheint(const fs::path& p, const std::string& text, int anzahl = 1) {
@@ -135,32 +145,47 @@ TEST_F(ZweiteInstanz, ReichtIhreAnfragenAnDasLaufendeProgrammWeiter) {
     // had no database yet: the window made one.
     EXPECT_TRUE(fs::exists(dir / "bib" / "dbTessara.mdb"));
 
-    EXPECT_EQ(warten(starten({"/s", "0010017;A"}, dir / "z1.txt"), 20s), 0)
-        << lesen(dir / "z1.txt");
+    zweite({"/s", "0010017;A"});
     EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;a")) << lesen(log);
 
-    const std::string bib2 = (dir / "bib2" / "dbTessara.mdb").string();
-    EXPECT_EQ(warten(starten({"/d", bib2}, dir / "z2.txt"), 20s), 0);
-    std::string bib2Programm = bib2;
-    for (char& c : bib2Programm)
-        if (c == '/') c = '\\';
-    EXPECT_TRUE(erscheint(log, "Datenbank: " + bib2Programm)) << lesen(log);
-    const auto ende = std::chrono::steady_clock::now() + 20s;
-    while (!fs::exists(dir / "bib2" / "dbTessara.mdb") && std::chrono::steady_clock::now() < ende)
+    zweite({"/d", (dir / "bib2" / "dbTessara.mdb").string()});
+    EXPECT_TRUE(erscheint(log, "Datenbank: " + dos("bib2/dbTessara.mdb"))) << lesen(log);
+    for (int i = 0; i < 400 && !fs::exists(dir / "bib2/dbTessara.mdb"); ++i)
         std::this_thread::sleep_for(50ms);
-    EXPECT_TRUE(fs::exists(dir / "bib2" / "dbTessara.mdb"))
-        << "the window switched to the new library";
+    EXPECT_TRUE(fs::exists(dir / "bib2/dbTessara.mdb")) << "the window switched to the new library";
 
     // "lblkeinfuegen" inserts the block handed over last once more.
-    EXPECT_EQ(warten(starten({"lblkeinfuegen"}, dir / "z3.txt"), 20s), 0);
+    zweite({"lblkeinfuegen"});
     EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;a", 2)) << lesen(log);
 
     // One or three ";"-pieces: nothing is handed over, the start still ends.
     // A request handed over after it is carried out after anything it sent.
-    EXPECT_EQ(warten(starten({"/s", "a;b;c"}, dir / "z4.txt"), 20s), 0);
-    EXPECT_EQ(warten(starten({"lblkeinfuegen"}, dir / "z5.txt"), 20s), 0);
+    zweite({"/s", "a;b;c"});
+    zweite({"lblkeinfuegen"});
     ASSERT_TRUE(erscheint(log, "Blockanfrage: 0010017;a", 3)) << lesen(log);
     EXPECT_EQ(lesen(log).find("Blockanfrage: a"), std::string::npos);
+
+    // The entry class reached from a second process, as the CAD host reaches
+    // it: requests carried out in order, and one it must refuse leaves a line
+    // in the error log and the window serving the next (the other refusals
+    // are table cases of tests/entry).
+    const auto anfrage = [&](std::vector<std::string> a) {
+        a.insert(a.begin(), "tessara-start");
+        zweite(a, "tessara-cli");
+    };
+    anfrage({"StartTessara2", "0010017", "A"});
+    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;A")) << lesen(log);
+    anfrage({"StartTessara2", std::string(200, '7'), "A"});
+    EXPECT_TRUE(erscheint(dir / "common/Tessara/txtErrorTessara9.0.txt",
+                          "Anfrage verworfen: Blockname zu lang"));
+    // "/" and "\\" mixed: the library is switched.
+    anfrage({"ChangeDb", (dir / "bib3").string() + "\\dbTessara.mdb"});
+    EXPECT_TRUE(erscheint(log, "Datenbank: " + dos("bib3/dbTessara.mdb"))) << lesen(log);
+    anfrage({"LBlockEinfuegen"});
+    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;A", 2)) << lesen(log);
+    anfrage({"StartTessara3", "0010018", "", (dir / "bib" / "dbTessara.mdb").string()});
+    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010018;")) << lesen(log);
+    EXPECT_EQ(lesen(log).find("Blockanfrage: 777"), std::string::npos);
 }
 
 TEST_F(ZweiteInstanz, EinAbgestuerzterErsterHinterlaesstKeineSperre) {
@@ -193,53 +218,9 @@ TEST_F(ZweiteInstanz, ErsterStartMitDZeigtNurDieCadMeldung) {
     ASSERT_EQ(fenster.size(), 1u);
     EXPECT_EQ(fenster[0].title.rfind("Tessara", 0), 0u) << fenster[0].title;
     EXPECT_EQ(std::system("import -window root " TESSARA_BINARY_DIR "/erster_start.png"), 0);
-    std::string bib = (dir / "bib").string();
-    for (char& c : bib)
-        if (c == '/') c = '\\';
-    EXPECT_NE(lesen(dir / "common" / "Tessara" / "Tessara9.0.ini").find("DbVerzeichnis0=" + bib),
+    EXPECT_NE(lesen(dir / "common/Tessara/Tessara9.0.ini").find("DbVerzeichnis0=" + dos("bib")),
               std::string::npos);
     EXPECT_TRUE(fs::exists(dir / "bib" / "dbTessara.mdb"));
-}
-
-// The entry class reached from a second process, as the CAD host reaches
-// it: requests carried out in order, and one it must refuse leaves a line in
-// the error log and the window serving the next (the other refusals are
-// table cases of tests/entry).
-class clsTessaraStartProzess : public ZweiteInstanz {
-  protected:
-    int anfrage(const std::vector<std::string>& args) {
-        std::vector<std::string> a = {"tessara-start"};
-        a.insert(a.end(), args.begin(), args.end());
-        const fs::path aus = dir / ("cli" + std::to_string(++n) + ".txt");
-        const int rc = warten(starten(a, aus, "tessara-cli"), 20s);
-        EXPECT_EQ(rc, 0) << lesen(aus);
-        return rc;
-    }
-    int n = 0;
-};
-
-TEST_F(clsTessaraStartProzess, FuehrtAnfragenAusUndVerwirftUnbrauchbare) {
-    const fs::path log = dir / "erste.txt";
-    const fs::path fehler = dir / "common" / "Tessara" / "txtErrorTessara9.0.txt";
-    erste = starten({}, log);
-    ASSERT_TRUE(erscheint(log, "bereit")) << lesen(log);
-    anfrage({"StartTessara2", "0010017", "A"});
-    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;A")) << lesen(log);
-
-    anfrage({"StartTessara2", std::string(200, '7'), "A"});
-    EXPECT_TRUE(erscheint(fehler, "Anfrage verworfen: Blockname zu lang"));
-
-    // "/" and "\" mixed: the library is switched, its database made.
-    anfrage({"ChangeDb", (dir / "bib2").string() + "\\dbTessara.mdb"});
-    std::string bib2 = (dir / "bib2" / "dbTessara.mdb").string();
-    for (char& c : bib2)
-        if (c == '/') c = '\\';
-    EXPECT_TRUE(erscheint(log, "Datenbank: " + bib2)) << lesen(log);
-    anfrage({"LBlockEinfuegen"});
-    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010017;A", 2)) << lesen(log);
-    anfrage({"StartTessara3", "0010018", "", (dir / "bib" / "dbTessara.mdb").string()});
-    EXPECT_TRUE(erscheint(log, "Blockanfrage: 0010018;")) << lesen(log);
-    EXPECT_EQ(lesen(log).find("Blockanfrage: 777"), std::string::npos);
 }
 
 }  // namespace

@@ -8,11 +8,8 @@
 using namespace tessara;
 
 TEST(DateiLayout, PathsOfABlock) {
-    struct Fall {
-        std::string ist, soll;
-    };
     const std::string o = "001", b = "0010017";
-    const Fall faelle[] = {
+    const std::pair<std::string, std::string> faelle[] = {
         {fctOrdnerVerzeichnis(o), "001\\"},
         {fctDiaDatei(o, b, 0), "001\\00100170.sld"},
         {fctDiaDatei(o, b, 3), "001\\00100173.sld"},
@@ -30,7 +27,7 @@ TEST(DateiLayout, PathsOfABlock) {
         {fctSlideLibEintrag(o, b, true), "001\\00100170.slb"},
         {fctSlideLibEintrag(o, b, false), "001\\00100170.sld"},
     };
-    for (const auto& f : faelle) EXPECT_EQ(f.ist, f.soll);
+    for (const auto& [ist, soll] : faelle) EXPECT_EQ(ist, soll);
 }
 
 TEST(DateiLayout, PictureOfView0FollowsTheEndingOfSlideLib) {

@@ -1,27 +1,15 @@
 // tessara-cli render-slide and slide-info.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <QImage>
 #include <algorithm>
-#include <cstdio>
 
-#include "befehl.h"
 #include "slide_test_data.h"
 #include "tabelle.h"
 #include "temp_verzeichnis.h"
 
+using slidetest::lauf;
 using slidetest::testdaten;
-
-namespace {
-int lauf(const std::string& argumente, std::string* ausgabe = nullptr) {
-    int code = -1;
-    const std::string text = tessara::test::befehlsAusgabe(
-        std::string("'") + TESSARA_CLI + "' " + argumente + " 2>&1", &code);
-    if (ausgabe) *ausgabe = text;
-    return code;
-}
-}  // namespace
 
 class SlideCli : public slidetest::TempVerzeichnis {};
 

@@ -37,24 +37,17 @@ std::vector<std::uint8_t> mutiert(std::vector<std::uint8_t> d, std::mt19937& zuf
     int schritte = 1 + static_cast<int>(zufall() % 4);
     for (int s = 0; s < schritte && !d.empty(); ++s) {
         std::size_t pos = zufall() % d.size();
-        switch (art(zufall)) {
-            case 0:
-                d[pos] = static_cast<std::uint8_t>(byte(zufall));
-                break;
-            case 1:
-                d.resize(pos);
-                break;
-            case 2:
-                d.insert(d.begin() + static_cast<long>(pos),
-                         static_cast<std::uint8_t>(byte(zufall)));
-                break;
-            case 3:
-                d.erase(d.begin() + static_cast<long>(pos));
-                break;
-            default:
-                d[pos] ^= 0x80;
-                break;
-        }
+        // Overwrite, cut, insert, delete, flip the top bit.
+        const int a = art(zufall);
+        const auto b = [&] { return static_cast<std::uint8_t>(byte(zufall)); };
+        if (a == 1)
+            d.resize(pos);
+        else if (a == 2)
+            d.insert(d.begin() + static_cast<long>(pos), b());
+        else if (a == 3)
+            d.erase(d.begin() + static_cast<long>(pos));
+        else
+            d[pos] = a == 0 ? b() : static_cast<std::uint8_t>(d[pos] ^ 0x80);
     }
     return d;
 }

@@ -90,20 +90,6 @@ TEST(SlidePainter, PublishedExampleLandsWhereItsPointsAre) {
     EXPECT_TRUE(nahe(bild.pixel(100, 60), schwarz));
 }
 
-TEST(SlidePainter, AspectRatioIsKeptAndThePictureCentred) {
-    auto dia = slide::readSlide(slidetest::beispielDia());
-    QImage breit = fctDiaBild(dia, QSize(880, 300), kScharf);
-    // 1.46 : 1 in a 2.93 : 1 image: a band of about 220 pixels stays empty on each side.
-    for (int y = 0; y < 300; y += 7) {
-        EXPECT_TRUE(nahe(breit.pixel(100, y), QColor(0, 0, 0)));
-        EXPECT_TRUE(nahe(breit.pixel(780, y), QColor(0, 0, 0)));
-    }
-    EXPECT_TRUE(inDerNaehe(breit, 440, 150, QColor(255, 255, 255)));
-    QImage hoch = fctDiaBild(dia, QSize(146, 400), kScharf);
-    EXPECT_TRUE(nahe(hoch.pixel(73, 20), QColor(0, 0, 0)));
-    EXPECT_TRUE(inDerNaehe(hoch, 73, 200, QColor(255, 255, 255)));
-}
-
 // A field of a title block as the host writes masked text: a hatch under
 // the field, the colour-0 mask over it, then a frame and text inside the
 // mask, and a colour-0 line across the hatch.

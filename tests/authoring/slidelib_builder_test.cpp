@@ -3,37 +3,15 @@
 #include "authoring/slidelib_builder.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <cstdio>
-#include <sstream>
 
 #include "authoring/slide_library.h"
-#include "befehl.h"
 #include "slide_test_data.h"
 #include "temp_verzeichnis.h"
 
 using namespace tessara;
 namespace fs = std::filesystem;
+using slidetest::lauf;
 using slidetest::testdaten;
-
-namespace {
-
-struct Ergebnis {
-    int code;
-    std::string ausgabe;
-};
-
-// Runs tessara-cli with the arguments (already quoted) and stdin from a file.
-Ergebnis cli(const std::string& argumente, const fs::path& eingabe = {}) {
-    std::string befehl = std::string("'") + TESSARA_CLI + "' " + argumente;
-    if (!eingabe.empty()) befehl += " < '" + eingabe.string() + "'";
-    Ergebnis e{-1, {}};
-    e.ausgabe = tessara::test::befehlsAusgabe(befehl + " 2>&1", &e.code);
-    return e;
-}
-
-}  // namespace
 
 class SlidelibBuilder : public slidetest::TempVerzeichnis {
   protected:
@@ -58,12 +36,18 @@ TEST_F(SlidelibBuilder, CommandLineBuildsALibraryFromAList) {
     datei("liste.txt",
           (wurzel / "0a.sld").string() + "\r\n\r\n  " + (wurzel / "1A").string() + "\r\n");
     auto lib = wurzel / "block.slb";
-    auto e = cli("slidelib '" + lib.string() + "'", wurzel / "liste.txt");
-    ASSERT_EQ(e.code, 0) << e.ausgabe;
+    std::string text;
+    ASSERT_EQ(
+        lauf("slidelib '" + lib.string() + "' < '" + (wurzel / "liste.txt").string() + "'", &text),
+        0)
+        << text;
     auto gelesen = slide::SlideLibrary::readFile(lib.string());
     ASSERT_EQ(gelesen.entries().size(), 2u);
     EXPECT_EQ(gelesen.entries()[0].name, "0A");
     EXPECT_EQ(gelesen.entries()[1].name, "1A");
+    // A 32-byte header, then 3 entries of 36 bytes (two and the closing one).
+    EXPECT_EQ(gelesen.entries()[0].address, 32u + 3 * 36u);
+    EXPECT_EQ(lesen(lib).substr(0, 25), "AutoCAD Slide Library 1.0");
     auto bytes = gelesen.slideBytes("1a");
     EXPECT_EQ(std::vector<std::uint8_t>(bytes.begin(), bytes.end()),
               slide::readFileBytes(testdaten("slide_kz.sld")));
@@ -92,9 +76,10 @@ TEST_F(SlidelibBuilder, RefusedListsLeaveTheLibraryAsItWas) {
     for (const auto& f : faelle) {
         SCOPED_TRACE(f.name);
         datei("liste.txt", f.liste);
-        auto e = cli("slidelib '" + lib + "'", wurzel / "liste.txt");
-        EXPECT_NE(e.code, 0);
-        EXPECT_NE(e.ausgabe.find(f.meldung), std::string::npos) << e.ausgabe;
+        std::string text;
+        EXPECT_NE(lauf("slidelib '" + lib + "' < '" + (wurzel / "liste.txt").string() + "'", &text),
+                  0);
+        EXPECT_NE(text.find(f.meldung), std::string::npos) << text;
         EXPECT_EQ(lesen(lib), "vorher");
     }
 }

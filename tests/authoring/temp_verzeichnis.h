@@ -7,12 +7,23 @@
 #include <fstream>
 #include <string>
 
+#include "befehl.h"
 #include "frisches_verzeichnis.h"
 #include "platform/environment.h"
 #include "startup/benutzer.h"
 #include "startup/programm_zustand.h"
 
 namespace slidetest {
+
+// Runs tessara-cli with the arguments (already quoted), its errors into its
+// output; the exit code.
+inline int lauf(const std::string& argumente, std::string* ausgabe = nullptr) {
+    int code = -1;
+    const std::string text = tessara::test::befehlsAusgabe(
+        std::string("'") + TESSARA_CLI + "' " + argumente + " 2>&1", &code);
+    if (ausgabe) *ausgabe = text;
+    return code;
+}
 
 class TempVerzeichnis : public ::testing::Test {
   protected:

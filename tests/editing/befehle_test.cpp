@@ -44,8 +44,8 @@ TEST_F(Befehle, TheMarkedViewHoldsForItsBlockAndAProtectedLibraryRefusesChanges)
     EXPECT_EQ(zeilen("SELECT BlkName0 FROM tblBlockInfo"), std::vector<std::string>{"Neu"});
 }
 
-// The commands act on the session's selected slot and take the Block's files
-// along (each step's own cases are block_test.cpp's): a move to a slot, a
+// The commands act on the session's selected slot (how the files follow each
+// step is block_test.cpp's): a move to a slot, a
 // View deleted, the Block deleted after a no and then a yes, marked Blocks
 // moved together from the selected slot on.
 TEST_F(Befehle, MoveDeleteAndMarkedMoveActOnTheSelectedSlot) {
@@ -60,16 +60,12 @@ TEST_F(Befehle, MoveDeleteAndMarkedMoveActOnTheSelectedSlot) {
     EXPECT_EQ(befehle.fctVerschieben(5), kSeiteGeaendert | kAnsichtenGeaendert);
     EXPECT_EQ(zeilen("SELECT Block, SlideLib FROM tblBlockInfo"),
               std::vector<std::string>{ziel + "|000\\" + ziel + "0.slb"});
-    EXPECT_EQ(dateien().size(), 4u);
     EXPECT_EQ(dateien().count("000/Block/" + ziel + "1.dwg"), 1u);
 
     s.fctPositionSetzen(5);
     s.setEinzufuegendeAnsicht(1);
     EXPECT_EQ(befehle.fctAnsichtLoeschen(1), kAnsichtenGeaendert);
     EXPECT_EQ(s.intEinzufuegendeAnsicht(), 0);
-    EXPECT_EQ(
-        dateien().count("000/" + ziel + "1.slb") + dateien().count("000/Block/" + ziel + "1.dwg"),
-        0u);
     EXPECT_EQ(zeilen("SELECT BlkName1 FROM tblBlockInfo"), std::vector<std::string>{""});
     benutzer.antworten = {Antwort::Nein};
     EXPECT_EQ(befehle.fctLoeschen(), kNichtsGeaendert);
@@ -79,7 +75,6 @@ TEST_F(Befehle, MoveDeleteAndMarkedMoveActOnTheSelectedSlot) {
     EXPECT_TRUE(dateien().empty());
     EXPECT_EQ(zeilen("SELECT Nr FROM tblBlockInfo"), std::vector<std::string>{});
 
-    const std::string a = slots[1].strBlockNr, b = slots[2].strBlockNr;
     block(1);
     block(2);
     ASSERT_TRUE(s.fctOeffnen(db).ok());
@@ -90,10 +85,6 @@ TEST_F(Befehle, MoveDeleteAndMarkedMoveActOnTheSelectedSlot) {
     const std::string ziel6 = nachher[6].strBlockNr, ziel7 = nachher[7].strBlockNr;
     EXPECT_EQ(zeilen("SELECT Block FROM tblBlockInfo ORDER BY Block"),
               (std::vector<std::string>{ziel6, ziel7}));
-    EXPECT_EQ(
-        dateien().count("000/" + ziel7 + "0.slb") + dateien().count("000/Block/" + ziel6 + "0.dwg"),
-        2u);
-    EXPECT_EQ(dateien().count("000/" + a + "0.slb") + dateien().count("000/" + b + "0.slb"), 0u);
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <map>
 #include <set>
 
 #include "befehl.h"
@@ -25,60 +24,7 @@ constexpr int kJeProzess = 100;
 
 using test::befehlsAusgabe;
 
-class Nebenlaeufig : public Bibliothek {
-  protected:
-    // After both racers: 1 + 2 × kJeProzess Folders "A<i>"/"B<i>" with
-    // distinct codes, Pages 1 .. 1 + 2 × kJeProzess of Folder "000", each
-    // once, and a file both checkers read.
-    void pruefen() {
-        const auto ordner = zeilen("SELECT OrdnerNr, Ordnername FROM tblOrdner ORDER BY Nr");
-        ASSERT_EQ(ordner.size(), 1u + 2 * kJeProzess);
-        std::set<std::string> codes, namen;
-        for (const auto& zeile : ordner) {
-            codes.insert(zeile.substr(0, 3));
-            namen.insert(zeile.substr(4));
-        }
-        EXPECT_EQ(codes.size(), ordner.size()) << "a code was given twice";
-        EXPECT_EQ(namen.size(), ordner.size()) << "a Folder was created twice";
-        for (int i = 1; i <= kJeProzess; ++i)
-            for (const char* p : {"A", "B"})
-                EXPECT_TRUE(namen.count(p + std::to_string(i))) << p << i;
-
-        const auto seiten =
-            zeilen("SELECT SeitenNr, SeitenName FROM tblSeiten WHERE NrTblOrdner = 1");
-        std::set<std::string> nummern;
-        for (const auto& s : seiten) nummern.insert(s.substr(0, s.find('|')));
-        EXPECT_EQ(seiten.size(), 1u + 2 * kJeProzess);
-        EXPECT_EQ(nummern.size(), seiten.size()) << "a Page number was written twice";
-
-        int rc = -1;
-        const std::string pfad = platform::nativePath(db);
-        EXPECT_EQ(befehlsAusgabe(std::string(TESSARA_CLI) + " check '" + pfad + "' 2>&1", &rc),
-                  "no faults found\n");
-        EXPECT_EQ(rc, 0);
-        for (const char* t : {"tblOrdner", "tblSeiten"}) {
-            const std::string csv = befehlsAusgabe("mdb-export '" + pfad + "' " + t, &rc);
-            EXPECT_EQ(rc, 0) << t;
-            EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 2 + 2 * kJeProzess) << t;
-        }
-    }
-};
-
-TEST_F(Nebenlaeufig, TwoCommandLineProcessesCreateFoldersAndPagesAtOnce) {
-    const std::string cli = TESSARA_CLI, pfad = platform::nativePath(db);
-    // Each racer alternates Folders and Pages; A takes Page numbers 2 .. 101,
-    // B 102 .. 201.
-    std::string skript;
-    for (const auto& [p, versatz] : {std::pair{"A", 1}, {"B", 1 + kJeProzess}})
-        skript += std::string("( i=1; while [ $i -le ") + std::to_string(kJeProzess) + " ]; do '" +
-                  cli + "' folder add '" + pfad + "' " + p + "$i >/dev/null || echo " + p +
-                  "$i; '" + cli + "' page add '" + pfad + "' Standard-Ordner $((i+" +
-                  std::to_string(versatz) + ")) " + p + "$i || echo page " + p +
-                  "$i; i=$((i+1)); done ) & ";
-    const std::string fehlgeschlagen = befehlsAusgabe("{ " + skript + "wait; } 2>&1");
-    EXPECT_EQ(fehlgeschlagen, "");
-    pruefen();
-}
+using Nebenlaeufig = Bibliothek;
 
 TEST_F(Nebenlaeufig, TwoOpenLibrariesCreateFoldersAndPagesAtOnce) {
     // As two workstations with the window open: each process keeps its
@@ -105,7 +51,37 @@ TEST_F(Nebenlaeufig, TwoOpenLibrariesCreateFoldersAndPagesAtOnce) {
         ASSERT_EQ(::waitpid(kind, &status, 0), kind);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
     }
-    pruefen();
+    // 1 + 2 × kJeProzess Folders "A<i>"/"B<i>" with distinct codes, Pages
+    // 1 .. 1 + 2 × kJeProzess of Folder "000", each once, and a file both
+    // checkers read.
+    const auto ordner = zeilen("SELECT OrdnerNr, Ordnername FROM tblOrdner ORDER BY Nr");
+    ASSERT_EQ(ordner.size(), 1u + 2 * kJeProzess);
+    std::set<std::string> codes, namen;
+    for (const auto& zeile : ordner) {
+        codes.insert(zeile.substr(0, 3));
+        namen.insert(zeile.substr(4));
+    }
+    EXPECT_EQ(codes.size(), ordner.size()) << "a code was given twice";
+    EXPECT_EQ(namen.size(), ordner.size()) << "a Folder was created twice";
+    for (int i = 1; i <= kJeProzess; ++i)
+        for (const char* p : {"A", "B"}) EXPECT_TRUE(namen.count(p + std::to_string(i))) << p << i;
+
+    const auto seiten = zeilen("SELECT SeitenNr, SeitenName FROM tblSeiten WHERE NrTblOrdner = 1");
+    std::set<std::string> nummern;
+    for (const auto& s : seiten) nummern.insert(s.substr(0, s.find('|')));
+    EXPECT_EQ(seiten.size(), 1u + 2 * kJeProzess);
+    EXPECT_EQ(nummern.size(), seiten.size()) << "a Page number was written twice";
+
+    int rc = -1;
+    const std::string pfad = platform::nativePath(db);
+    EXPECT_EQ(befehlsAusgabe(std::string(TESSARA_CLI) + " check '" + pfad + "' 2>&1", &rc),
+              "no faults found\n");
+    EXPECT_EQ(rc, 0);
+    for (const char* t : {"tblOrdner", "tblSeiten"}) {
+        const std::string csv = befehlsAusgabe("mdb-export '" + pfad + "' " + t, &rc);
+        EXPECT_EQ(rc, 0) << t;
+        EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 2 + 2 * kJeProzess) << t;
+    }
 }
 
 // The command line speaks English whatever the program's language: a
