@@ -134,7 +134,8 @@ TEST_F(ServerCatalogue, PagesMadeAtOnceInOneFolderAreThereOnce) {
 // it as Blocks (with the Pages they need: 100 each, TESSARA_SERVER_BLOECKE
 // sets another number) and deleting a tenth of them;
 // then the same with the server stopped half way and started again. Every
-// Block a workstation reports is there exactly once, and nothing else; one
+// Block a workstation reports is there exactly once, and nothing else but
+// the one whose write was cut off when the process says it cannot know; one
 // cut off ends with a line that says so.
 TEST_F(ServerCatalogue, TwentyWorkstationsAtOnceLoseNothingEvenWhenTheServerStops) {
     ASSERT_EQ((run("server push " + (dir / "pg").string()), code), 0);
@@ -177,12 +178,18 @@ TEST_F(ServerCatalogue, TwentyWorkstationsAtOnceLoseNothingEvenWhenTheServerStop
     int abgeschnitten = 0;
     for (int i = 0; i < 20; ++i) {
         const std::string n = "S" + std::to_string(i);
-        const long made = gemeldet(n);
-        EXPECT_EQ(bestand(n), std::to_string(std::max(made, 0L)) + "\n") << n;
-        if (made == bloecke) continue;
-        ++abgeschnitten;
+        const long made = std::max(gemeldet(n), 0L);
         std::string zeile, letzte;
         for (std::ifstream err(dir / (n + ".err")); std::getline(err, zeile);) letzte = zeile;
+        // A Block whose write the line cut off may be there or not: the
+        // process cannot know, and says so.
+        const bool offen = letzte.find("whether it was written is not known") != letzte.npos;
+        const std::string ist = bestand(n);
+        EXPECT_TRUE(ist == std::to_string(made) + "\n" ||
+                    (offen && ist == std::to_string(made + 1) + "\n"))
+            << n << ": " << made << " reported, " << ist << letzte;
+        if (made == bloecke) continue;
+        ++abgeschnitten;
         EXPECT_EQ(letzte.rfind("tessara-cli import-dir: ", 0), 0u) << n << ": " << letzte;
     }
     EXPECT_GT(abgeschnitten, 0) << "the server stopped after every workstation was done";

@@ -301,18 +301,32 @@ class Server {
                               n ? lengths.data() : nullptr, n ? p->binary.data() : nullptr, 0),
                  &PQclear);
         const auto st = r ? PQresultStatus(r.get()) : PGRES_FATAL_ERROR;
-        if (st != PGRES_COMMAND_OK && st != PGRES_TUPLES_OK) fail(r.get());
+        if (st != PGRES_COMMAND_OK && st != PGRES_TUPLES_OK) fail(r.get(), sql);
+        if (sql == "BEGIN") inUnit_ = true;
+        if (sql == "COMMIT" || sql == "ROLLBACK") inUnit_ = false;
         return r;
     }
 
-    [[noreturn]] void fail(const PGresult* r) {
+    [[noreturn]] void fail(const PGresult* r, const std::string& statement) {
         const char* state = r ? PQresultErrorField(r, PG_DIAG_SQLSTATE) : nullptr;
         const std::string code = state ? state : "";
         const char* table = r ? PQresultErrorField(r, PG_DIAG_TABLE_NAME) : nullptr;
         std::string msg = r ? PQresultErrorMessage(r) : PQerrorMessage(c_);
-        if (PQstatus(c_) != CONNECTION_OK)
-            throw sql::Error("The connection to the catalogue server was lost: " + firstLine(msg),
-                             sql::errors::kIntegrity, 3000);
+        if (PQstatus(c_) != CONNECTION_OK) {
+            // A change the server may have made durable before the line
+            // went: a COMMIT, or a write that was its own unit. A unit cut
+            // off before its COMMIT was rolled back by the server.
+            const bool unbekannt =
+                statement == "COMMIT" ||
+                (!inUnit_ && statement.rfind("SELECT", 0) != 0 && statement != "BEGIN");
+            throw sql::Error(
+                std::string("The connection to the catalogue server was lost") +
+                    (unbekannt ? " while a change was being written; whether it was written is "
+                                 "not known"
+                               : "") +
+                    ": " + firstLine(msg),
+                sql::errors::kIntegrity, 3000);
+        }
         if (code == "23505") throw sql::errors::duplicateKey();
         // Two workstations' units crossed: the server gave one up. Jet's
         // "currently locked" tells the caller that trying again may succeed.
@@ -353,6 +367,7 @@ class Server {
 
   private:
     PGconn* c_;
+    bool inUnit_ = false;  // between a BEGIN and its COMMIT or ROLLBACK
 };
 
 struct TableMeta {
