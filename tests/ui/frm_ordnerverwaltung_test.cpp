@@ -59,15 +59,6 @@ class Verwaltung : public HauptfensterTest {
         for (int i = 0; i < b->count(); ++i) l << b->itemText(i);
         return l;
     }
-    void eintippen(QWidget* dialog, const char* feld, const QString& text) {
-        auto* e = kind<QLineEdit>(dialog, feld);
-        e->clear();
-        // QTest types only ASCII keys; umlauts go in as an input method would.
-        e->insert(text);
-    }
-    void klicken(QWidget* dialog, const char* knopf) {
-        QTest::mouseClick(kind<QAbstractButton>(dialog, knopf), Qt::LeftButton);
-    }
 };
 
 TEST_F(Verwaltung, AFullRoundOfFolderAndPageChangesShowsAtOnceInTheMainWindow) {
