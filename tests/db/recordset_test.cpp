@@ -226,8 +226,8 @@ TEST_F(Records, EditsWriteThroughByKeyAndOnMovingOff) {
     rs.setValue("Ordnername", "Rohre");
     rs.update();
     rs.close();
-    rs.open("SELECT Nr, SeitenName FROM tblSeiten WHERE NrTblOrdner = 2 ORDER BY SeitenName",
-            *con, db::adOpenKeyset, db::adLockOptimistic);
+    rs.open("SELECT Nr, SeitenName FROM tblSeiten WHERE NrTblOrdner = 2 ORDER BY SeitenName", *con,
+            db::adOpenKeyset, db::adLockOptimistic);
     rs.setValue("SeitenName", "Eins");
     rs.moveNext();
     sql::Executor ex(con->storage());

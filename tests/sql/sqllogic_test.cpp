@@ -98,8 +98,10 @@ std::vector<Record> parse(const fs::path& file) {
 std::string kindOf(const sql::Error& e) {
     if (dynamic_cast<const sql::Unsupported*>(&e)) return "unsupported";
     namespace x = sql::errors;
-    for (auto [hr, kind] : {std::pair{x::kErrorsInCommand, "command"}, {x::kNoValueGiven, "novalue"},
-                            {x::kTableNotFound, "notfound"}, {x::kTypeMismatch, "mismatch"},
+    for (auto [hr, kind] : {std::pair{x::kErrorsInCommand, "command"},
+                            {x::kNoValueGiven, "novalue"},
+                            {x::kTableNotFound, "notfound"},
+                            {x::kTypeMismatch, "mismatch"},
                             {x::kIntegrity, "integrity"}})
         if (e.hresult() == hr) return kind;
     return std::to_string(e.hresult());

@@ -320,7 +320,8 @@ TEST_F(Hauptfenster, ACodeTableOrLibraryThatCannotBeReadIsReportedAndTheWindowSt
         f.combutVor_Click();
         f.cmbEinfuegen_Click();
         QTest::keyClick(kind<QWidget>("rasterFlaeche"), Qt::Key_Return);
-        if (bibliothek) EXPECT_FALSE(f.modell().offen() || kind<QPushButton>("combutVor")->isEnabled());
+        if (bibliothek)
+            EXPECT_FALSE(f.modell().offen() || kind<QPushButton>("combutVor")->isEnabled());
     }
 }
 

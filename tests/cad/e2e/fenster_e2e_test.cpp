@@ -208,8 +208,8 @@ TEST_F(FensterE2E, EnterFuegtDieGewaehlteVarianteEin) {
     const std::string db = demoBibliothek(
         {"INSERT INTO tblVariationBloecke (BlockName, BlockID, BlockDateiName) SELECT "
          "'Ventil flach', Nr, '00000000_1' FROM tblBlockInfo WHERE Block = '0000000'"});
-    const auto layer =
-        ersteZeile(cli("sql " + db + " \"SELECT Layer FROM tblBlockInfo WHERE Block = '0000000'\""));
+    const auto layer = ersteZeile(
+        cli("sql " + db + " \"SELECT Layer FROM tblBlockInfo WHERE Block = '0000000'\""));
     ASSERT_EQ(layer.size(), 1u);
     const fs::path varia = verzeichnis / "c" / "Bib" / "000" / "Block" / "Varia";
     fs::create_directories(varia);
@@ -218,8 +218,9 @@ TEST_F(FensterE2E, EnterFuegtDieGewaehlteVarianteEin) {
     const std::string l = enterUndKlick(1);
     const std::string punkt = zeilenRest(l, "PUNKT ");
     ASSERT_FALSE(punkt.empty()) << l;
-    EXPECT_NE(l.find("INSERT block=Ventil flach0 datei=c:\\Bib\\000\\Block\\Varia\\00000000_10.dwg "
-                     "punkt=" + punkt + " x=1 y=1 winkel=0 layer=" + layer[0]),
+    const std::string datei = "c:\\Bib\\000\\Block\\Varia\\00000000_10.dwg";
+    EXPECT_NE(l.find("INSERT block=Ventil flach0 datei=" + datei + " punkt=" + punkt +
+                     " x=1 y=1 winkel=0 layer=" + layer[0]),
               std::string::npos)
         << l;
 }
