@@ -326,7 +326,8 @@ TEST_F(Hauptfenster, ACodeTableOrLibraryThatCannotBeReadIsReportedAndTheWindowSt
 }
 
 // The fake AutoCAD's events move the title; the host closing in the middle
-// of an insertion ends it and leaves the window to connect afresh.
+// of an insertion ends it and leaves the window to connect afresh. What the
+// events mean (closed drawings, the connection dropped) is HostEreignisse's.
 TEST_F(Hauptfenster, HostEreignisseBewegenDenTitelUndEinSchliessenderHostEndetSauber) {
     test::FakeAutomation automation;
     automation.laufend =
@@ -342,8 +343,7 @@ TEST_F(Hauptfenster, HostEreignisseBewegenDenTitelUndEinSchliessenderHostEndetSa
     app->dokument->variablen["DWGPREFIX"] = bib + "\\fehlt\\";
     app->ausloesen(AcadEreignis::DokumentGeoeffnet, "Plan.dwg");
     EXPECT_EQ(titel(), basis + " - Plan.dwg (Verzeichnis schreibgeschützt)");
-    app->ausloesen(AcadEreignis::DokumentGeschlossen, "Plan.dwg");
-    EXPECT_EQ(titel(), basis);
+    EXPECT_NE(kind<QLabel>("labStatus")->text(), "AutoCAD wurde beendet.");
 
     auto gehalten = automation.laufend;  // the insertion's document outlives the host
     app->dokument->beiBefehl = [&](const std::string&) {
@@ -357,8 +357,6 @@ TEST_F(Hauptfenster, HostEreignisseBewegenDenTitelUndEinSchliessenderHostEndetSa
     EXPECT_EQ(eingefuegt.count(), 1);
     EXPECT_EQ(titel(), basis);
     EXPECT_EQ(kind<QLabel>("labStatus")->text(), "AutoCAD wurde beendet.");
-    EXPECT_EQ(cad.acadApp, nullptr);
-    EXPECT_EQ(cad.typAcadVersionInfo.strACadVersion, "");
     bildschirmfoto(&f, "frmBlockverwaltung_host_beendet");
     // The next insertion looks for a host again and finds none.
     f.cmbEinfuegen_Click();
