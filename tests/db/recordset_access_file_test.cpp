@@ -41,24 +41,6 @@ class RealRecords : public ::testing::Test {
     std::unique_ptr<db::Connection> con;
 };
 
-TEST_F(RealRecords, NavigationFindFilterAndPosition) {
-    db::Recordset rs;
-    rs.open("SELECT id, otherfk1, data FROM Table1 ORDER BY id", *con, db::adOpenKeyset,
-            db::adLockOptimistic);
-    ASSERT_EQ(rs.recordCount(), 4);
-    EXPECT_TRUE(rs.find("data Like 'BAZ11-*'"));
-    EXPECT_EQ(rs.value("id").asInt(), 2);
-    EXPECT_EQ(rs.absolutePosition(), 3);
-    rs.moveFirst();
-    EXPECT_TRUE(rs.find("id = 3"));
-    EXPECT_EQ(rs.text("data"), "baz13");
-    rs.setFilter("otherfk1 = 1");
-    EXPECT_EQ(rs.recordCount(), 2);
-    rs.clearFilter();
-    rs.setAbsolutePosition(1);
-    EXPECT_EQ(rs.text("data"), "baz0");
-}
-
 TEST_F(RealRecords, WritingThroughTheReadOnlyAdapterLeavesTheFileAsItWas) {
     std::string before = tessara::test::dateiInhalt(file);
     db::Recordset rs;

@@ -24,8 +24,6 @@
 //   access scans=<n> seeks=<n>    how the record before reached its rows (memory only)
 //   schema <table>                ---- then name|type|size|auto|nullable per column,
 //                                 then index <name>|<cols>|<flags> per index
-// TESSARA_SQLTEST_WRITE=1 rewrites the expected parts with what the engine
-// answers, to fill in a new file; read the difference before keeping it.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -99,18 +97,13 @@ std::vector<Record> parse(const fs::path& file) {
 
 std::string kindOf(const sql::Error& e) {
     if (dynamic_cast<const sql::Unsupported*>(&e)) return "unsupported";
-    switch (e.hresult()) {
-        case sql::errors::kErrorsInCommand:
-            return "command";
-        case sql::errors::kNoValueGiven:
-            return "novalue";
-        case sql::errors::kTableNotFound:
-            return "notfound";
-        case sql::errors::kTypeMismatch:
-            return "mismatch";
-        case sql::errors::kIntegrity:
-            return "integrity";
-    }
+    namespace x = sql::errors;
+    for (auto [hr, kind] : {std::pair{x::kErrorsInCommand, "command"},
+                            {x::kNoValueGiven, "novalue"},
+                            {x::kTableNotFound, "notfound"},
+                            {x::kTypeMismatch, "mismatch"},
+                            {x::kIntegrity, "integrity"}})
+        if (e.hresult() == hr) return kind;
     return std::to_string(e.hresult());
 }
 
@@ -194,14 +187,6 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
         return s;
     }
     void check(const Record& r, const std::vector<std::string>& actual) {
-        if (write) {
-            auto& kept = rewritten[r.line] = actual;
-            for (auto& k : kept)
-                for (auto p = k.find(dir.string()); p != std::string::npos;
-                     p = k.find(dir.string()))
-                    k.replace(p, dir.string().size(), "${dir}");
-            return;
-        }
         std::vector<std::string> expected;
         for (const auto& e : r.expected) expected.push_back(substituted(e));
         if (actual != expected)
@@ -244,7 +229,6 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
                 // Any error of the SQL layer will do.
             } else if (h[0] == "statement" && h.at(1) == "error") {
                 std::string seen = std::to_string(e.number()) + " " + kindOf(e);
-                if (write) headers[r.line] = "statement error " + seen;
                 if (seen != h.at(2) + " " + h.at(3))
                     ADD_FAILURE_AT(file.c_str(), r.line) << r.sql << ": " << seen;
                 check(r, {e.what()});
@@ -337,9 +321,6 @@ class SqlLogic : public ::testing::TestWithParam<Param> {
     std::shared_ptr<sql::MemoryFiles> files;
     std::map<std::string, std::shared_ptr<sql::Storage>> named;  // by file name
     std::unique_ptr<sql::Executor> ex;
-    bool write = std::getenv("TESSARA_SQLTEST_WRITE") != nullptr;
-    std::map<int, std::vector<std::string>> rewritten;  // header line -> expected part
-    std::map<int, std::string> headers;                 // header line -> new header
 };
 
 TEST_P(SqlLogic, Records) {
@@ -366,24 +347,6 @@ TEST_P(SqlLogic, Records) {
     EXPECT_GT(checked, 0) << file;
     if (store == "pg") {
         EXPECT_GT(rendered, 0) << "no query was rendered for the server";
-    }
-    if (!write) return;
-    // Rewrites each expected part from the engine's answers, in place.
-    std::ifstream in(file);
-    std::vector<std::string> lines;
-    for (std::string l; std::getline(in, l);) lines.push_back(l);
-    std::ofstream out(file);
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        auto h = headers.find(static_cast<int>(i) + 1);
-        out << (h == headers.end() ? lines[i] : h->second) << "\n";
-        auto it = rewritten.find(static_cast<int>(i) + 1);
-        if (it == rewritten.end()) continue;
-        for (++i; i < lines.size() && !lines[i].empty() && lines[i] != "----"; ++i)
-            out << lines[i] << "\n";
-        out << "----\n";
-        for (const auto& e : it->second) out << e << "\n";
-        while (i < lines.size() && !lines[i].empty()) ++i;
-        if (i < lines.size()) out << "\n";
     }
 }
 

@@ -21,14 +21,6 @@ TEST(TextRules, LikeTable) {
     }
 }
 
-TEST(TextRules, CaseInsensitiveEquality) {
-    EXPECT_TRUE(sql::textEquals("ÖL", "öl"));
-    EXPECT_TRUE(sql::textEquals("Armaturen", "ARMATUREN"));
-    EXPECT_TRUE(sql::textEquals("Fuß", "FUSS"));
-    EXPECT_FALSE(sql::textEquals("Öl", "Ol"));
-    EXPECT_FALSE(sql::textEquals("a", "a "));
-}
-
 TEST(TextRules, GeneralOrder) {
     std::vector<std::string> v = {"b",  "A", "2",  "10",    "a",  "1",  "Ä", "c",
                                   " x", "-", "ab", "Zebra", "öl", "ol", "om"};

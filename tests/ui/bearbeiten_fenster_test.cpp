@@ -27,26 +27,7 @@
 namespace tessara::uitest {
 namespace {
 
-class Bearbeiten : public HauptfensterTest {
-  protected:
-    // Runs `bedienen` on the modal window the call opens.
-    template <class T, class Bedienen>
-    void sobaldOffen(Bedienen bedienen) {
-        QTimer::singleShot(0, [this, bedienen] {
-            auto* f = qobject_cast<T*>(QApplication::activeModalWidget());
-            ASSERT_NE(f, nullptr);
-            bedienen(f);
-        });
-    }
-    void eintippen(QWidget* in, const char* feld, const QString& text) {
-        auto* e = kind<QLineEdit>(in, feld);
-        e->clear();
-        e->insert(text);
-    }
-    void klicken(QWidget* in, const char* knopf) {
-        QTest::mouseClick(kind<QPushButton>(in, QString::fromUtf8(knopf)), Qt::LeftButton);
-    }
-};
+using Bearbeiten = HauptfensterTest;
 
 TEST_F(Bearbeiten, TheNameDialogRefusesTooLongANameAndStaysOpen) {
     QtBenutzer qt;

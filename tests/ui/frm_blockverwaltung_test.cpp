@@ -63,8 +63,18 @@ class Hauptfenster : public HauptfensterTest {
     }
 };
 
-TEST_F(Hauptfenster, ShowsTheLibraryWithPaintedPreviews) {
+// Slot 1 loses its slide and gets a drawing with a sky-blue 5 x 3 PNG
+// preview before the window paints: slot 0 paints its slide, slot 1 the
+// drawing's preview.
+TEST_F(Hauptfenster, ShowsTheLibraryWithSlidesOrTheDrawingsPreview) {
     auto& f = laden();
+    const auto& s = f.modell().seitenSlots().at(1);
+    fs::remove(platform::nativePath(slide::fctBildnameZerlegen(s.strBildname).datei));
+    fs::copy_file(std::string(TESSARA_SOURCE_DIR) + "/fuzz/seeds/dwg_preview/png2013.dwg",
+                  platform::nativePath(
+                      f.modell().strBasisVerzeichnis() +
+                      fctZeichnungDatei(f.modell().aktuellerOrdner()->OrdnerNr, s.strBlockNr, 0)),
+                  fs::copy_options::overwrite_existing);
     f.resize(1180, 820);
     f.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&f));
@@ -83,29 +93,9 @@ TEST_F(Hauptfenster, ShowsTheLibraryWithPaintedPreviews) {
     for (int y = 0; y < bild.height(); ++y)
         for (int x = 0; x < bild.width(); ++x) gezeichnet += bild.pixel(x, y) != grund;
     EXPECT_GT(gezeichnet, 100) << "slot 0 is blank";
+    const QImage vorschau = kind<SldBlockverwaltung>("sldBlockverwaltung_1")->bild();
+    EXPECT_EQ(vorschau.pixel(vorschau.width() / 2, vorschau.height() / 2), qRgb(0, 200, 255));
     bildschirmfoto(&f, "frmBlockverwaltung");
-}
-
-TEST_F(Hauptfenster, ASlotWithoutItsSlideShowsThePreviewItsDrawingCarries) {
-    auto& f = laden();
-    // Slot 0 loses its slide and gets a drawing with a sky-blue 5 x 3 PNG
-    // preview, before the window paints at its shown size.
-    const auto& s = f.modell().seitenSlots().at(0);
-    fs::remove(platform::nativePath(slide::fctBildnameZerlegen(s.strBildname).datei));
-    fs::copy_file(std::string(TESSARA_SOURCE_DIR) + "/fuzz/seeds/dwg_preview/png2013.dwg",
-                  platform::nativePath(
-                      f.modell().strBasisVerzeichnis() +
-                      fctZeichnungDatei(f.modell().aktuellerOrdner()->OrdnerNr, s.strBlockNr, 0)),
-                  fs::copy_options::overwrite_existing);
-    f.resize(1180, 820);
-    f.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&f));
-    QSignalSpy gemalt(&f, &FrmBlockverwaltung::seiteGemalt);
-    f.Anzeigen();
-    ASSERT_TRUE(gemalt.count() > 0 || gemalt.wait(10000));
-    const QImage bild = kind<SldBlockverwaltung>("sldBlockverwaltung_0")->bild();
-    EXPECT_EQ(bild.pixel(bild.width() / 2, bild.height() / 2), qRgb(0, 200, 255));
-    bildschirmfoto(&f, "frmBlockverwaltung_dwg_preview");
 }
 
 // Only for AutoCAD LT: the angle box greys the X-scale box, that one the
@@ -309,32 +299,35 @@ TEST_F(Hauptfenster, TheLibraryMenuAttachesAndDetachesLibraries) {
     EXPECT_TRUE(fs::exists(wurzel / "neu" / "dbTessara.mdb"));
 }
 
-TEST_F(Hauptfenster, ADamagedLibraryIsReportedAndTheWindowStaysUsable) {
-    std::ofstream(wurzel / "bib" / "dbTessara.mdb", std::ios::binary | std::ios::trunc)
-        << std::string(8192, '\x5a');
-    auto& f = laden();
-    ASSERT_FALSE(benutzer.gezeigt.empty());
-    EXPECT_NE(benutzer.gezeigt.back().text.find("dbTessara.mdb"), std::string::npos);
-    EXPECT_FALSE(f.modell().offen());
-    EXPECT_EQ(sichtbareSlots(), 0);
-    f.combutVor_Click();
-    f.cmbEinfuegen_Click();
-    EXPECT_FALSE(kind<QPushButton>("combutVor")->isEnabled());
-}
-
-TEST_F(Hauptfenster, WithoutItsCodeTableTheWindowSaysSoAndStaysUsable) {
-    fs::create_directories(wurzel / "prog");
-    z.strAppPfad = platform::programPath((wurzel / "prog").string());
-    auto& f = laden();
-    ASSERT_FALSE(benutzer.gezeigt.empty());
-    EXPECT_NE(benutzer.gezeigt.front().text.find("txtPrefix.txt"), std::string::npos);
-    EXPECT_EQ(sichtbareSlots(), 0);
-    f.combutVor_Click();
-    QTest::keyClick(kind<QWidget>("rasterFlaeche"), Qt::Key_Return);
+// A program folder without its code table, a damaged library: the window
+// says which file, shows no slots and stays usable.
+TEST_F(Hauptfenster, ACodeTableOrLibraryThatCannotBeReadIsReportedAndTheWindowStaysUsable) {
+    const std::string app = z.strAppPfad;
+    for (const std::string datei : {"txtPrefix.txt", "dbTessara.mdb"}) {
+        SCOPED_TRACE(datei);
+        const bool bibliothek = datei == "dbTessara.mdb";
+        fenster.reset();
+        benutzer.gezeigt.clear();
+        fs::create_directories(wurzel / "prog");
+        z.strAppPfad = bibliothek ? app : platform::programPath((wurzel / "prog").string());
+        if (bibliothek)
+            std::ofstream(wurzel / "bib" / datei, std::ios::binary | std::ios::trunc)
+                << std::string(8192, '\x5a');
+        auto& f = laden();
+        ASSERT_FALSE(benutzer.gezeigt.empty());
+        EXPECT_NE(benutzer.gezeigt.front().text.find(datei), std::string::npos);
+        EXPECT_EQ(sichtbareSlots(), 0);
+        f.combutVor_Click();
+        f.cmbEinfuegen_Click();
+        QTest::keyClick(kind<QWidget>("rasterFlaeche"), Qt::Key_Return);
+        if (bibliothek)
+            EXPECT_FALSE(f.modell().offen() || kind<QPushButton>("combutVor")->isEnabled());
+    }
 }
 
 // The fake AutoCAD's events move the title; the host closing in the middle
-// of an insertion ends it and leaves the window to connect afresh.
+// of an insertion ends it and leaves the window to connect afresh. What the
+// events mean (closed drawings, the connection dropped) is HostEreignisse's.
 TEST_F(Hauptfenster, HostEreignisseBewegenDenTitelUndEinSchliessenderHostEndetSauber) {
     test::FakeAutomation automation;
     automation.laufend =
@@ -350,8 +343,7 @@ TEST_F(Hauptfenster, HostEreignisseBewegenDenTitelUndEinSchliessenderHostEndetSa
     app->dokument->variablen["DWGPREFIX"] = bib + "\\fehlt\\";
     app->ausloesen(AcadEreignis::DokumentGeoeffnet, "Plan.dwg");
     EXPECT_EQ(titel(), basis + " - Plan.dwg (Verzeichnis schreibgeschützt)");
-    app->ausloesen(AcadEreignis::DokumentGeschlossen, "Plan.dwg");
-    EXPECT_EQ(titel(), basis);
+    EXPECT_NE(kind<QLabel>("labStatus")->text(), "AutoCAD wurde beendet.");
 
     auto gehalten = automation.laufend;  // the insertion's document outlives the host
     app->dokument->beiBefehl = [&](const std::string&) {
@@ -365,8 +357,6 @@ TEST_F(Hauptfenster, HostEreignisseBewegenDenTitelUndEinSchliessenderHostEndetSa
     EXPECT_EQ(eingefuegt.count(), 1);
     EXPECT_EQ(titel(), basis);
     EXPECT_EQ(kind<QLabel>("labStatus")->text(), "AutoCAD wurde beendet.");
-    EXPECT_EQ(cad.acadApp, nullptr);
-    EXPECT_EQ(cad.typAcadVersionInfo.strACadVersion, "");
     bildschirmfoto(&f, "frmBlockverwaltung_host_beendet");
     // The next insertion looks for a host again and finds none.
     f.cmbEinfuegen_Click();

@@ -59,15 +59,6 @@ class Verwaltung : public HauptfensterTest {
         for (int i = 0; i < b->count(); ++i) l << b->itemText(i);
         return l;
     }
-    void eintippen(QWidget* dialog, const char* feld, const QString& text) {
-        auto* e = kind<QLineEdit>(dialog, feld);
-        e->clear();
-        // QTest types only ASCII keys; umlauts go in as an input method would.
-        e->insert(text);
-    }
-    void klicken(QWidget* dialog, const char* knopf) {
-        QTest::mouseClick(kind<QAbstractButton>(dialog, knopf), Qt::LeftButton);
-    }
 };
 
 TEST_F(Verwaltung, AFullRoundOfFolderAndPageChangesShowsAtOnceInTheMainWindow) {
@@ -250,17 +241,12 @@ TEST_F(Verwaltung, WithRightsManagementTheFolderWindowListsOnlyTheUsersFolders) 
     const int alle = liste->count();
     liste->setCurrentRow(1);
     const QString zweiter = liste->currentItem()->text();
-    eintippen(ordner, "txtOrdnerRechte", "Schulz");
-    klicken(ordner, "cmdRechteSpeichern");  // would lock meier out
-    EXPECT_EQ(liste->count(), alle);
+    // The list as the rights tidy it (the rules are Rechte's) comes back.
     eintippen(ordner, "txtOrdnerRechte", "Schulz; MEIER");
     klicken(ordner, "cmdRechteSpeichern");
     EXPECT_EQ(kind<QLineEdit>(ordner, "txtOrdnerRechte")->text(), "Schulz;MEIER");
     bildschirmfoto(ordner, "frmOrdnerverwaltung_Rechte");
-
     // The demo library's other Folders are open to all.
-    ordner->setRechte(true, "schulz");
-    EXPECT_EQ(liste->count(), alle);
     ordner->setRechte(true, "mueller");
     ASSERT_EQ(liste->count(), alle - 1);
     for (int i = 0; i < liste->count(); ++i) EXPECT_NE(liste->item(i)->text(), zweiter);

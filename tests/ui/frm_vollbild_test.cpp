@@ -56,17 +56,5 @@ TEST_F(FrmVollbildTest, PaintsTheSlideAtTheWindowsSizeAndEscapeCloses) {
     EXPECT_EQ(protokoll(), "");
 }
 
-TEST_F(FrmVollbildTest, AMissingSlideShowsTheNoPreviewPicture) {
-    ui::DiaVorschauCache cache;
-    FrmVollbild f(z, cache, testdatenProgrammPfad("slides/gibt_es_nicht.sld"), "", "");
-    f.resize(400, 300);
-    f.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&f));
-    auto* flaeche = f.findChild<DiaFlaeche*>("sldVollbild");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !flaeche->bild().isNull(); }));
-    EXPECT_EQ(flaeche->bild(),
-              ui::fctKeineVorschauBild(flaeche->bildGroesse(), ui::DiaHintergrund::Dunkel));
-}
-
 }  // namespace
 }  // namespace tessara::uitest

@@ -25,16 +25,11 @@ class MenueFenster : public HauptfensterTest {
     void oeffnen(const char* menue, const char* eintrag, Bedienen bedienen) {
         auto* a = kind<QAction>(fenster.get(), QString::fromLatin1(eintrag));
         ASSERT_TRUE(kind<QMenu>(fenster.get(), QString::fromLatin1(menue))->actions().contains(a));
-        QTimer::singleShot(0, [bedienen] {
-            auto* f = qobject_cast<T*>(QApplication::activeModalWidget());
-            ASSERT_NE(f, nullptr);
+        sobaldOffen<T>([bedienen](T* f) {
             bedienen(f);
             f->accept();
         });
         a->trigger();
-    }
-    void klicken(QWidget* in, const char* knopf) {
-        QTest::mouseClick(kind<QPushButton>(in, QString::fromLatin1(knopf)), Qt::LeftButton);
     }
 };
 

@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -193,30 +192,23 @@ TEST_F(Suche, TheQuickFilterFindsKugelhahnAndAKeystrokeNeverWaitsForAScan) {
     EXPECT_TRUE(txt->text().isEmpty());
     EXPECT_FALSE(leeren->isVisible());
 
-    // A scan that takes long: rows whose text nearly matches at every place.
+    // A scan that takes long (rows whose text nearly matches at every place)
+    // runs beside the keystrokes: it is still running after them, and only
+    // the text typed last is scanned to its end.
     auto lang = std::make_shared<SchnellSchnappschuss>(5000);
     for (std::size_t i = 0; i < lang->size(); ++i) {
         (*lang)[i].Block = "000" + std::to_string(i);
         (*lang)[i].gefaltet = std::string(4000, 'a') + (i == 4999 ? "b" : "");
     }
-    const std::string nadel = std::string(1000, 'a') + "b";
-    QElapsedTimer uhr;
-    uhr.start();
-    std::atomic<bool> nie{false};
-    fctSchnellfilterScannen(*lang, nadel, nie, [](std::vector<std::size_t>) {});
-    const qint64 scan = uhr.elapsed();
-    ASSERT_GE(scan, 100) << "the scan is too short to show anything";
     filter->setSchnappschuss(lang, fenster->modell().strDatenbank());
-    txt->setText(QString::fromStdString(nadel));  // the long scan begins
+    txt->setText(QString::fromStdString(std::string(1000, 'a') + "b"));  // the long scan begins
     fertig.clear();
-    uhr.restart();
-    QTest::keyClick(txt, Qt::Key_Backspace);  // meanwhile, one more keystroke
+    QTest::keyClick(txt, Qt::Key_Backspace);
     QTest::keyClick(txt, 'b');
-    const qint64 taste = uhr.elapsed();
-    EXPECT_LT(taste * 4, scan) << "keystrokes took " << taste << " ms, a scan " << scan << " ms";
+    QApplication::processEvents();  // a scan run in the keystroke would have ended here
     EXPECT_TRUE(filter->scanLaeuft());
     ASSERT_TRUE(fertig.wait(10000));
-    while (fertig.wait(scan * 2)) {
+    while (fertig.wait(1000)) {
     }
     EXPECT_EQ(fertig.count(), 1);  // only the text typed last was scanned to its end
     EXPECT_EQ(lis->count(), 1);

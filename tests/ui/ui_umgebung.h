@@ -4,7 +4,12 @@
 // and screenshots for a person to look at.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLineEdit>
 #include <QString>
+#include <QTest>
+#include <QTimer>
 #include <QWidget>
 #include <filesystem>
 #include <memory>
@@ -32,6 +37,24 @@ class FensterTest : public ::testing::Test {
         auto* w = in->template findChild<T*>(name);
         EXPECT_NE(w, nullptr) << name.toStdString();
         return w;
+    }
+    // Types into a box as an input method would (QTest types only ASCII keys).
+    void eintippen(QWidget* in, const char* feld, const QString& text) {
+        auto* e = kind<QLineEdit>(in, QString::fromUtf8(feld));
+        e->clear();
+        e->insert(text);
+    }
+    void klicken(QWidget* in, const char* knopf) {
+        QTest::mouseClick(kind<QAbstractButton>(in, QString::fromUtf8(knopf)), Qt::LeftButton);
+    }
+    // Runs `bedienen` on the modal window of type T the next call opens.
+    template <class T, class Bedienen>
+    static void sobaldOffen(Bedienen bedienen) {
+        QTimer::singleShot(0, [bedienen] {
+            auto* f = qobject_cast<T*>(QApplication::activeModalWidget());
+            ASSERT_NE(f, nullptr);
+            bedienen(f);
+        });
     }
 
     std::filesystem::path wurzel;

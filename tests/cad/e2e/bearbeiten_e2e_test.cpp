@@ -3,10 +3,8 @@
 // temporary directory, and the moves and insertions that follow them. A
 // helper thread plays the user's hand in the host through XTest.
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -104,15 +102,6 @@ class BearbeitenE2E : public HostTest {
         }
         return r;
     }
-    // The library's files; the engine's journal, kept while the library is open, is not one.
-    std::vector<std::string> dateien() const {
-        std::vector<std::string> r;
-        for (const auto& e : fs::recursive_directory_iterator(bib()))
-            if (e.is_regular_file() && e.path().extension() != ".mdb-journal")
-                r.push_back(fs::relative(e.path(), bib()).string());
-        std::sort(r.begin(), r.end());
-        return r;
-    }
     std::vector<std::string> eintraege(const fs::path& bibliothek) const {
         const auto b = slide::SlideLibrary::readFile(bibliothek.string());
         std::vector<std::string> r;
@@ -155,46 +144,6 @@ TEST_F(BearbeitenE2E, NeuerBlock) {
     EXPECT_TRUE(sitzung->modell().seitenSlots()[1].booBelegt);
     EXPECT_FALSE(fs::exists(verzeichnis / "c" / "temp" / "TessaraNeu"));
     ASSERT_TRUE(warteAufLog(log, "UNDO ZURUECK")) << lesen(log);
-}
-
-// However the user or the host ends the flow early, the library stays as it
-// was: Escape during the selection, a selection ended without objects, the
-// host closed half way (the wait then ends at its 40-second bound).
-TEST_F(BearbeitenE2E, AbbruchLaesstBibliothekUnveraendert) {
-    const auto vorher = dateien();
-    struct Fall {
-        const char* name;
-        std::function<void()> hand;
-    };
-    const std::vector<Fall> faelle{
-        {"Escape",
-         [&] {
-             if (!warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) return;
-             Hand().escape(desktop.haltenBisGesehen(platform::Key::Escape));
-         }},
-        {"ohne Objekt",
-         [&] {
-             if (!warteAufLog(log, "WBLOCK WAEHLT OBJEKTE") &&
-                 !warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT"))
-                 return;
-             klickenBis(1, 200, 299, "WBLOCK WAEHLT OBJEKTE");
-             Hand().klick(3, 300, 200, desktop.haltenBisGesehen(platform::Key::RightButton));
-         }},
-        {"Host geschlossen",
-         [&] {
-             if (warteAufLog(log, "WBLOCK WARTET AUF BASISPUNKT")) kill(host, SIGKILL);
-         }},
-    };
-    for (const auto& f : faelle) {
-        SCOPED_TRACE(f.name);
-        std::ofstream(log, std::ios::trunc).close();
-        std::thread hand(f.hand);
-        EXPECT_EQ(neu(NeuArt::Block), kNichtsGeaendert);
-        hand.join();
-        EXPECT_EQ(dateien(), vorher);
-        EXPECT_EQ(zeilen("SELECT Block FROM tblBlockInfo"), std::vector<std::string>{});
-        EXPECT_FALSE(fs::exists(verzeichnis / "c" / "temp" / "TessaraNeu"));
-    }
 }
 
 // A Block with a second View and a Variant, each picked in the host: the
