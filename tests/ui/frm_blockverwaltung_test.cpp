@@ -320,8 +320,9 @@ TEST_F(Hauptfenster, ACodeTableOrLibraryThatCannotBeReadIsReportedAndTheWindowSt
         f.combutVor_Click();
         f.cmbEinfuegen_Click();
         QTest::keyClick(kind<QWidget>("rasterFlaeche"), Qt::Key_Return);
-        if (bibliothek)
+        if (bibliothek) {
             EXPECT_FALSE(f.modell().offen() || kind<QPushButton>("combutVor")->isEnabled());
+        }
     }
 }
 
