@@ -1,33 +1,22 @@
 // libpq's functions, as the driver calls them, forwarded to the libpq.dll
-// found at run time. LoadLibrary looks in the program's directory first, then
-// in the system's and on PATH; the DLLs that libpq.dll needs itself (OpenSSL,
-// zlib) are looked for beside it too. Only the functions the driver uses are
-// here: a new libpq call in the driver needs its line below, or the Windows
-// build fails to link.
+// found at run time (in the program's directory, the system's or on PATH).
+// Only the functions the driver uses are here: a new libpq call in the
+// driver needs its line below, or the Windows build fails to link.
 #include <libpq-fe.h>
-#include <windows.h>
 
-#include <mutex>
 #include <string>
 
 #include "db/pg/pg_driver.h"
 #include "db/server_catalogue.h"
+#include "platform/win32/dll.h"
 
 namespace db::pg {
 
 namespace {
 
-HMODULE libpq() {
-    static HMODULE module = nullptr;
-    static std::once_flag once;
-    std::call_once(once, [] {
-        module =
-            LoadLibraryExW(L"libpq.dll", nullptr,
-                           LOAD_LIBRARY_SEARCH_DEFAULT_DIRS | LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR);
-        // Systems without the safer search flags refuse them; the plain search then.
-        if (!module) module = LoadLibraryW(L"libpq.dll");
-    });
-    return module;
+void* libpq() {
+    static void* const dll = platform::win32::loadDll("libpq.dll");
+    return dll;
 }
 
 [[noreturn]] void missing(const std::string& what) {
@@ -37,9 +26,9 @@ HMODULE libpq() {
 // The DLL's function of the name, typed as libpq's header declares it.
 template <typename F>
 F* resolve(const char* name) {
-    const FARPROC p = GetProcAddress(libpq(), name);
+    const auto p = platform::win32::dllFunction(libpq(), name);
     if (!p) missing(std::string("libpq.dll has no ") + name);
-    return reinterpret_cast<F*>(reinterpret_cast<void (*)()>(p));
+    return reinterpret_cast<F*>(p);
 }
 
 }  // namespace
