@@ -104,6 +104,10 @@ Antwort QtBenutzer::zeigen(const std::string& text, const std::string& titel, Sy
             if (!s.empty()) b->setText(q(s));
         }
     }
+    // The start window only tells how far the load has come: a box in the
+    // middle of the load must not sit half behind it.
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->isVisible() && w->windowType() == Qt::SplashScreen) w->hide();
     const int ergebnis = box.exec();
     if (haken) angekreuzt = haken->isChecked();
     switch (ergebnis) {
