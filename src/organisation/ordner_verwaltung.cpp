@@ -22,9 +22,6 @@ namespace tessara {
 namespace {
 
 constexpr const char* kSortSpalte = "NrTblOrdnen";
-constexpr long kDoppelterSchluessel = 3022;  // Jet's number for a key taken twice
-constexpr long kGesperrt = 3218;             // "currently locked": a unit given up
-constexpr int kVersuche = 20;
 constexpr const char* kOhneOrdnung = "SELECT * FROM [tblOrdner]";
 
 // Characters, not bytes: names arrive as UTF-8.
@@ -214,9 +211,7 @@ bool fctOrdnerNeu(ProgrammZustand& z, NavigationsModell& m, const std::string& s
                 }
                 break;
             } catch (const sql::Error& fehler) {
-                if ((fehler.number() != kDoppelterSchluessel && fehler.number() != kGesperrt) ||
-                    versuch >= kVersuche)
-                    throw;
+                if (!fctRennenVerloren(fehler.number()) || versuch >= kRennenVersuche) throw;
                 if (fehler.number() == kDoppelterSchluessel) abgewiesen.insert(code);
                 if (rs.editing()) rs.cancelUpdate();
             }

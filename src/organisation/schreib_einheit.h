@@ -15,6 +15,17 @@
 
 namespace tessara {
 
+// On a catalogue server a unit does not keep other workstations out: one may
+// take the same key in between (the server's unique key refuses the second),
+// or the server gives up one of two crossing units. Jet's numbers for both;
+// an action that lost such a race looks again instead of failing.
+inline constexpr long kDoppelterSchluessel = 3022;  // a key taken twice
+inline constexpr long kGesperrt = 3218;             // "currently locked": a unit given up
+inline constexpr int kRennenVersuche = 20;
+inline bool fctRennenVerloren(long lngFehlerNr) {
+    return lngFehlerNr == kDoppelterSchluessel || lngFehlerNr == kGesperrt;
+}
+
 class SchreibEinheit {
   public:
     explicit SchreibEinheit(db::Connection& con) : s_(con.storage()) {

@@ -13,11 +13,6 @@ namespace tessara {
 
 namespace {
 
-constexpr int kVersuche = 20;
-
-// Jet's numbers for a key taken twice and for a unit the server gave up.
-bool verlorenesRennen(const sql::Error& e) { return e.number() == 3022 || e.number() == 3218; }
-
 // What decides how a Page is written: the row holding the number, and
 // another row holding the name. Read once before the questions and once
 // more in the unit that writes; when the two differ, another workstation
@@ -65,7 +60,7 @@ bool seiteSchreiben(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
     db::Connection& con = m.datenbank().con;
     db::Recordset& rs = m.datenbank().rsSeiten;
     const std::string nr = std::to_string(lngSeitenNr);
-    for (int versuch = 0; versuch < kVersuche; ++versuch) {
+    for (int versuch = 0; versuch < kRennenVersuche; ++versuch) {
         Lage vorher;
         {
             SchreibEinheit e(con);
@@ -99,7 +94,7 @@ bool seiteSchreiben(ProgrammZustand& z, NavigationsModell& m, long lngSeitenNr,
             // between the look and the write (the server's unique key then
             // refuses ours), or its unit and ours crossed: look again and
             // ask as if it had been there.
-            if (!verlorenesRennen(fehler)) throw;
+            if (!fctRennenVerloren(fehler.number())) throw;
             if (rs.editing()) rs.cancelUpdate();
             continue;
         }
@@ -157,8 +152,8 @@ bool fctSeiteAnlegenOhneKontrolle(ProgrammZustand& z, NavigationsModell& m, long
                 // Another workstation filling the same Folder made this Page
                 // first (a catalogue server's unique key says so): it is the
                 // Page wanted, so it is used.
-                if (fehler.number() == 3022) break;
-                if (!verlorenesRennen(fehler) || versuch >= kVersuche) throw;
+                if (fehler.number() == kDoppelterSchluessel) break;
+                if (!fctRennenVerloren(fehler.number()) || versuch >= kRennenVersuche) throw;
             }
         }
         return fctSeiteInCboEinlesen(z, m);
